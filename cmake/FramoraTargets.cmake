@@ -1,0 +1,31 @@
+# One place for what every target of the house shares.
+
+add_library(framora_options INTERFACE)
+target_compile_options(framora_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Werror
+  # The same input must give the same bytes on every machine: no fused multiply-add behind our back.
+  -ffp-contract=off)
+target_compile_definitions(framora_options INTERFACE
+  QT_NO_CAST_TO_ASCII QT_NO_FOREACH QT_NO_KEYWORDS)
+target_include_directories(framora_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
+
+# framora_room(NAME SOURCES ... LINK ...): the static library of one room.
+function(framora_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;LINK;PRIVATE_LINK" ${ARGN})
+  add_library(${name} STATIC ${ROOM_SOURCES})
+  target_link_libraries(${name} PUBLIC framora_options ${ROOM_LINK} PRIVATE ${ROOM_PRIVATE_LINK})
+endfunction()
+
+# framora_test(NAME SOURCES ... LINK ... [LABELS ...] [TIMEOUT s]): one GoogleTest executable, one CTest case a test.
+function(framora_test name)
+  cmake_parse_arguments(TEST "" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})
+  if(NOT TEST_TIMEOUT)
+    set(TEST_TIMEOUT 120)
+  endif()
+  add_executable(${name} ${TEST_SOURCES})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  target_link_libraries(${name} PRIVATE framora_options GTest::gmock ${TEST_LINK})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST 
+    PROPERTIES TIMEOUT ${TEST_TIMEOUT} LABELS "${TEST_LABELS}")
+endfunction()

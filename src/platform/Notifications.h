@@ -1,0 +1,22 @@
+#pragma once
+
+/// Every notification's name, in one place.
+namespace framora::notifications {
+
+inline constexpr char hotkeyConfigurationChanged[] = "HotkeyConfigurationChanged";
+inline constexpr char dockIconChanged[] = "DockIconChanged";
+inline constexpr char accessibilityPermissionsGranted[] = "AccessibilityPermissionsGranted";
+inline constexpr char permissionsStatusChanged[] = "PermissionsStatusChanged";
+inline constexpr char settingsChanged[] = "SettingsChanged";
+/// Posted by the desktop when one of the program's windows becomes active and none was before.
+inline constexpr char applicationDidBecomeActive[] = "ApplicationDidBecomeActive";
+
+inline constexpr char editorToolbarCopy[] = "ScreenshotEditorToolbarCopy";
+inline constexpr char editorToolbarSave[] = "ScreenshotEditorToolbarSave";
+inline constexpr char editorToolbarReset[] = "ScreenshotEditorToolbarReset";
+inline constexpr char editorToolbarZoomFit[] = "ScreenshotEditorToolbarZoomFit";
+inline constexpr char editorToolbarZoomActual[] = "ScreenshotEditorToolbarZoomActual";
+inline constexpr char editorMiniaturize[] = "ScreenshotEditorMiniaturize";
+inline constexpr char editorZoomWindow[] = "ScreenshotEditorZoomWindow";
+
+} // namespace framora::notifications

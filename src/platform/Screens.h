@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QRect>
+#include <vector>
+
+namespace framora {
+
+/// One monitor. Coordinates are device pixels of the whole desktop, y down.
+struct Screen {
+    QRect pixelFrame;
+    double pixelRatio = 1.0; ///< Device pixels a point.
+
+    friend bool operator==(const Screen&, const Screen&) = default;
+};
+
+class Screens {
+public:
+    virtual ~Screens() = default;
+    /// Never empty while a toast or a window is to be shown: the main screen is first.
+    virtual std::vector<Screen> screens() = 0;
+};
+
+} // namespace framora

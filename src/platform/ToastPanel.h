@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/Screens.h"
+
+#include <QImage>
+#include <QPointF>
+#include <functional>
+#include <memory>
+
+namespace framora {
+
+/// What a toast panel shows: a card somewhere inside the panel, in points, y down, from the panel's top left.
+class ToastContent {
+public:
+    virtual ~ToastContent() = default;
+    /// The part of the panel that this content draws in, its shadow included. Everything outside is transparent
+    /// and lets clicks through.
+    virtual QRectF bounds(QSizeF panelSize) const = 0;
+    /// The card itself: what takes the pointer, and what stays visible where nothing can be translucent.
+    virtual QRectF cardRect(QSizeF panelSize) const = 0;
+    virtual double cardCornerRadius() const = 0;
+    /// Draws bounds() as premultiplied ARGB at `pixelRatio`.
+    virtual QImage paint(QSizeF panelSize, double pixelRatio) const = 0;
+    /// Pointer inside the card or not. Returns true when the content has to be drawn again.
+    virtual bool setHovered(bool hovered) = 0;
+    /// A press of the primary button at `position` inside the card.
+    virtual void press(QPointF position) = 0;
+};
+
+/// A panel over everything, on every desktop, that never takes focus.
+class ToastPanel {
+public:
+    enum class Easing { easeOut, easeIn };
+
+    virtual ~ToastPanel() = default; ///< Closes it at once.
+    /// 0 is invisible, 1 is fully shown.
+    virtual void setAlpha(double alpha) = 0;
+    /// Shows it without giving it focus.
+    virtual void orderFront() = 0;
+    /// Animates alpha; `done` runs on the main queue when it got there, never when the panel went before. A new
+    /// animation replaces the running one and starts where it stands; the replaced one's `done` does not run.
+    virtual void animateAlpha(double alpha, double seconds, Easing easing, std::function<void()> done) = 0;
+};
+
+class ToastPanels {
+public:
+    virtual ~ToastPanels() = default;
+    /// A panel of the screen's whole frame at alpha 0, not yet shown. With `ignoresMouse` every click goes to what
+    /// lies beneath.
+    virtual std::unique_ptr<ToastPanel> makePanel(const Screen& screen, bool ignoresMouse,
+                                                  std::unique_ptr<ToastContent> content) = 0;
+};
+
+} // namespace framora
