@@ -71,8 +71,8 @@ private:
     std::shared_ptr<Entry> takeNextDue(double end) {
         const auto next = std::min_element(m_entries.begin(), m_entries.end(),
                                            [](const auto& a, const auto& b) { return a->due < b->due; });
-        // A hair of slack, so that 0.2 + 0.1 seconds are 0.3.
-        if (next == m_entries.end() || (*next)->due > end + 1e-9)
+        // Slack of a few units in the last place of such large times, so that 0.2 + 0.1 seconds are 0.3.
+        if (next == m_entries.end() || (*next)->due > end + 1e-6)
             return nullptr;
         const auto entry = *next;
         m_entries.erase(next);
