@@ -1,0 +1,106 @@
+#include "editor/render/raster/ParallelFor.h"
+
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace framora::raster {
+namespace {
+
+std::atomic<int> threadLimit = 0;
+
+struct Job {
+    const std::function<void(int)>* body;
+    int count;
+    int freeSeats;   ///< How many more workers may join. Guarded by the pool's mutex.
+    int workers = 0; ///< Workers inside. Guarded by the pool's mutex.
+    std::atomic<int> next = 0;
+
+    void run() {
+        for (int i = next.fetch_add(1); i < count; i = next.fetch_add(1))
+            (*body)(i);
+    }
+};
+
+/// The waiting threads. They are detached and share this state, so that the process can end, and a forked
+/// child can exit, without anybody joining them.
+class Pool : public std::enable_shared_from_this<Pool> {
+public:
+    void run(Job& job) {
+        {
+            std::lock_guard lock(m_mutex);
+            startThreads();
+            m_jobs.push_back(&job);
+        }
+        m_work.notify_all();
+        job.run();
+        std::unique_lock lock(m_mutex);
+        m_jobs.erase(std::find(m_jobs.begin(), m_jobs.end(), &job));
+        m_done.wait(lock, [&] { return job.workers == 0; });
+    }
+
+private:
+    void startThreads() {
+        if (m_started)
+            return;
+        m_started = true;
+        const int count = int(std::max(1u, std::thread::hardware_concurrency())) - 1;
+        for (int i = 0; i < count; ++i)
+            std::thread([self = shared_from_this()] { self->work(); }).detach();
+    }
+
+    void work() {
+        std::unique_lock lock(m_mutex);
+        for (;;) {
+            Job* job = nullptr;
+            m_work.wait(lock, [&] { return (job = waitingJob()) != nullptr; });
+            --job->freeSeats;
+            ++job->workers;
+            lock.unlock();
+            job->run();
+            lock.lock();
+            if (--job->workers == 0)
+                m_done.notify_all();
+        }
+    }
+
+    Job* waitingJob() const {
+        for (Job* job : m_jobs)
+            if (job->freeSeats > 0 && job->next.load() < job->count)
+                return job;
+        return nullptr;
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_work;
+    std::condition_variable m_done;
+    std::vector<Job*> m_jobs;
+    bool m_started = false;
+};
+
+} // namespace
+
+void parallelFor(int count, const std::function<void(int)>& body) {
+    int threads = threadLimit.load();
+    if (threads <= 0)
+        threads = int(std::max(1u, std::thread::hardware_concurrency()));
+    threads = std::min(threads, count);
+    if (threads <= 1) {
+        for (int i = 0; i < count; ++i)
+            body(i);
+        return;
+    }
+    static const std::shared_ptr<Pool> pool = std::make_shared<Pool>();
+    Job job{&body, count, threads - 1};
+    pool->run(job);
+}
+
+void setParallelThreadLimit(int threads) {
+    threadLimit.store(threads);
+}
+
+} // namespace framora::raster

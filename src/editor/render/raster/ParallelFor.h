@@ -1,0 +1,17 @@
+#pragma once
+
+#include <functional>
+
+namespace framora::raster {
+
+/// Calls `body(i)` for every i in [0, count), on this thread and on a process-wide set of waiting threads,
+/// and returns when all calls have returned. Calls run in no particular order, so each must write its own
+/// memory only; then the result does not depend on the number of threads. It may be used from several threads
+/// at once and from inside a body. `body` must not throw.
+void parallelFor(int count, const std::function<void(int)>& body);
+
+/// How many threads one parallelFor may use, the caller included; 0 (the start value) is one for each
+/// processor.
+void setParallelThreadLimit(int threads);
+
+} // namespace framora::raster

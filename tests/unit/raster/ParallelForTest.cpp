@@ -1,0 +1,51 @@
+#include "editor/render/raster/ParallelFor.h"
+
+#include <atomic>
+#include <gtest/gtest.h>
+#include <thread>
+#include <vector>
+
+namespace framora::raster {
+namespace {
+
+TEST(ParallelFor, CallsEveryIndexExactlyOnce) {
+    for (const int count : {0, 1, 2, 7, 1000}) {
+        std::vector<int> calls(static_cast<std::size_t>(count), 0);
+        parallelFor(count, [&](int i) { ++calls[std::size_t(i)]; });
+        EXPECT_EQ(calls, std::vector<int>(static_cast<std::size_t>(count), 1)) << count;
+    }
+}
+
+TEST(ParallelFor, HasFinishedEveryCallWhenItReturns) {
+    for (int round = 0; round < 500; ++round) {
+        int plain[16] = {}; // not atomic: the return itself must make the writes visible
+        parallelFor(16, [&](int i) { plain[i] = i + round; });
+        for (int i = 0; i < 16; ++i)
+            ASSERT_EQ(plain[i], i + round);
+    }
+}
+
+TEST(ParallelFor, ServesSeveralCallersAndNestedCallsAtOnce) {
+    std::atomic<int> calls = 0;
+    std::vector<std::thread> callers;
+    for (int caller = 0; caller < 4; ++caller)
+        callers.emplace_back([&] {
+            for (int round = 0; round < 50; ++round)
+                parallelFor(8, [&](int) { parallelFor(3, [&](int) { ++calls; }); });
+        });
+    for (std::thread& caller : callers)
+        caller.join();
+    EXPECT_EQ(calls, 4 * 50 * 8 * 3);
+}
+
+TEST(ParallelFor, KeepsToTheThreadLimit) {
+    setParallelThreadLimit(1);
+    const std::thread::id caller = std::this_thread::get_id();
+    std::vector<std::thread::id> ids(64);
+    parallelFor(64, [&](int i) { ids[std::size_t(i)] = std::this_thread::get_id(); });
+    setParallelThreadLimit(0);
+    EXPECT_EQ(ids, std::vector<std::thread::id>(64, caller));
+}
+
+} // namespace
+} // namespace framora::raster
