@@ -17,7 +17,7 @@ struct MagicPreset {
     Q_PROPERTY(QList<framora::Color> colors MEMBER colors)
 public:
     QUuid id = QUuid::createUuid();
-    QList<Color> colors;
+    QList<Color> colors = {};
 
     bool operator==(const MagicPreset&) const = default;
 };
@@ -28,7 +28,7 @@ struct SolidColor {
     Q_PROPERTY(framora::Color color MEMBER color)
 public:
     QUuid id = QUuid::createUuid();
-    Color color;
+    Color color = {};
 
     bool operator==(const SolidColor&) const = default;
 };
@@ -40,7 +40,7 @@ struct GradientPreset {
     Q_PROPERTY(double angle MEMBER angle)
 public:
     QUuid id = QUuid::createUuid();
-    QList<Color> colors;
+    QList<Color> colors = {};
     double angle = 0.0; ///< degrees
 
     bool operator==(const GradientPreset&) const = default;
@@ -54,8 +54,8 @@ struct ShadowScene {
     Q_PROPERTY(bool isTexture MEMBER isTexture)
 public:
     QUuid id = QUuid::createUuid();
-    QString name;
-    QList<Color> colors;
+    QString name = {};
+    QList<Color> colors = {};
     bool isTexture = false;
 
     bool operator==(const ShadowScene&) const = default;
@@ -68,8 +68,8 @@ struct SimpleGradientPreset {
     Q_PROPERTY(framora::SimpleGradientConfig config MEMBER config)
 public:
     QUuid id = QUuid::createUuid();
-    QString name;
-    SimpleGradientConfig config;
+    QString name = {};
+    SimpleGradientConfig config = {};
 
     bool operator==(const SimpleGradientPreset&) const = default;
 };
@@ -85,12 +85,12 @@ struct SocialMediaPreset {
     Q_PROPERTY(QString ratio MEMBER ratio)
 public:
     QUuid id = QUuid::createUuid();
-    QString platform;
-    QString name;
-    int width = 0;  ///< pixels
-    int height = 0; ///< pixels
-    QString icon;   ///< symbol name
-    QString ratio;  ///< a label; not computed from the size
+    QString platform = {};
+    QString name = {};
+    int width = 0;      ///< pixels
+    int height = 0;     ///< pixels
+    QString icon = {};  ///< symbol name
+    QString ratio = {}; ///< a label; not computed from the size
 
     bool operator==(const SocialMediaPreset&) const = default;
 };

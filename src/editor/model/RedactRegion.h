@@ -15,7 +15,7 @@ struct RedactRegion {
     Q_PROPERTY(framora::RedactStyle style MEMBER style)
 public:
     QUuid id = QUuid::createUuid();
-    Rect rect; ///< points of the screenshot
+    Rect rect = {}; ///< points of the screenshot
     RedactStyle style = RedactStyle::blur;
 
     bool operator==(const RedactRegion&) const = default;

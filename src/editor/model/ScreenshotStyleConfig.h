@@ -61,10 +61,10 @@ public:
     BorderStyle borderStyle = BorderStyle::curved;
     double borderRadius = 20.0;
     double rotation = 0.0;
-    double imageScale = 100.0; ///< percent
-    Size screenshotOffset;     ///< from the canvas centre
-    double rotationX = 0.0;    ///< tilt about the horizontal axis
-    double rotationY = 0.0;    ///< tilt about the vertical axis
+    double imageScale = 100.0;  ///< percent
+    Size screenshotOffset = {}; ///< from the canvas centre
+    double rotationX = 0.0;     ///< tilt about the horizontal axis
+    double rotationY = 0.0;     ///< tilt about the vertical axis
     double perspective = 0.0;
     BackgroundType backgroundType = BackgroundType::image;
     std::optional<MagicPreset> selectedMagicPreset = std::nullopt;

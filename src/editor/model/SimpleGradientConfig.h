@@ -20,9 +20,9 @@ struct SimpleGradientConfig {
     Q_PROPERTY(double brightness MEMBER brightness)
 public:
     GradientStyle style = GradientStyle::linear;
-    Color color1;
-    Color color2;
-    Color color3;
+    Color color1 = {};
+    Color color2 = {};
+    Color color3 = {};
     bool useThreeColors = false; ///< when false, color3 is ignored
     double angle = 135.0;        ///< degrees: direction of a linear, start of an angular gradient
     double blurAmount = 0.0;

@@ -23,11 +23,11 @@ struct TextOverlay {
     Q_PROPERTY(bool isBlurred MEMBER isBlurred)
 public:
     QUuid id = QUuid::createUuid();
-    QString text;
+    QString text = {};
     double fontSize = 24.0; ///< points
     QFont::Weight fontWeight = QFont::Normal;
     Color color = Color::white();
-    Point position;
+    Point position = {};
     double rotation = 0.0; ///< degrees
     double opacity = 1.0;  ///< 0...1
     bool isBlurred = false;

@@ -1,0 +1,142 @@
+#include "editor/render/PictureFile.h"
+
+#include "editor/render/raster/PngEncoder.h"
+#include "platform/PictureResolution.h"
+
+#include <QBuffer>
+#include <QColorSpace>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QSaveFile>
+#include <mutex>
+
+namespace framora {
+namespace {
+
+LoadedPicture failure(const QString& error) {
+    return {.image = QImage(), .error = error};
+}
+
+bool isWithinBounds(QSize size) {
+    return size.width() <= maximumPictureSide && size.height() <= maximumPictureSide &&
+           qint64(size.width()) * size.height() <= maximumPicturePixels;
+}
+
+/// JPEG decoders paint what is missing grey and call it a success, so the end has to be looked for. The
+/// marker cannot stand inside the coded data; an embedded thumbnail's own lies before the first scan.
+bool isCutOffJpeg(const QByteArray& encoded) {
+    constexpr uchar startOfScan = 0xda;
+    if (!encoded.startsWith("\xff\xd8"))
+        return false;
+    for (qsizetype at = 2; at + 4 <= encoded.size();) {
+        if (uchar(encoded[at]) != 0xff)
+            return false;
+        const uchar marker = uchar(encoded[at + 1]);
+        if (marker == startOfScan)
+            return encoded.indexOf("\xff\xd9", at) < 0;
+        const qsizetype length = uchar(encoded[at + 2]) << 8 | uchar(encoded[at + 3]);
+        at += marker == 0xff ? 1 : 2 + length;
+    }
+    return true;
+}
+
+/// The bound is the process's own; it only has to let through what `isWithinBounds` does, at 16 bits a
+/// channel.
+void raiseDecoderLimit() {
+    static std::once_flag once;
+    std::call_once(once, [] { QImageReader::setAllocationLimit(int(maximumPicturePixels * 8 >> 20)); });
+}
+
+QString decodingError(const QImageReader& reader) {
+    switch (reader.error()) {
+    case QImageReader::UnsupportedFormatError:
+        return QStringLiteral("not a picture that can be read");
+    case QImageReader::InvalidDataError:
+    default:
+        return QStringLiteral("the picture is damaged or cut off");
+    }
+}
+
+} // namespace
+
+LoadedPicture loadPicture(const QByteArray& encoded) {
+    if (encoded.isEmpty())
+        return failure(QStringLiteral("the file is empty"));
+    raiseDecoderLimit();
+    QBuffer buffer;
+    buffer.setData(encoded);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    reader.setDecideFormatFromContent(true);
+    reader.setAutoTransform(true);
+    if (!reader.canRead())
+        return failure(QStringLiteral("not a picture that can be read"));
+    const QSize claimed = reader.size();
+    if (claimed.isValid() && !isWithinBounds(claimed))
+        return failure(QStringLiteral("the picture claims %1 x %2 pixels, more than can be drawn")
+                           .arg(claimed.width())
+                           .arg(claimed.height()));
+    if (isCutOffJpeg(encoded))
+        return failure(QStringLiteral("the picture is damaged or cut off"));
+
+    QImage image;
+    if (!reader.read(&image) || image.isNull())
+        return failure(decodingError(reader));
+    if (!isWithinBounds(image.size()))
+        return failure(QStringLiteral("the picture has more pixels than can be drawn"));
+    if (image.colorSpace().isValid() && image.colorSpace() != QColorSpace(QColorSpace::SRgb))
+        image.convertToColorSpace(QColorSpace(QColorSpace::SRgb));
+    image.convertTo(QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        return failure(QStringLiteral("not enough memory for the picture"));
+    image.setColorSpace(QColorSpace());
+    image.setDevicePixelRatio(storedPixelRatio(encoded));
+    return {.image = image, .error = QString()};
+}
+
+LoadedPicture loadPicture(const QString& path) {
+    const QFileInfo info(path);
+    if (!info.exists())
+        return failure(QStringLiteral("no such file"));
+    if (info.isDir())
+        return failure(QStringLiteral("a folder, not a picture"));
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return failure(QStringLiteral("cannot be opened: %1").arg(file.errorString()));
+    const QByteArray encoded = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        return failure(QStringLiteral("cannot be read: %1").arg(file.errorString()));
+    return loadPicture(encoded);
+}
+
+QByteArray encodePng(const QImage& image, double dotsPerInch) {
+    const QImage pixels = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    if (pixels.isNull())
+        return {};
+    const raster::PixelView view{reinterpret_cast<const std::byte*>(pixels.constBits()), pixels.width(),
+                                 pixels.height(), pixels.bytesPerLine()};
+    const std::vector<std::uint8_t> file = raster::encodePng(view, raster::pixelsPerMetre(dotsPerInch));
+    return QByteArray(reinterpret_cast<const char*>(file.data()), qsizetype(file.size()));
+}
+
+QString writeFileAtomically(const QString& path, const QByteArray& bytes) {
+    const QFileInfo info(path);
+    if (info.isDir())
+        return QStringLiteral("a folder stands there");
+    if (info.exists() && !info.isFile()) { // a device or a pipe: nothing to replace
+        QFile device(path);
+        if (!device.open(QIODevice::WriteOnly) || device.write(bytes) != bytes.size() || !device.flush())
+            return device.errorString();
+        return {};
+    }
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return file.errorString();
+    file.write(bytes);
+    if (!file.commit())
+        return file.errorString();
+    return {};
+}
+
+} // namespace framora

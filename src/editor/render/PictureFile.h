@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QString>
+
+namespace framora {
+
+/// A decoded picture, or one line that says why there is none.
+struct LoadedPicture {
+    QImage image; ///< ARGB32_Premultiplied in sRGB, upright, with its stored pixel ratio; null on failure
+    QString error;
+
+    explicit operator bool() const { return !image.isNull(); }
+};
+
+/// Pictures beyond these are refused before memory is taken for them.
+inline constexpr int maximumPictureSide = 32767;
+inline constexpr qint64 maximumPicturePixels = qint64(1) << 27;
+
+/// Reads any still picture that the installed decoders know. A missing or cut-off file, absurd dimensions and
+/// what is no picture each give an error and no image. From any thread.
+LoadedPicture loadPicture(const QString& path);
+LoadedPicture loadPicture(const QByteArray& encoded);
+
+/// `image` as a PNG file of that resolution; empty when the image is null or memory is short.
+QByteArray encodePng(const QImage& image, double dotsPerInch);
+
+/// Puts `bytes` where `path` says, whole or not at all; an existing file stays until the new one is complete.
+/// Gives one line on failure, nothing on success.
+QString writeFileAtomically(const QString& path, const QByteArray& bytes);
+
+} // namespace framora
