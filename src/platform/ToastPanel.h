@@ -2,6 +2,7 @@
 
 #include "platform/Screens.h"
 
+#include <QColor>
 #include <QImage>
 #include <QPointF>
 #include <functional>
@@ -13,12 +14,14 @@ namespace framora {
 class ToastContent {
 public:
     virtual ~ToastContent() = default;
-    /// The part of the panel that this content draws in, its shadow included. Everything outside is transparent
-    /// and lets clicks through.
+    /// The part of the panel that this content draws in, its shadow included. Everything outside is
+    /// transparent and lets clicks through.
     virtual QRectF bounds(QSizeF panelSize) const = 0;
     /// The card itself: what takes the pointer, and what stays visible where nothing can be translucent.
     virtual QRectF cardRect(QSizeF panelSize) const = 0;
     virtual double cardCornerRadius() const = 0;
+    /// What fills the card, opaque: its edges blend into this where nothing can be translucent.
+    virtual QColor cardColor() const = 0;
     /// Draws bounds() as premultiplied ARGB at `pixelRatio`.
     virtual QImage paint(QSizeF panelSize, double pixelRatio) const = 0;
     /// Pointer inside the card or not. Returns true when the content has to be drawn again.
@@ -37,16 +40,17 @@ public:
     virtual void setAlpha(double alpha) = 0;
     /// Shows it without giving it focus.
     virtual void orderFront() = 0;
-    /// Animates alpha; `done` runs on the main queue when it got there, never when the panel went before. A new
-    /// animation replaces the running one and starts where it stands; the replaced one's `done` does not run.
+    /// Animates alpha; `done` runs on the main queue when it got there, never when the panel went before. A
+    /// new animation replaces the running one and starts where it stands; the replaced one's `done` does not
+    /// run.
     virtual void animateAlpha(double alpha, double seconds, Easing easing, std::function<void()> done) = 0;
 };
 
 class ToastPanels {
 public:
     virtual ~ToastPanels() = default;
-    /// A panel of the screen's whole frame at alpha 0, not yet shown. With `ignoresMouse` every click goes to what
-    /// lies beneath.
+    /// A panel of the screen's whole frame at alpha 0, not yet shown. With `ignoresMouse` every click goes to
+    /// what lies beneath.
     virtual std::unique_ptr<ToastPanel> makePanel(const Screen& screen, bool ignoresMouse,
                                                   std::unique_ptr<ToastContent> content) = 0;
 };

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "feedback/ToastPalette.h"
+#include "platform/ToastPanel.h"
+
+#include <QImage>
+#include <QString>
+#include <functional>
+
+namespace framora {
+
+/// The toast of a capture: its picture, the message, and a hint that a click edits it. The whole card is a
+/// button.
+class InteractiveToastView final : public ToastContent {
+public:
+    InteractiveToastView(QString message, QString icon, std::function<void()> onEdit, const QImage& image,
+                         QString hint, ToastPalette palette);
+
+    QString message;              ///< Localised.
+    QString icon;                 ///< A symbol's name.
+    std::function<void()> onEdit; ///< Empty once it was chosen: a toast edits once.
+    bool isHovered = false;
+
+    QRectF bounds(QSizeF panelSize) const override;
+    QRectF cardRect(QSizeF panelSize) const override;
+    double cardCornerRadius() const override;
+    QColor cardColor() const override;
+    QImage paint(QSizeF panelSize, double pixelRatio) const override;
+    bool setHovered(bool hovered) override;
+    void press(QPointF position) override;
+
+private:
+    struct Layout;
+    Layout layout(QSizeF panelSize) const;
+    QSizeF thumbnailSize() const;
+    void drawThumbnail(QPainter& painter, const QRectF& box, double pixelRatio) const;
+
+    QString m_hint;
+    ToastPalette m_palette;
+    QImage m_thumbnail; ///< Already small; enough pixels for the largest pixel ratio.
+};
+
+} // namespace framora
