@@ -1,0 +1,150 @@
+#include "screencapture/CaptureCursor.h"
+
+#include "screencapture/XConnection.h"
+
+#include <cairo.h>
+#include <cmath>
+#include <numbers>
+#include <xcb/render.h>
+
+namespace framora {
+
+namespace {
+
+// Points of the cursor's square; the middle is what it points at.
+constexpr int kSide = 31;
+
+xcb_render_pictformat_t argbFormat(const XConnection& c) {
+    const auto formats = c.reply(xcb_render_query_pict_formats(c), xcb_render_query_pict_formats_reply);
+    if (!formats)
+        return XCB_NONE;
+    auto it = xcb_render_query_pict_formats_formats_iterator(formats.get());
+    for (; it.rem; xcb_render_pictforminfo_next(&it)) {
+        const auto& f = *it.data;
+        if (f.type == XCB_RENDER_PICT_TYPE_DIRECT && f.depth == 32 && f.direct.alpha_mask == 0xff &&
+            f.direct.alpha_shift == 24 && f.direct.red_shift == 16 && f.direct.green_shift == 8 &&
+            f.direct.blue_shift == 0)
+            return f.id;
+    }
+    return XCB_NONE;
+}
+
+void drawCross(cairo_t* cr) {
+    constexpr double kMiddle = kSide / 2.0;
+    constexpr double kHole = 4;
+    constexpr double kArm = 14;
+    const auto arms = [cr] {
+        for (const auto& [dx, dy] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
+            cairo_move_to(cr, kMiddle + dx * kHole, kMiddle + dy * kHole);
+            cairo_line_to(cr, kMiddle + dx * kArm, kMiddle + dy * kArm);
+        }
+        cairo_stroke(cr);
+    };
+    cairo_set_line_cap(cr, CAIRO_LINE_CAP_SQUARE);
+    cairo_set_source_rgba(cr, 0, 0, 0, 0.55);
+    cairo_set_line_width(cr, 3);
+    arms();
+    cairo_set_source_rgb(cr, 1, 1, 1);
+    cairo_set_line_width(cr, 1);
+    arms();
+}
+
+void drawCamera(cairo_t* cr) {
+    constexpr double kQuarter = std::numbers::pi / 2;
+    const auto body = [cr](double grow) {
+        const double x = 5 - grow;
+        const double y = 9.5 - grow;
+        const double w = 21 + 2 * grow;
+        const double h = 14.5 + 2 * grow;
+        const double r = 3.5 + grow;
+        cairo_new_path(cr);
+        cairo_move_to(cr, x + r, y);
+        cairo_line_to(cr, 11.5 - grow / 2, y);
+        cairo_line_to(cr, 13 - grow / 2, y - 3);
+        cairo_line_to(cr, 18 + grow / 2, y - 3);
+        cairo_line_to(cr, 19.5 + grow / 2, y);
+        cairo_arc(cr, x + w - r, y + r, r, -kQuarter, 0);
+        cairo_arc(cr, x + w - r, y + h - r, r, 0, kQuarter);
+        cairo_arc(cr, x + r, y + h - r, r, kQuarter, 2 * kQuarter);
+        cairo_arc(cr, x + r, y + r, r, 2 * kQuarter, 3 * kQuarter);
+        cairo_close_path(cr);
+        cairo_fill(cr);
+    };
+    cairo_set_source_rgba(cr, 0, 0, 0, 0.6);
+    body(1.3);
+    cairo_set_source_rgb(cr, 1, 1, 1);
+    body(0);
+    cairo_set_source_rgba(cr, 0.1, 0.1, 0.12, 1);
+    cairo_set_line_width(cr, 1.6);
+    cairo_arc(cr, 15.5, 16.5, 4.2, 0, 2 * std::numbers::pi);
+    cairo_stroke(cr);
+    cairo_arc(cr, 15.5, 16.5, 1.2, 0, 2 * std::numbers::pi);
+    cairo_fill(cr);
+}
+
+} // namespace
+
+CaptureCursor::CaptureCursor(const XConnection& connection, double ratio)
+    : m_connection(connection), m_ratio(ratio) {}
+
+xcb_cursor_t CaptureCursor::forMode(CaptureMode mode) {
+    xcb_cursor_t& cursor = mode == CaptureMode::Area ? m_area : m_window;
+    if (!cursor)
+        cursor = drawn(mode);
+    if (!cursor)
+        cursor = fromFont(mode);
+    return cursor;
+}
+
+xcb_cursor_t CaptureCursor::drawn(CaptureMode mode) const {
+    const xcb_render_pictformat_t format = m_connection.hasRender() ? argbFormat(m_connection) : XCB_NONE;
+    const auto side = static_cast<uint16_t>(std::lround(kSide * m_ratio));
+    if (!format || xcb_get_setup(m_connection)->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST)
+        return XCB_CURSOR_NONE;
+    cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, side, side);
+    cairo_t* cr = cairo_create(surface);
+    cairo_scale(cr, m_ratio, m_ratio);
+    mode == CaptureMode::Area ? drawCross(cr) : drawCamera(cr);
+    cairo_destroy(cr);
+    cairo_surface_flush(surface);
+
+    xcb_cursor_t cursor = XCB_CURSOR_NONE;
+    if (cairo_surface_status(surface) == CAIRO_STATUS_SUCCESS) {
+        const xcb_pixmap_t pixmap = xcb_generate_id(m_connection);
+        const xcb_gcontext_t gc = xcb_generate_id(m_connection);
+        const xcb_render_picture_t picture = xcb_generate_id(m_connection);
+        xcb_create_pixmap(m_connection, 32, pixmap, m_connection.root(), side, side);
+        xcb_create_gc(m_connection, gc, pixmap, 0, nullptr);
+        // A line of 32-bit pixels has no padding in either world.
+        xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, side, side, 0, 0, 0, 32,
+                      static_cast<uint32_t>(side) * side * 4, cairo_image_surface_get_data(surface));
+        xcb_render_create_picture(m_connection, picture, pixmap, format, 0, nullptr);
+        cursor = xcb_generate_id(m_connection);
+        const uint16_t middle = side / 2;
+        if (!m_connection.succeeded(
+                xcb_render_create_cursor_checked(m_connection, cursor, picture, middle, middle)))
+            cursor = XCB_CURSOR_NONE;
+        xcb_render_free_picture(m_connection, picture);
+        xcb_free_gc(m_connection, gc);
+        xcb_free_pixmap(m_connection, pixmap);
+    }
+    cairo_surface_destroy(surface);
+    return cursor;
+}
+
+xcb_cursor_t CaptureCursor::fromFont(CaptureMode mode) const {
+    constexpr std::string_view kFont = "cursor";
+    constexpr uint16_t kCrosshair = 34;
+    constexpr uint16_t kHand = 60;
+    const uint16_t glyph = mode == CaptureMode::Area ? kCrosshair : kHand;
+    const xcb_font_t font = xcb_generate_id(m_connection);
+    xcb_open_font(m_connection, font, static_cast<uint16_t>(kFont.size()), kFont.data());
+    xcb_cursor_t cursor = xcb_generate_id(m_connection);
+    if (!m_connection.succeeded(xcb_create_glyph_cursor_checked(m_connection, cursor, font, font, glyph,
+                                                                glyph + 1, 0, 0, 0, 0xffff, 0xffff, 0xffff)))
+        cursor = XCB_CURSOR_NONE; // the grab then keeps the pointer there is
+    xcb_close_font(m_connection, font);
+    return cursor;
+}
+
+} // namespace framora

@@ -1,0 +1,250 @@
+#include "screencapture/CaptureSession.h"
+
+#include "screencapture/Monitors.h"
+#include "screencapture/PixelRatio.h"
+#include "screencapture/XConnection.h"
+
+#include <poll.h>
+#include <xcb/randr.h>
+
+namespace framora {
+
+namespace {
+
+// How long another program's grab is waited for.
+constexpr std::chrono::milliseconds kGrabPatience{1000};
+constexpr int kRepaintPoll = 10; // ms
+
+SelectionModel::Button buttonOf(uint8_t detail) {
+    switch (detail) {
+    case XCB_BUTTON_INDEX_1:
+        return SelectionModel::Button::Primary;
+    case XCB_BUTTON_INDEX_3:
+        return SelectionModel::Button::Secondary;
+    default:
+        return SelectionModel::Button::Other;
+    }
+}
+
+} // namespace
+
+CaptureSession::CaptureSession(const XConnection& connection, CaptureMode mode)
+    : m_connection(connection), m_mode(mode), m_input(connection) {}
+
+CaptureSession::~CaptureSession() = default;
+
+CaptureSession::Outcome CaptureSession::fail(std::string message) {
+    m_failure = std::move(message);
+    return Outcome::Failed;
+}
+
+CaptureSession::Outcome CaptureSession::run() {
+    const Outcome outcome = begin() ? loop() : Outcome::Failed;
+    endOnScreen();
+    return outcome;
+}
+
+bool CaptureSession::begin() {
+    m_monitors = monitorsOf(m_connection);
+    if (m_monitors.empty()) {
+        m_failure = "the screen has no monitor";
+        return false;
+    }
+    const Rect root = m_connection.rootRect();
+    const auto format =
+        PixelFormat::of(m_connection, m_connection.screen().root_depth, m_connection.screen().root_visual);
+    m_frozen = ServerImage::create(m_connection, root.width, root.height);
+    if (!m_frozen || !m_frozen->read(m_connection.root(), format)) {
+        m_failure = "the screen cannot be read";
+        return false;
+    }
+    m_ratio =
+        pixelRatioFromResources(m_connection.stringProperty(m_connection.root(), XCB_ATOM_RESOURCE_MANAGER));
+    m_overlay = std::make_unique<Overlay>(m_connection, *m_frozen, m_ratio);
+    if (!m_overlay->valid()) {
+        m_failure = "the screen cannot be drawn on";
+        return false;
+    }
+    m_keyboard.emplace(m_connection);
+    m_cursors.emplace(m_connection, m_ratio);
+    if (!m_input.acquire(m_cursors->forMode(m_mode), kGrabPatience)) {
+        m_failure = "another program holds the pointer or the keyboard";
+        return false;
+    }
+    Point at;
+    if (const auto pointer =
+            m_connection.reply(xcb_query_pointer(m_connection, m_connection.root()), xcb_query_pointer_reply))
+        at = {pointer->root_x, pointer->root_y};
+    m_model.emplace(m_mode, m_monitors, at);
+    for (const uint8_t code : m_keyboard->heldAtStart())
+        m_model->keyHeldAtStart(code);
+    if (m_connection.hasRandr())
+        xcb_randr_select_input(m_connection, m_connection.root(), XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE);
+    // Before the overlay covers everything: what is visible now needs no repainting.
+    if (m_mode == CaptureMode::Window)
+        enterWindowMode();
+    m_overlay->show(scene());
+    return true;
+}
+
+void CaptureSession::endOnScreen() {
+    m_input.release();
+    m_overlay.reset();
+    xcb_flush(m_connection);
+}
+
+void CaptureSession::enterWindowMode() {
+    if (!m_windowsKnown) {
+        m_windowsKnown = true;
+        m_windows = WindowList::scan(m_connection, m_overlay->window());
+        m_windowGrab.emplace(m_connection);
+    }
+    m_windowGrab->prepare(m_windows, Clock::now());
+}
+
+void CaptureSession::modeMayHaveChanged() {
+    if (m_model->mode() == m_mode)
+        return;
+    m_mode = m_model->mode();
+    m_input.setCursor(m_cursors->forMode(m_mode));
+    if (m_mode == CaptureMode::Window)
+        enterWindowMode();
+}
+
+OverlayScene CaptureSession::scene() {
+    OverlayScene scene;
+    if (m_mode == CaptureMode::Window) {
+        const TopLevel* window = m_clicked ? &*m_clicked : m_windows.at(m_model->pointer());
+        if (window)
+            scene.highlight = window->visible.intersected(m_connection.rootRect());
+        return scene;
+    }
+    const Rect monitor = m_model->monitorUnderPointer();
+    scene.selection = m_model->selection();
+    if (!scene.selection.empty())
+        scene.label = m_overlay->labelFor(scene.selection, m_model->activeCorner(), monitor);
+    else
+        scene.guides = OverlayScene::Guides{m_model->pointer(), monitor};
+    return scene;
+}
+
+void CaptureSession::updateScene() {
+    m_overlay->setScene(scene());
+    m_overlay->flush();
+}
+
+CaptureSession::Outcome CaptureSession::loop() {
+    bool warm = false;
+    while (m_connection.valid()) {
+        bool any = false;
+        // Everything that has arrived first: a fast pointer is drawn where it is, not where it was.
+        while (const XReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
+            any = true;
+            if (const auto outcome = handle(*event))
+                return *outcome;
+        }
+        if (m_clicked && m_windowGrab->ready(m_clicked->window, Clock::now()))
+            if (const auto outcome = takeWindow())
+                return *outcome;
+        updateScene();
+        if (any)
+            continue;
+        if (!warm && !m_overlay->busy()) {
+            warm = true;
+            m_overlay->warmUp();
+            continue;
+        }
+        xcb_flush(m_connection);
+        pollfd waiting{m_connection.fileDescriptor(), POLLIN, 0};
+        poll(&waiting, 1, m_clicked ? kRepaintPoll : -1);
+    }
+    return fail("the display is gone");
+}
+
+std::optional<CaptureSession::Outcome> CaptureSession::handle(const xcb_generic_event_t& event) {
+    if (m_overlay->handleEvent(event))
+        return std::nullopt;
+    if (m_windowGrab && m_windowGrab->handleEvent(event, Clock::now()))
+        return std::nullopt;
+    const uint8_t type = event.response_type & 0x7f;
+    SelectionModel::Outcome outcome = SelectionModel::Outcome::None;
+    switch (type) {
+    case XCB_MOTION_NOTIFY: {
+        const auto& motion = reinterpret_cast<const xcb_motion_notify_event_t&>(event);
+        outcome = m_model->pointerMoved({motion.root_x, motion.root_y});
+        break;
+    }
+    case XCB_BUTTON_PRESS:
+    case XCB_BUTTON_RELEASE: {
+        const auto& button = reinterpret_cast<const xcb_button_press_event_t&>(event);
+        const Point at{button.root_x, button.root_y};
+        outcome = type == XCB_BUTTON_PRESS ? m_model->buttonPressed(buttonOf(button.detail), at)
+                                           : m_model->buttonReleased(buttonOf(button.detail), at);
+        break;
+    }
+    case XCB_KEY_PRESS:
+    case XCB_KEY_RELEASE: {
+        const auto& key = reinterpret_cast<const xcb_key_press_event_t&>(event);
+        const auto meaning = m_keyboard->meaning(key.detail);
+        outcome = type == XCB_KEY_PRESS ? m_model->keyPressed(meaning, key.detail)
+                                        : m_model->keyReleased(meaning, key.detail);
+        break;
+    }
+    default:
+        // A screen that changes its size makes the frozen picture a lie.
+        if (m_connection.hasRandr() &&
+            type == xcb_get_extension_data(m_connection, &xcb_randr_id)->first_event +
+                        XCB_RANDR_SCREEN_CHANGE_NOTIFY)
+            return Outcome::Cancelled;
+        break;
+    }
+    return decide(outcome);
+}
+
+std::optional<CaptureSession::Outcome> CaptureSession::decide(SelectionModel::Outcome outcome) {
+    if (m_clicked) // the choice is made; only giving up is left
+        return outcome == SelectionModel::Outcome::Cancel ? std::optional(Outcome::Cancelled) : std::nullopt;
+    switch (outcome) {
+    case SelectionModel::Outcome::Cancel:
+        return Outcome::Cancelled;
+    case SelectionModel::Outcome::CaptureArea:
+        return takeArea();
+    case SelectionModel::Outcome::CaptureWindow:
+        if (const TopLevel* window = m_windows.at(m_model->pointer()))
+            m_clicked = *window;
+        break;
+    case SelectionModel::Outcome::None:
+        modeMayHaveChanged();
+        break;
+    }
+    return std::nullopt;
+}
+
+std::optional<CaptureSession::Outcome> CaptureSession::takeWindow() {
+    m_picture = m_windowGrab->take(m_windows, *m_clicked, *m_frozen);
+    m_clicked.reset();
+    // A window that is gone and showed no pixel: the user can still pick another.
+    return m_picture ? std::optional(Outcome::Captured) : std::nullopt;
+}
+
+CaptureSession::Outcome CaptureSession::takeArea() {
+    const Rect part = m_model->selection().intersected({0, 0, m_frozen->width(), m_frozen->height()});
+    endOnScreen();
+    // The fourth byte of the screen's pixels means nothing.
+    for (int y = part.y; y < part.bottom(); ++y) {
+        uint32_t* row = m_frozen->row(y);
+        for (int x = part.x; x < part.right(); ++x)
+            row[x] |= 0xff000000U;
+    }
+    // What no monitor shows is transparent.
+    std::vector<Rect> dark{part};
+    for (const Rect& monitor : m_monitors)
+        dark = subtracted(dark, monitor);
+    for (const Rect& hole : dark)
+        for (int y = hole.y; y < hole.bottom(); ++y)
+            std::fill_n(m_frozen->row(y) + hole.x, hole.width, 0U);
+    m_picture = {std::move(m_frozen), part};
+    return Outcome::Captured;
+}
+
+} // namespace framora

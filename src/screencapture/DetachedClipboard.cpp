@@ -1,0 +1,88 @@
+#include "screencapture/DetachedClipboard.h"
+
+#include "screencapture/ClipboardServer.h"
+
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <malloc.h>
+#include <poll.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace framora {
+
+namespace {
+
+constexpr int kOwnPatience = 5000; // ms
+
+/// Away from the terminal, the folder and every file of the process that started the tool.
+int leaveTheParent(int report) {
+    setsid();
+    if (chdir("/") != 0)
+        return -1;
+    constexpr int kReport = 3;
+    if (report != kReport && dup2(report, kReport) < 0)
+        return -1;
+    const int nothing = open("/dev/null", O_RDWR);
+    if (nothing < 0)
+        return -1;
+    for (int standard = 0; standard < kReport; ++standard)
+        dup2(nothing, standard);
+    close_range(kReport + 1, ~0U, 0);
+    signal(SIGPIPE, SIG_IGN);
+    signal(SIGHUP, SIG_IGN);
+    return kReport;
+}
+
+[[noreturn]] void serve(std::vector<uint8_t> png, Picture& picture, int pipeEnd) {
+    const int report = leaveTheParent(pipeEnd);
+    if (report < 0)
+        _exit(1);
+    if (picture.image)
+        picture.image->abandon();
+    malloc_trim(0);
+    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
+    ClipboardServer server(connection, std::move(png));
+    if (!server.own())
+        _exit(1);
+    const char owned = 1;
+    const bool told = write(report, &owned, 1) == 1;
+    close(report);
+    if (told)
+        server.run();
+    _exit(0);
+}
+
+bool readOne(int pipeEnd) {
+    pollfd waiting{pipeEnd, POLLIN, 0};
+    int ready = 0;
+    do
+        ready = poll(&waiting, 1, kOwnPatience);
+    while (ready < 0 && errno == EINTR);
+    char owned = 0;
+    return ready > 0 && read(pipeEnd, &owned, 1) == 1;
+}
+
+} // namespace
+
+bool leaveOnClipboard(std::vector<uint8_t> png, Picture& picture) {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0)
+        return false;
+    const pid_t child = fork();
+    if (child == 0) {
+        close(ends[0]);
+        serve(std::move(png), picture, ends[1]);
+    }
+    close(ends[1]);
+    const bool owned = child > 0 && readOne(ends[0]);
+    close(ends[0]);
+    if (!owned && child > 0) {
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+    }
+    return owned;
+}
+
+} // namespace framora

@@ -1,0 +1,34 @@
+#include "screencapture/Geometry.h"
+
+namespace framora {
+
+std::vector<Rect> subtracted(const std::vector<Rect>& from, const Rect& cut) {
+    std::vector<Rect> rest;
+    for (const Rect& r : from) {
+        const Rect hole = r.intersected(cut);
+        if (hole.empty()) {
+            if (!r.empty())
+                rest.push_back(r);
+            continue;
+        }
+        const Rect parts[] = {
+            {r.x, r.y, r.width, hole.y - r.y},
+            {r.x, hole.bottom(), r.width, r.bottom() - hole.bottom()},
+            {r.x, hole.y, hole.x - r.x, hole.height},
+            {hole.right(), hole.y, r.right() - hole.right(), hole.height},
+        };
+        for (const Rect& part : parts)
+            if (!part.empty())
+                rest.push_back(part);
+    }
+    return rest;
+}
+
+Rect boundingBox(const std::vector<Rect>& rects) {
+    Rect box;
+    for (const Rect& r : rects)
+        box = box.united(r);
+    return box;
+}
+
+} // namespace framora

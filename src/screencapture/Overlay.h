@@ -1,0 +1,61 @@
+#pragma once
+
+#include "screencapture/OverlayPainter.h"
+#include "screencapture/OverlayScene.h"
+
+#include <memory>
+#include <vector>
+#include <xcb/xcb.h>
+
+namespace framora {
+
+class XConnection;
+
+/// The opaque window over the whole screen that shows the frozen picture, dimmed, and what is selected of it.
+/// It repaints only what changed, and never draws faster than the server takes it.
+class Overlay {
+public:
+    /// `frozen` has the root window's size and outlives the overlay.
+    Overlay(const XConnection& connection, const ServerImage& frozen, double ratio);
+    ~Overlay();
+    Overlay(const Overlay&) = delete;
+    Overlay& operator=(const Overlay&) = delete;
+
+    /// False when memory for the frame is missing or the screen's pixels cannot be drawn by this program.
+    bool valid() const { return m_painter != nullptr; }
+    xcb_window_t window() const { return m_window; }
+    /// Puts the window up with its first scene.
+    void show(const OverlayScene& scene);
+    /// Takes the window away at once.
+    void hide();
+    /// What should be seen; drawn by flush().
+    void setScene(const OverlayScene& scene) { m_wanted = scene; }
+    /// Draws what changed when the server has taken the frame before.
+    void flush();
+    /// True when the event was the overlay's.
+    bool handleEvent(const xcb_generic_event_t& event);
+    /// The font and other things that are better loaded when nobody waits.
+    void warmUp();
+    bool busy() const { return m_framesUnderway > 0; }
+    /// A size label of that selection in its place beside `corner` on `monitor`.
+    OverlayScene::Label labelFor(const Rect& selection, Point corner, const Rect& monitor);
+
+private:
+    void put(const Rect& part, bool notify);
+
+    const XConnection& m_connection;
+    const ServerImage& m_frozen;
+    double m_ratio;
+    PixelFormat m_format;
+    std::unique_ptr<ServerImage> m_frame;
+    std::unique_ptr<OverlayPainter> m_painter;
+    xcb_window_t m_window = XCB_WINDOW_NONE;
+    xcb_gcontext_t m_gc = XCB_NONE;
+    uint8_t m_completionEvent = 0;
+    OverlayScene m_shown;
+    OverlayScene m_wanted;
+    int m_framesUnderway = 0;
+    int m_raisesLeft = 50; // against another window that wants to be on top as well
+};
+
+} // namespace framora

@@ -1,0 +1,178 @@
+#include "screencapture/SelectionModel.h"
+
+#include <cstdlib>
+#include <limits>
+
+namespace framora {
+
+namespace {
+
+// Pixels the pointer has to go before the axis that Shift keeps is clear.
+constexpr int kAxisSlack = 4;
+
+long squaredDistance(const Rect& r, Point p) {
+    const long dx = std::max({r.x - p.x, p.x - (r.right() - 1), 0});
+    const long dy = std::max({r.y - p.y, p.y - (r.bottom() - 1), 0});
+    return dx * dx + dy * dy;
+}
+
+} // namespace
+
+SelectionModel::SelectionModel(CaptureMode mode, std::vector<Rect> monitors, Point pointer)
+    : m_mode(mode), m_monitors(std::move(monitors)), m_bounds(boundingBox(m_monitors)), m_pointer(pointer) {}
+
+void SelectionModel::keyHeldAtStart(int code) {
+    m_keysDown.insert(code);
+}
+
+Rect SelectionModel::selection() const {
+    if (!m_dragging)
+        return {};
+    const Rect r = Rect::between(m_anchor, m_corner);
+    return r.empty() ? Rect{} : r;
+}
+
+Rect SelectionModel::monitorUnderPointer() const {
+    Rect nearest;
+    long best = std::numeric_limits<long>::max();
+    for (const Rect& monitor : m_monitors) {
+        const long distance = squaredDistance(monitor, m_pointer);
+        if (distance < best) {
+            best = distance;
+            nearest = monitor;
+        }
+    }
+    return nearest;
+}
+
+Point SelectionModel::edgeAt(Point p) const {
+    const auto shown = [this](Point at) {
+        return std::any_of(m_monitors.begin(), m_monitors.end(),
+                           [at](const Rect& monitor) { return monitor.contains(at); });
+    };
+    Point edge{std::clamp(p.x, m_bounds.x, m_bounds.right()), std::clamp(p.y, m_bounds.y, m_bounds.bottom())};
+    if (shown(p)) {
+        if (!shown({p.x + 1, p.y}))
+            edge.x = p.x + 1;
+        if (!shown({p.x, p.y + 1}))
+            edge.y = p.y + 1;
+    }
+    return edge;
+}
+
+Point SelectionModel::constrained(Point p) {
+    if (!m_lock)
+        return p;
+    const int dx = std::abs(p.x - m_lock->origin.x);
+    const int dy = std::abs(p.y - m_lock->origin.y);
+    if (m_lock->axis == AxisLock::Axis::Undecided && std::max(dx, dy) >= kAxisSlack)
+        m_lock->axis = dx >= dy ? AxisLock::Axis::Horizontal : AxisLock::Axis::Vertical;
+    switch (m_lock->axis) {
+    case AxisLock::Axis::Horizontal:
+        return {p.x, m_lock->origin.y};
+    case AxisLock::Axis::Vertical:
+        return {m_lock->origin.x, p.y};
+    case AxisLock::Axis::Undecided:
+        break;
+    }
+    return m_lock->origin;
+}
+
+void SelectionModel::moveTo(Point corner) {
+    const Rect now = Rect::between(m_anchor, m_corner);
+    int dx = corner.x - m_corner.x;
+    int dy = corner.y - m_corner.y;
+    dx = std::clamp(dx, m_bounds.x - now.x, m_bounds.right() - now.right());
+    dy = std::clamp(dy, m_bounds.y - now.y, m_bounds.bottom() - now.bottom());
+    m_anchor = {m_anchor.x + dx, m_anchor.y + dy};
+    m_corner = {m_corner.x + dx, m_corner.y + dy};
+}
+
+void SelectionModel::follow() {
+    if (!m_dragging)
+        return;
+    const Point p = constrained(m_pointer);
+    if (m_moveOffset)
+        moveTo({p.x + m_moveOffset->x, p.y + m_moveOffset->y});
+    else
+        m_corner = edgeAt(p);
+}
+
+SelectionModel::Outcome SelectionModel::pointerMoved(Point pointer) {
+    m_pointer = pointer;
+    follow();
+    return Outcome::None;
+}
+
+SelectionModel::Outcome SelectionModel::buttonPressed(Button button, Point pointer) {
+    m_pointer = pointer;
+    if (button == Button::Secondary)
+        m_secondaryDown = true;
+    if (button == Button::Primary && !m_primaryDown) {
+        m_primaryDown = true;
+        if (m_mode == CaptureMode::Area) {
+            m_dragging = true;
+            m_anchor = m_corner = edgeAt(pointer);
+        }
+    }
+    return Outcome::None;
+}
+
+SelectionModel::Outcome SelectionModel::buttonReleased(Button button, Point pointer) {
+    // The secondary button cancels when it comes up, so that no other program sees half a click.
+    if (button == Button::Secondary && m_secondaryDown)
+        return Outcome::Cancel;
+    if (button != Button::Primary || !m_primaryDown)
+        return Outcome::None;
+    m_pointer = pointer;
+    m_primaryDown = false;
+    if (m_mode == CaptureMode::Window)
+        return Outcome::CaptureWindow;
+    follow();
+    m_moveOffset.reset();
+    m_lock.reset();
+    // A drag stays readable through selection() when it is taken; one without an area is forgotten.
+    if (!selection().empty())
+        return Outcome::CaptureArea;
+    m_dragging = false;
+    return Outcome::None;
+}
+
+SelectionModel::Outcome SelectionModel::keyPressed(Key key, int code) {
+    if (!m_keysDown.insert(code).second)
+        return Outcome::None; // a repeat, or held since before the capture
+    switch (key) {
+    case Key::Escape:
+        return Outcome::Cancel;
+    case Key::Space:
+        if (m_dragging) {
+            const Point p = constrained(m_pointer);
+            m_moveOffset = Point{m_corner.x - p.x, m_corner.y - p.y};
+        } else if (!m_primaryDown) {
+            m_mode = m_mode == CaptureMode::Area ? CaptureMode::Window : CaptureMode::Area;
+        }
+        break;
+    case Key::Shift:
+        if (m_dragging && !m_lock) {
+            m_lock = AxisLock{m_pointer};
+            m_shiftCode = code;
+        }
+        break;
+    case Key::Other:
+        break;
+    }
+    return Outcome::None;
+}
+
+SelectionModel::Outcome SelectionModel::keyReleased(Key key, int code) {
+    m_keysDown.erase(code);
+    if (key == Key::Space && m_moveOffset) {
+        m_moveOffset.reset();
+    } else if (key == Key::Shift && m_lock && code == m_shiftCode) {
+        m_lock.reset();
+        follow();
+    }
+    return Outcome::None;
+}
+
+} // namespace framora
