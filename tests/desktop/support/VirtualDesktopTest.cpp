@@ -10,7 +10,8 @@ TEST(VirtualDesktopTest, showsAProgramAndTakesItsKeys) {
     VirtualDesktop desktop;
     DesktopDisplay& display = desktop.display();
     const QString typed = desktop.scratchPath() + QStringLiteral("/typed");
-    desktop.start(QStringLiteral("xterm"), {QStringLiteral("-e"), QStringLiteral("sh"), QStringLiteral("-c"),
+    desktop.start(QStringLiteral("xterm"), {QStringLiteral("-xrm"), QStringLiteral("*wmTimeout: 100"),
+                                            QStringLiteral("-e"), QStringLiteral("sh"), QStringLiteral("-c"),
                                             QStringLiteral("read line; echo \"$line\" > ") + typed});
     ASSERT_TRUE(
         VirtualDesktop::waitFor([&] { return display.windowOfClass(QStringLiteral("xterm")).has_value(); }));
