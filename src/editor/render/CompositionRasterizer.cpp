@@ -1,0 +1,154 @@
+#include "editor/render/CompositionRasterizer.h"
+
+#include "editor/render/BackgroundPaint.h"
+#include "editor/render/CheckerboardView.h"
+#include "editor/render/ColorAdjustmentsModifier.h"
+#include "editor/render/MockupLayers.h"
+#include "editor/render/NoiseOverlayModifier.h"
+#include "editor/render/RasterView.h"
+#include "editor/render/raster/PicturePaint.h"
+
+#include <cmath>
+
+namespace framora {
+namespace {
+
+using raster::Homography;
+using raster::Layer;
+using Viewport = CompositionRasterizer::Viewport;
+
+/// From points about the canvas centre to output pixels.
+Homography canvasMap(const Viewport& viewport) {
+    return Homography::translation(viewport.canvasCentre.x(), viewport.canvasCentre.y()) *
+           Homography::scaling(viewport.pixelsPerPoint, viewport.pixelsPerPoint);
+}
+
+bool isDrawable(const Viewport& viewport) {
+    const QSize size = viewport.pixelSize;
+    return size.width() > 0 && size.height() > 0 && size.width() <= CompositionRasterizer::longestSide &&
+           size.height() <= CompositionRasterizer::longestSide &&
+           qint64(size.width()) * size.height() <= CompositionRasterizer::mostPixels &&
+           viewport.pixelsPerPoint > 0 && std::isfinite(viewport.pixelsPerPoint) &&
+           std::isfinite(viewport.canvasCentre.x()) && std::isfinite(viewport.canvasCentre.y());
+}
+
+int wholePixel(double value) {
+    return int(std::clamp(std::floor(value), -1e9, 1e9));
+}
+
+} // namespace
+
+QImage CompositionRasterizer::draw(const Composition& composition, const Viewport& viewport) {
+    QImage image;
+    drawInto(image, composition, viewport);
+    return image;
+}
+
+bool CompositionRasterizer::drawInto(QImage& target, const Composition& composition,
+                                     const Viewport& viewport) {
+    if (!isDrawable(viewport)) {
+        target = {};
+        return false;
+    }
+    if (target.size() != viewport.pixelSize || target.format() != QImage::Format_ARGB32_Premultiplied ||
+        !target.isDetached())
+        target = QImage(viewport.pixelSize, QImage::Format_ARGB32_Premultiplied);
+    if (target.isNull())
+        return false;
+    target.setDevicePixelRatio(1);
+    std::vector<Layer> layers;
+    appendBackground(layers, composition, viewport);
+    appendScreenshot(layers, composition, viewport);
+    raster::compose(mutableRasterView(target), layers);
+    return true;
+}
+
+QImage CompositionRasterizer::drawFrame(const Composition& composition, QSizeF size, double scale) {
+    const double width = std::round(size.width() * scale);
+    const double height = std::round(size.height() * scale);
+    if (!(width >= 1 && height >= 1 && width <= longestSide && height <= longestSide))
+        return {};
+    // The frame's own middle: a size that is no whole number of pixels is cut evenly.
+    QImage image = draw(composition, {QSize(int(width), int(height)), scale, QPointF(width / 2, height / 2)});
+    image.setDevicePixelRatio(scale);
+    return image;
+}
+
+std::shared_ptr<const raster::PicturePyramid> CompositionRasterizer::prepared(Slot slot,
+                                                                              const QImage& image) {
+    Prepared& kept = m_prepared[slot];
+    if (!kept.pyramid || kept.key != image.cacheKey()) {
+        kept = {};
+        kept.pixels = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        if (kept.pixels.isNull())
+            return nullptr;
+        kept.key = image.cacheKey();
+        kept.pyramid = std::make_shared<raster::PicturePyramid>(rasterView(kept.pixels));
+    }
+    return kept.pyramid;
+}
+
+void CompositionRasterizer::appendBackground(std::vector<Layer>& layers, const Composition& composition,
+                                             const Viewport& viewport) {
+    const ScreenshotStyleConfig& config = composition.config;
+    const QSizeF size = canvasSize(pointSize(composition.image), config);
+    const Homography map = canvasMap(viewport);
+    const Homography reverse = map.inverse();
+    Layer layer{{size.width(), size.height(), 0}, {}, {map, {}}, nullptr, {}, {}};
+    if (!(std::isfinite(size.width()) && std::isfinite(size.height()) && size.width() > 0 &&
+          size.height() > 0))
+        return;
+    const ColorAdjustmentsModifier adjustments{config.gradientConfig.saturation / 100,
+                                               (config.gradientConfig.brightness - 100) / 100};
+    switch (config.backgroundType) {
+    case BackgroundType::transparent:
+        if (!composition.isRendering)
+            layer.paint = CheckerboardView{}.paint(
+                Homography::translation(size.width() / 2, size.height() / 2) * reverse);
+        break;
+    case BackgroundType::color:
+        layer.paint = colorBackgroundPaint(config, size, reverse);
+        adjustments.apply(layer);
+        break;
+    case BackgroundType::gradient:
+        layer.paint = gradientBackgroundPaint(config.gradientConfig, size, reverse);
+        adjustments.apply(layer);
+        break;
+    case BackgroundType::image:
+        if (!composition.backgroundImage().isNull())
+            if (const auto picture = prepared(backgroundSlot, composition.backgroundImage()))
+                layer.paint = std::make_shared<raster::PicturePaint>(picture, size.width(), size.height(),
+                                                                     map, viewport.pixelSize.width(),
+                                                                     viewport.pixelSize.height());
+        break;
+    }
+    if (!layer.paint)
+        return;
+    if (!composition.isRendering && config.backgroundType != BackgroundType::transparent)
+        NoiseOverlayModifier{config.gradientConfig.noiseAmount / 100}.apply(
+            layer, wholePixel(viewport.canvasCentre.x()), wholePixel(viewport.canvasCentre.y()));
+    layers.push_back(std::move(layer));
+}
+
+void CompositionRasterizer::appendScreenshot(std::vector<Layer>& layers, const Composition& composition,
+                                             const Viewport& viewport) {
+    if (composition.image.isNull())
+        return;
+    const QSizeF size = pointSize(composition.image);
+    auto placement = screenshotPlacement(size, composition.config, composition.dragOffset);
+    if (!placement)
+        return;
+    placement->toOutput = canvasMap(viewport) * placement->toOutput;
+    if (!placement->toOutput.isFinite() || !placement->toOutput.inverse().isFinite())
+        return;
+    const auto picture = prepared(screenshotSlot, composition.image);
+    if (!picture)
+        return;
+    auto paint =
+        std::make_shared<raster::PicturePaint>(picture, size.width(), size.height(), placement->toOutput,
+                                               viewport.pixelSize.width(), viewport.pixelSize.height());
+    for (Layer& layer : mockupLayers(size, composition.config, std::move(paint), *placement))
+        layers.push_back(std::move(layer));
+}
+
+} // namespace framora

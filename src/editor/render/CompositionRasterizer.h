@@ -1,0 +1,64 @@
+#pragma once
+
+#include "editor/render/Composition.h"
+#include "editor/render/raster/Compositor.h"
+#include "editor/render/raster/PicturePyramid.h"
+
+#include <QImage>
+#include <QPointF>
+#include <QSize>
+#include <array>
+#include <memory>
+
+namespace framora {
+
+/// Draws compositions: the preview at any zoom and the export, by one path.
+///
+/// An object keeps what it prepared of the last pictures, so that a preview is drawn again quickly; the
+/// pixels are the same as a new object's. One object is used by one thread at a time.
+class CompositionRasterizer {
+public:
+    /// The part of the plane that is drawn: an image of `pixelSize` in which a point is `pixelsPerPoint`
+    /// pixels and the canvas centre lies at `canvasCentre`, in pixels from the top left corner.
+    struct Viewport {
+        QSize pixelSize;
+        double pixelsPerPoint = 1;
+        QPointF canvasCentre;
+    };
+
+    /// More pixels than these are never drawn.
+    static constexpr int longestSide = 65535;
+    static constexpr qint64 mostPixels = 300'000'000;
+
+    /// The picture as ARGB32_Premultiplied with a devicePixelRatio of 1, transparent where no layer is. Null
+    /// when the viewport is empty or too large, or memory is short. A style with numbers that are not finite,
+    /// or with layers turned edge-on, is drawn without what cannot be drawn.
+    QImage draw(const Composition& composition, const Viewport& viewport);
+    /// The same into `target`, whose memory is used again when it fits and nobody else holds it. False, and a
+    /// null target, where draw() gives null.
+    bool drawInto(QImage& target, const Composition& composition, const Viewport& viewport);
+
+    /// A frame of `size` points with the canvas centred in it, at `scale` pixels a point; the result has
+    /// round(size x scale) pixels and `scale` as its devicePixelRatio. Null when that is nothing, not finite
+    /// or too large.
+    QImage drawFrame(const Composition& composition, QSizeF size, double scale);
+
+private:
+    /// A picture in the kernels' format, and its reductions.
+    struct Prepared {
+        qint64 key = 0;
+        QImage pixels;
+        std::shared_ptr<const raster::PicturePyramid> pyramid;
+    };
+    enum Slot { screenshotSlot, backgroundSlot, slotCount };
+
+    std::shared_ptr<const raster::PicturePyramid> prepared(Slot slot, const QImage& image);
+    void appendBackground(std::vector<raster::Layer>& layers, const Composition& composition,
+                          const Viewport& viewport);
+    void appendScreenshot(std::vector<raster::Layer>& layers, const Composition& composition,
+                          const Viewport& viewport);
+
+    std::array<Prepared, slotCount> m_prepared;
+};
+
+} // namespace framora

@@ -1,0 +1,31 @@
+#include "editor/render/ScreenshotRenderer.h"
+
+#include "editor/render/BackgroundDecoder.h"
+#include "editor/render/CompositionRasterizer.h"
+
+#include <QCoreApplication>
+#include <QThread>
+
+namespace framora {
+
+QImage renderComposition(const QImage& image, const ScreenshotStyleConfig& config) {
+    if (image.isNull())
+        return {};
+    Composition composition;
+    composition.image = image;
+    composition.config = config;
+    composition.config.zoom = 100;
+    composition.isRendering = true;
+    if (config.backgroundType == BackgroundType::image && config.backgroundImageURL)
+        composition.preloadedBackgroundImage = BackgroundDecoder::decode(*config.backgroundImageURL);
+    return CompositionRasterizer().drawFrame(composition, outputFrame(pointSize(image), config), exportScale);
+}
+
+QImage ScreenshotRenderer::render() const {
+    const QCoreApplication* application = QCoreApplication::instance();
+    if (application && QThread::currentThread() != application->thread())
+        qFatal("ScreenshotRenderer.cpp: render() is called off the main thread");
+    return renderComposition(m_image, m_config);
+}
+
+} // namespace framora

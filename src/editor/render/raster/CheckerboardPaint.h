@@ -1,0 +1,25 @@
+#pragma once
+
+#include "editor/render/raster/Homography.h"
+#include "editor/render/raster/Paint.h"
+
+namespace framora::raster {
+
+/// Alternating squares of two greys, the first with a corner at the origin of its own points. `toLocal`
+/// scales and moves only; squares whose edge crosses a pixel share it by area.
+class CheckerboardPaint : public Paint {
+public:
+    CheckerboardPaint(double squareSize, const Homography& toLocal, float firstGrey, float secondGrey)
+        : m_squareSize(squareSize), m_toLocal(toLocal), m_firstGrey(firstGrey), m_secondGrey(secondGrey) {}
+
+    void shade(int x, int y, int count, Float4* out) const override;
+    bool isOpaque() const override { return true; }
+
+private:
+    double m_squareSize;
+    Homography m_toLocal;
+    float m_firstGrey;
+    float m_secondGrey;
+};
+
+} // namespace framora::raster

@@ -1,0 +1,65 @@
+#include "editor/render/raster/GradientPaint.h"
+
+#include <cmath>
+#include <numbers>
+
+namespace framora::raster {
+
+GradientPaint::GradientPaint(Kind kind, double degrees, double width, double height,
+                             std::vector<Float4> stops, const Homography& toLocal)
+    : m_kind(kind), m_toLocal(toLocal), m_stops(std::move(stops)) {
+    if (kind == Kind::angular)
+        m_stops.push_back(m_stops.front());
+    for (std::size_t i = 0; i < m_stops.size(); ++i) {
+        m_isOpaque = m_isOpaque && m_stops[i][3] == 1;
+        if (i + 1 < m_stops.size())
+            m_steps.push_back(m_stops[i + 1] - m_stops[i]);
+    }
+    if (!std::isfinite(degrees))
+        degrees = 0;
+    const auto [s, c] = sinCos(degrees);
+    const double length = std::abs(width * s) + std::abs(height * c);
+    m_direction = {s / length, -c / length};
+    m_radius = std::hypot(width, height) / 2;
+    m_start = std::fmod(degrees, 360.0) / 360;
+}
+
+double GradientPaint::position(Vec2 point) const {
+    switch (m_kind) {
+    case Kind::linear:
+        return point.x * m_direction.x + point.y * m_direction.y + 0.5;
+    case Kind::radial:
+        return std::sqrt(point.x * point.x + point.y * point.y) / m_radius;
+    case Kind::angular: {
+        const double turns = std::atan2(point.x, -point.y) / (2 * std::numbers::pi) - m_start;
+        return turns - std::floor(turns);
+    }
+    }
+    return 0;
+}
+
+Float4 GradientPaint::color(double position) const {
+    if (m_steps.empty() || !(position > 0))
+        return m_stops.front();
+    if (position >= 1)
+        return m_stops.back();
+    const float scaled = float(position) * float(m_steps.size());
+    const std::size_t index = std::size_t(scaled) < m_steps.size() ? std::size_t(scaled) : m_steps.size() - 1;
+    return m_stops[index] + m_steps[index] * splat(scaled - float(index));
+}
+
+void GradientPaint::shade(int x, int y, int count, Float4* out) const {
+    if (m_kind == Kind::linear && m_toLocal.isAffine()) {
+        // The position is affine in x.
+        const double step =
+            (m_toLocal(0, 0) * m_direction.x + m_toLocal(1, 0) * m_direction.y) / m_toLocal(2, 2);
+        const double start = position(m_toLocal.map({0.5, y + 0.5}));
+        for (int i = 0; i < count; ++i)
+            out[i] = color(start + step * (x + i));
+        return;
+    }
+    for (int i = 0; i < count; ++i)
+        out[i] = color(position(m_toLocal.map({x + i + 0.5, y + 0.5})));
+}
+
+} // namespace framora::raster

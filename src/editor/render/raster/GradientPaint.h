@@ -1,0 +1,42 @@
+#pragma once
+
+#include "editor/render/raster/Homography.h"
+#include "editor/render/raster/Paint.h"
+
+#include <vector>
+
+namespace framora::raster {
+
+/// A gradient over a rectangle about the origin of its own points.
+class GradientPaint : public Paint {
+public:
+    enum class Kind {
+        linear, ///< 0 degrees points up, clockwise; the line runs from corner to corner.
+        radial, ///< A circle from the centre to the corners.
+        angular ///< Clockwise from `degrees`, 0 being up; closed on its first colour.
+    };
+
+    /// `stops` are premultiplied, evenly spaced and at least one. `toLocal` maps output pixels to the
+    /// gradient's points.
+    GradientPaint(Kind kind, double degrees, double width, double height, std::vector<Float4> stops,
+                  const Homography& toLocal);
+
+    void shade(int x, int y, int count, Float4* out) const override;
+    bool isOpaque() const override { return m_isOpaque; }
+
+    /// Where a point lies between the first colour (0) and the last (1), before it is clamped.
+    double position(Vec2 point) const;
+    Float4 color(double position) const;
+
+private:
+    Kind m_kind;
+    Homography m_toLocal;
+    std::vector<Float4> m_stops;
+    std::vector<Float4> m_steps; ///< From each stop to the next.
+    bool m_isOpaque = true;
+    Vec2 m_direction;    ///< Linear: position is its product with the point, plus a half.
+    double m_radius = 1; ///< Radial.
+    double m_start = 0;  ///< Angular: in turns.
+};
+
+} // namespace framora::raster

@@ -1,0 +1,33 @@
+#include "editor/render/raster/PicturePyramid.h"
+
+#include "editor/render/raster/Resample.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace framora::raster {
+PicturePyramid::PicturePyramid(PixelView picture) : m_picture(picture) {
+    std::uint32_t all = 0xff000000u;
+    for (int y = 0; y < picture.height && all == 0xff000000u; ++y) {
+        const std::uint32_t* row = picture.row(y);
+        for (int x = 0; x < picture.width; ++x)
+            all &= row[x];
+    }
+    m_isOpaque = all == 0xff000000u;
+}
+
+PixelView PicturePyramid::level(int level) const {
+    if (level <= 0)
+        return m_picture;
+    level = std::min(level, levelCount - 1);
+    const auto index = std::size_t(level);
+    std::call_once(m_made[index], [&] {
+        const double factor = std::exp2(-level / 2.0);
+        m_levels[index] = PixelBuffer::create(std::max(1, int(std::lround(m_picture.width * factor))),
+                                              std::max(1, int(std::lround(m_picture.height * factor))));
+        resample(m_picture, m_levels[index].mutableView());
+    });
+    return m_levels[index].isEmpty() ? m_picture : m_levels[index].view();
+}
+
+} // namespace framora::raster

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "editor/render/raster/PixelBuffer.h"
+
+#include <array>
+#include <mutex>
+
+namespace framora::raster {
+
+/// A picture and its reductions, each 1/sqrt(2) of the one before and each made from the picture itself when
+/// it is first asked for. May be used from many threads.
+class PicturePyramid {
+public:
+    static constexpr int levelCount = 24;
+
+    /// `picture` must live as long as this.
+    explicit PicturePyramid(PixelView picture);
+
+    PixelView picture() const { return m_picture; }
+    /// Whether every pixel has an alpha of 255.
+    bool isOpaque() const { return m_isOpaque; }
+    /// The reduction by `level` steps. It is never smaller than one pixel a side; where memory is short it is
+    /// the picture itself.
+    PixelView level(int level) const;
+
+private:
+    PixelView m_picture;
+    bool m_isOpaque = true;
+    mutable std::array<std::once_flag, levelCount> m_made;
+    mutable std::array<PixelBuffer, levelCount> m_levels;
+};
+
+} // namespace framora::raster

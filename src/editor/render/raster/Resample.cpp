@@ -1,0 +1,29 @@
+#include "editor/render/raster/Resample.h"
+
+#include "editor/render/raster/ParallelFor.h"
+#include "editor/render/raster/SeparableSampler.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace framora::raster {
+
+void resample(PixelView source, MutablePixelView target) {
+    if (source.isEmpty() || target.isEmpty())
+        return;
+    const auto kernel = [](int from, int to) { return ResampleKernel(double(from) / to, 0, from, 0, to); };
+    const SeparableSampler sampler(source, kernel(source.width, target.width),
+                                   kernel(source.height, target.height));
+    constexpr int rowsAtOnce = 8;
+    parallelFor((target.height + rowsAtOnce - 1) / rowsAtOnce, [&](int band) {
+        std::vector<Float4> row(static_cast<std::size_t>(target.width));
+        for (int y = band * rowsAtOnce; y < std::min(target.height, (band + 1) * rowsAtOnce); ++y) {
+            sampler.read(0, y, target.width, row.data());
+            std::uint32_t* out = target.row(y);
+            for (int x = 0; x < target.width; ++x)
+                out[x] = pack(row[std::size_t(x)] * splat(1.0f / 255));
+        }
+    });
+}
+
+} // namespace framora::raster

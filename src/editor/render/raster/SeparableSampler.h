@@ -1,0 +1,26 @@
+#pragma once
+
+#include "editor/render/raster/Float4.h"
+#include "editor/render/raster/PixelView.h"
+#include "editor/render/raster/ResampleKernel.h"
+
+namespace framora::raster {
+
+/// Reads a picture scaled and moved, without rotation.
+class SeparableSampler {
+public:
+    SeparableSampler() = default;
+    /// Both kernels are made for the picture's size; `picture` must live as long as this.
+    SeparableSampler(PixelView picture, ResampleKernel columns, ResampleKernel rows);
+
+    /// The premultiplied colours of `count` output pixels from (x, y), 0...255. They must lie inside the
+    /// kernels.
+    void read(int x, int y, int count, Float4* out) const;
+
+private:
+    PixelView m_picture;
+    ResampleKernel m_columns;
+    ResampleKernel m_rows;
+};
+
+} // namespace framora::raster

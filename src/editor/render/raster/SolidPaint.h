@@ -1,0 +1,20 @@
+#pragma once
+
+#include "editor/render/raster/Paint.h"
+
+#include <algorithm>
+
+namespace framora::raster {
+
+/// One colour everywhere.
+class SolidPaint : public Paint {
+public:
+    explicit SolidPaint(Float4 color) : m_color(color) {}
+    void shade(int, int, int count, Float4* out) const override { std::fill_n(out, count, m_color); }
+    bool isOpaque() const override { return m_color[3] == 1; }
+
+private:
+    Float4 m_color;
+};
+
+} // namespace framora::raster
