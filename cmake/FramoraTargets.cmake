@@ -22,10 +22,15 @@ function(framora_test name)
   if(NOT TEST_TIMEOUT)
     set(TEST_TIMEOUT 120)
   endif()
+  # A desktop is many processes: two such tests on two cores only slow each other down.
+  set(processors 1)
+  if("desktop" IN_LIST TEST_LABELS)
+    set(processors 2)
+  endif()
   add_executable(${name} ${TEST_SOURCES})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
   target_link_libraries(${name} PRIVATE framora_options GTest::gmock ${TEST_LINK})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST 
-    PROPERTIES TIMEOUT ${TEST_TIMEOUT} LABELS "${TEST_LABELS}")
+  gtest_discover_tests(${name} DISCOVERY_TIMEOUT 60 DISCOVERY_MODE PRE_TEST
+    PROPERTIES TIMEOUT ${TEST_TIMEOUT} LABELS "${TEST_LABELS}" PROCESSORS ${processors})
 endfunction()

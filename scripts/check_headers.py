@@ -1,0 +1,62 @@
+"""Compiles every header alone: what it uses, it includes."""
+
+import concurrent.futures
+import json
+import os
+import pathlib
+import shlex
+import subprocess
+import sys
+
+
+def flags_by_folder(build):
+    """The compile command of one source file for every folder that has sources, without input and output."""
+    result = {}
+    for entry in json.loads((build / "compile_commands.json").read_text()):
+        source = pathlib.Path(entry["file"])
+        folder = source.parent
+        if folder in result or source.suffix != ".cpp" or build.resolve() in source.resolve().parents:
+            continue
+        words = shlex.split(entry["command"])
+        if os.path.basename(words[0]) == "ccache":
+            words = words[1:]
+        output = words.index("-o")
+        result[folder] = [word for word in words[:output] + words[output + 2:] if word not in ("-c", entry["file"])]
+    return result
+
+
+def nearest_flags(flags, header):
+    for folder in header.parents:
+        if folder in flags:
+            return flags[folder]
+        for known in sorted(flags):
+            if folder in known.parents and folder.name not in ("src", "tests"):
+                return flags[known]
+    return None
+
+
+def check(flags, header):
+    command = nearest_flags(flags, header)
+    if command is None:
+        return f"{header}: no source file beside it tells how to compile it"
+    done = subprocess.run(command + ["-fsyntax-only", "-Wno-pragma-once-outside-header", "-x", "c++", str(header)],
+                          capture_output=True, text=True)
+    errors = [line for line in done.stderr.splitlines() if "error" in line]
+    return None if done.returncode == 0 else "\n".join(errors[:4] or [done.stderr])
+
+
+def main():
+    build = pathlib.Path(sys.argv[1])
+    root = pathlib.Path.cwd()
+    flags = flags_by_folder(build)
+    headers = sorted(path for place in ("src", "tests", "bench") for path in (root / place).rglob("*.h"))
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        failures = [failure for failure in pool.map(lambda header: check(flags, header), headers) if failure]
+    for failure in failures:
+        print(failure, file=sys.stderr)
+    print(f"check-headers: {len(headers) - len(failures)} of {len(headers)} headers compile alone")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
