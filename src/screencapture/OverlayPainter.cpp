@@ -165,7 +165,7 @@ void OverlayPainter::paintGuides(cairo_t* cr, const OverlayScene::Guides& guides
     cairo_clip(cr);
     cairo_set_source_rgba(cr, 0, 0, 0, 0.16);
     lines(-m_line, 3 * m_line);
-    cairo_set_source_rgba(cr, 1, 1, 1, 0.55);
+    cairo_set_source_rgba(cr, 1, 1, 1, 0.45);
     lines(0, m_line);
 }
 

@@ -91,11 +91,11 @@ void SelectionModel::moveTo(Point corner) {
 void SelectionModel::follow() {
     if (!m_dragging)
         return;
-    const Point p = constrained(m_pointer);
+    const Point p = edgeAt(constrained(m_pointer));
     if (m_moveOffset)
         moveTo({p.x + m_moveOffset->x, p.y + m_moveOffset->y});
     else
-        m_corner = edgeAt(p);
+        m_corner = p;
 }
 
 SelectionModel::Outcome SelectionModel::pointerMoved(Point pointer) {
@@ -146,7 +146,7 @@ SelectionModel::Outcome SelectionModel::keyPressed(Key key, int code) {
         return Outcome::Cancel;
     case Key::Space:
         if (m_dragging) {
-            const Point p = constrained(m_pointer);
+            const Point p = edgeAt(constrained(m_pointer));
             m_moveOffset = Point{m_corner.x - p.x, m_corner.y - p.y};
         } else if (!m_primaryDown) {
             m_mode = m_mode == CaptureMode::Area ? CaptureMode::Window : CaptureMode::Area;

@@ -1,0 +1,131 @@
+#include "screencapture/OverlayPainter.h"
+
+#include "screencapture/XConnection.h"
+
+#include <gtest/gtest.h>
+#include <random>
+
+namespace framora {
+namespace {
+
+constexpr int kWidth = 320;
+constexpr int kHeight = 220;
+
+class OverlayPainterTest : public testing::Test {
+protected:
+    OverlayPainterTest() {
+        for (int y = 0; y < kHeight; ++y)
+            for (int x = 0; x < kWidth; ++x)
+                frozen->row(y)[x] = static_cast<uint32_t>(x * 7 + y * 131) * 2654435761U;
+    }
+
+    std::unique_ptr<ServerImage> image() const { return ServerImage::create(connection, kWidth, kHeight); }
+    static Rect whole() { return {0, 0, kWidth, kHeight}; }
+
+    // To no server: the images are then plain memory.
+    struct NoDisplay {
+        NoDisplay() { unsetenv("DISPLAY"); }
+    } noDisplay;
+    XConnection connection;
+    std::unique_ptr<ServerImage> frozen = image();
+    std::unique_ptr<ServerImage> frame = image();
+};
+
+int differingPixels(const ServerImage& a, const ServerImage& b) {
+    int count = 0;
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x)
+            count += (a.row(y)[x] & 0xffffff) != (b.row(y)[x] & 0xffffff);
+    return count;
+}
+
+OverlayScene randomScene(std::mt19937& random, SizeLabel& label) {
+    const auto number = [&random](int from, int to) {
+        return std::uniform_int_distribution(from, to)(random);
+    };
+    const Point a{number(0, kWidth), number(0, kHeight)};
+    const Point b{number(0, kWidth), number(0, kHeight)};
+    OverlayScene scene;
+    switch (number(0, 3)) {
+    case 0:
+        scene.highlight = Rect::between(a, b);
+        break;
+    case 1:
+        scene.guides = OverlayScene::Guides{{a.x - 1, a.y - 1}, Rect{0, 0, 200, kHeight}};
+        break;
+    default:
+        scene.selection = Rect::between(a, b);
+        if (!scene.selection.empty())
+            scene.label =
+                OverlayScene::Label{label.measured(a.x, b.y).translated(b.x - 40, b.y - 30), a.x, b.y};
+        break;
+    }
+    return scene;
+}
+
+TEST_F(OverlayPainterTest, paintingOnlyTheDifferenceGivesTheWholeScene) {
+    const auto reference = image();
+    for (const double ratio : {1.0, 2.0}) {
+        OverlayPainter partly(*frozen, *frame, ratio);
+        OverlayPainter wholly(*frozen, *reference, ratio);
+        std::mt19937 random(7);
+        OverlayScene shown;
+        partly.paint(shown, whole());
+        for (int step = 0; step < 200; ++step) {
+            const OverlayScene next = randomScene(random, partly.label());
+            for (const Rect& part : partly.difference(shown, next))
+                partly.paint(next, part);
+            shown = next;
+            wholly.paint(next, whole());
+            ASSERT_EQ(differingPixels(*frame, *reference), 0) << "step " << step << " ratio " << ratio;
+        }
+    }
+}
+
+TEST_F(OverlayPainterTest, theSelectionShowsTheScreenAsItWas) {
+    OverlayPainter painter(*frozen, *frame, 1);
+    OverlayScene scene;
+    scene.selection = {40, 30, 120, 80};
+    painter.paint(scene, whole());
+    for (int y = 30; y < 110; ++y)
+        for (int x = 40; x < 160; ++x)
+            ASSERT_EQ(frame->row(y)[x] & 0xffffff, frozen->row(y)[x] & 0xffffff) << x << "," << y;
+}
+
+TEST_F(OverlayPainterTest, everythingElseIsDimmedAndStaysReadable) {
+    OverlayPainter painter(*frozen, *frame, 1);
+    painter.paint({}, whole());
+    for (int y = 0; y < kHeight; ++y)
+        for (int x = 0; x < kWidth; ++x)
+            for (const int shift : {0, 8, 16}) {
+                const int before = static_cast<int>(frozen->row(y)[x] >> shift & 255);
+                const int after = static_cast<int>(frame->row(y)[x] >> shift & 255);
+                ASSERT_NEAR(after, before * 0.625, 2);
+            }
+}
+
+TEST_F(OverlayPainterTest, aSmallMoveRepaintsLittle) {
+    OverlayPainter painter(*frozen, *frame, 1);
+    OverlayScene before;
+    OverlayScene after;
+    before.selection = {20, 20, 250, 150};
+    after.selection = {20, 20, 252, 151};
+    long pixels = 0;
+    for (const Rect& part : painter.difference(before, after))
+        pixels += static_cast<long>(part.width) * part.height;
+    EXPECT_LT(pixels, kWidth * kHeight / 5);
+    EXPECT_TRUE(painter.difference(after, after).empty());
+}
+
+TEST_F(OverlayPainterTest, theLabelIsWideEnoughForItsNumbersAndGrowsWithTheRatio) {
+    OverlayPainter painter(*frozen, *frame, 1);
+    const Rect one = painter.label().measured(8, 8);
+    const Rect four = painter.label().measured(3840, 2160);
+    EXPECT_GT(four.width, one.width);
+    EXPECT_EQ(painter.label().measured(1111, 1111).width, painter.label().measured(8888, 8888).width);
+    OverlayPainter twice(*frozen, *frame, 2);
+    EXPECT_NEAR(twice.label().measured(3840, 2160).width, 2 * four.width, 3);
+}
+
+} // namespace
+} // namespace framora
