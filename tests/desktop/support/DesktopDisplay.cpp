@@ -1,5 +1,6 @@
 #include "desktop/support/DesktopDisplay.h"
 
+#include <xcb/shape.h>
 #include <xcb/xcb.h>
 #include <xcb/xtest.h>
 #include <xkbcommon/xkbcommon.h>
@@ -185,6 +186,18 @@ std::uint32_t DesktopDisplay::focusedWindow() {
     const auto reply =
         own(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
     return reply ? reply->focus : 0;
+}
+
+QRect DesktopDisplay::inputArea(std::uint32_t window) {
+    const auto place = own(xcb_translate_coordinates_reply(
+        m_connection, xcb_translate_coordinates(m_connection, window, m_root, 0, 0), nullptr));
+    const auto reply = own(xcb_shape_get_rectangles_reply(
+        m_connection, xcb_shape_get_rectangles(m_connection, window, XCB_SHAPE_SK_INPUT), nullptr));
+    QRect bounds;
+    const xcb_rectangle_t* rectangles = reply ? xcb_shape_get_rectangles_rectangles(reply.get()) : nullptr;
+    for (int i = 0; reply && i < xcb_shape_get_rectangles_rectangles_length(reply.get()); ++i)
+        bounds |= QRect(rectangles[i].x, rectangles[i].y, rectangles[i].width, rectangles[i].height);
+    return place ? bounds.translated(place->dst_x, place->dst_y) : QRect();
 }
 
 int DesktopDisplay::countBelow(std::uint32_t window) {

@@ -51,6 +51,9 @@ public:
     /// What the window manager says is active, 0 for none.
     std::uint32_t activeWindow();
     std::uint32_t focusedWindow();
+    /// Bounds of the part of a window that takes the pointer, on the root window; empty when clicks pass
+    /// through.
+    QRect inputArea(std::uint32_t window);
     /// Number of all windows below the root, mapped or not, at any depth.
     int windowCount();
     bool selectionIsOwned(const char* selection);

@@ -6,7 +6,6 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QStandardPaths>
 #include <QUuid>
 
 #include <csignal>
@@ -104,6 +103,8 @@ VirtualDesktop::VirtualDesktop(const DesktopOptions& options)
         startServer(options);
         if (options.sessionBus)
             startBus();
+        if (options.accessibility)
+            startAccessibility();
         if (options.windowManager != WindowManager::none)
             startWindowManager(options.windowManager);
         if (options.compositor)
@@ -200,6 +201,23 @@ void VirtualDesktop::startBus() {
     m_environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=") + socket);
 }
 
+void VirtualDesktop::startAccessibility() {
+    start(QStringLiteral("/usr/libexec/at-spi-bus-launcher"), {QStringLiteral("--launch-immediately")});
+    requireSoon("accessibility bus", [&] { return serviceIsOnBus(QStringLiteral("org.a11y.Bus")); });
+    m_environment.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
+}
+
+bool VirtualDesktop::serviceIsOnBus(const QString& name) const {
+    const QString connection = QUuid::createUuid().toString();
+    bool registered = false;
+    {
+        const auto bus = QDBusConnection::connectToBus(busAddress(), connection);
+        registered = bus.interface() && bus.interface()->isServiceRegistered(name);
+    }
+    QDBusConnection::disconnectFromBus(connection);
+    return registered;
+}
+
 ChildProcess& VirtualDesktop::startWindowManager(WindowManager manager) {
     ChildProcess& child = manager == WindowManager::xfwm4
                               ? start(QStringLiteral("xfwm4"), {QStringLiteral("--compositor=off")})
@@ -219,16 +237,8 @@ ChildProcess& VirtualDesktop::startTrayHost(TrayHost host) {
     if (host == TrayHost::xfcePanel) {
         ChildProcess& child = start(QStringLiteral("xfce4-panel"), {QStringLiteral("--disable-wm-check"),
                                                                     QStringLiteral("--sm-client-disable")});
-        const QString name = QStringLiteral("virtual-desktop-") + m_marker;
-        {
-            auto bus = QDBusConnection::connectToBus(
-                m_environment.value(QStringLiteral("DBUS_SESSION_BUS_ADDRESS")), name);
-            requireSoon("status notifier watcher", [&] {
-                return bus.interface() &&
-                       bus.interface()->isServiceRegistered(QStringLiteral("org.kde.StatusNotifierWatcher"));
-            });
-        }
-        QDBusConnection::disconnectFromBus(name);
+        requireSoon("status notifier watcher",
+                    [&] { return serviceIsOnBus(QStringLiteral("org.kde.StatusNotifierWatcher")); });
         return child;
     }
     ChildProcess& child =

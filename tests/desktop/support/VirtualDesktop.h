@@ -23,6 +23,7 @@ struct DesktopOptions {
     bool compositor = false; ///< picom, with neither shadows nor fading of its own.
     TrayHost trayHost = TrayHost::none;
     bool sessionBus = true;
+    bool accessibility = false; ///< The bus on which AccessibleTree finds controls.
     /// XFIXES, DAMAGE and the like are always there; an entry here goes to the server as `-extension NAME`.
     QStringList disabledExtensions;
 };
@@ -40,6 +41,7 @@ public:
     /// Windows, pictures, keys and the pointer.
     DesktopDisplay& display() { return *m_display; }
     QString displayName() const { return m_displayName; }
+    QString busAddress() const { return m_environment.value(QStringLiteral("DBUS_SESSION_BUS_ADDRESS")); }
 
     /// What a program started here finds: the display, the bus, private folders and little else.
     QProcessEnvironment environment() const { return m_environment; }
@@ -82,6 +84,8 @@ public:
 private:
     void startServer(const DesktopOptions& options);
     void startBus();
+    void startAccessibility();
+    bool serviceIsOnBus(const QString& name) const;
     void writeConfiguration();
     void endEverything();
     void requireSoon(const char* what, const std::function<bool()>& condition);

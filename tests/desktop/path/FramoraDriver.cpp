@@ -1,0 +1,165 @@
+#include "desktop/path/FramoraDriver.h"
+
+#include <QElapsedTimer>
+
+#include <stdexcept>
+
+namespace framora {
+
+FramoraDriver::FramoraDriver(VirtualDesktop& desktop) : m_desktop(desktop) {}
+
+FramoraDriver::~FramoraDriver() = default;
+
+QString FramoraDriver::program(const QString& name) {
+    return QStringLiteral(FRAMORA_PROGRAM_FOLDER "/") + name;
+}
+
+void FramoraDriver::require(const QString& what, const std::function<bool()>& condition, int timeoutMs) {
+    if (VirtualDesktop::waitFor(condition, timeoutMs))
+        return;
+    std::string message = "did not see: " + what.toStdString();
+    if (m_framora && !m_framora->isRunning())
+        message += " (Framora has ended)";
+    if (m_framora)
+        message += "\n" + m_framora->output().toStdString();
+    throw std::runtime_error(message);
+}
+
+ChildProcess& FramoraDriver::launch() {
+    m_framora = &m_desktop.start(program(QStringLiteral("framora")));
+    // The shortcuts work once the server reports raw keys to the program; a first capture shows that they do.
+    QElapsedTimer sincePress;
+    require(QStringLiteral("Framora answering its shortcut"), [&] {
+        if (overlay())
+            return true;
+        if (!sincePress.isValid() || sincePress.elapsed() > 500) {
+            pressAreaShortcut();
+            sincePress.start();
+        }
+        return false;
+    });
+    display().key({"Escape"});
+    waitForNoOverlay();
+    // A second press may still be under way.
+    if (VirtualDesktop::waitFor([&] { return overlay().has_value(); }, 200)) {
+        display().key({"Escape"});
+        waitForNoOverlay();
+    }
+    return *m_framora;
+}
+
+void FramoraDriver::pressAreaShortcut() {
+    display().key({"Shift_L", "Alt_L", "4"});
+}
+
+void FramoraDriver::pressWindowShortcut() {
+    display().key({"Shift_L", "Alt_L", "t"});
+}
+
+std::optional<DesktopWindow> FramoraDriver::overlay() {
+    return display().windowTitled(QStringLiteral("framora-screencapture"));
+}
+
+DesktopWindow FramoraDriver::waitForOverlay() {
+    require(QStringLiteral("the capture tool's overlay"), [&] { return overlay().has_value(); });
+    return *overlay();
+}
+
+void FramoraDriver::waitForNoOverlay() {
+    require(QStringLiteral("the overlay going away"), [&] { return !overlay(); });
+}
+
+void FramoraDriver::selectArea(const QRect& area) {
+    display().drag(area.topLeft(), area.topLeft() + QPoint(area.width(), area.height()));
+    waitForNoOverlay();
+}
+
+std::optional<DesktopWindow> FramoraDriver::toast() {
+    return display().windowTitled(QStringLiteral("Framora toast"));
+}
+
+DesktopWindow FramoraDriver::waitForToast() {
+    require(QStringLiteral("a toast"), [&] { return toast().has_value(); });
+    return *toast();
+}
+
+QRect FramoraDriver::waitForInteractiveToast() {
+    QRect card;
+    require(QStringLiteral("the toast with the picture"), [&] {
+        const auto window = toast();
+        card = window ? display().inputArea(window->id) : QRect();
+        return !card.isEmpty();
+    });
+    return card;
+}
+
+void FramoraDriver::waitForNoToast() {
+    require(QStringLiteral("the toast going away"), [&] { return !toast(); });
+}
+
+std::optional<DesktopWindow> FramoraDriver::editor() {
+    for (const DesktopWindow& window : display().windows())
+        if (!window.overrideRedirect && window.title == QStringLiteral("Framora") &&
+            window.geometry.width() >= 600)
+            return window;
+    return {};
+}
+
+DesktopWindow FramoraDriver::waitForEditor() {
+    require(QStringLiteral("the editor"), [&] { return editor().has_value(); });
+    return *editor();
+}
+
+void FramoraDriver::waitForNoEditor() {
+    require(QStringLiteral("the editor going away"), [&] { return !editor(); });
+}
+
+DesktopWindow FramoraDriver::captureAndEdit(const QRect& area) {
+    pressAreaShortcut();
+    waitForOverlay();
+    selectArea(area);
+    const QRect card = waitForInteractiveToast();
+    display().click(card.center());
+    return waitForEditor();
+}
+
+AccessibleNode FramoraDriver::control(const QString& name, const QString& role) {
+    std::optional<AccessibleNode> found;
+    require(QStringLiteral("the control \"%1\"").arg(name), [&] {
+        if (!m_accessible)
+            m_accessible = std::make_unique<AccessibleTree>(m_desktop.busAddress());
+        found = m_accessible->find(QString(), name, role);
+        return found.has_value();
+    });
+    return *found;
+}
+
+void FramoraDriver::clickControl(const QString& name, const QString& role) {
+    display().click(control(name, role).area.center());
+}
+
+void FramoraDriver::answerSaveDialog(const QString& path) {
+    const auto dialog = [&]() -> std::optional<DesktopWindow> {
+        for (const DesktopWindow& window : display().windows())
+            if (window.className.contains(QStringLiteral("framora"), Qt::CaseInsensitive) &&
+                !window.overrideRedirect && window.title != QStringLiteral("Framora"))
+                return window;
+        return {};
+    };
+    require(QStringLiteral("the file dialog"), [&] {
+        const auto window = dialog();
+        return window && display().activeWindow() == window->id;
+    });
+    display().key({"Control_L", "a"});
+    display().type(path);
+    display().key({"Return"});
+    require(QStringLiteral("the file dialog closing"), [&] { return !dialog(); });
+    require(QStringLiteral("the saved file"), [&] { return !QImage(path).isNull(); });
+}
+
+void FramoraDriver::save(const QString& path) {
+    clickControl(QStringLiteral("Save to File"));
+    answerSaveDialog(path);
+}
+
+} // namespace framora
