@@ -1,0 +1,189 @@
+#pragma once
+
+#include "editor/model/ScreenshotStyleConfig.h"
+
+#include <QByteArray>
+#include <QColor>
+#include <QImage>
+#include <QObject>
+#include <QPointF>
+#include <QSizeF>
+#include <QUrl>
+#include <QVariant>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace framora {
+
+class Clock;
+class FilePanels;
+class MainQueue;
+class RandomSource;
+class ResourceBundle;
+class WorkItem;
+
+/// The state of one editor window and its commands. Lives on the main thread.
+///
+/// Lengths are points, `zoom` and the other percents are stored as percents. Every property notifies when it
+/// changes; `config` notifies as a whole.
+class ScreenshotEditorViewModel final : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(framora::ScreenshotStyleConfig config READ config WRITE setConfig NOTIFY configChanged)
+    /// The images' URLs, for views; wallpaperThumbnail() gives their pictures.
+    Q_PROPERTY(QList<QUrl> wallpaperURLs READ wallpaperURLs NOTIFY wallpaperImagesChanged)
+    Q_PROPERTY(QSizeF canvasSize READ canvasSize WRITE setCanvasSize NOTIFY canvasSizeChanged)
+    Q_PROPERTY(QSizeF offset READ offset WRITE setOffset NOTIFY offsetChanged)
+    Q_PROPERTY(QSizeF lastOffset READ lastOffset WRITE setLastOffset NOTIFY lastOffsetChanged)
+    Q_PROPERTY(QUrl selectedWallpaperURL READ selectedWallpaperURL NOTIFY selectedWallpaperURLChanged)
+    Q_PROPERTY(QString newTextContent MEMBER m_newTextContent NOTIFY newTextContentChanged)
+    Q_PROPERTY(double newTextFontSize MEMBER m_newTextFontSize NOTIFY newTextFontSizeChanged)
+    Q_PROPERTY(QColor newTextColor MEMBER m_newTextColor NOTIFY newTextColorChanged)
+    Q_PROPERTY(QVariant currentRedactStart MEMBER m_currentRedactStart NOTIFY currentRedactStartChanged)
+    Q_PROPERTY(QVariant currentRedactEnd MEMBER m_currentRedactEnd NOTIFY currentRedactEndChanged)
+    Q_PROPERTY(QImage originalImage READ originalImage CONSTANT)
+    // Fields of `config` in the terms of views: raw values, colours, positions in a catalogue (-1 for none).
+    Q_PROPERTY(QString mockupStyle READ mockupStyle NOTIFY configChanged)
+    Q_PROPERTY(QString borderStyle READ borderStyle NOTIFY configChanged)
+    Q_PROPERTY(QString backgroundType READ backgroundType NOTIFY configChanged)
+    Q_PROPERTY(QString gradientStyle READ gradientStyle NOTIFY configChanged)
+    Q_PROPERTY(QColor borderColor READ borderColor NOTIFY configChanged)
+    Q_PROPERTY(QColor customColor READ customColor NOTIFY configChanged)
+    Q_PROPERTY(QColor gradientColor1 READ gradientColor1 NOTIFY configChanged)
+    Q_PROPERTY(QColor gradientColor2 READ gradientColor2 NOTIFY configChanged)
+    Q_PROPERTY(QColor gradientColor3 READ gradientColor3 NOTIFY configChanged)
+    Q_PROPERTY(int magicPresetIndex READ magicPresetIndex NOTIFY configChanged)
+    Q_PROPERTY(int gradientPresetIndex READ gradientPresetIndex NOTIFY configChanged)
+    Q_PROPERTY(int socialPresetIndex READ socialPresetIndex NOTIFY configChanged)
+    Q_PROPERTY(bool hasBackgroundImage READ hasBackgroundImage NOTIFY configChanged)
+
+public:
+    /// A background image on offer: its file and a thumbnail of at most 400 x 300 pixels.
+    using Wallpaper = std::pair<QUrl, QImage>;
+    /// Shows a plain toast: message, symbol, success.
+    using ShowToast = std::function<void(const QString& message, const QString& icon, bool success)>;
+
+    /// What the model asks of the rest of the program; all of it outlives the model.
+    struct Services {
+        MainQueue& mainQueue;
+        Clock& clock;
+        FilePanels& filePanels;
+        const ResourceBundle& resources;
+        RandomSource& random;
+        std::function<QByteArray(const QImage&)> encodePng; ///< Empty bytes when it fails.
+        ShowToast showToast;                                ///< May be empty: no toast then.
+        /// Hands an import to the wallpaper cache; may be empty.
+        std::function<void(const Wallpaper&)> shareWallpaper;
+    };
+
+    /// `image`'s point size is its pixel size divided by its device pixel ratio.
+    ScreenshotEditorViewModel(QImage image, Services services, QObject* parent = nullptr);
+    ~ScreenshotEditorViewModel() override;
+
+    const ScreenshotStyleConfig& config() const { return m_config; }
+    void setConfig(const ScreenshotStyleConfig& config);
+    /// Writes one field of the style by its name, "gradientConfig.angle" for a nested one. Enumerations take
+    /// their raw value, colours a QColor, an absent value clears an optional field. False, and nothing
+    /// written, when there is no such field or the value does not convert.
+    Q_INVOKABLE bool set(const QString& field, const QVariant& value);
+    /// Null when there is no such entry.
+    Q_INVOKABLE QImage wallpaperThumbnail(int index) const;
+    QString mockupStyle() const;
+    QString borderStyle() const;
+    QString backgroundType() const;
+    QString gradientStyle() const;
+    QColor borderColor() const;
+    QColor customColor() const;
+    QColor gradientColor1() const;
+    QColor gradientColor2() const;
+    QColor gradientColor3() const;
+    int magicPresetIndex() const;
+    int gradientPresetIndex() const;
+    int socialPresetIndex() const;
+    bool hasBackgroundImage() const { return m_config.backgroundImageURL.has_value(); }
+
+    const std::vector<Wallpaper>& wallpaperImages() const { return m_wallpaperImages; }
+    const QImage& originalImage() const { return m_originalImage; }
+    QSizeF imageSize() const; ///< In points.
+
+    QSizeF canvasSize() const { return m_canvasSize; }
+    void setCanvasSize(QSizeF size);
+    QSizeF offset() const { return m_offset; }
+    void setOffset(QSizeF offset);
+    QSizeF lastOffset() const { return m_lastOffset; }
+    void setLastOffset(QSizeF offset);
+    QUrl selectedWallpaperURL() const { return m_selectedWallpaperURL; }
+    QString newTextContent() const { return m_newTextContent; }
+    double newTextFontSize() const { return m_newTextFontSize; }
+    QColor newTextColor() const { return m_newTextColor; }
+    QVariant currentRedactStart() const { return m_currentRedactStart; }
+    QVariant currentRedactEnd() const { return m_currentRedactEnd; }
+
+    Q_INVOKABLE void zoomIn();
+    Q_INVOKABLE void zoomOut();
+    Q_INVOKABLE void zoomToActualSize();
+    /// Takes effect 0.1 s later, when the canvas has been measured.
+    Q_INVOKABLE void fitToWindow();
+    Q_INVOKABLE void resetDisposition();
+    Q_INVOKABLE void randomizeGradient();
+    Q_INVOKABLE void chooseBackgroundImage();
+    Q_INVOKABLE void selectWallpaper(const QUrl& url);
+    /// `index` counts in the catalogue; out of range does nothing.
+    Q_INVOKABLE void selectMagicPreset(int index);
+    Q_INVOKABLE void selectGradientPreset(int index);
+    /// -1 clears the choice.
+    Q_INVOKABLE void selectSocialPreset(int index);
+    /// Also gives the corners the radius that the style stands for: 0, 20 or 40.
+    Q_INVOKABLE void selectBorderStyle(const QString& rawValue);
+    /// Where the screenshot stands after a drag in the canvas.
+    Q_INVOKABLE void setScreenshotOffset(QSizeF offset);
+    /// The user's own colour for the colour background; any colour that is not fully clear takes over from
+    /// presets.
+    Q_INVOKABLE void pickCustomColor(const QColor& color);
+
+    /// The picture at twice its point size; null when there is nothing to draw.
+    QImage renderFinalImage() const;
+    Q_INVOKABLE void saveImage();
+    void mergeWallpapers(const std::vector<Wallpaper>& wallpapers);
+
+Q_SIGNALS:
+    void configChanged();
+    void wallpaperImagesChanged();
+    void canvasSizeChanged();
+    void offsetChanged();
+    void lastOffsetChanged();
+    void selectedWallpaperURLChanged();
+    void newTextContentChanged();
+    void newTextFontSizeChanged();
+    void newTextColorChanged();
+    void currentRedactStartChanged();
+    void currentRedactEndChanged();
+
+private:
+    void loadStartupTexture();
+    void useBackgroundImage(ScreenshotStyleConfig& config, const QUrl& url);
+    void setZoom(double zoom);
+    void setSelectedWallpaperURL(const QUrl& url);
+    void setWallpaperImages(std::vector<Wallpaper> wallpapers);
+    QList<QUrl> wallpaperURLs() const;
+    void fitNow();
+
+    Services m_services;
+    QImage m_originalImage;
+    ScreenshotStyleConfig m_config;
+    std::vector<Wallpaper> m_wallpaperImages;
+    QSizeF m_canvasSize{0, 0};
+    QSizeF m_offset{0, 0};
+    QSizeF m_lastOffset{0, 0};
+    QUrl m_selectedWallpaperURL;
+    QString m_newTextContent;
+    double m_newTextFontSize = 24.0;
+    QColor m_newTextColor = Qt::white;
+    QVariant m_currentRedactStart;
+    QVariant m_currentRedactEnd;
+    std::unique_ptr<WorkItem> m_pendingFit;
+};
+
+} // namespace framora

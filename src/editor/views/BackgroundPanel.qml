@@ -1,0 +1,15 @@
+import QtQuick
+import Framora.Editor
+
+/// What lies behind the screenshot.
+Column {
+    id: panel
+
+    required property ScreenshotEditorViewModel viewModel
+    required property ColorPanelBridge colorPanel
+
+    spacing: 22
+
+    BackgroundSection { width: parent.width; viewModel: panel.viewModel; colorPanel: panel.colorPanel }
+    EffectsSection { width: parent.width; viewModel: panel.viewModel }
+}

@@ -1,0 +1,35 @@
+import QtQuick
+import Framora.Editor
+
+/// The kind of background, and what that kind offers.
+Section {
+    id: section
+
+    required property ScreenshotEditorViewModel viewModel
+    required property ColorPanelBridge colorPanel
+
+    title: Strings.localized("background")
+
+    SegmentedPicker {
+        objectName: "backgroundType"
+        width: parent.width
+        stacked: true
+        options: [
+            { value: "transparent", label: "Transparent", symbol: "checkerboard.rectangle" },
+            { value: "color", label: "Color", symbol: "drop.fill" },
+            { value: "gradient", label: "Gradient", symbol: "circle.lefthalf.filled" },
+            { value: "image", label: "Image", symbol: "photo" }
+        ]
+        value: section.viewModel.backgroundType
+        onChosen: value => section.viewModel.set("backgroundType", value)
+    }
+    Loader {
+        id: kind
+        width: parent.width
+        visible: item !== null
+        sourceComponent: ({ color: color, gradient: gradient, image: image })[section.viewModel.backgroundType] ?? null
+    }
+    Component { id: color; ColorBackground { width: kind.width; viewModel: section.viewModel; colorPanel: section.colorPanel } }
+    Component { id: gradient; GradientEditor { width: kind.width; viewModel: section.viewModel; colorPanel: section.colorPanel } }
+    Component { id: image; WallpaperGrid { width: kind.width; viewModel: section.viewModel } }
+}

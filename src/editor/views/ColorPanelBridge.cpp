@@ -1,0 +1,81 @@
+#include "editor/views/ColorPanelBridge.h"
+
+#include "editor/model/ScreenshotEditorViewModel.h"
+
+#include <algorithm>
+
+namespace framora {
+
+ColorPanelBridge::ColorPanelBridge(ScreenshotEditorViewModel& viewModel, QObject* parent)
+    : QObject(parent), m_viewModel(viewModel) {}
+
+QColor ColorPanelBridge::color() const {
+    return QColor::fromHsvF(float(m_hue), float(m_saturation), float(m_brightness)).toRgb();
+}
+
+QColor ColorPanelBridge::currentColor(const QString& field) const {
+    if (field == u"customColor")
+        return m_viewModel.customColor();
+    if (field == u"borderColor")
+        return m_viewModel.borderColor();
+    if (field == u"gradientConfig.color1")
+        return m_viewModel.gradientColor1();
+    if (field == u"gradientConfig.color2")
+        return m_viewModel.gradientColor2();
+    if (field == u"gradientConfig.color3")
+        return m_viewModel.gradientColor3();
+    return {};
+}
+
+void ColorPanelBridge::open(const QString& field) {
+    const QColor current = currentColor(field);
+    if (!current.isValid())
+        return;
+    show(current.alpha() == 0 ? QColor(Qt::white) : current);
+    if (m_field != field) {
+        m_field = field;
+        Q_EMIT fieldChanged();
+    }
+}
+
+void ColorPanelBridge::close() {
+    if (m_field.isEmpty())
+        return;
+    m_field.clear();
+    Q_EMIT fieldChanged();
+}
+
+void ColorPanelBridge::show(const QColor& color) {
+    const QColor hsv = color.toHsv();
+    if (hsv.hsvHueF() >= 0.0F)
+        m_hue = hsv.hsvHueF();
+    m_saturation = hsv.hsvSaturationF();
+    m_brightness = hsv.valueF();
+    Q_EMIT colorChanged();
+}
+
+void ColorPanelBridge::setColor(const QColor& color) {
+    if (!isOpen() || !color.isValid())
+        return;
+    show(color);
+    write();
+}
+
+void ColorPanelBridge::setHsv(double hue, double saturation, double brightness) {
+    if (!isOpen())
+        return;
+    m_hue = std::clamp(hue, 0.0, 1.0);
+    m_saturation = std::clamp(saturation, 0.0, 1.0);
+    m_brightness = std::clamp(brightness, 0.0, 1.0);
+    Q_EMIT colorChanged();
+    write();
+}
+
+void ColorPanelBridge::write() {
+    if (m_field == u"customColor")
+        m_viewModel.pickCustomColor(color());
+    else
+        m_viewModel.set(m_field, color());
+}
+
+} // namespace framora

@@ -1,0 +1,160 @@
+import QtQuick
+import Framora.Editor
+
+/// The window's one header: its own buttons, the view's commands, and the toolbar. Everything else of it moves the
+/// window; a double click maximises it.
+Item {
+    id: header
+
+    required property EditorSession session
+    /// How far the sidebar reaches at the moment.
+    required property real sidebarSpace
+
+    readonly property ScreenshotEditorViewModel viewModel: session.viewModel
+    readonly property bool compact: width - Math.max(sidebarSpace, windowCluster.width) < 640
+
+    DragHandler {
+        target: null
+        onActiveChanged: if (active) header.Window.window.startSystemMove()
+    }
+    TapHandler {
+        onDoubleTapped: header.session.zoomWindow()
+    }
+
+    Rectangle {
+        x: header.sidebarSpace
+        width: parent.width - x
+        height: parent.height
+        color: Theme.ground
+    }
+
+    Row {
+        id: windowCluster
+        x: 12
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: 4
+
+        IconButton {
+            objectName: "window.close"
+            symbol: "window.close"
+            symbolSize: 16
+            help: qsTr("Close")
+            tint: Theme.secondaryText
+            onClicked: header.session.close()
+        }
+        IconButton {
+            objectName: "window.minimize"
+            symbol: "window.minimize"
+            symbolSize: 16
+            help: qsTr("Minimise")
+            tint: Theme.secondaryText
+            onClicked: header.session.miniaturize()
+        }
+        IconButton {
+            objectName: "window.maximize"
+            readonly property bool maximized: header.Window.window
+                                              && header.Window.window.visibility === Window.Maximized
+            symbol: maximized ? "window.restore" : "window.maximize"
+            symbolSize: 16
+            help: maximized ? qsTr("Restore") : qsTr("Maximise")
+            tint: Theme.secondaryText
+            onClicked: header.session.zoomWindow()
+        }
+    }
+    IconButton {
+        id: sidebarToggle
+        objectName: "sidebar.toggle"
+        x: Math.max(header.sidebarSpace - width - 16, windowCluster.x + windowCluster.width + 8)
+        anchors.verticalCenter: parent.verticalCenter
+        symbol: "sidebar.left"
+        help: header.session.sidebarVisible ? qsTr("Hide Sidebar") : qsTr("Show Sidebar")
+        onClicked: header.session.sidebarVisible = !header.session.sidebarVisible
+    }
+    Row {
+        x: Math.max(header.sidebarSpace, sidebarToggle.x + sidebarToggle.width) + 12
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: 4
+
+        IconButton {
+            objectName: "zoom.in"
+            symbol: "plus.magnifyingglass"
+            help: qsTr("Zoom In")
+            onClicked: header.viewModel.zoomIn()
+        }
+        IconButton {
+            objectName: "zoom.out"
+            symbol: "minus.magnifyingglass"
+            help: qsTr("Zoom Out")
+            onClicked: header.viewModel.zoomOut()
+        }
+        IconButton {
+            objectName: "reset.disposition"
+            symbol: "arrow.counterclockwise"
+            help: qsTr("Reset Disposition")
+            onClicked: header.viewModel.resetDisposition()
+        }
+        Item {
+            width: share.width
+            height: share.height
+            IconButton {
+                id: share
+                objectName: "share"
+                symbol: "square.and.arrow.up"
+                text: qsTr("Share")
+                enabled: false
+            }
+            HoverHandler { id: shareHover }
+            Loader {
+                active: shareHover.hovered
+                sourceComponent: HelpTip {
+                    parent: share
+                    text: qsTr("Sharing is not available yet")
+                    visible: shareHover.hovered
+                }
+            }
+        }
+    }
+    Row {
+        anchors.right: parent.right
+        anchors.rightMargin: 12
+        anchors.verticalCenter: parent.verticalCenter
+        spacing: 4
+        Repeater {
+            // The flexible space before the first item is the room between the two rows.
+            model: header.session.toolbarItems.filter(item => item.identifier !== "flexible")
+            delegate: Loader {
+                required property var modelData
+                sourceComponent: modelData.identifier === "" ? space
+                               : modelData.identifier === "CopyItem" || modelData.identifier === "SaveItem" ? wide : icon
+                Component {
+                    id: space
+                    Item { implicitWidth: 4; implicitHeight: 32 }
+                }
+                Component {
+                    id: icon
+                    IconButton {
+                        objectName: modelData.identifier
+                        raised: true
+                        symbol: modelData.symbol
+                        text: modelData.label
+                        help: modelData.toolTip
+                        onClicked: header.session.triggerToolbarItem(modelData.identifier)
+                    }
+                }
+                Component {
+                    id: wide
+                    PushButton {
+                        objectName: modelData.identifier
+                        symbol: modelData.symbol
+                        text: modelData.label
+                        help: modelData.toolTip
+                        primary: modelData.identifier === "CopyItem"
+                        raised: true
+                        compact: header.compact
+                        onClicked: header.session.triggerToolbarItem(modelData.identifier)
+                    }
+                }
+            }
+        }
+    }
+}

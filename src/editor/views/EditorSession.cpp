@@ -1,0 +1,47 @@
+#include "editor/views/EditorSession.h"
+
+#include "editor/model/ScreenshotEditorViewModel.h"
+#include "platform/Notifications.h"
+
+namespace framora {
+
+EditorSession::EditorSession(std::unique_ptr<ScreenshotEditorViewModel> viewModel,
+                             NotificationCenter& notifications, QVariantList toolbarItems, Actions actions)
+    : m_viewModel(std::move(viewModel)), m_colorPanel(*m_viewModel), m_notifications(notifications),
+      m_toolbarItems(std::move(toolbarItems)), m_actions(std::move(actions)) {
+    const auto observe = [this](const char* name, auto handler) {
+        m_observers.push_back(m_notifications.observe(name, handler));
+    };
+    observe(notifications::editorToolbarCopy, [this] { copy(); });
+    observe(notifications::editorToolbarSave, [this] { m_viewModel->saveImage(); });
+    observe(notifications::editorToolbarReset, [this] { m_viewModel->resetDisposition(); });
+    observe(notifications::editorToolbarZoomFit, [this] { m_viewModel->fitToWindow(); });
+    observe(notifications::editorToolbarZoomActual, [this] { m_viewModel->zoomToActualSize(); });
+}
+
+EditorSession::~EditorSession() = default;
+
+void EditorSession::copy() {
+    const QImage image = m_viewModel->renderFinalImage();
+    // The action may end this session.
+    if (!image.isNull())
+        m_actions.onCopy(image);
+}
+
+void EditorSession::triggerToolbarItem(const QString& identifier) {
+    m_actions.onToolbarItem(identifier);
+}
+
+void EditorSession::close() {
+    m_actions.onClose();
+}
+
+void EditorSession::miniaturize() {
+    m_notifications.post(notifications::editorMiniaturize);
+}
+
+void EditorSession::zoomWindow() {
+    m_notifications.post(notifications::editorZoomWindow);
+}
+
+} // namespace framora

@@ -1,0 +1,32 @@
+import QtQuick
+import QtQuick.Templates as T
+import Framora.Editor
+
+/// A small help text under the control that it is declared in.
+T.ToolTip {
+    id: tip
+
+    x: Math.round((parent.width - implicitWidth) / 2)
+    y: parent.height + 6
+    margins: 8
+    delay: 500
+    closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent | T.Popup.CloseOnReleaseOutsideParent
+    leftPadding: 10
+    rightPadding: 10
+    topPadding: 6
+    bottomPadding: 6
+    implicitWidth: contentItem.implicitWidth + leftPadding + rightPadding
+    implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
+
+    contentItem: Text {
+        text: tip.text
+        color: Theme.text
+        font.family: Theme.fontFamily
+        font.pixelSize: 12
+    }
+    background: Rectangle {
+        color: Theme.card
+        border.color: Theme.outline
+        radius: 6
+    }
+}

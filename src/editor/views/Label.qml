@@ -1,0 +1,11 @@
+import QtQuick
+import Framora.Editor
+
+/// A control's caption.
+Text {
+    color: Theme.secondaryText
+    font.family: Theme.fontFamily
+    font.pixelSize: 12
+    elide: Text.ElideRight
+    verticalAlignment: Text.AlignVCenter
+}

@@ -1,0 +1,46 @@
+import QtQuick
+import Framora.Editor
+
+/// The frame around the screenshot.
+Section {
+    id: section
+
+    required property ScreenshotEditorViewModel viewModel
+    required property ColorPanelBridge colorPanel
+    readonly property bool bordered: viewModel.mockupStyle === "border"
+
+    title: Strings.localized("mockup")
+
+    SegmentedPicker {
+        objectName: "mockupStyle"
+        width: parent.width
+        options: [
+            { value: "defaultStyle", label: "Default" },
+            { value: "glassEffect", label: "Glass" },
+            { value: "border", label: "Border" }
+        ]
+        value: section.viewModel.mockupStyle
+        onChosen: value => section.viewModel.set("mockupStyle", value)
+    }
+    SliderWithDefault {
+        objectName: "mockupBorderSize"
+        visible: section.bordered
+        width: parent.width
+        label: Strings.localized("size")
+        to: 10
+        step: 0.5
+        decimals: 1
+        defaultValue: 3
+        value: section.viewModel.config.mockupBorderSize
+        onMoved: value => section.viewModel.set("mockupBorderSize", value)
+    }
+    ColorRow {
+        objectName: "borderColor"
+        visible: section.bordered
+        width: parent.width
+        label: Strings.localized("color")
+        field: "borderColor"
+        swatch: section.viewModel.borderColor
+        colorPanel: section.colorPanel
+    }
+}

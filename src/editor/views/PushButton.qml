@@ -1,0 +1,69 @@
+import QtQuick
+import QtQuick.Templates as T
+import Framora.Editor
+
+/// A button with an optional symbol and a caption; `primary` is the one that carries the accent.
+T.AbstractButton {
+    id: control
+
+    property string symbol: ""
+    property string help: ""
+    property bool primary: false
+    /// For a button that stands on the window's ground.
+    property bool raised: false
+    /// Shows the symbol alone.
+    property bool compact: false
+    readonly property color ink: primary ? Theme.accentText : Theme.text
+
+    implicitHeight: 32
+    implicitWidth: compact ? 40 : row.implicitWidth + (symbol !== "" ? 26 : 24)
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+    opacity: enabled ? 1 : 0.4
+    Accessible.name: text
+    Accessible.role: Accessible.Button
+
+    contentItem: Item {
+        Row {
+            id: row
+            anchors.centerIn: parent
+            spacing: 7
+            SymbolIcon {
+                visible: control.symbol !== ""
+                anchors.verticalCenter: parent.verticalCenter
+                symbol: control.symbol
+                size: 17
+                color: control.ink
+            }
+            Text {
+                visible: !control.compact
+                anchors.verticalCenter: parent.verticalCenter
+                text: control.text
+                color: control.ink
+                font.family: Theme.fontFamily
+                font.pixelSize: 13
+                font.weight: Font.Medium
+            }
+        }
+    }
+    background: Rectangle {
+        radius: Theme.radius
+        color: control.primary ? (control.pressed ? Qt.darker(Theme.accent, 1.18)
+                                  : control.hovered ? Qt.darker(Theme.accent, 1.07) : Theme.accent)
+                               : control.raised && !control.hovered && !control.pressed
+                                 ? Theme.card : Theme.stateFill(control.hovered, control.pressed)
+        border.color: control.raised && !control.primary && !Theme.dark ? Theme.outline : "transparent"
+        Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
+        FocusRing { shown: control.visualFocus }
+    }
+
+    HoverHandler { id: hover }
+    Loader {
+        active: hover.hovered && control.help !== ""
+        sourceComponent: HelpTip {
+            parent: control
+            text: control.help
+            visible: hover.hovered && !control.pressed
+        }
+    }
+}

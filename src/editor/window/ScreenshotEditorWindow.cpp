@@ -1,0 +1,227 @@
+#include "editor/window/ScreenshotEditorWindow.h"
+
+#include "editor/model/RandomSource.h"
+#include "editor/model/ScreenshotEditorViewModel.h"
+#include "editor/render/PictureFile.h"
+#include "editor/views/EditorSession.h"
+#include "editor/views/EditorViews.h"
+#include "editor/window/EditorToolbar.h"
+#include "feedback/ToastManager.h"
+#include "platform/Appearance.h"
+#include "platform/Application.h"
+#include "platform/MainQueue.h"
+#include "platform/Notifications.h"
+#include "platform/Pasteboard.h"
+
+#include <QCoreApplication>
+#include <QCursor>
+#include <QEvent>
+#include <QGuiApplication>
+#include <QPointer>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QScreen>
+#include <algorithm>
+
+namespace framora {
+namespace {
+
+/// Both Copy and Save write at twice the point size.
+constexpr double exportDotsPerInch = 144.0;
+
+std::function<ScreenshotEditorWindow::Services()>& sharedServices() {
+    static std::function<ScreenshotEditorWindow::Services()> services;
+    return services;
+}
+
+const QScreen& mainScreen() {
+    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        qFatal("ScreenshotEditorWindow: there is no screen");
+    return *screen;
+}
+
+} // namespace
+
+ScreenshotEditorWindow::ScreenshotEditorWindow(Services services)
+    : m_services(std::move(services)), m_random(std::make_unique<SystemRandomSource>()) {
+    const auto observe = [this](const char* name, auto handler) {
+        m_observers.push_back(m_services.notifications.observe(name, handler));
+    };
+    observe(notifications::editorMiniaturize, [this] { handleMiniaturize(); });
+    observe(notifications::editorZoomWindow, [this] { handleZoomWindow(); });
+    observe(notifications::appearanceChanged, [this] { applyAppearance(); });
+}
+
+ScreenshotEditorWindow::~ScreenshotEditorWindow() {
+    // The view is bound to the session.
+    m_editorWindow.reset();
+}
+
+void ScreenshotEditorWindow::provide(std::function<Services()> services) {
+    sharedServices() = std::move(services);
+}
+
+ScreenshotEditorWindow& ScreenshotEditorWindow::shared() {
+    static QPointer<ScreenshotEditorWindow> instance;
+    if (!instance) {
+        if (!sharedServices())
+            qFatal("ScreenshotEditorWindow: shared() before provide()");
+        instance = new ScreenshotEditorWindow(sharedServices()());
+        // While the application object still lives: the windows and toasts need it.
+        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, instance,
+                [] { delete instance; });
+    }
+    return *instance;
+}
+
+QSize ScreenshotEditorWindow::initialSize(QSizeF screenSize) {
+    return {int(std::min(0.9 * screenSize.width(), 1600.0)),
+            int(std::min(0.9 * screenSize.height(), 1000.0))};
+}
+
+void ScreenshotEditorWindow::open(const QImage& image) {
+    const QScreen& screen = mainScreen();
+
+    m_savedToast = m_services.makeToastManager();
+    ScreenshotEditorViewModel::Services modelServices{
+        m_services.mainQueue,
+        m_services.clock,
+        m_services.filePanels,
+        m_services.resources,
+        *m_random,
+        [](const QImage& picture) { return encodePng(picture, exportDotsPerInch); },
+        [this](const QString& message, const QString& icon, bool success) {
+            m_savedToast->show(message, icon, success);
+        },
+        {},
+    };
+    m_session = std::make_unique<EditorSession>(
+        std::make_unique<ScreenshotEditorViewModel>(image, std::move(modelServices)),
+        m_services.notifications, EditorToolbar::defaultItems(),
+        EditorSession::Actions{
+            [self = QPointer(this)](const QImage& picture) {
+                if (self)
+                    self->copy(picture);
+            },
+            [self = QPointer(this)] {
+                if (self)
+                    self->close();
+            },
+            [self = QPointer(this)](const QString& identifier) {
+                if (self)
+                    self->performToolbarItem(identifier);
+            },
+        });
+
+    m_editorWindow = std::make_unique<QQuickView>();
+    QQuickView& window = *m_editorWindow;
+    window.setFlags(Qt::Window | Qt::FramelessWindowHint);
+    window.setTitle(QStringLiteral("Framora"));
+    window.setResizeMode(QQuickView::SizeRootObjectToView);
+    window.setMinimumSize(minimumSize);
+    window.resize(initialSize(screen.size()).expandedTo(minimumSize));
+    QRect frame({0, 0}, window.size());
+    frame.moveCenter(screen.geometry().center());
+    window.setPosition(frame.topLeft());
+    window.installEventFilter(this);
+
+    registerEditorViews(*window.engine());
+    window.setInitialProperties(
+        {{QStringLiteral("session"), QVariant::fromValue(m_session.get())},
+         {QStringLiteral("dark"), m_services.appearance.isDark()},
+         {QStringLiteral("accent"), m_services.appearance.accentColor()},
+         {QStringLiteral("reducedMotion"), m_services.appearance.prefersReducedMotion()}});
+    window.setSource(QUrl(QStringLiteral("qrc:/framora/qml/Framora/Editor/ScreenshotEditorView.qml")));
+    window.show();
+    window.raise();
+    window.requestActivate();
+    m_services.application.activate();
+    Q_EMIT opened();
+}
+
+void ScreenshotEditorWindow::applyAppearance() {
+    if (!m_editorWindow || !m_editorWindow->rootObject())
+        return;
+    QObject& root = *m_editorWindow->rootObject();
+    root.setProperty("dark", m_services.appearance.isDark());
+    root.setProperty("accent", m_services.appearance.accentColor());
+    root.setProperty("reducedMotion", m_services.appearance.prefersReducedMotion());
+}
+
+void ScreenshotEditorWindow::copy(const QImage& image) {
+    m_services.pasteboard.writePng(encodePng(image, exportDotsPerInch));
+    close();
+    m_copiedToastDelay = m_services.mainQueue.after(0.3, [this] {
+        m_copiedToast = m_services.makeToastManager();
+        m_copiedToast->show(QStringLiteral("Copied"), QStringLiteral("doc.on.clipboard.fill"), true);
+    });
+}
+
+void ScreenshotEditorWindow::close() {
+    finishClosing(true);
+}
+
+void ScreenshotEditorWindow::finishClosing(bool orderOut) {
+    if (m_isClosing || !m_editorWindow)
+        return;
+    m_isClosing = true;
+    m_editorWindow->removeEventFilter(this);
+    if (orderOut)
+        m_editorWindow->hide();
+    // The close may come out of the window's own handlers, so the window goes with the next turn of the event
+    // loop, and what its view is bound to goes after it.
+    m_session->endObserving();
+    QQuickView* window = m_editorWindow.release();
+    connect(window, &QObject::destroyed,
+            [session = std::shared_ptr<EditorSession>(std::move(m_session))] { Q_UNUSED(session) });
+    window->deleteLater();
+    m_isClosing = false;
+    Q_EMIT closed();
+}
+
+bool ScreenshotEditorWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == m_editorWindow.get() && event->type() == QEvent::Close)
+        finishClosing(false);
+    return QObject::eventFilter(watched, event);
+}
+
+void ScreenshotEditorWindow::performToolbarItem(const QString& identifier) {
+    if (const EditorToolbarItem* item = EditorToolbar::item(identifier))
+        m_services.notifications.post(item->notification);
+}
+
+void ScreenshotEditorWindow::toolbarCopyAction() {
+    performToolbarItem(QStringLiteral("CopyItem"));
+}
+void ScreenshotEditorWindow::toolbarSaveAction() {
+    performToolbarItem(QStringLiteral("SaveItem"));
+}
+void ScreenshotEditorWindow::toolbarResetAction() {
+    performToolbarItem(QStringLiteral("ResetItem"));
+}
+void ScreenshotEditorWindow::toolbarZoomFitAction() {
+    performToolbarItem(QStringLiteral("ZoomFitItem"));
+}
+void ScreenshotEditorWindow::toolbarZoomActualAction() {
+    performToolbarItem(QStringLiteral("ZoomActualItem"));
+}
+
+void ScreenshotEditorWindow::handleMiniaturize() {
+    if (m_editorWindow)
+        m_editorWindow->showMinimized();
+}
+
+void ScreenshotEditorWindow::handleZoomWindow() {
+    if (!m_editorWindow)
+        return;
+    if (m_editorWindow->visibility() == QWindow::Maximized)
+        m_editorWindow->showNormal();
+    else
+        m_editorWindow->showMaximized();
+}
+
+} // namespace framora

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "platform/NotificationCenter.h"
+
+#include <QImage>
+#include <QObject>
+#include <QSize>
+#include <QSizeF>
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QQuickView;
+
+namespace framora {
+
+class Appearance;
+class Application;
+class Clock;
+class EditorSession;
+class FilePanels;
+class MainQueue;
+class Pasteboard;
+class RandomSource;
+class ResourceBundle;
+class ToastManager;
+class WorkItem;
+
+/// The one controller of the editor window: opens it for a captured picture, relays its toolbar and window
+/// commands through notifications, copies the finished picture and closes it.
+///
+/// The window has no title bar of the desktop's; its view draws one header and posts the window's commands.
+class ScreenshotEditorWindow final : public QObject {
+    Q_OBJECT
+
+public:
+    /// What the editor asks of the rest of the program; all of it outlives the controller.
+    struct Services {
+        MainQueue& mainQueue;
+        Clock& clock;
+        FilePanels& filePanels;
+        const ResourceBundle& resources;
+        NotificationCenter& notifications;
+        Pasteboard& pasteboard;
+        Application& application;
+        const Appearance& appearance;
+        std::function<std::unique_ptr<ToastManager>()> makeToastManager;
+    };
+
+    explicit ScreenshotEditorWindow(Services services);
+    ~ScreenshotEditorWindow() override;
+
+    /// Says what shared() is made of; called once, before it.
+    static void provide(std::function<Services()> services);
+    /// The process's one instance, made at the first call and gone when the application quits.
+    static ScreenshotEditorWindow& shared();
+
+    /// Of the content, in points, on a screen of `screenSize` points.
+    static QSize initialSize(QSizeF screenSize);
+    static constexpr QSize minimumSize{800, 600};
+
+    /// The open window; null when there is none.
+    QQuickView* editorWindow() const { return m_editorWindow.get(); }
+    /// The open window's state; null when there is none.
+    EditorSession* session() const { return m_session.get(); }
+    bool isClosing() const { return m_isClosing; }
+    void setClosing(bool closing) { m_isClosing = closing; }
+
+    /// Shows the editor for `image`. The caller has closed an open window and set isClosing to false.
+    void open(const QImage& image);
+    /// Puts the picture on the clipboard, closes the window, and says so 0.3 s later.
+    void copy(const QImage& image);
+    /// Closes the window once; nothing while a close is under way or when none is open.
+    void close();
+
+    void toolbarCopyAction();
+    void toolbarSaveAction();
+    void toolbarResetAction();
+    void toolbarZoomFitAction();
+    void toolbarZoomActualAction();
+
+Q_SIGNALS:
+    void opened();
+    void closed();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void performToolbarItem(const QString& identifier);
+    void handleMiniaturize();
+    void handleZoomWindow();
+    void finishClosing(bool orderOut);
+    void applyAppearance();
+
+    Services m_services;
+    std::unique_ptr<RandomSource> m_random;
+    std::unique_ptr<QQuickView> m_editorWindow;
+    std::unique_ptr<EditorSession> m_session;
+    bool m_isClosing = false;
+    std::unique_ptr<ToastManager> m_savedToast;
+    std::unique_ptr<ToastManager> m_copiedToast;
+    std::unique_ptr<WorkItem> m_copiedToastDelay;
+    std::vector<NotificationCenter::Token> m_observers;
+};
+
+} // namespace framora
