@@ -1,5 +1,6 @@
 #include "editor/render/PictureFile.h"
 
+#include "editor/render/PictureCompleteness.h"
 #include "editor/render/raster/PngEncoder.h"
 #include "platform/PictureResolution.h"
 
@@ -21,24 +22,6 @@ LoadedPicture failure(const QString& error) {
 bool isWithinBounds(QSize size) {
     return size.width() <= maximumPictureSide && size.height() <= maximumPictureSide &&
            qint64(size.width()) * size.height() <= maximumPicturePixels;
-}
-
-/// JPEG decoders paint what is missing grey and call it a success, so the end has to be looked for. The
-/// marker cannot stand inside the coded data; an embedded thumbnail's own lies before the first scan.
-bool isCutOffJpeg(const QByteArray& encoded) {
-    constexpr uchar startOfScan = 0xda;
-    if (!encoded.startsWith("\xff\xd8"))
-        return false;
-    for (qsizetype at = 2; at + 4 <= encoded.size();) {
-        if (uchar(encoded[at]) != 0xff)
-            return false;
-        const uchar marker = uchar(encoded[at + 1]);
-        if (marker == startOfScan)
-            return encoded.indexOf("\xff\xd9", at) < 0;
-        const qsizetype length = uchar(encoded[at + 2]) << 8 | uchar(encoded[at + 3]);
-        at += marker == 0xff ? 1 : 2 + length;
-    }
-    return true;
 }
 
 /// The bound is the process's own; it only has to let through what `isWithinBounds` does, at 16 bits a
@@ -77,7 +60,7 @@ LoadedPicture loadPicture(const QByteArray& encoded) {
         return failure(QStringLiteral("the picture claims %1 x %2 pixels, more than can be drawn")
                            .arg(claimed.width())
                            .arg(claimed.height()));
-    if (isCutOffJpeg(encoded))
+    if (isCutOff(encoded))
         return failure(QStringLiteral("the picture is damaged or cut off"));
 
     QImage image;
@@ -104,9 +87,23 @@ LoadedPicture loadPicture(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return failure(QStringLiteral("cannot be opened: %1").arg(file.errorString()));
-    const QByteArray encoded = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        return failure(QStringLiteral("cannot be read: %1").arg(file.errorString()));
+    return loadPicture(file);
+}
+
+LoadedPicture loadPicture(QIODevice& device) {
+    constexpr qint64 pieceBytes = 1 << 20;
+    QByteArray encoded;
+    while (true) {
+        const QByteArray piece = device.read(pieceBytes);
+        if (piece.isEmpty())
+            break;
+        encoded += piece;
+        if (encoded.size() > maximumPictureBytes)
+            return failure(QStringLiteral("the file is larger than any picture that can be drawn"));
+    }
+    const auto* file = qobject_cast<QFileDevice*>(&device);
+    if (file && file->error() != QFileDevice::NoError)
+        return failure(QStringLiteral("cannot be read: %1").arg(device.errorString()));
     return loadPicture(encoded);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QIODevice>
 #include <QImage>
 #include <QString>
 
@@ -17,10 +18,13 @@ struct LoadedPicture {
 /// Pictures beyond these are refused before memory is taken for them.
 inline constexpr int maximumPictureSide = 32767;
 inline constexpr qint64 maximumPicturePixels = qint64(1) << 27;
+/// Files beyond this are not read at all; a pipe or a device may never end.
+inline constexpr qint64 maximumPictureBytes = qint64(1) << 28;
 
 /// Reads any still picture that the installed decoders know. A missing or cut-off file, absurd dimensions and
 /// what is no picture each give an error and no image. From any thread.
 LoadedPicture loadPicture(const QString& path);
+LoadedPicture loadPicture(QIODevice& openDevice);
 LoadedPicture loadPicture(const QByteArray& encoded);
 
 /// `image` as a PNG file of that resolution; empty when the image is null or memory is short.

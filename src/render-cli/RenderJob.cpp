@@ -1,0 +1,70 @@
+#include "render-cli/RenderJob.h"
+
+#include "editor/render/CompositionRasterizer.h"
+#include "editor/render/PictureFile.h"
+#include "editor/render/ScreenshotRenderer.h"
+
+#include <QFile>
+
+namespace framora {
+namespace {
+
+constexpr double outputDotsPerInch = 144.0;
+
+LoadedPicture readInput(const QString& input) {
+    if (input != u"-")
+        return loadPicture(input);
+    QFile standardInput;
+    if (!standardInput.open(stdin, QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return {.image = QImage(), .error = standardInput.errorString()};
+    return loadPicture(standardInput);
+}
+
+QString writeOutput(const QString& output, const QByteArray& png) {
+    if (output != u"-")
+        return writeFileAtomically(output, png);
+    QFile standardOutput;
+    if (!standardOutput.open(stdout, QIODevice::WriteOnly | QIODevice::Unbuffered) ||
+        standardOutput.write(png) != png.size() || !standardOutput.flush())
+        return standardOutput.errorString();
+    return {};
+}
+
+} // namespace
+
+RenderJob::RenderJob(const Arguments& arguments, QImage background)
+    : m_arguments(arguments), m_background(std::move(background)) {}
+
+QString RenderJob::run(const QString& input, const QString& output) const {
+    const QString inputName = input == u"-" ? QStringLiteral("standard input") : input;
+    LoadedPicture picture = readInput(input);
+    if (!picture)
+        return QStringLiteral("%1: %2").arg(inputName, picture.error);
+    if (m_arguments.pixelRatio)
+        picture.image.setDevicePixelRatio(*m_arguments.pixelRatio);
+
+    Composition composition;
+    composition.image = picture.image;
+    composition.config = m_arguments.style;
+    composition.config.zoom = 100.0;
+    composition.isRendering = !m_arguments.isPreview;
+    composition.preloadedBackgroundImage = m_background;
+    const QSizeF frame = outputFrame(pointSize(picture.image), composition.config);
+    const QImage drawn = CompositionRasterizer().drawFrame(composition, frame, exportScale);
+    if (drawn.isNull())
+        return QStringLiteral("%1: a frame of %2 x %3 points cannot be drawn")
+            .arg(inputName)
+            .arg(frame.width())
+            .arg(frame.height());
+
+    const QByteArray png = encodePng(drawn, outputDotsPerInch);
+    if (png.isEmpty())
+        return QStringLiteral("%1: not enough memory for the PNG").arg(inputName);
+    const QString problem = writeOutput(output, png);
+    if (!problem.isEmpty())
+        return QStringLiteral("%1: cannot be written: %2")
+            .arg(output == u"-" ? QStringLiteral("standard output") : output, problem);
+    return {};
+}
+
+} // namespace framora

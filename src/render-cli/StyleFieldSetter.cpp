@@ -1,0 +1,91 @@
+#include "render-cli/StyleFieldSetter.h"
+
+#include "render-cli/FieldReader.h"
+
+#include <QMetaProperty>
+
+namespace framora {
+namespace {
+
+QStringList propertyNames(const QMetaObject& record) {
+    QStringList names;
+    for (int i = 0; i < record.propertyCount(); ++i)
+        names << QString::fromLatin1(record.property(i).name());
+    return names;
+}
+
+/// Sets `path` from position `depth` on in the record at `gadget`.
+QString setIn(const QMetaObject& record, void* gadget, const QStringList& path, qsizetype depth,
+              const QString& text) {
+    const QString whole = path.mid(0, depth + 1).join(u'.');
+    const int index = record.indexOfProperty(path[depth].toLatin1().constData());
+    if (index < 0) {
+        const QStringList names = depth == 0 ? StyleFieldSetter::fieldNames() : propertyNames(record);
+        const QString valid = names.join(QStringLiteral(", "));
+        if (depth == 0)
+            return QStringLiteral("unknown field '%1'; valid fields: %2").arg(whole, valid);
+        return QStringLiteral("unknown field '%1'; %2 has %3")
+            .arg(whole, path.mid(0, depth).join(u'.'), valid);
+    }
+    const QMetaProperty property = record.property(index);
+    const QMetaType type = property.metaType();
+
+    if (depth + 1 < path.size()) {
+        const QMetaObject* const parts = type.metaObject();
+        if (!parts)
+            return QStringLiteral("'%1' has no parts").arg(whole);
+        QVariant part = property.readOnGadget(gadget);
+        const QString problem = setIn(*parts, part.data(), path, depth + 1, text);
+        if (problem.isEmpty())
+            property.writeOnGadget(gadget, part);
+        return problem;
+    }
+
+    const ReadField read = readField(type, text);
+    if (!read.error.isEmpty())
+        return QStringLiteral("%1: %2").arg(whole, read.error);
+    if (&record == &Color::staticMetaObject && (read.value.toDouble() < 0.0 || read.value.toDouble() > 1.0))
+        return QStringLiteral("%1: '%2' is not a number from 0 to 1").arg(whole, text);
+    property.writeOnGadget(gadget, read.value);
+    return {};
+}
+
+} // namespace
+
+QString StyleFieldSetter::set(const QString& field, const QString& value) {
+    const QStringList path = field.split(u'.');
+    const QString problem = setIn(ScreenshotStyleConfig::staticMetaObject, &m_style, path, 0, value);
+    if (problem.isEmpty())
+        applySelectionRules(path.first());
+    return problem;
+}
+
+void StyleFieldSetter::applySelectionRules(const QString& field) {
+    if (field == u"selectedMagicPreset" && m_style.selectedMagicPreset) {
+        m_style.selectedGradient.reset();
+        m_style.selectedSolidColor.reset();
+        m_style.backgroundImageURL.reset();
+        m_style.customColor = Color::clear();
+    } else if (field == u"backgroundImageURL" && m_style.backgroundImageURL) {
+        m_style.selectedMagicPreset.reset();
+        m_style.selectedGradient.reset();
+        m_style.selectedSolidColor.reset();
+    } else if (field == u"selectedGradientPreset" && m_style.selectedGradientPreset) {
+        m_style.gradientConfig = m_style.selectedGradientPreset->config;
+    }
+}
+
+QStringList StyleFieldSetter::fieldNames() {
+    QStringList names;
+    for (const QString& name : propertyNames(ScreenshotStyleConfig::staticMetaObject)) {
+        if (name != u"gradientConfig") {
+            names << name;
+            continue;
+        }
+        for (const QString& part : propertyNames(SimpleGradientConfig::staticMetaObject))
+            names << name + u'.' + part;
+    }
+    return names;
+}
+
+} // namespace framora
