@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace framora::raster {
 
@@ -22,8 +25,17 @@ inline Float4 max(Float4 a, Float4 b) {
 
 /// The channels of a pixel as they are, 0...255.
 inline Float4 unpack(std::uint32_t pixel) {
-    using Byte4 = std::uint8_t __attribute__((vector_size(4)));
-    return __builtin_convertvector(reinterpret_cast<const Byte4&>(pixel), Float4);
+    using Byte16 = std::uint8_t __attribute__((vector_size(16)));
+    using Short8 = std::uint16_t __attribute__((vector_size(16)));
+    using Int4 = std::int32_t __attribute__((vector_size(16)));
+    using Uint4 = std::uint32_t __attribute__((vector_size(16)));
+    // Widened by interleaving with zeros, which every processor has an instruction for.
+    const Byte16 bytes = reinterpret_cast<Byte16>(Uint4{pixel, 0, 0, 0});
+    const Short8 shorts = reinterpret_cast<Short8>(
+        __builtin_shufflevector(bytes, Byte16{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23));
+    const Int4 words =
+        reinterpret_cast<Int4>(__builtin_shufflevector(shorts, Short8{}, 0, 8, 1, 9, 2, 10, 3, 11));
+    return __builtin_convertvector(words, Float4);
 }
 
 /// Keeps a filtered pixel valid: alpha in 0...limit, colours in 0...alpha.
@@ -37,8 +49,14 @@ inline std::uint32_t pack(Float4 pixel) {
     using Int4 = std::int32_t __attribute__((vector_size(16)));
     const Float4 scaled = min(max(pixel, splat(0)), splat(1)) * splat(255) + splat(0.5f);
     const Int4 whole = __builtin_convertvector(scaled, Int4);
+#ifdef __SSE2__
+    const __m128i words = reinterpret_cast<__m128i>(whole);
+    const __m128i shorts = _mm_packs_epi32(words, words);
+    return std::uint32_t(_mm_cvtsi128_si32(_mm_packus_epi16(shorts, shorts)));
+#else
     return std::uint32_t(whole[0]) | std::uint32_t(whole[1]) << 8 | std::uint32_t(whole[2]) << 16 |
            std::uint32_t(whole[3]) << 24;
+#endif
 }
 
 /// A colour from components 0...1 that are not premultiplied. What is not finite counts as 0.

@@ -1,10 +1,9 @@
 #include "editor/render/raster/ProjectiveSampler.h"
 
-#include "editor/render/raster/ResampleKernel.h"
-
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 
 namespace framora::raster {
 namespace {
@@ -31,7 +30,7 @@ double footprintCurve(double r) {
 
 /// The curve by the square of the distance.
 struct FootprintTable {
-    static constexpr int size = 4096;
+    static constexpr int size = 1024; ///< 4 KB: it stays in the nearest cache.
     std::array<float, size + 1> weight{};
     FootprintTable() {
         for (int i = 0; i <= size; ++i)
@@ -41,9 +40,23 @@ struct FootprintTable {
 };
 const FootprintTable footprintTable;
 
-void cubicWeights(double fraction, float* weights) {
-    for (int i = 0; i < 4; ++i)
-        weights[i] = float(catmullRom(fraction + 1 - i));
+/// What the four neighbours of a point weigh that lies at `t`, 0...1, between the inner two.
+void cubicWeights(float t, float* weights) {
+    weights[0] = ((-0.5f * t + 1) * t - 0.5f) * t;
+    weights[1] = (1.5f * t - 2.5f) * t * t + 1;
+    weights[2] = ((-1.5f * t + 2) * t + 0.5f) * t;
+    weights[3] = (0.5f * t - 0.5f) * t * t;
+}
+
+// The library's are calls; these stay inline. The values fit an int.
+int floorToInt(double value) {
+    const int whole = int(value);
+    return whole - (value < whole);
+}
+
+int ceilToInt(double value) {
+    const int whole = int(value);
+    return whole + (value > whole);
 }
 
 double inside(double value, double size) {
@@ -55,80 +68,114 @@ double inside(double value, double size) {
 ProjectiveSampler::ProjectiveSampler(const PicturePyramid& pyramid, const Homography& toSource)
     : m_pyramid(pyramid), m_toSource(toSource) {}
 
-Float4 ProjectiveSampler::interpolated(Vec2 source) const {
-    const PixelView picture = m_pyramid.picture();
-    const double left = std::floor(source.x - 0.5);
-    const double top = std::floor(source.y - 0.5);
-    float horizontal[4];
-    float vertical[4];
-    cubicWeights(source.x - 0.5 - left, horizontal);
-    cubicWeights(source.y - 0.5 - top, vertical);
-    const int x = int(left) - 1;
-    const int y = int(top) - 1;
-    const bool isInside = x >= 0 && x + 4 <= picture.width;
-    Float4 sum = splat(0);
-    for (int j = 0; j < 4; ++j) {
-        const std::uint32_t* row = picture.row(std::clamp(y + j, 0, picture.height - 1));
-        Float4 line = splat(0);
-        for (int i = 0; i < 4; ++i) {
-            const int column = isInside ? x + i : std::clamp(x + i, 0, picture.width - 1);
-            line += unpack(row[column]) * splat(horizontal[i]);
-        }
-        sum += line * splat(vertical[j]);
-    }
-    return clampPremultiplied(sum, 255);
+double ProjectiveSampler::Footprint::longest() const {
+    const double difference = (xx - yy) / 2;
+    return std::sqrt((xx + yy) / 2 + std::sqrt(difference * difference + xy * xy));
 }
 
-Float4 ProjectiveSampler::filtered(Vec2 source, Footprint footprint) const {
+ProjectiveSampler::Footprint ProjectiveSampler::footprint(Vec2 source, double depth) const {
+    const Homography& g = m_toSource;
+    const double scale = 1 / depth;
+    const double dxx = (g(0, 0) - source.x * g(2, 0)) * scale;
+    const double dxy = (g(0, 1) - source.x * g(2, 1)) * scale;
+    const double dyx = (g(1, 0) - source.y * g(2, 0)) * scale;
+    const double dyy = (g(1, 1) - source.y * g(2, 1)) * scale;
+    const Footprint square{dxx * dxx + dxy * dxy, dxx * dyx + dxy * dyy, dyx * dyx + dyy * dyy};
+    if (std::isfinite(square.xx) && std::isfinite(square.xy) && std::isfinite(square.yy))
+        return square;
+    return {1e12, 0, 1e12};
+}
+
+ProjectiveSampler::Filter ProjectiveSampler::filter(const Footprint& footprint) const {
     const PixelView picture = m_pyramid.picture();
-    // The long and the narrow side, squared, and the long side's direction.
+    // The long and the narrow side, squared, and how far the long one points along x.
+    const double difference = (footprint.xx - footprint.yy) / 2;
     const double mean = (footprint.xx + footprint.yy) / 2;
-    const double spread = std::hypot((footprint.xx - footprint.yy) / 2, footprint.xy);
+    const double spread = std::sqrt(difference * difference + footprint.xy * footprint.xy);
     const double largest = 4.0 * picture.width * picture.width + 4.0 * picture.height * picture.height + 1;
     const double longSide = std::clamp(mean + spread, 1.0, largest);
     const double narrowSide =
         std::clamp(mean - spread, std::max(1.0, longSide / (longestFootprint * longestFootprint)), longSide);
-    double alongX = 0.5;
-    double alongXY = 0;
-    if (spread > 0) {
-        alongX = 0.5 + (footprint.xx - footprint.yy) / (4 * spread);
-        alongXY = footprint.xy / (2 * spread);
+    const double alongX = spread > 0 ? 0.5 + difference / (2 * spread) : 0.5;
+    const double alongXY = spread > 0 ? footprint.xy / (2 * spread) : 0;
+
+    // A level halves the square of a side; the exponent of a double is the whole part of its logarithm.
+    Filter filter;
+    filter.level = m_pyramid.level(std::ilogb(narrowSide * (1 + 1e-9)));
+    filter.scaleX = double(filter.level.width) / picture.width;
+    filter.scaleY = double(filter.level.height) / picture.height;
+    const double xx = (narrowSide + (longSide - narrowSide) * alongX) * filter.scaleX * filter.scaleX;
+    const double xy = (longSide - narrowSide) * alongXY * filter.scaleX * filter.scaleY;
+    const double yy = (narrowSide + (longSide - narrowSide) * (1 - alongX)) * filter.scaleY * filter.scaleY;
+    const double unit = FootprintTable::size / (footprintRadius * footprintRadius) / (xx * yy - xy * xy);
+    filter.a = yy * unit;
+    filter.b = -xy * unit;
+    filter.c = xx * unit;
+    filter.reach = footprintRadius * std::sqrt(yy);
+    return filter;
+}
+
+Float4 ProjectiveSampler::interpolated(Vec2 source) const {
+    const PixelView picture = m_pyramid.picture();
+    const int left = floorToInt(source.x - 0.5);
+    const int top = floorToInt(source.y - 0.5);
+    float horizontal[4];
+    float vertical[4];
+    cubicWeights(float(source.x - 0.5 - left), horizontal);
+    cubicWeights(float(source.y - 0.5 - top), vertical);
+    const int x = left - 1;
+    const int y = top - 1;
+    Float4 sum = splat(0);
+    if (x >= 0 && x + 4 <= picture.width) {
+        for (int j = 0; j < 4; ++j) {
+            const std::uint32_t* row = picture.row(std::clamp(y + j, 0, picture.height - 1)) + x;
+            const Float4 line = unpack(row[0]) * splat(horizontal[0]) +
+                                unpack(row[1]) * splat(horizontal[1]) +
+                                unpack(row[2]) * splat(horizontal[2]) + unpack(row[3]) * splat(horizontal[3]);
+            sum += line * splat(vertical[j]);
+        }
+    } else {
+        for (int j = 0; j < 4; ++j) {
+            const std::uint32_t* row = picture.row(std::clamp(y + j, 0, picture.height - 1));
+            Float4 line = splat(0);
+            for (int i = 0; i < 4; ++i)
+                line += unpack(row[std::clamp(x + i, 0, picture.width - 1)]) * splat(horizontal[i]);
+            sum += line * splat(vertical[j]);
+        }
     }
+    return clampPremultiplied(sum, 255);
+}
 
-    const PixelView level = m_pyramid.level(int(std::floor(std::log2(narrowSide) + 1e-9)));
-    const double scaleX = double(level.width) / picture.width;
-    const double scaleY = double(level.height) / picture.height;
-    const double xx = (narrowSide + (longSide - narrowSide) * alongX) * scaleX * scaleX;
-    const double xy = (longSide - narrowSide) * alongXY * scaleX * scaleY;
-    const double yy = (narrowSide + (longSide - narrowSide) * (1 - alongX)) * scaleY * scaleY;
-    const double determinant = xx * yy - xy * xy;
-    // The reverse of the footprint, in steps of the table.
-    const double unit = FootprintTable::size / (footprintRadius * footprintRadius) / determinant;
-    const double a = yy * unit;
-    const double b = -xy * unit;
-    const double c = xx * unit;
-
-    const double x = source.x * scaleX - 0.5;
-    const double y = source.y * scaleY - 0.5;
-    const double reach = footprintRadius * std::sqrt(yy);
+Float4 ProjectiveSampler::filtered(Vec2 source, const Filter& filter) const {
+    const PixelView level = filter.level;
+    const double x = source.x * filter.scaleX - 0.5;
+    const double y = source.y * filter.scaleY - 0.5;
+    const double a = filter.a;
+    const double reverse = 1 / a;
+    const int lastRow = floorToInt(y + filter.reach);
     Float4 sum = splat(0);
     float weights = 0;
-    for (int row = int(std::ceil(y - reach)); row <= int(std::floor(y + reach)); ++row) {
+    for (int row = ceilToInt(y - filter.reach); row <= lastRow; ++row) {
         const double dy = row - y;
-        const double root = b * b * dy * dy - a * (c * dy * dy - FootprintTable::size);
+        const double bend = filter.b * dy;
+        const double fixed = filter.c * dy * dy;
+        const double root = bend * bend - a * (fixed - FootprintTable::size);
         if (root <= 0)
             continue;
-        const double half = std::sqrt(root) / a;
-        const double middle = x - b * dy / a;
-        const int from = int(std::ceil(middle - half));
-        const int to = int(std::floor(middle + half));
+        const double half = double(std::sqrt(float(root))) * reverse;
+        const double middle = x - bend * reverse;
+        const int from = ceilToInt(middle - half);
+        const int to = floorToInt(middle + half);
         const std::uint32_t* pixels = level.row(std::clamp(row, 0, level.height - 1));
         const bool isInside = from >= 0 && to < level.width;
+        const double start = from - x;
+        double distance = (a * start + 2 * bend) * start + fixed;
+        double step = a * (2 * start + 1) + 2 * bend;
         for (int column = from; column <= to; ++column) {
-            const double dx = column - x;
-            const double distance = (a * dx + 2 * b * dy) * dx + c * dy * dy;
-            const float weight =
-                footprintTable.weight[std::size_t(std::clamp(int(distance), 0, FootprintTable::size))];
+            const int entry = std::clamp(int(distance), 0, FootprintTable::size);
+            distance += step;
+            step += 2 * a;
+            const float weight = footprintTable.weight[std::size_t(entry)];
             const std::uint32_t pixel = pixels[isInside ? column : std::clamp(column, 0, level.width - 1)];
             sum += unpack(pixel) * splat(weight);
             weights += weight;
@@ -140,29 +187,29 @@ Float4 ProjectiveSampler::filtered(Vec2 source, Footprint footprint) const {
 }
 
 void ProjectiveSampler::read(int x, int y, int count, Float4* out) const {
-    const Homography& g = m_toSource;
     const PixelView picture = m_pyramid.picture();
+    const bool isAffine = m_toSource.isAffine();
+    Footprint square = footprint({0, 0}, m_toSource.depth({0, 0}));
+    double longest = square.longest();
+    std::optional<Filter> mixing;
     for (int i = 0; i < count; ++i) {
         const Vec2 pixel{x + i + 0.5, y + 0.5};
-        const double w = g.depth(pixel);
-        const Vec2 exact = g.map(pixel);
+        const Vec2 exact = m_toSource.map(pixel);
         const Vec2 source{inside(exact.x, picture.width), inside(exact.y, picture.height)};
-        const double dxx = (g(0, 0) - source.x * g(2, 0)) / w;
-        const double dxy = (g(0, 1) - source.x * g(2, 1)) / w;
-        const double dyx = (g(1, 0) - source.y * g(2, 0)) / w;
-        const double dyy = (g(1, 1) - source.y * g(2, 1)) / w;
-        Footprint footprint{dxx * dxx + dxy * dxy, dxx * dyx + dxy * dyy, dyx * dyx + dyy * dyy};
-        if (!std::isfinite(footprint.xx) || !std::isfinite(footprint.xy) || !std::isfinite(footprint.yy))
-            footprint = {1e12, 0, 1e12};
-        const double spread = std::hypot((footprint.xx - footprint.yy) / 2, footprint.xy);
-        const double longest = std::sqrt((footprint.xx + footprint.yy) / 2 + spread);
+        if (!isAffine) {
+            square = footprint(source, m_toSource.depth(pixel));
+            longest = square.longest();
+        }
         if (longest <= 1 + 1e-9) {
             out[i] = interpolated(source);
-        } else if (longest >= fadeEnd) {
-            out[i] = filtered(source, footprint);
-        } else {
+            continue;
+        }
+        if (!isAffine || !mixing)
+            mixing = filter(square);
+        out[i] = filtered(source, *mixing);
+        if (longest < fadeEnd) {
             const float share = float((longest - 1) / (fadeEnd - 1));
-            out[i] = interpolated(source) * splat(1 - share) + filtered(source, footprint) * splat(share);
+            out[i] = interpolated(source) * splat(1 - share) + out[i] * splat(share);
         }
     }
 }

@@ -18,15 +18,31 @@ public:
     void read(int x, int y, int count, Float4* out) const;
 
 private:
-    /// The square of a footprint: source offsets d with d' m^-1 d = 1 lie on it.
+    /// The square of a footprint: the source offsets d with d' m^-1 d = 1 lie on its border.
     struct Footprint {
         double xx;
         double xy;
         double yy;
+        /// Source pixels along its long side.
+        double longest() const;
     };
 
+    /// What mixes the pixels under a footprint: a d.x^2 + 2 b d.x d.y + c d.y^2 is where the offset d, in
+    /// pixels of `level`, stands in the kernel's table.
+    struct Filter {
+        PixelView level;
+        double scaleX;
+        double scaleY;
+        double a;
+        double b;
+        double c;
+        double reach; ///< Rows above and below.
+    };
+
+    Footprint footprint(Vec2 source, double depth) const;
+    Filter filter(const Footprint& footprint) const;
     Float4 interpolated(Vec2 source) const;
-    Float4 filtered(Vec2 source, Footprint footprint) const;
+    Float4 filtered(Vec2 source, const Filter& filter) const;
 
     const PicturePyramid& m_pyramid;
     Homography m_toSource;

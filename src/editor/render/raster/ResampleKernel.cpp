@@ -25,12 +25,14 @@ double catmullRom(double x) {
 
 ResampleKernel::ResampleKernel(double step, double origin, int sourceSize, int firstOutput, int endOutput)
     : m_firstOutput(firstOutput) {
-    const double width = stretch(step);
+    // A picture smaller than an output pixel is one mean; a wider kernel would only repeat its edges.
+    const double width = std::min(stretch(step), double(sourceSize));
     std::vector<double> weights;
-    for (int output = firstOutput; output < endOutput; ++output) {
+    for (int output = firstOutput; output < std::max(endOutput, firstOutput + 1); ++output) {
         const double centre = (output + 0.5) * step + origin - 0.5;
         // Far outside, all taps repeat the edge; staying near keeps the numbers whole.
-        const double near = std::clamp(centre, -2 * width - 2, sourceSize + 2 * width + 2);
+        const double near =
+            std::isfinite(centre) ? std::clamp(centre, -2 * width - 2, sourceSize + 2 * width + 2) : 0;
         const int from = int(std::ceil(near - 2 * width));
         const int to = int(std::floor(near + 2 * width));
         const int first = std::clamp(from, 0, sourceSize - 1);
@@ -57,7 +59,8 @@ ResampleKernel::ResampleKernel(double step, double origin, int sourceSize, int f
 }
 
 ResampleKernel::Taps ResampleKernel::taps(int output) const {
-    const Entry& entry = m_entries[std::size_t(output - m_firstOutput)];
+    const int last = int(m_entries.size()) - 1;
+    const Entry& entry = m_entries[std::size_t(std::clamp(output - m_firstOutput, 0, last))];
     return {entry.first, entry.count, m_weights.data() + entry.weights};
 }
 

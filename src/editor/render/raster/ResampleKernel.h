@@ -24,8 +24,6 @@ public:
     ResampleKernel(double step, double origin, int sourceSize, int firstOutput, int endOutput);
 
     Taps taps(int output) const;
-    int firstOutput() const { return m_firstOutput; }
-    int endOutput() const { return m_firstOutput + int(m_entries.size()); }
 
 private:
     struct Entry {

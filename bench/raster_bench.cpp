@@ -1,0 +1,132 @@
+// The picture's own costs: one preview frame at the default window size, exports, and the PNG behind Copy and
+// Save.
+
+#include "editor/render/CompositionRasterizer.h"
+#include "editor/render/RasterView.h"
+#include "editor/render/ScreenshotRenderer.h"
+#include "editor/render/raster/PngEncoder.h"
+
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <random>
+
+namespace {
+
+using namespace framora;
+
+/// Something like a screenshot: flat areas, lines of fine detail, a photograph in a corner.
+QImage makeScreenshot(int width, int height) {
+    QImage image(width, height, QImage::Format_RGB32);
+    std::mt19937 random(3);
+    for (int y = 0; y < height; ++y) {
+        auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            row[x] = y < 40 ? qRgb(52, 70, 110) : qRgb(250, 250, 252);
+            if (y > 60 && y % 20 < 11 && x > 20 && x < width * 2 / 3 && random() % 3 == 0)
+                row[x] = qRgb(40, 40, 48);
+            if (x > width * 3 / 4 && y > height / 2)
+                row[x] = qRgb(x % 256, y % 256, int(random() % 32) + (x + y) % 200);
+        }
+    }
+    return image;
+}
+
+/// A soft picture, as backgrounds are.
+QImage makeTexture(int width, int height) {
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const int grey = (x * 97 / width + y * 131 / height) % 256;
+            image.setPixel(x, y, qRgb(grey, grey, grey));
+        }
+    return image;
+}
+
+enum Scene { gradient, textured, zoomedIn, turned, tilted };
+
+Composition makeComposition(Scene scene) {
+    Composition composition;
+    composition.image = makeScreenshot(2560, 1440);
+    ScreenshotStyleConfig& config = composition.config;
+    config.backgroundType = scene == gradient ? BackgroundType::gradient : BackgroundType::image;
+    if (scene != gradient)
+        composition.loadedBackgroundImage = makeTexture(2560, 1440);
+    if (scene == turned)
+        config.rotation = 12;
+    if (scene == tilted) {
+        config.rotationX = 20;
+        config.rotationY = -25;
+    }
+    return composition;
+}
+
+/// A drag in the default window: the preview fits the canvas into 1256 x 940 pixels.
+void previewDrag(benchmark::State& state, Scene scene) {
+    Composition composition = makeComposition(scene);
+    const QSizeF canvas = canvasSize(pointSize(composition.image), composition.config);
+    const double fit = std::min(1256 / canvas.width(), 940 / canvas.height());
+    const CompositionRasterizer::Viewport viewport{QSize(1256, 940), scene == zoomedIn ? 1.0 : fit,
+                                                   QPointF(628, 470)};
+    CompositionRasterizer rasterizer;
+    QImage target;
+    rasterizer.drawInto(target, composition, viewport);
+    int step = 0;
+    for (auto _ : state) {
+        composition.dragOffset = {step % 60 / viewport.pixelsPerPoint, step % 40 / viewport.pixelsPerPoint};
+        ++step;
+        rasterizer.drawInto(target, composition, viewport);
+        benchmark::DoNotOptimize(target.constBits());
+    }
+}
+BENCHMARK_CAPTURE(previewDrag, gradient, gradient)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(previewDrag, textured, textured)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(previewDrag, zoomedIn, zoomedIn)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(previewDrag, turned, turned)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(previewDrag, tilted, tilted)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// The first frame of a picture that was never drawn before.
+void previewFirstFrame(benchmark::State& state) {
+    const Composition composition = makeComposition(textured);
+    for (auto _ : state) {
+        const QImage image =
+            CompositionRasterizer().draw(composition, {QSize(1256, 940), 0.46, QPointF(628, 470)});
+        benchmark::DoNotOptimize(image.constBits());
+    }
+}
+BENCHMARK(previewFirstFrame)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// Copy and Save before the PNG: 5440 x 3200 pixels.
+void exportFrame(benchmark::State& state, Scene scene) {
+    Composition composition = makeComposition(scene);
+    composition.isRendering = true;
+    for (auto _ : state) {
+        const QImage image = CompositionRasterizer().drawFrame(
+            composition, outputFrame(pointSize(composition.image), composition.config), exportScale);
+        benchmark::DoNotOptimize(image.constBits());
+    }
+}
+BENCHMARK_CAPTURE(exportFrame, textured, textured)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(exportFrame, tilted, tilted)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void encodeExport(benchmark::State& state) {
+    Composition composition = makeComposition(gradient);
+    composition.isRendering = true;
+    const QImage image = CompositionRasterizer().drawFrame(
+        composition, outputFrame(pointSize(composition.image), composition.config), exportScale);
+    std::size_t size = 0;
+    for (auto _ : state)
+        size = raster::encodePng(rasterView(image), 5669).size();
+    state.counters["bytes"] = double(size);
+}
+BENCHMARK(encodeExport)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+void encodeCapture(benchmark::State& state) {
+    const QImage image = makeScreenshot(2560, 1440);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(raster::encodePng(rasterView(image), 2835));
+}
+BENCHMARK(encodeCapture)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+} // namespace
+
+BENCHMARK_MAIN();
