@@ -24,7 +24,7 @@ constexpr double thumbnailRadius = 9;
 constexpr QSizeF largestThumbnail(120, 68);
 /// A thin strip still gets a place that can be seen and hovered.
 constexpr QSizeF smallestThumbnail(44, 36);
-constexpr double largestPixelRatio = 3;
+constexpr double largestPixelRatio = 2;
 
 } // namespace
 

@@ -1,5 +1,7 @@
 #include "feedback/ToastPalette.h"
 
+#include <cmath>
+
 namespace framora {
 namespace {
 
@@ -10,9 +12,9 @@ double luma(const QColor& color) {
 
 /// An accent as dark as the card would be lost on it: mixes it towards the text until it stands out.
 QColor legible(QColor accent, const QColor& card, const QColor& text) {
-    constexpr double leastDistance = 0.25;
+    constexpr double leastDistance = 0.34;
     for (int step = 0; step < 8 && std::abs(luma(accent) - luma(card)) < leastDistance; ++step)
-        accent = blended(accent, text, 0.2);
+        accent = blended(accent, text, 0.12);
     return accent;
 }
 

@@ -23,20 +23,28 @@ void ToastShadow::drawUnder(QImage& image, const QRectF& rect, double radius) co
         falloff[std::size_t(i + reach)] =
             float(opacity * 0.5 * std::erfc(i / stepsPerPixel / (sigma * std::sqrt(2.0))));
 
+    // What the shape itself will cover needs no shadow: its rows between the corners, less a rim.
+    const double coveredLeft = rect.left() + 2;
+    const double coveredRight = rect.right() - 2;
     for (int y = 0; y < image.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
         const double dy = std::abs(y + 0.5 - centerY) - (halfHeight - softRadius);
+        const bool betweenCorners = y > rect.top() + radius * 1.5 && y + 1 < rect.bottom() - radius * 1.5;
         for (int x = 0; x < image.width(); ++x) {
+            if (betweenCorners && x > coveredLeft && x < coveredRight) {
+                x = int(coveredRight);
+                continue;
+            }
             const double dx = std::abs(x + 0.5 - centerX) - (halfWidth - softRadius);
-            const double outside = std::hypot(std::max(dx, 0.0), std::max(dy, 0.0));
-            const double distance = outside + std::min(std::max(dx, dy), 0.0) - softRadius;
-            const int index = int(std::lround(distance * stepsPerPixel));
+            const double distance =
+                (dx > 0 && dy > 0 ? std::sqrt(dx * dx + dy * dy) : std::max(dx, dy)) - softRadius;
+            const int index = int(std::floor(distance * stepsPerPixel + 0.5));
             if (index > reach)
                 continue;
-            const double shade = double(falloff[std::size_t(std::max(index, -reach) + reach)]);
+            const float shade = falloff[std::size_t(std::max(index, -reach) + reach)];
             // Black over the pixel; the picture holds shadows only, so that just its alpha grows.
-            const double below = qAlpha(row[x]) / 255.0;
-            row[x] = qRgba(0, 0, 0, int(std::lround(255 * (shade + below * (1 - shade)))));
+            const float below = float(qAlpha(row[x]));
+            row[x] = qRgba(0, 0, 0, int(255 * shade + below * (1 - shade) + 0.5f));
         }
     }
 }

@@ -1,0 +1,290 @@
+#include "platform/x11/X11ToastPanel.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <utility>
+#include <xcb/shape.h>
+
+namespace framora {
+namespace {
+
+constexpr double frameSeconds = 1.0 / 60;
+/// Against an endless contest with another window that keeps itself on top, a screen locker above all.
+constexpr int mostRaises = 12;
+/// A pixel of the card itself is opaque but for the smoothing of its edge; the shadow never gets near this.
+constexpr int leastCardAlpha = 150;
+
+/// The usual easing curves of user interfaces, as cubic Bezier curves.
+QEasingCurve curveFor(ToastPanel::Easing easing) {
+    QEasingCurve curve(QEasingCurve::BezierSpline);
+    if (easing == ToastPanel::Easing::easeOut)
+        curve.addCubicBezierSegment({0, 0}, {0.58, 1}, {1, 1});
+    else
+        curve.addCubicBezierSegment({0.42, 0}, {1, 1}, {1, 1});
+    return curve;
+}
+
+/// Every premultiplied pixel times `alpha`.
+void fade(const QImage& from, QImage& to, double alpha) {
+    const auto factor = std::uint32_t(std::lround(std::clamp(alpha, 0.0, 1.0) * 256));
+    const auto count = std::size_t(from.width()) * std::size_t(from.height());
+    const auto* in = reinterpret_cast<const std::uint32_t*>(from.constBits());
+    auto* out = reinterpret_cast<std::uint32_t*>(to.bits());
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint32_t pixel = in[i];
+        out[i] = (((pixel & 0x00ff00ff) * factor >> 8) & 0x00ff00ff) |
+                 (((pixel >> 8) & 0x00ff00ff) * factor & 0xff00ff00);
+    }
+}
+
+/// The picture laid on an opaque ground.
+void flatten(const QImage& from, QImage& to, QRgb ground) {
+    const auto count = std::size_t(from.width()) * std::size_t(from.height());
+    const auto* in = reinterpret_cast<const QRgb*>(from.constBits());
+    auto* out = reinterpret_cast<QRgb*>(to.bits());
+    for (std::size_t i = 0; i < count; ++i) {
+        const int rest = 255 - qAlpha(in[i]);
+        const auto over = [&](int value, int below) { return value + (below * rest + 127) / 255; };
+        out[i] = qRgb(over(qRed(in[i]), qRed(ground)), over(qGreen(in[i]), qGreen(ground)),
+                      over(qBlue(in[i]), qBlue(ground)));
+    }
+}
+
+} // namespace
+
+X11ToastPanel::X11ToastPanel(X11ToastConnection& connection, MainQueue& queue, const Screen& screen,
+                             bool ignoresMouse, std::unique_ptr<ToastContent> content)
+    : m_connection(connection), m_queue(queue), m_screen(screen), m_ignoresMouse(ignoresMouse),
+      m_content(std::move(content)), m_size(QSizeF(screen.pixelFrame.size()) / screen.pixelRatio),
+      m_raisesLeft(mostRaises) {
+    createWindow();
+    describeWindow();
+    renderContent();
+    applyShape();
+    m_connection.add(*this);
+}
+
+X11ToastPanel::~X11ToastPanel() {
+    m_connection.remove(*this);
+    xcb_free_gc(m_connection, m_gc);
+    xcb_destroy_window(m_connection, m_window);
+    m_connection.flush();
+}
+
+void X11ToastPanel::createWindow() {
+    const QRect& frame = m_screen.pixelFrame;
+    m_window = xcb_generate_id(m_connection);
+    std::uint32_t events = XCB_EVENT_MASK_EXPOSURE;
+    if (!m_ignoresMouse)
+        events |= XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW | XCB_EVENT_MASK_BUTTON_PRESS;
+    // In the order of the mask's bits. A border pixel has to be given where the depth is not the root's.
+    const std::array<std::uint32_t, 5> values{0, 0, 1, events, m_connection.colormap()};
+    xcb_create_window(m_connection, m_connection.depth(), m_window, m_connection.screen().root,
+                      std::int16_t(frame.x()), std::int16_t(frame.y()),
+                      std::uint16_t(std::max(1, frame.width())), std::uint16_t(std::max(1, frame.height())),
+                      0, XCB_WINDOW_CLASS_INPUT_OUTPUT, m_connection.visual(),
+                      XCB_CW_BACK_PIXEL | XCB_CW_BORDER_PIXEL | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK |
+                          XCB_CW_COLORMAP,
+                      values.data());
+    m_gc = xcb_generate_id(m_connection);
+    const std::uint32_t noExposures = 0;
+    xcb_create_gc(m_connection, m_gc, m_window, XCB_GC_GRAPHICS_EXPOSURES, &noExposures);
+}
+
+void X11ToastPanel::describeWindow() {
+    // A window manager leaves the window alone; compositors, panels and accessibility tools read these.
+    const auto& atoms = m_connection.atoms();
+    const auto set = [&](xcb_atom_t property, xcb_atom_t type, std::initializer_list<std::uint32_t> values) {
+        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_window, property, type, 32,
+                            std::uint32_t(values.size()), values.begin());
+    };
+    set(atoms.windowType, XCB_ATOM_ATOM, {atoms.windowTypeNotification});
+    set(atoms.state, XCB_ATOM_ATOM,
+        {atoms.stateAbove, atoms.stateSticky, atoms.stateSkipTaskbar, atoms.stateSkipPager});
+    set(atoms.desktop, XCB_ATOM_CARDINAL, {0xffffffff});
+    set(atoms.bypassCompositor, XCB_ATOM_CARDINAL, {2}); // Never bypass it: the toast is translucent.
+    set(atoms.comptonShadow, XCB_ATOM_CARDINAL, {0});
+    const auto text = [&](xcb_atom_t property, xcb_atom_t type, const std::string& value) {
+        xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, m_window, property, type, 8,
+                            std::uint32_t(value.size()), value.data());
+    };
+    text(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, std::string("toast\0Framora\0", 14));
+    text(XCB_ATOM_WM_NAME, XCB_ATOM_STRING, "Framora toast");
+    text(atoms.name, atoms.utf8String, "Framora toast");
+}
+
+void X11ToastPanel::renderContent() {
+    const double ratio = m_screen.pixelRatio;
+    m_image = m_content->paint(m_size, ratio).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    m_image.setDevicePixelRatio(1);
+    m_origin = (m_content->bounds(m_size).topLeft() * ratio).toPoint();
+    const QRectF card = m_content->cardRect(m_size);
+    m_card = QRectF(card.topLeft() * ratio, card.size() * ratio).toAlignedRect();
+    if (m_frame.size() != m_image.size())
+        m_frame = QImage(m_image.size(), QImage::Format_ARGB32_Premultiplied);
+}
+
+std::vector<xcb_rectangle_t> X11ToastPanel::cardSpans() const {
+    std::vector<xcb_rectangle_t> spans;
+    const QRect card = m_card.translated(-m_origin).intersected(m_image.rect());
+    for (int y = card.top(); y <= card.bottom(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(m_image.constScanLine(y));
+        const auto isCard = [](QRgb pixel) { return qAlpha(pixel) >= leastCardAlpha; };
+        const auto* first = std::find_if(row + card.left(), row + card.right() + 1, isCard);
+        const auto* end = row + card.right() + 1;
+        while (end > first && !isCard(end[-1]))
+            --end;
+        if (end == first)
+            continue;
+        const xcb_rectangle_t span{std::int16_t(m_origin.x() + (first - row)), std::int16_t(m_origin.y() + y),
+                                   std::uint16_t(end - first), 1};
+        // The straight part between the corners is one rectangle.
+        if (!spans.empty() && spans.back().x == span.x && spans.back().width == span.width)
+            ++spans.back().height;
+        else
+            spans.push_back(span);
+    }
+    return spans;
+}
+
+void X11ToastPanel::applyShape() {
+    const auto card = cardSpans();
+    const auto shape = [&](xcb_shape_sk_t kind, const std::vector<xcb_rectangle_t>& rectangles) {
+        xcb_shape_rectangles(m_connection, XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_UNSORTED, m_window, 0, 0,
+                             std::uint32_t(rectangles.size()), rectangles.data());
+    };
+    const bool blends = m_connection.canBlend();
+    if (blends)
+        shape(XCB_SHAPE_SK_BOUNDING, {{std::int16_t(m_origin.x()), std::int16_t(m_origin.y()),
+                                       std::uint16_t(m_image.width()), std::uint16_t(m_image.height())}});
+    else
+        shape(XCB_SHAPE_SK_BOUNDING, card);
+    shape(XCB_SHAPE_SK_INPUT, m_ignoresMouse ? std::vector<xcb_rectangle_t>{} : card);
+    // What shows before the first picture, and where the server has to fill in.
+    const std::uint32_t background = blends ? 0 : m_content->cardColor().rgb();
+    xcb_change_window_attributes(m_connection, m_window, XCB_CW_BACK_PIXEL, &background);
+}
+
+void X11ToastPanel::put() {
+    if (!m_mapped)
+        return;
+    const QImage* picture = &m_image;
+    if (!m_connection.canBlend()) {
+        flatten(m_image, m_frame, m_content->cardColor().rgb());
+        picture = &m_frame;
+    } else if (m_alpha < 1) {
+        fade(m_image, m_frame, m_alpha);
+        picture = &m_frame;
+    }
+    // In slices that the server's longest request holds.
+    constexpr std::size_t header = 64;
+    const auto stride = std::size_t(picture->bytesPerLine());
+    const std::size_t longest = std::size_t(xcb_get_maximum_request_length(m_connection)) * 4 - header;
+    const int rows = int(std::clamp<std::size_t>(longest / stride, 1, std::size_t(picture->height())));
+    for (int y = 0; y < picture->height(); y += rows) {
+        const int count = std::min(rows, picture->height() - y);
+        xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_window, m_gc,
+                      std::uint16_t(picture->width()), std::uint16_t(count), std::int16_t(m_origin.x()),
+                      std::int16_t(m_origin.y() + y), 0, m_connection.depth(),
+                      std::uint32_t(stride * std::size_t(count)), picture->constScanLine(y));
+    }
+    m_connection.flush();
+}
+
+void X11ToastPanel::setAlpha(double alpha) {
+    m_animation.reset();
+    changeAlpha(alpha);
+}
+
+void X11ToastPanel::changeAlpha(double alpha) {
+    m_alpha = std::clamp(alpha, 0.0, 1.0);
+    // Without a compositor the window is either there or not; with one it stays mapped, so that a fade never
+    // blinks.
+    const bool goingAway = m_animation && m_animation->to <= 0;
+    const bool shown = m_ordered && (m_connection.canBlend() || (m_alpha > 0 && !goingAway));
+    if (shown && !m_mapped) {
+        m_mapped = true;
+        xcb_map_window(m_connection, m_window);
+    } else if (!shown && m_mapped) {
+        m_mapped = false;
+        xcb_unmap_window(m_connection, m_window);
+        m_connection.flush();
+    }
+    put();
+}
+
+void X11ToastPanel::orderFront() {
+    m_ordered = true;
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(m_connection, m_window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    changeAlpha(m_alpha);
+}
+
+void X11ToastPanel::animateAlpha(double alpha, double seconds, Easing easing, std::function<void()> done) {
+    auto animation = std::make_unique<Animation>();
+    animation->from = m_alpha;
+    animation->to = alpha;
+    animation->seconds = seconds;
+    animation->curve = curveFor(easing);
+    animation->done = std::move(done);
+    animation->start = std::chrono::steady_clock::now();
+    animation->timer = m_queue.every(frameSeconds, [this] { step(); });
+    m_animation = std::move(animation);
+    // Where nothing fades, the change happens now.
+    if (!m_connection.canBlend())
+        changeAlpha(alpha > 0 ? alpha : m_alpha);
+}
+
+void X11ToastPanel::step() {
+    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - m_animation->start;
+    const double progress = std::min(1.0, passed.count() / m_animation->seconds);
+    if (progress < 1) {
+        changeAlpha(m_animation->from +
+                    (m_animation->to - m_animation->from) * m_animation->curve.valueForProgress(progress));
+        return;
+    }
+    // The callback may close this panel.
+    const auto finished = std::exchange(m_animation, nullptr);
+    changeAlpha(finished->to);
+    if (finished->done)
+        finished->done();
+}
+
+void X11ToastPanel::exposed() {
+    put();
+}
+
+void X11ToastPanel::pointerIsOver(bool over) {
+    if (over) {
+        const xcb_cursor_t cursor = m_connection.handCursor();
+        xcb_change_window_attributes(m_connection, m_window, XCB_CW_CURSOR, &cursor);
+    }
+    if (m_content->setHovered(over)) {
+        renderContent();
+        put();
+    }
+    m_connection.flush();
+}
+
+void X11ToastPanel::pressed(int x, int y) {
+    m_content->press(QPointF(x, y) / m_screen.pixelRatio);
+}
+
+void X11ToastPanel::compositorChanged() {
+    applyShape();
+    changeAlpha(m_alpha);
+    m_connection.flush();
+}
+
+void X11ToastPanel::keepAbove() {
+    if (!m_mapped || m_raisesLeft <= 0)
+        return;
+    --m_raisesLeft;
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    xcb_configure_window(m_connection, m_window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+    m_connection.flush();
+}
+
+} // namespace framora

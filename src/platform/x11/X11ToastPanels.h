@@ -1,0 +1,29 @@
+#pragma once
+
+#include "platform/MainQueue.h"
+#include "platform/ToastPanel.h"
+
+#include <memory>
+
+namespace framora {
+
+class X11ToastConnection;
+
+/// Toast panels on an X server. The connection is opened with the first panel; it and the panels share the
+/// thread.
+class X11ToastPanels final : public ToastPanels {
+public:
+    /// The queue outlives this, and this its panels.
+    explicit X11ToastPanels(MainQueue& queue);
+    ~X11ToastPanels() override;
+
+    /// Where there is no server any more, a panel that shows nothing and keeps its times.
+    std::unique_ptr<ToastPanel> makePanel(const Screen& screen, bool ignoresMouse,
+                                          std::unique_ptr<ToastContent> content) override;
+
+private:
+    MainQueue& m_queue;
+    std::unique_ptr<X11ToastConnection> m_connection;
+};
+
+} // namespace framora
