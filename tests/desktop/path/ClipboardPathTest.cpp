@@ -1,0 +1,192 @@
+#include "desktop/path/DemoDesktop.h"
+#include "desktop/path/FramoraDriver.h"
+
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <gtest/gtest.h>
+
+namespace framora {
+namespace {
+
+QByteArray pngOf(const QImage& image) {
+    QByteArray png;
+    QBuffer buffer(&png);
+    image.save(&buffer, "PNG");
+    return png;
+}
+
+QImage pixels(const QImage& image) {
+    return image.convertToFormat(QImage::Format_ARGB32);
+}
+
+/// Stands where a sound server would and counts who comes.
+class SoundServerCounter {
+public:
+    explicit SoundServerCounter(VirtualDesktop& desktop) {
+        const QString folder = desktop.runtimePath() + QStringLiteral("/pulse");
+        QDir().mkpath(folder);
+        const QString path = folder + QStringLiteral("/native");
+        EXPECT_TRUE(m_server.listen(path)) << m_server.errorString().toStdString();
+        desktop.setEnvironmentVariable(QStringLiteral("PULSE_SERVER"), QStringLiteral("unix:") + path);
+        QObject::connect(&m_server, &QLocalServer::newConnection, [this] {
+            ++m_visits;
+            delete m_server.nextPendingConnection();
+        });
+    }
+    int visits() const { return m_visits; }
+
+private:
+    QLocalServer m_server;
+    int m_visits = 0;
+};
+
+class ClipboardPathTest : public testing::Test {
+protected:
+    static DesktopOptions options() {
+        DesktopOptions options;
+        options.size = {1440, 900};
+        options.accessibility = true;
+        return options;
+    }
+
+    ClipboardPathTest() : m_desktop(options()), m_driver(m_desktop) {
+        display().setWallpaper(demoWallpaper(display().size()));
+    }
+
+    DesktopDisplay& display() { return m_desktop.display(); }
+    QString scratch(const char* name) {
+        return m_desktop.scratchPath() + QLatin1Char('/') + QLatin1String(name);
+    }
+
+    VirtualDesktop m_desktop;
+    FramoraDriver m_driver;
+};
+
+TEST_F(ClipboardPathTest, copyOffersPixelForPixelWhatSaveWrites) {
+    m_driver.launch();
+    m_driver.captureAndEdit(QRect(200, 200, 360, 240));
+    m_driver.clickControl(QStringLiteral("Border"));
+    const QString path = scratch("saved.png");
+    m_driver.save(path);
+    const QImage saved(path);
+    ASSERT_FALSE(saved.isNull());
+
+    const QImage captured = m_desktop.clipboardImage();
+    EXPECT_EQ(captured.size(), QSize(360, 240)) << "until Copy the clipboard holds the capture";
+    m_driver.clickControl(QStringLiteral("Copy to Clipboard"));
+    m_driver.waitForNoEditor();
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return m_desktop.clipboardImage().size() == saved.size(); }));
+    const QImage copied = m_desktop.clipboardImage();
+    EXPECT_EQ(pixels(copied), pixels(saved));
+    EXPECT_EQ(copied.dotsPerMeterX(), saved.dotsPerMeterX());
+
+    m_driver.waitForToast();
+    m_driver.waitForNoToast();
+    EXPECT_EQ(pixels(m_desktop.clipboardImage()), pixels(saved)) << "also when the editor is gone";
+}
+
+TEST_F(ClipboardPathTest, aClipboardManagerKeepsTheCopyWhenFramoraQuits) {
+    m_desktop.start(QStringLiteral("xfce4-clipman"));
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return display().selectionIsOwned("CLIPBOARD_MANAGER"); }));
+    m_driver.launch();
+    m_driver.captureAndEdit(QRect(200, 200, 300, 200));
+    m_driver.clickControl(QStringLiteral("Copy to Clipboard"));
+    m_driver.waitForNoEditor();
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return m_desktop.clipboardImage().width() > 300; }));
+    const QImage copied = m_desktop.clipboardImage();
+    m_driver.framora().process().terminate();
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return !m_driver.framora().isRunning(); }));
+    EXPECT_TRUE(
+        VirtualDesktop::waitFor([&] { return pixels(m_desktop.clipboardImage()) == pixels(copied); }));
+}
+
+TEST_F(ClipboardPathTest, escapeLeavesEverythingAsItWas) {
+    SoundServerCounter sound(m_desktop);
+    QImage earlier(9, 7, QImage::Format_RGB32);
+    earlier.fill(QColor(20, 160, 90));
+    m_desktop.setClipboard(pngOf(earlier), QStringLiteral("image/png"));
+    m_driver.launch();
+
+    m_driver.pressAreaShortcut();
+    m_driver.waitForOverlay();
+    display().moveTo({300, 300});
+    display().press();
+    display().moveTo({500, 400});
+    display().key({"Escape"});
+    display().release();
+    m_driver.waitForNoOverlay();
+    // A toast would come within moments of the tool's end.
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return m_driver.toast().has_value(); }, 700));
+    EXPECT_EQ(sound.visits(), 0);
+    EXPECT_EQ(pixels(m_desktop.clipboardImage()), pixels(earlier));
+
+    // The same eyes and ears do notice a capture that succeeds.
+    m_driver.pressAreaShortcut();
+    m_driver.waitForOverlay();
+    m_driver.selectArea(QRect(300, 300, 100, 80));
+    m_driver.waitForToast();
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return sound.visits() > 0; }));
+}
+
+TEST_F(ClipboardPathTest, whatFramoraCopiedCanBePastedWhileACaptureIsOnScreen) {
+    m_driver.launch();
+    m_driver.captureAndEdit(QRect(200, 200, 300, 200));
+    m_driver.clickControl(QStringLiteral("Copy to Clipboard"));
+    m_driver.waitForNoEditor();
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return m_desktop.clipboardImage().width() > 300; }));
+    const QImage copied = m_desktop.clipboardImage();
+    m_driver.waitForToast();
+    m_driver.waitForNoToast();
+
+    m_driver.pressAreaShortcut();
+    m_driver.waitForOverlay();
+    EXPECT_EQ(pixels(m_desktop.clipboardImage()), pixels(copied));
+    EXPECT_TRUE(m_driver.overlay());
+    display().key({"Escape"});
+    m_driver.waitForNoOverlay();
+}
+
+TEST_F(ClipboardPathTest, aSecondCaptureCannotStartWhileOneIsOpen) {
+    m_driver.launch();
+    m_driver.pressAreaShortcut();
+    m_driver.waitForOverlay();
+    const auto tools = [&] {
+        int count = 0;
+        for (const qint64 child : m_driver.framora().children())
+            count += ChildProcess::nameOf(child).startsWith(QStringLiteral("framora-screen"));
+        return count;
+    };
+    ASSERT_EQ(tools(), 1);
+    m_driver.pressAreaShortcut();
+    m_driver.pressWindowShortcut();
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return tools() > 1; }, 500));
+    display().key({"Escape"});
+    m_driver.waitForNoOverlay();
+    // And what was pressed meanwhile does not start one afterwards.
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return m_driver.overlay().has_value(); }, 700));
+}
+
+TEST_F(ClipboardPathTest, aToolThatIsKilledLeavesNothingOnScreen) {
+    QImage earlier(9, 7, QImage::Format_RGB32);
+    earlier.fill(Qt::red);
+    m_desktop.setClipboard(pngOf(earlier), QStringLiteral("image/png"));
+    m_driver.launch();
+    m_driver.pressAreaShortcut();
+    m_driver.waitForOverlay();
+    for (const qint64 child : m_driver.framora().children())
+        if (ChildProcess::nameOf(child).startsWith(QStringLiteral("framora-screen")))
+            m_desktop.run(QStringLiteral("kill"), {QStringLiteral("-KILL"), QString::number(child)});
+    m_driver.waitForNoOverlay();
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return m_driver.toast().has_value(); }, 500));
+    EXPECT_EQ(pixels(m_desktop.clipboardImage()), pixels(earlier));
+    m_driver.pressAreaShortcut();
+    m_driver.waitForOverlay();
+    display().key({"Escape"});
+    m_driver.waitForNoOverlay();
+}
+
+} // namespace
+} // namespace framora

@@ -1,0 +1,119 @@
+#include "desktop/path/DemoDesktop.h"
+#include "desktop/path/FramoraDriver.h"
+
+#include <QFile>
+#include <gtest/gtest.h>
+
+namespace framora {
+namespace {
+
+/// Points around the picture that a new editor starts with.
+constexpr int defaultPadding = 80;
+/// Export pixels a point.
+constexpr int exportScale = 2;
+
+QSize exportSize(QSize picture, int mockupMargin = 0) {
+    const int around = 2 * defaultPadding + mockupMargin;
+    return exportScale * (picture + QSize(around, around));
+}
+
+struct PathCase {
+    const char* name;
+    WindowManager windowManager;
+    bool compositor;
+};
+
+class PathTest : public testing::TestWithParam<PathCase> {
+protected:
+    static DesktopOptions options() {
+        DesktopOptions options;
+        options.size = {1440, 900};
+        options.windowManager = GetParam().windowManager;
+        options.compositor = GetParam().compositor;
+        options.accessibility = true;
+        return options;
+    }
+
+    PathTest() : m_desktop(options()), m_driver(m_desktop) {
+        display().setWallpaper(demoWallpaper(display().size()));
+        m_terminal =
+            &m_desktop.start(QStringLiteral("xterm"),
+                             {QStringLiteral("-xrm"), QStringLiteral("*wmTimeout: 100"),
+                              QStringLiteral("-geometry"), QStringLiteral("80x24+100+100"),
+                              QStringLiteral("-e"), QStringLiteral("sleep"), QStringLiteral("100000")});
+    }
+
+    DesktopDisplay& display() { return m_desktop.display(); }
+
+    DesktopWindow terminal() {
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] {
+            const auto window = display().windowOfClass(QStringLiteral("xterm"));
+            return window && display().activeWindow() == window->id;
+        }));
+        return display().windowOfClass(QStringLiteral("xterm")).value_or(DesktopWindow());
+    }
+
+    QString scratch(const char* name) {
+        return m_desktop.scratchPath() + QLatin1Char('/') + QLatin1String(name);
+    }
+
+    VirtualDesktop m_desktop;
+    FramoraDriver m_driver;
+    ChildProcess* m_terminal = nullptr;
+};
+
+TEST_P(PathTest, leadsFromTheAreaShortcutToASavedPicture) {
+    m_driver.launch();
+    terminal();
+    const QRect area(300, 200, 420, 260);
+    const QImage shown = display().screenshot(area);
+    m_driver.pressAreaShortcut();
+    m_driver.waitForOverlay();
+    m_driver.selectArea(area);
+    const QRect card = m_driver.waitForInteractiveToast();
+    const QImage taken = m_desktop.clipboardImage().convertToFormat(QImage::Format_RGB32);
+    EXPECT_EQ(taken, shown) << "the picture is what was on the screen";
+
+    display().click(card.center());
+    m_driver.waitForEditor();
+    m_driver.clickControl(QStringLiteral("Actual Size"));
+    m_driver.clickControl(QStringLiteral("Border"));
+    const QRect canvas = m_driver.control(QStringLiteral("Preview")).area;
+    const QImage before = display().screenshot(canvas);
+    display().drag(canvas.center(), canvas.center() + QPoint(60, 30));
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return display().screenshot(canvas) != before; }));
+
+    const QString path = scratch("area.png");
+    m_driver.save(path);
+    // The border adds three times its size of 3 points on each side.
+    EXPECT_EQ(QImage(path).size(), exportSize(area.size(), 18));
+    EXPECT_TRUE(m_driver.editor()) << "saving leaves the editor open";
+}
+
+TEST_P(PathTest, leadsFromTheWindowShortcutToASavedPicture) {
+    m_driver.launch();
+    const DesktopWindow window = terminal();
+    m_driver.pressWindowShortcut();
+    m_driver.waitForOverlay();
+    display().click(window.geometry.center());
+    m_driver.waitForNoOverlay();
+    const QRect card = m_driver.waitForInteractiveToast();
+    const QImage taken = m_desktop.clipboardImage();
+    EXPECT_EQ(taken.size(), window.frame.size()) << "the window whole, with its frame";
+
+    display().click(card.center());
+    m_driver.waitForEditor();
+    m_driver.clickControl(QStringLiteral("Sharp"));
+    const QString path = scratch("window.png");
+    m_driver.save(path);
+    EXPECT_EQ(QImage(path).size(), exportSize(taken.size()));
+}
+
+INSTANTIATE_TEST_SUITE_P(, PathTest,
+                         testing::Values(PathCase{"withoutCompositor", WindowManager::openbox, false},
+                                         PathCase{"withCompositor", WindowManager::openbox, true},
+                                         PathCase{"underAnotherWindowManager", WindowManager::xfwm4, false}),
+                         [](const auto& test) { return test.param.name; });
+
+} // namespace
+} // namespace framora

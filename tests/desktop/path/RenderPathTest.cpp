@@ -1,0 +1,88 @@
+#include "desktop/path/DemoDesktop.h"
+#include "desktop/path/FramoraDriver.h"
+
+#include <QFile>
+#include <gtest/gtest.h>
+
+namespace framora {
+namespace {
+
+QImage pixels(const QImage& image) {
+    return image.convertToFormat(QImage::Format_ARGB32);
+}
+
+class RenderPathTest : public testing::Test {
+protected:
+    static DesktopOptions options() {
+        DesktopOptions options;
+        options.size = {1600, 1000};
+        options.accessibility = true;
+        return options;
+    }
+
+    RenderPathTest() : m_desktop(options()), m_driver(m_desktop) {
+        m_desktop.display().setWallpaper(demoWallpaper(options().size));
+        m_driver.launch();
+        m_driver.captureAndEdit(QRect(500, 400, 420, 280));
+        QFile source(scratch("source.png"));
+        if (source.open(QIODevice::WriteOnly))
+            source.write(m_desktop.clipboard());
+    }
+
+    QString scratch(const char* name) {
+        return m_desktop.scratchPath() + QLatin1Char('/') + QLatin1String(name);
+    }
+
+    QImage rendered(const QStringList& fields) {
+        QStringList arguments = {scratch("source.png"), QStringLiteral("-o"), scratch("rendered.png")};
+        for (const QString& field : fields)
+            arguments << QStringLiteral("--set") << field;
+        ChildProcess& command =
+            m_desktop.start(FramoraDriver::program(QStringLiteral("framora-render")), arguments);
+        EXPECT_TRUE(command.waitForExit(60000));
+        EXPECT_EQ(command.exitCode(), 0) << command.output().toStdString();
+        return QImage(scratch("rendered.png"));
+    }
+
+    QImage saved() {
+        m_driver.save(scratch("saved.png"));
+        return QImage(scratch("saved.png"));
+    }
+
+    VirtualDesktop m_desktop;
+    FramoraDriver m_driver;
+};
+
+TEST_F(RenderPathTest, theCommandDrawsWhatANewEditorSaves) {
+    const QImage edited = saved();
+    ASSERT_FALSE(edited.isNull());
+    EXPECT_EQ(pixels(rendered({})), pixels(edited));
+}
+
+TEST_F(RenderPathTest, theCommandDrawsWhatADressedEditorSaves) {
+    m_driver.clickControl(QStringLiteral("Border"));
+    m_driver.clickControl(QStringLiteral("Sharp"));
+    m_driver.clickControl(QStringLiteral("Background"));
+    m_driver.clickControl(QStringLiteral("Gradient"));
+    m_driver.clickControl(QStringLiteral("Radial"));
+    // At 100 percent a pixel of the drag is a point of the picture.
+    m_driver.clickControl(QStringLiteral("Actual Size"));
+    const QRect canvas = m_driver.control(QStringLiteral("Preview")).area;
+    const QImage before = m_driver.display().screenshot(canvas);
+    m_driver.display().drag(canvas.center(), canvas.center() + QPoint(48, -20));
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return m_driver.display().screenshot(canvas) != before; }));
+
+    const QImage edited = saved();
+    ASSERT_FALSE(edited.isNull());
+    const QStringList fields = {QStringLiteral("mockupStyle=border"),
+                                QStringLiteral("borderStyle=sharp"),
+                                QStringLiteral("borderRadius=0"),
+                                QStringLiteral("backgroundType=gradient"),
+                                QStringLiteral("gradientConfig.style=radial"),
+                                QStringLiteral("screenshotOffset=48,-20")};
+    EXPECT_EQ(pixels(rendered(fields)), pixels(edited));
+    EXPECT_NE(pixels(rendered({})), pixels(edited));
+}
+
+} // namespace
+} // namespace framora
