@@ -212,10 +212,10 @@ int DesktopDisplay::windowCount() {
     return countBelow(m_root);
 }
 
-bool DesktopDisplay::selectionIsOwned(const char* selection) {
+std::uint32_t DesktopDisplay::selectionOwner(const char* selection) {
     const auto reply = own(xcb_get_selection_owner_reply(
         m_connection, xcb_get_selection_owner(m_connection, atom(selection)), nullptr));
-    return reply && reply->owner != XCB_NONE;
+    return reply ? reply->owner : 0;
 }
 
 bool DesktopDisplay::rootPropertyExists(const char* name) {

@@ -56,7 +56,9 @@ public:
     QRect inputArea(std::uint32_t window);
     /// Number of all windows below the root, mapped or not, at any depth.
     int windowCount();
-    bool selectionIsOwned(const char* selection);
+    /// Window of the owner, 0 for none.
+    std::uint32_t selectionOwner(const char* selection);
+    bool selectionIsOwned(const char* selection) { return selectionOwner(selection) != 0; }
     bool rootPropertyExists(const char* name);
     /// Values of a property of 32-bit items; empty when it is missing.
     std::vector<std::uint32_t> cardinals(std::uint32_t window, const char* property);
