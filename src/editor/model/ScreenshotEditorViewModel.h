@@ -105,6 +105,7 @@ public:
     bool hasBackgroundImage() const { return m_config.backgroundImageURL.has_value(); }
 
     const std::vector<Wallpaper>& wallpaperImages() const { return m_wallpaperImages; }
+    QList<QUrl> wallpaperURLs() const;
     const QImage& originalImage() const { return m_originalImage; }
     QSizeF imageSize() const; ///< In points.
 
@@ -167,7 +168,6 @@ private:
     void setZoom(double zoom);
     void setSelectedWallpaperURL(const QUrl& url);
     void setWallpaperImages(std::vector<Wallpaper> wallpapers);
-    QList<QUrl> wallpaperURLs() const;
     void fitNow();
 
     Services m_services;
