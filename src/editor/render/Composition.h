@@ -12,11 +12,11 @@ namespace framora {
 struct Composition {
     QImage image; ///< The screenshot; its size in points is its pixels over its devicePixelRatio.
     ScreenshotStyleConfig config;
-    bool isRendering = false;        ///< For the export: no checkerboard and no grain.
-    QImage preloadedBackgroundImage; ///< Shown before loadedBackgroundImage; null when absent.
-    double canvasCornerRadius = 24;  ///< Points; for who shows the canvas, nothing is clipped to it.
-    Size dragOffset;                 ///< Points, added to the style's offset while the user drags.
-    QImage loadedBackgroundImage;    ///< What the preview has loaded; null when absent.
+    bool isRendering = false;             ///< For the export: no checkerboard and no grain.
+    QImage preloadedBackgroundImage = {}; ///< Shown before loadedBackgroundImage; null when absent.
+    double canvasCornerRadius = 24;       ///< Points; for who shows the canvas, nothing is clipped to it.
+    Size dragOffset = {};                 ///< Points, added to the style's offset while the user drags.
+    QImage loadedBackgroundImage = {};    ///< What the preview has loaded; null when absent.
 
     /// The picture of an `image` background; null when there is none.
     const QImage& backgroundImage() const {

@@ -1,0 +1,331 @@
+#include "editor/render/CompositionRasterizer.h"
+
+#include "editor/render/raster/ParallelFor.h"
+#include "unit/render/TestPictures.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+namespace framora {
+namespace {
+
+Composition compositionOf(const QImage& image, const ScreenshotStyleConfig& config, bool isRendering = true) {
+    Composition composition;
+    composition.image = image;
+    composition.config = config;
+    composition.isRendering = isRendering;
+    return composition;
+}
+
+/// The whole canvas at `scale` pixels a point.
+QImage drawn(const Composition& composition, double scale = 1) {
+    return CompositionRasterizer().drawFrame(
+        composition, canvasSize(pointSize(composition.image), composition.config), scale);
+}
+
+bool areEqual(const QImage& a, const QImage& b) {
+    return a.size() == b.size() && a.convertToFormat(QImage::Format_ARGB32_Premultiplied) ==
+                                       b.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+}
+
+TEST(CompositionRasterizer, CopiesPixelsOneToOneBitForBit) {
+    for (const double ratio : {1.0, 2.0, 1.25}) {
+        const QImage image = noisePicture(101, 64, ratio);
+        ScreenshotStyleConfig config = bareStyle();
+        config.padding = 20;
+        const QImage result = drawn(compositionOf(image, config), ratio);
+        const int margin = int(20 * ratio);
+        EXPECT_TRUE(areEqual(result.copy(margin, margin, 101, 64), image)) << ratio;
+        EXPECT_EQ(result.pixel(margin - 1, margin), 0u);
+        EXPECT_EQ(result.pixel(margin + 101, margin), 0u);
+    }
+}
+
+TEST(CompositionRasterizer, CopiesPixelsAlsoWhenTurnedByRightAngles) {
+    const QImage image = noisePicture(60, 40);
+    ScreenshotStyleConfig config = bareStyle();
+    config.padding = 20;
+    for (const int rotation : {90, 180, 270}) {
+        config.rotation = rotation;
+        const QImage result =
+            CompositionRasterizer().draw(compositionOf(image, config), {QSize(100, 100), 1, QPointF(50, 50)});
+        const QImage turned = image.transformed(QTransform().rotate(rotation));
+        EXPECT_TRUE(areEqual(
+            result.copy(50 - turned.width() / 2, 50 - turned.height() / 2, turned.width(), turned.height()),
+            turned))
+            << rotation;
+    }
+}
+
+TEST(CompositionRasterizer, LeavesTheExportTransparentAroundTheScreenshot) {
+    ScreenshotStyleConfig config = bareStyle();
+    config.showMockup = true;
+    const QImage result = drawn(compositionOf(flatPicture(200, 100), config), 2);
+    ASSERT_EQ(result.size(), QSize(720, 520));
+    int touched = 0;
+    for (int y = 0; y < result.height(); ++y)
+        for (int x = 0; x < result.width(); ++x)
+            if (QRect(160, 160, 400, 200).contains(x, y))
+                touched += qAlpha(result.pixel(x, y)) > 0;
+            else
+                ASSERT_EQ(result.pixel(x, y), 0u) << x << "," << y;
+    EXPECT_GT(touched, 400 * 200 * 9 / 10);
+    EXPECT_EQ(qAlpha(result.pixel(160, 160)), 0) << "the corner is round";
+}
+
+TEST(CompositionRasterizer, ShowsACheckerboardInThePreviewOnly) {
+    ScreenshotStyleConfig config = bareStyle();
+    const QImage preview = drawn(compositionOf(flatPicture(100, 100), config, false));
+    for (int y = 0; y < 72; ++y)
+        for (int x = 0; x < 260; ++x) {
+            const int grey = (x / 12 + y / 12) % 2 == 0 ? 0xff : 0xe6;
+            ASSERT_EQ(preview.pixel(x, y), qRgb(grey, grey, grey)) << x << "," << y;
+        }
+    EXPECT_EQ(drawn(compositionOf(flatPicture(100, 100), config, true)).pixel(5, 5), 0u);
+}
+
+TEST(CompositionRasterizer, ShowsNoiseInThePreviewButNotInTheExport) {
+    for (const BackgroundType type : {BackgroundType::color, BackgroundType::gradient}) {
+        ScreenshotStyleConfig plain = bareStyle();
+        plain.backgroundType = type;
+        plain.customColor = {0.5, 0.5, 0.5, 1};
+        ScreenshotStyleConfig noisy = plain;
+        noisy.gradientConfig.noiseAmount = 60;
+        const QImage image = flatPicture(100, 100);
+        EXPECT_TRUE(areEqual(drawn(compositionOf(image, plain)), drawn(compositionOf(image, noisy))));
+        EXPECT_FALSE(
+            areEqual(drawn(compositionOf(image, plain, false)), drawn(compositionOf(image, noisy, false))));
+        EXPECT_TRUE(
+            areEqual(drawn(compositionOf(image, noisy, false)), drawn(compositionOf(image, noisy, false))))
+            << "the grain stands still";
+        EXPECT_EQ(drawn(compositionOf(image, noisy, false)).pixel(130, 130), qRgb(255, 0, 0))
+            << "only the background has grain";
+    }
+}
+
+TEST(CompositionRasterizer, DrawsPreviewAndExportAlikeOtherwise) {
+    ScreenshotStyleConfig config;
+    config.backgroundType = BackgroundType::gradient;
+    config.mockupStyle = MockupStyle::border;
+    config.rotation = 10;
+    config.rotationX = 20;
+    const QImage image = noisePicture(90, 70);
+    EXPECT_TRUE(
+        areEqual(drawn(compositionOf(image, config, true)), drawn(compositionOf(image, config, false))));
+}
+
+TEST(CompositionRasterizer, FramesTheScreenshotWithTheBorder) {
+    ScreenshotStyleConfig config = bareStyle();
+    config.showMockup = true;
+    config.mockupStyle = MockupStyle::border;
+    config.mockupBorderSize = 4; // 12 points of frame on each side
+    config.borderColor = {0, 0, 1, 1};
+    config.borderRadius = 10;
+    config.padding = 30;
+    const QImage result = drawn(compositionOf(flatPicture(100, 60), config));
+    ASSERT_EQ(result.size(), QSize(100 + 60 + 24, 60 + 60 + 24));
+    const int middle = result.height() / 2;
+    EXPECT_EQ(result.pixel(29, middle), 0u);
+    EXPECT_EQ(result.pixel(30, middle), qRgb(0, 0, 255));
+    EXPECT_EQ(result.pixel(41, middle), qRgb(0, 0, 255));
+    EXPECT_EQ(result.pixel(42, middle), qRgb(255, 0, 0));
+    EXPECT_EQ(result.pixel(141, middle), qRgb(255, 0, 0));
+    EXPECT_EQ(result.pixel(153, middle), qRgb(0, 0, 255));
+    EXPECT_EQ(result.pixel(154, middle), 0u);
+    // The frame's corner has the radius 10 + 12 / 2: its arc's middle lies 16 (1 - sqrt(1/2)) = 4.7 points
+    // inside.
+    EXPECT_EQ(result.pixel(30 + 4, 30 + 3), 0u);
+    EXPECT_EQ(result.pixel(30 + 5, 30 + 5), qRgb(0, 0, 255));
+}
+
+TEST(CompositionRasterizer, DrawsAGlassCardAroundTheScreenshot) {
+    ScreenshotStyleConfig config = bareStyle();
+    config.showMockup = true;
+    config.mockupStyle = MockupStyle::glassEffect;
+    config.mockupBorderSize = 4; // a card of 6 points on each side
+    const QImage result = drawn(compositionOf(flatPicture(100, 60), config));
+    const int middle = result.height() / 2;
+    const int left = (result.width() - 100) / 2;
+    EXPECT_EQ(result.pixel(left, middle), qRgb(255, 0, 0));
+    EXPECT_GT(qAlpha(result.pixel(left - 3, middle)), 10);
+    EXPECT_LT(qAlpha(result.pixel(left - 3, middle)), 200);
+    EXPECT_EQ(result.pixel(left - 7, middle), 0u);
+}
+
+TEST(CompositionRasterizer, ShowsThePlainImageWithoutAMockup) {
+    ScreenshotStyleConfig config = bareStyle();
+    config.borderRadius = 50;
+    config.mockupStyle = MockupStyle::border;
+    config.padding = 10;
+    const QImage result = drawn(compositionOf(flatPicture(100, 60), config));
+    EXPECT_EQ(result.pixel(10, 10), qRgb(255, 0, 0));
+    EXPECT_EQ(result.pixel(109, 69), qRgb(255, 0, 0));
+}
+
+TEST(CompositionRasterizer, ScalesTurnsAndMovesAboutTheMiddle) {
+    ScreenshotStyleConfig config = bareStyle();
+    config.imageScale = 50;
+    config.scale = 3;
+    config.rotation = 90;
+    config.screenshotOffset = {20, -30};
+    Composition composition = compositionOf(flatPicture(100, 60), config);
+    composition.dragOffset = {5, 10};
+    // 100 x 60 by 1.5, turned: 90 wide, 150 high, about (200 + 25, 200 - 20).
+    const QImage result = CompositionRasterizer().draw(composition, {QSize(400, 400), 1, QPointF(200, 200)});
+    EXPECT_EQ(result.pixel(225 - 45, 180), qRgb(255, 0, 0));
+    EXPECT_EQ(result.pixel(225 - 46, 180), 0u);
+    EXPECT_EQ(result.pixel(225 + 44, 180 - 75), qRgb(255, 0, 0));
+    EXPECT_EQ(result.pixel(225 + 44, 180 - 76), 0u);
+    EXPECT_EQ(result.pixel(225, 180 + 74), qRgb(255, 0, 0));
+    EXPECT_EQ(result.pixel(225, 180 + 75), 0u);
+}
+
+/// The width of what is drawn in a row.
+int drawnWidth(const QImage& image, int y) {
+    int count = 0;
+    for (int x = 0; x < image.width(); ++x)
+        count += qAlpha(image.pixel(x, y)) > 127;
+    return count;
+}
+
+TEST(CompositionRasterizer, TiltsWithTheBottomOrTheLeftNearer) {
+    ScreenshotStyleConfig config = bareStyle();
+    config.rotationX = 30;
+    const CompositionRasterizer::Viewport viewport{QSize(400, 400), 1, QPointF(200, 200)};
+    QImage result = CompositionRasterizer().draw(compositionOf(flatPicture(200, 100), config), viewport);
+    EXPECT_GT(drawnWidth(result, 240), 200);
+    EXPECT_LT(drawnWidth(result, 165), 200);
+    // The lower edge, 50 below: depth 1 - 50 sin 30 / 200, so 50 cos 30 / 0.875 = 49.49 below the middle.
+    EXPECT_EQ(qAlpha(result.pixel(200, 248)), 255);
+    EXPECT_NEAR(qAlpha(result.pixel(200, 249)), 0.487 * 255, 3);
+    EXPECT_EQ(qAlpha(result.pixel(200, 250)), 0);
+
+    config.rotationX = 0;
+    config.rotationY = 30;
+    result = CompositionRasterizer().draw(compositionOf(flatPicture(200, 100), config), viewport);
+    const QImage sideways = result.transformed(QTransform().rotate(90)); // its top is the left side now
+    EXPECT_GT(drawnWidth(sideways, 120), drawnWidth(sideways, 270));
+}
+
+TEST(CompositionRasterizer, PutsTheEyeAsFarAsTheFramedLayerIsLong) {
+    ScreenshotStyleConfig config = bareStyle();
+    config.showMockup = true;
+    config.mockupStyle = MockupStyle::border;
+    config.mockupBorderSize = 10; // 30 points a side: the layer is 260 x 160
+    config.borderColor = {0, 0, 1, 1};
+    config.rotationX = 30;
+    config.scale = 0.5; // does not move the eye
+    const QImage result = CompositionRasterizer().draw(compositionOf(flatPicture(200, 100), config),
+                                                       {QSize(400, 400), 4, QPointF(200, 200)});
+    // The lower edge, 40 below: 40 cos 30 / (1 - 40 sin 30 / 260) = 37.528 points, 150.1 pixels.
+    EXPECT_EQ(qAlpha(result.pixel(200, 200 + 149)), 255);
+    EXPECT_NEAR(qAlpha(result.pixel(200, 200 + 150)), 0.11 * 255, 4);
+}
+
+TEST(CompositionRasterizer, StretchesTheBackgroundImageOverTheCanvas) {
+    QImage halves(2, 1, QImage::Format_RGB32);
+    halves.setPixel(0, 0, qRgb(255, 0, 0));
+    halves.setPixel(1, 0, qRgb(0, 255, 0));
+    ScreenshotStyleConfig config = bareStyle();
+    config.backgroundType = BackgroundType::image;
+    Composition composition = compositionOf(flatPicture(2, 2, Qt::blue), config);
+    EXPECT_EQ(drawn(composition).pixel(3, 3), 0u) << "no image, no background";
+    composition.loadedBackgroundImage = halves;
+    const QImage result = drawn(composition);
+    EXPECT_EQ(result.pixel(0, 0), qRgb(255, 0, 0));
+    EXPECT_EQ(result.pixel(0, result.height() - 1), qRgb(255, 0, 0));
+    EXPECT_EQ(result.pixel(result.width() - 1, 50), qRgb(0, 255, 0));
+    composition.preloadedBackgroundImage = flatPicture(4, 4, Qt::white);
+    EXPECT_EQ(drawn(composition).pixel(0, 0), qRgb(255, 255, 255)) << "the preloaded one goes first";
+}
+
+TEST(CompositionRasterizer, LaysOutAtTheSocialPresetsSize) {
+    ScreenshotStyleConfig config = bareStyle();
+    config.backgroundType = BackgroundType::color;
+    config.customColor = {0, 0, 1, 1};
+    SocialMediaPreset preset;
+    preset.width = 300;
+    preset.height = 140;
+    config.selectedSocialPreset = preset;
+    config.padding = 0;
+    // 400 x 100 fits into 260 x 100 at 0.65.
+    const QImage result = drawn(compositionOf(flatPicture(400, 100), config));
+    ASSERT_EQ(result.size(), QSize(300, 140));
+    EXPECT_EQ(result.pixel(19, 70), qRgb(0, 0, 255));
+    EXPECT_EQ(result.pixel(20, 70), qRgb(255, 0, 0));
+    EXPECT_EQ(result.pixel(279, 70), qRgb(255, 0, 0));
+    EXPECT_EQ(result.pixel(280, 70), qRgb(0, 0, 255));
+}
+
+TEST(CompositionRasterizer, ClipsLayersToTheOutputOnly) {
+    ScreenshotStyleConfig config = bareStyle();
+    config.backgroundType = BackgroundType::color;
+    config.customColor = {0, 0, 1, 1};
+    config.padding = 0;
+    config.screenshotOffset = {60, 0};
+    const QImage result = CompositionRasterizer().draw(compositionOf(flatPicture(100, 100), config),
+                                                       {QSize(300, 100), 1, QPointF(150, 50)});
+    EXPECT_EQ(result.pixel(99, 50), 0u);
+    EXPECT_EQ(result.pixel(100, 50), qRgb(0, 0, 255));
+    EXPECT_EQ(result.pixel(160, 50), qRgb(255, 0, 0));
+    EXPECT_EQ(result.pixel(255, 50), qRgb(255, 0, 0)) << "outside the canvas";
+}
+
+TEST(CompositionRasterizer, DrawsTheSameFromItsKeptPictures) {
+    ScreenshotStyleConfig config;
+    config.backgroundType = BackgroundType::image;
+    config.mockupStyle = MockupStyle::border;
+    CompositionRasterizer kept;
+    QImage target;
+    for (const double tilt : {0.0, 25.0})
+        for (int step = 0; step < 8; ++step) {
+            config.rotationY = tilt;
+            Composition composition = compositionOf(noisePicture(220, 130), config, false);
+            composition.loadedBackgroundImage = noisePicture(60, 70);
+            composition.dragOffset = {step * 7.3, step * -3.0};
+            const CompositionRasterizer::Viewport viewport{QSize(260, 170), 0.55,
+                                                           QPointF(131.4 + step / 4, 80)};
+            for (int again = 0; again < 3; ++again) {
+                ASSERT_TRUE(kept.drawInto(target, composition, viewport));
+                ASSERT_TRUE(areEqual(target, CompositionRasterizer().draw(composition, viewport)))
+                    << tilt << " " << step << " " << again;
+            }
+        }
+}
+
+TEST(CompositionRasterizer, DrawsTheSameWhateverTheThreads) {
+    ScreenshotStyleConfig config;
+    config.backgroundType = BackgroundType::gradient;
+    config.gradientConfig.noiseAmount = 30;
+    config.mockupStyle = MockupStyle::glassEffect;
+    config.rotation = 5;
+    config.rotationY = 35;
+    config.imageScale = 45;
+    const Composition composition = compositionOf(noisePicture(500, 300), config, false);
+    const QImage all = drawn(composition);
+    for (const int threads : {1, 3}) {
+        raster::setParallelThreadLimit(threads);
+        EXPECT_TRUE(areEqual(drawn(composition), all)) << threads;
+    }
+    raster::setParallelThreadLimit(0);
+}
+
+TEST(CompositionRasterizer, NeverDrawsIntoAPictureThatSomebodyHolds) {
+    CompositionRasterizer rasterizer;
+    const Composition composition = compositionOf(flatPicture(10, 10), bareStyle());
+    const CompositionRasterizer::Viewport viewport{QSize(20, 20), 1, QPointF(10, 10)};
+    QImage target;
+    rasterizer.drawInto(target, composition, viewport);
+    const QImage held = target;
+    const uchar* before = held.constBits();
+    rasterizer.drawInto(target, compositionOf(flatPicture(10, 10, Qt::blue), bareStyle()), viewport);
+    EXPECT_EQ(held.constBits(), before);
+    EXPECT_EQ(held.pixel(10, 10), qRgb(255, 0, 0));
+    EXPECT_EQ(target.pixel(10, 10), qRgb(0, 0, 255));
+    const uchar* own = target.constBits();
+    rasterizer.drawInto(target, composition, viewport);
+    EXPECT_EQ(target.constBits(), own) << "its own memory is used again";
+}
+
+} // namespace
+} // namespace framora
