@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <utility>
+#include <vector>
+
+namespace framora {
+
+/// Whether the user's commands are taken now. While the capture tool has the screen they are not: whoever
+/// brings a command in asks first and drops it when the gate is closed; work that only waits its turn runs at
+/// the opening.
+class CommandGate {
+public:
+    bool isOpen() const { return m_closed == 0; }
+
+    /// Closes the gate for its lifetime.
+    class Closing {
+    public:
+        explicit Closing(CommandGate& gate) : m_gate(gate) { ++m_gate.m_closed; }
+        ~Closing() { m_gate.reopen(); }
+        Closing(const Closing&) = delete;
+        Closing& operator=(const Closing&) = delete;
+
+    private:
+        CommandGate& m_gate;
+    };
+
+    /// Runs `work` now, or when the gate opens, in the order of the calls.
+    void whenOpen(std::function<void()> work) {
+        if (isOpen())
+            work();
+        else
+            m_waiting.push_back(std::move(work));
+    }
+
+private:
+    void reopen() {
+        if (--m_closed > 0)
+            return;
+        for (const auto& work : std::exchange(m_waiting, {}))
+            work();
+    }
+
+    int m_closed = 0;
+    std::vector<std::function<void()>> m_waiting;
+};
+
+} // namespace framora

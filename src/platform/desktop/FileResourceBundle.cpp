@@ -1,0 +1,23 @@
+#include "platform/desktop/FileResourceBundle.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+namespace framora {
+
+FileResourceBundle::FileResourceBundle() {
+    const QString installed =
+        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/framora"));
+    m_resourcePath = QFileInfo(installed).isDir() ? installed : QStringLiteral(FRAMORA_RESOURCE_DIR);
+}
+
+std::optional<QUrl> FileResourceBundle::url(const QString& name, const QString& type,
+                                            const QString& subdirectory) const {
+    const QFileInfo file(QDir(m_resourcePath + u'/' + subdirectory), name + u'.' + type);
+    if (!file.isFile())
+        return std::nullopt;
+    return QUrl::fromLocalFile(file.absoluteFilePath());
+}
+
+} // namespace framora

@@ -1,0 +1,15 @@
+#include "platform/desktop/TrayStatusBar.h"
+
+#include "platform/desktop/TrayStatusItem.h"
+
+namespace framora {
+
+TrayStatusBar::TrayStatusBar(CommandGate& gate, const Appearance& appearance,
+                             NotificationCenter& notifications)
+    : m_gate(gate), m_appearance(appearance), m_notifications(notifications) {}
+
+std::unique_ptr<StatusItem> TrayStatusBar::makeStatusItem() {
+    return std::make_unique<TrayStatusItem>(m_gate, m_appearance, m_notifications);
+}
+
+} // namespace framora

@@ -1,0 +1,118 @@
+#include "platform/desktop/TrayStatusItem.h"
+
+#include "platform/Notifications.h"
+#include "platform/Symbols.h"
+
+#include <QCursor>
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QPainter>
+#include <QPainterPath>
+#include <QTimer>
+
+namespace framora {
+
+namespace {
+
+const QString watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
+
+/// The symbol in the colour of the tray's other icons, with a hair of the opposite colour around it: a tray
+/// may be dark on a light desktop, and the other way round.
+QPixmap drawTinted(const QString& symbol, int side, bool dark) {
+    const QColor fill = dark ? QColor(0xf2, 0xf2, 0xf4) : QColor(0x2c, 0x2c, 0x2e);
+    const QColor rim = dark ? QColor(0, 0, 0, 90) : QColor(255, 255, 255, 150);
+    QPixmap pixmap(side, side);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    // The symbol's own margins are for running text; in a tray it fills its square.
+    const double grow = side * 0.09;
+    const QPainterPath path = symbolPath(symbol, QRectF(-grow, -grow, side + 2 * grow, side + 2 * grow));
+    painter.strokePath(path, QPen(rim, side / 16.0));
+    painter.fillPath(path, fill);
+    return pixmap;
+}
+
+} // namespace
+
+TrayStatusItem::TrayStatusItem(CommandGate& gate, const Appearance& appearance,
+                               NotificationCenter& notifications)
+    : m_gate(gate), m_appearance(appearance) {
+    m_appearanceObserver = notifications.observe(notifications::appearanceChanged, [this] {
+        drawSymbol();
+        if (m_icon)
+            m_icon->setIcon(m_picture);
+    });
+
+    auto bus = QDBusConnection::sessionBus();
+    if (bus.isConnected()) {
+        auto* watcher =
+            new QDBusServiceWatcher(watcherService, bus, QDBusServiceWatcher::WatchForOwnerChange, this);
+        connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &TrayStatusItem::makeIcon);
+        // A watcher without a host shows nothing: the host's coming counts, too.
+        bus.connect(watcherService, QStringLiteral("/StatusNotifierWatcher"), watcherService,
+                    QStringLiteral("StatusNotifierHostRegistered"), this, SLOT(makeIcon()));
+    }
+    // The entries may come in the same turn: the icon is made once, with all of it.
+    QTimer::singleShot(0, this, &TrayStatusItem::makeIcon);
+}
+
+TrayStatusItem::~TrayStatusItem() = default;
+
+bool TrayStatusItem::setSymbol(const QString& symbol, const QString& accessibilityDescription,
+                               double pointSize) {
+    if (!symbolGlyph(symbol))
+        return false;
+    m_symbol = symbol;
+    m_description = accessibilityDescription;
+    m_pointSize = pointSize;
+    drawSymbol();
+    if (m_icon)
+        m_icon->setIcon(m_picture);
+    return true;
+}
+
+void TrayStatusItem::drawSymbol() {
+    if (m_symbol.isEmpty())
+        return;
+    m_picture = {};
+    // The host picks what fits its bar; the symbol's own size is among them.
+    for (const int side : {16, qRound(m_pointSize), 22, 24, 32, 48, 64})
+        m_picture.addPixmap(drawTinted(m_symbol, side, m_appearance.isDark()));
+}
+
+void TrayStatusItem::setMenu(std::vector<MenuEntry> entries) {
+    auto menu = std::make_unique<QMenu>();
+    for (auto& entry : entries) {
+        auto* action = menu->addAction(entry.title);
+        if (!entry.keyEquivalent.isEmpty())
+            action->setShortcut(QKeySequence(QStringLiteral("Meta+") + entry.keyEquivalent));
+        // A turn later, so that the menu has let go of pointer and keyboard when the action wants them.
+        connect(
+            action, &QAction::triggered, this,
+            [this, run = std::move(entry.action)] {
+                if (m_gate.isOpen())
+                    QTimer::singleShot(0, this, run);
+            },
+            Qt::QueuedConnection);
+    }
+    if (m_icon)
+        m_icon->setContextMenu(menu.get());
+    m_menu = std::move(menu);
+}
+
+void TrayStatusItem::makeIcon() {
+    m_icon.reset();
+    m_icon = std::make_unique<QSystemTrayIcon>(m_picture);
+    m_icon->setToolTip(m_description);
+    if (m_menu)
+        m_icon->setContextMenu(m_menu.get());
+    connect(m_icon.get(), &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::Trigger && m_menu && m_gate.isOpen())
+                    m_menu->popup(QCursor::pos());
+            });
+    m_icon->show();
+}
+
+} // namespace framora

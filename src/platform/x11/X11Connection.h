@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <string_view>
+#include <vector>
+#include <xcb/xcb.h>
+
+namespace framora {
+
+/// Deleter of what xcb hands out.
+struct FreeDeleter {
+    void operator()(void* memory) const { std::free(memory); }
+};
+template <class Reply> using XcbReply = std::unique_ptr<Reply, FreeDeleter>;
+
+/// The program's own connection to the X server, beside Qt's: it watches keys and the clipboard, also while
+/// Qt's event queue waits.
+class X11Connection final : public QObject {
+    Q_OBJECT
+
+public:
+    using EventHandler = std::function<void(const xcb_generic_event_t&)>;
+
+    X11Connection();
+    ~X11Connection() override;
+
+    /// False when there is no server, or it has gone.
+    bool isValid() const { return m_connection && !xcb_connection_has_error(m_connection); }
+    operator xcb_connection_t*() const { return m_connection; }
+    xcb_window_t root() const { return m_screen->root; }
+    int screenNumber() const { return m_screenNumber; }
+
+    xcb_atom_t atom(std::string_view name);
+
+    /// Every event goes to every handler, in the order of their adding. The handlers live as long as the
+    /// connection.
+    void addEventHandler(EventHandler handler) { m_handlers.push_back(std::move(handler)); }
+    /// Delivers what has arrived. With `roundTrip` all that the server did before this call has arrived.
+    void processEvents(bool roundTrip = false);
+    /// Waits up to `milliseconds` for something to arrive and delivers it. False when nothing did.
+    bool waitForEvents(int milliseconds);
+    void flush() { xcb_flush(m_connection); }
+
+private:
+    xcb_connection_t* m_connection = nullptr;
+    int m_screenNumber = 0;
+    const xcb_screen_t* m_screen = nullptr;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    std::vector<EventHandler> m_handlers;
+};
+
+} // namespace framora

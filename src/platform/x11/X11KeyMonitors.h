@@ -1,0 +1,48 @@
+#pragma once
+
+#include "platform/CommandGate.h"
+#include "platform/KeyMonitors.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Modifiers.h"
+
+#include <QObject>
+#include <map>
+
+namespace framora {
+
+/// Key-down events on X11. Other programs' keys come as raw events of the master keyboard, which nothing has
+/// to be grabbed for; their modifiers come from XKB's state, whose changes the server reports in order with
+/// the keys. This program's own keys are seen before a window gets them.
+class X11KeyMonitors final : public QObject, public KeyMonitors {
+    Q_OBJECT
+
+public:
+    X11KeyMonitors(X11Connection& connection, CommandGate& gate);
+
+    /// Whether this server offers what the global monitor needs.
+    bool canMonitorGlobally() const { return m_inputOpcode != 0 && m_connection.isValid(); }
+
+    Token addGlobalMonitor(GlobalHandler handler) override;
+    Token addLocalMonitor(LocalHandler handler) override;
+    void removeMonitor(Token token) override;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void selectEvents();
+    void handleEvent(const xcb_generic_event_t& event);
+    void handleRawKey(std::uint32_t keycode);
+
+    X11Connection& m_connection;
+    CommandGate& m_gate;
+    X11Modifiers m_modifiers;
+    std::uint8_t m_inputOpcode = 0;
+    std::uint8_t m_xkbFirstEvent = 0;
+    std::uint32_t m_modifierState = 0;
+    Token m_lastToken = 0;
+    std::map<Token, GlobalHandler> m_globalHandlers;
+    std::map<Token, LocalHandler> m_localHandlers;
+};
+
+} // namespace framora

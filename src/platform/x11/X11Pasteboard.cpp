@@ -1,0 +1,187 @@
+#include "platform/x11/X11Pasteboard.h"
+
+#include "platform/PictureResolution.h"
+
+#include <QBuffer>
+#include <QClipboard>
+#include <QDeadlineTimer>
+#include <QGuiApplication>
+#include <QImageReader>
+#include <QMimeData>
+#include <algorithm>
+#include <xcb/xfixes.h>
+
+namespace framora {
+
+namespace {
+
+constexpr int answerMilliseconds = 5000;
+/// Larger than any screen's picture; more is a broken or hostile owner.
+constexpr qsizetype maximumBytes = 512 * 1024 * 1024;
+const QString pngType = QStringLiteral("image/png");
+
+QImage decode(const QByteArray& bytes) {
+    QBuffer buffer(const_cast<QByteArray*>(&bytes));
+    QImageReader reader(&buffer);
+    reader.setDecideFormatFromContent(true);
+    QImage image = reader.read();
+    image.setDevicePixelRatio(storedPixelRatio(bytes));
+    return image;
+}
+
+} // namespace
+
+X11Pasteboard::X11Pasteboard(X11Connection& connection) : m_connection(connection) {
+    if (!connection.isValid())
+        return;
+    m_clipboard = connection.atom("CLIPBOARD");
+    m_property = connection.atom("FRAMORA_CLIPBOARD");
+    m_incr = connection.atom("INCR");
+    m_targets = connection.atom("TARGETS");
+    m_window = xcb_generate_id(connection);
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_create_window(connection, XCB_COPY_FROM_PARENT, m_window, connection.root(), 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
+
+    const auto* xfixes = xcb_get_extension_data(connection, &xcb_xfixes_id);
+    if (xfixes && xfixes->present) {
+        XcbReply<xcb_xfixes_query_version_reply_t>(
+            xcb_xfixes_query_version_reply(connection, xcb_xfixes_query_version(connection, 4, 0), nullptr));
+        m_xfixesFirstEvent = xfixes->first_event;
+        xcb_xfixes_select_selection_input(connection, m_window, m_clipboard,
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER);
+    }
+    connection.addEventHandler([this](const xcb_generic_event_t& event) { handleEvent(event); });
+    connection.flush();
+}
+
+std::int64_t X11Pasteboard::changeCount() {
+    m_connection.processEvents(true);
+    return m_changeCount;
+}
+
+void X11Pasteboard::handleEvent(const xcb_generic_event_t& event) {
+    const auto type = event.response_type & 0x7F;
+    if (m_xfixesFirstEvent && type == m_xfixesFirstEvent + XCB_XFIXES_SELECTION_NOTIFY) {
+        const auto& notify = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
+        // An owner that only gives the clipboard up brings nothing new.
+        if (notify.selection == m_clipboard && notify.owner != XCB_NONE)
+            ++m_changeCount;
+    } else if (type == XCB_SELECTION_NOTIFY) {
+        const auto& notify = reinterpret_cast<const xcb_selection_notify_event_t&>(event);
+        if (notify.requestor == m_window && notify.time == m_requestTime) {
+            m_answered = true;
+            m_refused = notify.property == XCB_NONE;
+        }
+    } else if (type == XCB_PROPERTY_NOTIFY) {
+        const auto& notify = reinterpret_cast<const xcb_property_notify_event_t&>(event);
+        if (notify.window == m_window && notify.atom == m_property && notify.state == XCB_PROPERTY_NEW_VALUE)
+            m_newChunk = true;
+        if (notify.window == m_window)
+            m_serverTime = notify.time;
+    }
+}
+
+QImage X11Pasteboard::readImage() {
+    // Our own content must not be asked for over the wire: nobody would answer while this thread waits.
+    const auto* clipboard = QGuiApplication::clipboard();
+    if (clipboard->ownsClipboard()) {
+        const auto* data = clipboard->mimeData();
+        return data ? decode(data->data(pngType)) : QImage();
+    }
+    if (!m_connection.isValid() || m_window == 0)
+        return {};
+
+    const auto targets = offeredTargets();
+    for (const char* type : {"image/png", "image/tiff", "image/webp", "image/bmp", "image/jpeg"}) {
+        const auto target = m_connection.atom(type);
+        if (std::find(targets.begin(), targets.end(), target) == targets.end())
+            continue;
+        if (QImage image = decode(readTarget(target)); !image.isNull())
+            return image;
+    }
+    return {};
+}
+
+std::vector<xcb_atom_t> X11Pasteboard::offeredTargets() {
+    const QByteArray bytes = readTarget(m_targets);
+    std::vector<xcb_atom_t> targets(static_cast<std::size_t>(bytes.size()) / sizeof(xcb_atom_t));
+    std::copy_n(bytes.constData(), targets.size() * sizeof(xcb_atom_t),
+                reinterpret_cast<char*>(targets.data()));
+    return targets;
+}
+
+bool X11Pasteboard::waitUntil(const bool& done, int milliseconds) {
+    const QDeadlineTimer timer(milliseconds);
+    while (!done) {
+        const auto left = static_cast<int>(timer.remainingTime());
+        if (left <= 0 || !m_connection.isValid())
+            return false;
+        m_connection.waitForEvents(left);
+    }
+    return true;
+}
+
+QByteArray X11Pasteboard::takeProperty(xcb_atom_t& type) {
+    const XcbReply<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(m_connection,
+                               xcb_get_property(m_connection, true, m_window, m_property,
+                                                XCB_GET_PROPERTY_TYPE_ANY, 0, maximumBytes / 4),
+                               nullptr));
+    type = reply ? reply->type : xcb_atom_t{XCB_ATOM_NONE};
+    // The reply's wait may have read the next chunk's announcement already.
+    m_connection.processEvents();
+    if (!reply)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            xcb_get_property_value_length(reply.get())};
+}
+
+QByteArray X11Pasteboard::readTarget(xcb_atom_t target) {
+    // A real time of the server, which a change of a property of ours tells, and which tells apart a late
+    // answer to an earlier question.
+    xcb_delete_property(m_connection, m_window, m_property);
+    xcb_change_property(m_connection, XCB_PROP_MODE_APPEND, m_window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0,
+                        "");
+    m_connection.processEvents(true);
+
+    m_answered = m_refused = false;
+    m_requestTime = m_serverTime;
+    xcb_convert_selection(m_connection, m_window, m_clipboard, target, m_property, m_requestTime);
+    if (!waitUntil(m_answered, answerMilliseconds) || m_refused)
+        return {};
+
+    m_newChunk = false;
+    xcb_atom_t type = XCB_ATOM_NONE;
+    QByteArray bytes = takeProperty(type);
+    if (type != m_incr)
+        return bytes;
+
+    bytes.clear();
+    for (;;) {
+        // The time limit is for each part: a large picture may take long, a dead owner may not.
+        if (!waitUntil(m_newChunk, answerMilliseconds))
+            return {};
+        m_newChunk = false;
+        const QByteArray chunk = takeProperty(type);
+        if (chunk.isEmpty())
+            return bytes;
+        if (bytes.size() + chunk.size() > maximumBytes)
+            return {};
+        bytes += chunk;
+    }
+}
+
+void X11Pasteboard::writePng(const QByteArray& png) {
+    auto data = std::make_unique<QMimeData>();
+    data->setData(pngType, png);
+    QGuiApplication::clipboard()->setMimeData(data.release());
+    // The server has to have seen it before our own connection asks for the count.
+    if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
+        auto* connection = x11->connection();
+        XcbReply<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    }
+}
+
+} // namespace framora

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/Pasteboard.h"
+#include "platform/x11/X11Connection.h"
+
+#include <vector>
+
+namespace framora {
+
+/// The CLIPBOARD selection. Changes are counted and foreign content is read over the program's own
+/// connection; what the program offers goes through Qt, which hands it to a clipboard manager when the
+/// program quits.
+class X11Pasteboard final : public Pasteboard {
+public:
+    explicit X11Pasteboard(X11Connection& connection);
+
+    std::int64_t changeCount() override;
+    QImage readImage() override;
+    void writePng(const QByteArray& png) override;
+
+private:
+    void handleEvent(const xcb_generic_event_t& event);
+    QByteArray readTarget(xcb_atom_t target);
+    /// Serves the connection until `done`. False after `milliseconds`, or when the server has gone.
+    bool waitUntil(const bool& done, int milliseconds);
+    /// The property the owner wrote, which it is then told to be rid of. Sets `type`.
+    QByteArray takeProperty(xcb_atom_t& type);
+    std::vector<xcb_atom_t> offeredTargets();
+
+    X11Connection& m_connection;
+    xcb_window_t m_window = 0;
+    std::uint8_t m_xfixesFirstEvent = 0;
+    std::int64_t m_changeCount = 0;
+    xcb_atom_t m_clipboard = 0;
+    xcb_atom_t m_property = 0;
+    xcb_atom_t m_incr = 0;
+    xcb_atom_t m_targets = 0;
+
+    // The conversion that is under way.
+    xcb_timestamp_t m_serverTime = XCB_CURRENT_TIME;
+    xcb_timestamp_t m_requestTime = XCB_CURRENT_TIME;
+    bool m_answered = false;
+    bool m_refused = false;
+    bool m_newChunk = false;
+};
+
+} // namespace framora

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/Permissions.h"
+#include "platform/x11/X11KeyMonitors.h"
+
+namespace framora {
+
+/// X11 keeps neither keys nor pixels from a program; only a server without XInput2 leaves the keys unseen.
+class X11Permissions final : public Permissions {
+public:
+    explicit X11Permissions(const X11KeyMonitors& keyMonitors) : m_keyMonitors(keyMonitors) {}
+    bool isAccessibilityTrusted() override { return m_keyMonitors.canMonitorGlobally(); }
+    bool canCaptureScreen() override { return true; }
+
+private:
+    const X11KeyMonitors& m_keyMonitors;
+};
+
+} // namespace framora

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/Screens.h"
+#include "platform/x11/X11Connection.h"
+
+namespace framora {
+
+/// The monitors as RandR tells them now, the primary one first.
+class X11Screens final : public Screens {
+public:
+    explicit X11Screens(X11Connection& connection) : m_connection(connection) {}
+    std::vector<Screen> screens() override;
+
+private:
+    X11Connection& m_connection;
+};
+
+} // namespace framora
