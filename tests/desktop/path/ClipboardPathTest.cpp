@@ -3,6 +3,7 @@
 
 #include <QBuffer>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLocalServer>
 #include <QLocalSocket>
@@ -186,6 +187,28 @@ TEST_F(ClipboardPathTest, aToolThatIsKilledLeavesNothingOnScreen) {
     m_driver.waitForOverlay();
     display().key({"Escape"});
     m_driver.waitForNoOverlay();
+}
+
+TEST_F(ClipboardPathTest, aToolThatCannotBeLaunchedIsTold) {
+    // A Framora that was moved without its tool.
+    const QString moved = scratch("framora");
+    ASSERT_TRUE(QFile::copy(FramoraDriver::program(QStringLiteral("framora")), moved));
+    QImage earlier(9, 7, QImage::Format_RGB32);
+    earlier.fill(Qt::blue);
+    m_desktop.setClipboard(pngOf(earlier), QStringLiteral("image/png"));
+    ChildProcess& framora = m_desktop.start(moved);
+    QElapsedTimer sincePress;
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] {
+        if (!sincePress.isValid() || sincePress.elapsed() > 500) {
+            m_driver.pressAreaShortcut();
+            sincePress.start();
+        }
+        return m_driver.toast().has_value();
+    }));
+    EXPECT_TRUE(display().inputArea(m_driver.waitForToast().id).isEmpty())
+        << "the plain toast lets clicks through";
+    EXPECT_TRUE(framora.isRunning());
+    EXPECT_EQ(pixels(m_desktop.clipboardImage()), pixels(earlier));
 }
 
 } // namespace
