@@ -35,6 +35,7 @@ Item {
         id: slider
 
         readonly property real defaultPosition: (control.defaultValue - from) / (to - from)
+        readonly property real zeroPosition: from < 0 && to > 0 ? -from / (to - from) : 0
 
         objectName: control.objectName + ".slider"
         anchors.left: caption.right
@@ -60,9 +61,13 @@ Item {
                 radius: 2
                 color: Theme.pressedFill
             }
+            // From zero where the range has it inside, else from its start.
             Rectangle {
+                readonly property real origin: slider.zeroPosition > 0 ? 8 + slider.zeroPosition * (parent.width - 16) : 0
+                readonly property real end: 8 + slider.visualPosition * (parent.width - 16)
+                x: Math.min(origin, end)
                 y: 8
-                width: 8 + slider.visualPosition * (parent.width - 16)
+                width: Math.abs(end - origin)
                 height: 4
                 radius: 2
                 color: Theme.accent

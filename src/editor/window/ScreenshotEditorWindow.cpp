@@ -137,7 +137,6 @@ void ScreenshotEditorWindow::open(const QImage& image) {
          {QStringLiteral("reducedMotion"), m_services.appearance.prefersReducedMotion()}});
     window.setSource(QUrl(QStringLiteral("qrc:/framora/qml/Framora/Editor/ScreenshotEditorView.qml")));
     window.show();
-    window.raise();
     window.requestActivate();
     m_services.application.activate();
     Q_EMIT opened();

@@ -1,0 +1,290 @@
+#include "unit/editor/ModelFixture.h"
+
+#include "editor/views/EditorSession.h"
+#include "editor/window/EditorToolbar.h"
+#include "editor/window/ScreenshotEditorWindow.h"
+#include "feedback/ToastManager.h"
+#include "feedback/ToastView.h"
+#include "platform/Application.h"
+#include "platform/Notifications.h"
+#include "platform/Pasteboard.h"
+#include "support/FixedAppearance.h"
+#include "support/FixedScreens.h"
+#include "support/RecordingToastPanels.h"
+
+#include <QPointer>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace framora {
+namespace {
+
+class RecordingPasteboard final : public Pasteboard {
+public:
+    std::int64_t changeCount() override { return written.size(); }
+    QImage readImage() override { return {}; }
+    void writePng(const QByteArray& png) override { written.append(png); }
+
+    QList<QByteArray> written;
+};
+
+class CountingApplication final : public Application {
+public:
+    void setActivationPolicy(ActivationPolicy) override {}
+    void activate() override { ++activations; }
+    void terminate() override {}
+
+    int activations = 0;
+};
+
+class EditorWindow : public ModelFixture {
+public:
+    static void SetUpTestSuite() { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); }
+
+    ScreenshotEditorWindow::Services services() {
+        return {
+            queue, queue, panels, resources, notifications, pasteboard, application, appearance, [this] {
+                ++toastManagerCount;
+                return std::make_unique<ToastManager>(ToastServices{queue, toastPanels, screens, appearance});
+            }};
+    }
+    EditorSession& session() { return *editor.session(); }
+    QQuickView& window() { return *editor.editorWindow(); }
+    static void serveDeletions() {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::processEvents();
+    }
+    QString frontToast() {
+        const auto* panel = toastPanels.front();
+        const auto* view = panel ? dynamic_cast<const ToastView*>(panel->content.get()) : nullptr;
+        return view ? QStringLiteral("%1|%2|%3").arg(view->message, view->icon).arg(view->success)
+                    : QString();
+    }
+
+    NotificationCenter notifications;
+    RecordingPasteboard pasteboard;
+    CountingApplication application;
+    FixedAppearance appearance;
+    FixedScreens screens;
+    RecordingToastPanels toastPanels{queue};
+    int toastManagerCount = 0;
+    ScreenshotEditorWindow editor{services()};
+};
+
+TEST_F(EditorWindow, TakesNineTenthsOfTheScreenUpToItsCaps) {
+    EXPECT_EQ(ScreenshotEditorWindow::initialSize({1440, 900}), QSize(1296, 810));
+    EXPECT_EQ(ScreenshotEditorWindow::initialSize({2560, 1440}), QSize(1600, 1000));
+    EXPECT_EQ(ScreenshotEditorWindow::initialSize({1366, 768}), QSize(1229, 691));
+}
+
+TEST_F(EditorWindow, OpensInTheMiddleOfTheScreenAndNeverBelowItsMinimum) {
+    // The offscreen platform's screen is 800 x 800.
+    editor.open(picture(300, 200));
+    EXPECT_EQ(window().minimumSize(), QSize(800, 600));
+    EXPECT_EQ(window().size(),
+              ScreenshotEditorWindow::initialSize(window().screen()->size()).expandedTo({800, 600}));
+    const QPoint off = window().geometry().center() - window().screen()->geometry().center();
+    EXPECT_LE(off.manhattanLength(), 2);
+    EXPECT_EQ(window().title(), QStringLiteral("Framora"));
+    EXPECT_TRUE(window().flags() & Qt::FramelessWindowHint);
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(application.activations, 1);
+    EXPECT_FALSE(editor.isClosing());
+}
+
+TEST_F(EditorWindow, FitsThePictureSoonAfterItOpened) {
+    editor.open(picture(3000, 2000));
+    queue.advance(0.2);
+    const ScreenshotEditorViewModel& model = *session().viewModel();
+    EXPECT_EQ(model.canvasSize(), QSizeF(window().width(), window().height() - 52));
+    const double room = std::max(window().width() - 344.0 - 40.0, 200.0);
+    EXPECT_NEAR(model.config().zoom, room / 3160.0 * 100.0, 1e-9);
+}
+
+TEST_F(EditorWindow, NamesItsToolbarItemsAsTheyAreKnown) {
+    QStringList rows;
+    for (const EditorToolbarItem& item : EditorToolbar::items())
+        rows.append(QStringLiteral("%1|%2|%3|%4|%5|%6")
+                        .arg(QLatin1String(item.identifier), QLatin1String(item.label),
+                             QLatin1String(item.paletteLabel), QLatin1String(item.toolTip),
+                             QLatin1String(item.symbol), QLatin1String(item.notification)));
+    EXPECT_EQ(
+        rows,
+        (QStringList{
+            u"CopyItem|Copy to Clipboard|Copy to Clipboard|Copy screenshot to clipboard|doc.on.clipboard|"
+            "ScreenshotEditorToolbarCopy"_qs,
+            u"SaveItem|Save to File|Save to File|Save screenshot to file|square.and.arrow.down|"
+            "ScreenshotEditorToolbarSave"_qs,
+            u"ResetItem|Reset|Reset Position|Reset position and zoom|arrow.counterclockwise|"
+            "ScreenshotEditorToolbarReset"_qs,
+            u"ZoomFitItem|Zoom to Fit|Zoom to Fit|Fit screenshot in view|arrow.up.left.and.arrow.down.right|"
+            "ScreenshotEditorToolbarZoomFit"_qs,
+            u"ZoomActualItem|Actual Size|Actual Size|View at actual size|1.magnifyingglass|"
+            "ScreenshotEditorToolbarZoomActual"_qs}));
+    EXPECT_EQ(EditorToolbar::defaultIdentifiers(),
+              (QStringList{u"flexible"_qs, u"ZoomFitItem"_qs, u"ZoomActualItem"_qs, u""_qs, u"ResetItem"_qs,
+                           u""_qs, u"SaveItem"_qs, u"CopyItem"_qs}));
+    EXPECT_EQ(EditorToolbar::allowedIdentifiers().size(), 7);
+}
+
+TEST_F(EditorWindow, EachToolbarActionPostsItsNotification) {
+    QStringList posted;
+    std::vector<NotificationCenter::Token> tokens;
+    for (const EditorToolbarItem& item : EditorToolbar::items())
+        tokens.push_back(
+            notifications.observe(item.notification, [&posted, name = QString::fromLatin1(item.identifier)] {
+                posted.append(name);
+            }));
+    editor.toolbarCopyAction();
+    editor.toolbarSaveAction();
+    editor.toolbarResetAction();
+    editor.toolbarZoomFitAction();
+    editor.toolbarZoomActualAction();
+    EXPECT_EQ(posted, (QStringList{u"CopyItem"_qs, u"SaveItem"_qs, u"ResetItem"_qs, u"ZoomFitItem"_qs,
+                                   u"ZoomActualItem"_qs}));
+}
+
+TEST_F(EditorWindow, CopyWritesThePictureClosesTheWindowAndSaysSoLater) {
+    editor.open(picture(60, 40));
+    const QByteArray expected = encodePng(session().viewModel()->renderFinalImage(), 144.0);
+    QSignalSpy closed(&editor, &ScreenshotEditorWindow::closed);
+    const int managersBefore = toastManagerCount;
+    editor.toolbarCopyAction();
+    EXPECT_EQ(pasteboard.written, QList<QByteArray>{expected});
+    EXPECT_EQ(editor.editorWindow(), nullptr);
+    EXPECT_FALSE(editor.isClosing());
+    EXPECT_EQ(closed.count(), 1);
+    queue.advance(0.29);
+    EXPECT_EQ(toastPanels.front(), nullptr);
+    queue.advance(0.02);
+    EXPECT_EQ(toastManagerCount, managersBefore + 1) << "a manager of its own";
+    EXPECT_EQ(frontToast(), QStringLiteral("Copied|doc.on.clipboard.fill|1"));
+}
+
+TEST_F(EditorWindow, CopyFollowedByTheWindowsCloseClosesOnce) {
+    editor.open(picture(60, 40));
+    QSignalSpy closed(&editor, &ScreenshotEditorWindow::closed);
+    QPointer<QQuickView> view = editor.editorWindow();
+    editor.toolbarCopyAction();
+    ASSERT_TRUE(view) << "still there for the close that comes after";
+    view->close();
+    editor.close();
+    serveDeletions();
+    EXPECT_EQ(closed.count(), 1);
+    EXPECT_FALSE(view);
+}
+
+TEST_F(EditorWindow, TheUsersCloseButtonEndsTheEditorToo) {
+    editor.open(picture(60, 40));
+    QSignalSpy closed(&editor, &ScreenshotEditorWindow::closed);
+    QPointer<EditorSession> held = editor.session();
+    window().close();
+    EXPECT_EQ(editor.editorWindow(), nullptr);
+    EXPECT_EQ(closed.count(), 1);
+    serveDeletions();
+    EXPECT_FALSE(held);
+}
+
+TEST_F(EditorWindow, ACloseUnderWayKeepsASecondOneFromStarting) {
+    editor.open(picture(60, 40));
+    editor.setClosing(true);
+    editor.close();
+    EXPECT_NE(editor.editorWindow(), nullptr);
+    editor.setClosing(false);
+    editor.close();
+    EXPECT_EQ(editor.editorWindow(), nullptr);
+    editor.close();
+}
+
+TEST_F(EditorWindow, AnEditorThatIsGoneAnswersNoNotification) {
+    editor.open(picture(60, 40));
+    editor.close();
+    editor.open(picture(30, 20));
+    editor.toolbarCopyAction();
+    EXPECT_EQ(pasteboard.written.size(), 1) << "only the new one copies";
+    EXPECT_EQ(QImage::fromData(pasteboard.written[0]).size(), QSize(380, 360));
+}
+
+TEST_F(EditorWindow, ReleasesEverythingOnClose) {
+    for (int i = 0; i < 20; ++i) {
+        editor.open(picture(60, 40));
+        QPointer<QQuickView> view = editor.editorWindow();
+        QPointer<EditorSession> held = editor.session();
+        QPointer<ScreenshotEditorViewModel> model = held->viewModel();
+        QPointer<QQuickItem> root = view->rootObject();
+        ASSERT_TRUE(root);
+        editor.close();
+        serveDeletions();
+        EXPECT_FALSE(view);
+        EXPECT_FALSE(held);
+        EXPECT_FALSE(model);
+        EXPECT_FALSE(root);
+    }
+    EXPECT_TRUE(QGuiApplication::allWindows().isEmpty());
+    EXPECT_EQ(queue.waitingCount(), 0U);
+}
+
+TEST_F(EditorWindow, TheSavedToastOutlivesTheWindow) {
+    editor.open(picture(60, 40));
+    panels.answer = QUrl::fromLocalFile(files.filePath(QStringLiteral("out.png")));
+    editor.toolbarSaveAction();
+    EXPECT_EQ(frontToast(), QStringLiteral("Saved|checkmark.circle.fill|1"));
+    editor.close();
+    serveDeletions();
+    EXPECT_EQ(frontToast(), QStringLiteral("Saved|checkmark.circle.fill|1"));
+}
+
+TEST_F(EditorWindow, ItsCommandsMinimiseAndZoomTheWindow) {
+    notifications.post(notifications::editorMiniaturize);
+    editor.open(picture(60, 40));
+    notifications.post(notifications::editorZoomWindow);
+    EXPECT_EQ(window().visibility(), QWindow::Maximized);
+    notifications.post(notifications::editorZoomWindow);
+    EXPECT_EQ(window().visibility(), QWindow::Windowed);
+    notifications.post(notifications::editorMiniaturize);
+    EXPECT_EQ(window().visibility(), QWindow::Minimized);
+}
+
+TEST_F(EditorWindow, FollowsTheDesktopsAppearance) {
+    editor.open(picture(60, 40));
+    EXPECT_EQ(window().rootObject()->property("dark"), false);
+    appearance.dark = true;
+    appearance.accent = QColor(200, 100, 0);
+    notifications.post(notifications::appearanceChanged);
+    EXPECT_EQ(window().rootObject()->property("dark"), true);
+    EXPECT_EQ(window().rootObject()->property("accent").value<QColor>(), QColor(200, 100, 0));
+}
+
+/// Switching tabs keeps every value, and no tab of any background type has a fault of its own.
+TEST_F(EditorWindow, EveryTabLoadsWithoutAWarningAndKeepsTheStyle) {
+    QStringList warnings;
+    editor.open(picture(60, 40));
+    QObject::connect(window().engine(), &QQmlEngine::warnings, [&](const QList<QQmlError>& errors) {
+        for (const QQmlError& error : errors)
+            warnings.append(error.toString());
+    });
+    ScreenshotEditorViewModel& model = *session().viewModel();
+    for (const char* type : {"transparent", "color", "gradient", "image"}) {
+        for (const char* mockup : {"defaultStyle", "glassEffect", "border"}) {
+            model.set(QStringLiteral("backgroundType"), QString::fromLatin1(type));
+            model.set(QStringLiteral("mockupStyle"), QString::fromLatin1(mockup));
+            const ScreenshotStyleConfig before = model.config();
+            for (const int tab : {0, 1, 2}) {
+                session().setProperty("selectedTab", tab);
+                QCoreApplication::processEvents();
+            }
+            EXPECT_EQ(model.config(), before);
+        }
+    }
+    session().colorPanel()->open(QStringLiteral("borderColor"));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(warnings, QStringList());
+}
+
+} // namespace
+} // namespace framora
