@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <xcb/composite.h>
 #include <xcb/xcb_cursor.h>
 #include <xcb/xfixes.h>
 
@@ -107,7 +108,24 @@ void X11ToastConnection::watchCompositor() {
                                                   XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
         }
     }
+    const auto* composite = xcb_get_extension_data(m_connection, &xcb_composite_id);
+    if (composite && composite->present) {
+        const Owned<xcb_composite_query_version_reply_t> version(xcb_composite_query_version_reply(
+            m_connection, xcb_composite_query_version(m_connection, 0, 4), nullptr));
+        m_hasComposite = version && (version->major_version > 0 || version->minor_version >= 2);
+    }
     readCompositor();
+}
+
+bool X11ToastConnection::isRedirected(xcb_window_t window) {
+    // Only a redirected window has a picture of its own to name.
+    const xcb_pixmap_t pixmap = xcb_generate_id(m_connection);
+    const auto cookie = xcb_composite_name_window_pixmap_checked(m_connection, window, pixmap);
+    const Owned<xcb_generic_error_t> error(xcb_request_check(m_connection, cookie));
+    if (error || xcb_connection_has_error(m_connection))
+        return false;
+    xcb_free_pixmap(m_connection, pixmap);
+    return true;
 }
 
 void X11ToastConnection::readCompositor() {

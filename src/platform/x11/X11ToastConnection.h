@@ -46,8 +46,11 @@ public:
     xcb_visualid_t visual() const { return m_visual; }
     std::uint8_t depth() const { return m_depth; }
     xcb_colormap_t colormap() const { return m_colormap; }
-    /// Whether windows can be translucent now.
-    bool canBlend() const { return m_hasCompositor && m_depth == 32; }
+    /// Whether a compositor runs that could make windows translucent.
+    bool hasCompositor() const { return m_hasCompositor && m_hasComposite && m_depth == 32; }
+    /// Whether the compositor has taken over this mapped window. One that starts, or that steps back for a
+    /// full-screen program, has not, and would let the window's transparent parts be black.
+    bool isRedirected(xcb_window_t window);
     /// The pointing hand; loaded at the first call, NONE where the theme has none.
     xcb_cursor_t handCursor();
 
@@ -78,6 +81,7 @@ private:
     xcb_cursor_t m_handCursor = XCB_NONE;
     bool m_cursorLoaded = false;
     bool m_hasCompositor = false;
+    bool m_hasComposite = false;
     bool m_dispatchQueued = false;
     int m_xfixesFirstEvent = -1;
     std::unique_ptr<QSocketNotifier> m_notifier;

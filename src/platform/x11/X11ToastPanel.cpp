@@ -13,6 +13,10 @@ namespace {
 constexpr double frameSeconds = 1.0 / 60;
 /// Against an endless contest with another window that keeps itself on top, a screen locker above all.
 constexpr int mostRaises = 12;
+/// A compositor that has not taken the window over after so many frames gets a solid card, and is asked a
+/// little longer.
+constexpr int probesUnseen = 6;
+constexpr int mostProbes = 40;
 /// A pixel of the card itself is opaque but for the smoothing of its edge; the shadow never gets near this.
 constexpr int leastCardAlpha = 150;
 
@@ -62,6 +66,7 @@ X11ToastPanel::X11ToastPanel(X11ToastConnection& connection, MainQueue& queue, c
     createWindow();
     describeWindow();
     renderContent();
+    m_look = m_connection.hasCompositor() ? Look::unseen : Look::opaque;
     applyShape();
     m_connection.add(*this);
 }
@@ -155,23 +160,53 @@ void X11ToastPanel::applyShape() {
         xcb_shape_rectangles(m_connection, XCB_SHAPE_SO_SET, kind, XCB_CLIP_ORDERING_UNSORTED, m_window, 0, 0,
                              std::uint32_t(rectangles.size()), rectangles.data());
     };
-    const bool blends = m_connection.canBlend();
-    if (blends)
-        shape(XCB_SHAPE_SK_BOUNDING, {{std::int16_t(m_origin.x()), std::int16_t(m_origin.y()),
-                                       std::uint16_t(m_image.width()), std::uint16_t(m_image.height())}});
-    else
-        shape(XCB_SHAPE_SK_BOUNDING, card);
-    shape(XCB_SHAPE_SK_INPUT, m_ignoresMouse ? std::vector<xcb_rectangle_t>{} : card);
+    const xcb_rectangle_t bounds{std::int16_t(m_origin.x()), std::int16_t(m_origin.y()),
+                                 std::uint16_t(m_image.width()), std::uint16_t(m_image.height())};
     // What shows before the first picture, and where the server has to fill in.
-    const std::uint32_t background = blends ? 0 : m_content->cardColor().rgb();
+    const std::uint32_t background = m_look == Look::opaque ? m_content->cardColor().rgb() : 0;
     xcb_change_window_attributes(m_connection, m_window, XCB_CW_BACK_PIXEL, &background);
+    switch (m_look) {
+    case Look::opaque:
+        shape(XCB_SHAPE_SK_BOUNDING, card);
+        break;
+    case Look::translucent:
+        shape(XCB_SHAPE_SK_BOUNDING, {bounds});
+        break;
+    case Look::unseen:
+        shape(XCB_SHAPE_SK_BOUNDING, {});
+        break;
+    }
+    shape(XCB_SHAPE_SK_INPUT, m_ignoresMouse ? std::vector<xcb_rectangle_t>{} : card);
+}
+
+void X11ToastPanel::updateLook() {
+    m_probeTimer.reset();
+    if (!m_connection.hasCompositor())
+        return setLook(Look::opaque);
+    if (!m_mapped)
+        return setLook(Look::unseen);
+    if (m_connection.isRedirected(m_window))
+        return setLook(Look::translucent);
+    setLook(++m_probes <= probesUnseen ? Look::unseen : Look::opaque);
+    if (m_probes < mostProbes)
+        m_probeTimer = m_queue.after(frameSeconds, [this] {
+            updateLook();
+            changeAlpha(m_alpha);
+        });
+}
+
+void X11ToastPanel::setLook(Look look) {
+    if (m_look == look)
+        return;
+    m_look = look;
+    applyShape();
 }
 
 void X11ToastPanel::put() {
-    if (!m_mapped)
+    if (!m_mapped || m_look == Look::unseen)
         return;
     const QImage* picture = &m_image;
-    if (!m_connection.canBlend()) {
+    if (m_look == Look::opaque) {
         flatten(m_image, m_frame, m_content->cardColor().rgb());
         picture = &m_frame;
     } else if (m_alpha < 1) {
@@ -203,10 +238,11 @@ void X11ToastPanel::changeAlpha(double alpha) {
     // Without a compositor the window is either there or not; with one it stays mapped, so that a fade never
     // blinks.
     const bool goingAway = m_animation && m_animation->to <= 0;
-    const bool shown = m_ordered && (m_connection.canBlend() || (m_alpha > 0 && !goingAway));
+    const bool shown = m_ordered && (m_look != Look::opaque || (m_alpha > 0 && !goingAway));
     if (shown && !m_mapped) {
         m_mapped = true;
         xcb_map_window(m_connection, m_window);
+        updateLook();
     } else if (!shown && m_mapped) {
         m_mapped = false;
         xcb_unmap_window(m_connection, m_window);
@@ -233,7 +269,7 @@ void X11ToastPanel::animateAlpha(double alpha, double seconds, Easing easing, st
     animation->timer = m_queue.every(frameSeconds, [this] { step(); });
     m_animation = std::move(animation);
     // Where nothing fades, the change happens now.
-    if (!m_connection.canBlend())
+    if (m_look == Look::opaque)
         changeAlpha(alpha > 0 ? alpha : m_alpha);
 }
 
@@ -273,7 +309,8 @@ void X11ToastPanel::pressed(int x, int y) {
 }
 
 void X11ToastPanel::compositorChanged() {
-    applyShape();
+    m_probes = 0;
+    updateLook();
     changeAlpha(m_alpha);
     m_connection.flush();
 }

@@ -12,7 +12,7 @@ namespace framora {
 
 /// One toast: an override-redirect window of the screen's whole frame, shaped to what its content draws.
 ///
-/// With a compositor the window shows the content's bounds, shadow included, and fades by repainting them.
+/// Under a compositor the window shows the content's bounds, shadow included, and fades by repainting them.
 /// Without one it is shaped to the card, drawn opaque, and comes and goes at once.
 class X11ToastPanel final : public ToastPanel {
 public:
@@ -45,11 +45,21 @@ private:
         std::unique_ptr<WorkItem> timer;
     };
 
+    /// How the window may look now.
+    enum class Look {
+        opaque,      ///< The card alone, solid.
+        translucent, ///< The content's bounds, blended.
+        unseen       ///< Nothing yet: the compositor is about to take the window over.
+    };
+
     void createWindow();
     void describeWindow();
     /// Lets the content draw itself anew.
     void renderContent();
-    /// Gives the window the shape and the background for the compositor that runs, or for none.
+    /// Finds out how the window may look, and again soon where the compositor is late.
+    void updateLook();
+    void setLook(Look look);
+    /// Gives the window the shape and the background for its look.
     void applyShape();
     std::vector<xcb_rectangle_t> cardSpans() const;
     /// Puts the picture on the window as transparent as alpha says.
@@ -70,6 +80,9 @@ private:
     QRect m_card;    ///< In the window, pixels.
     QImage m_frame;  ///< m_image at the present alpha; kept to be filled again.
     double m_alpha = 0;
+    Look m_look = Look::opaque;
+    int m_probes = 0; ///< Questions put to a late compositor.
+    std::unique_ptr<WorkItem> m_probeTimer;
     bool m_ordered = false;
     bool m_mapped = false;
     int m_raisesLeft;

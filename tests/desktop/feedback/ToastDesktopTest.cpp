@@ -154,6 +154,11 @@ TEST_P(ToastDesktopTest, anInteractiveToastTakesClicksOnItsCardOnly) {
 }
 
 TEST_P(ToastDesktopTest, nothingTurnsBlackBeforeDuringOrAfterAToast) {
+    // A compositor that has just started may leave black what is mapped before its own first frame.
+    showPlain();
+    ASSERT_TRUE(waitUntilFullyShown());
+    manager->dismiss();
+    ASSERT_TRUE(waitUntilGone());
     showInteractive();
     QElapsedTimer time;
     time.start();
@@ -170,6 +175,7 @@ TEST_P(ToastDesktopTest, nothingTurnsBlackBeforeDuringOrAfterAToast) {
     while (manager->isShowing() && time.elapsed() < 8000) {
         QTest::qWait(10);
         const QImage now = display().screenshot({300, 500, 680, 300});
+
         ASSERT_GT(darkest(now), 20) << "after " << time.elapsed() << " ms";
         sawCard = sawCard || now.pixelColor(340, 180).lightness() > 240;
     }
@@ -213,7 +219,12 @@ TEST_P(ToastDesktopTest, aToastStaysOnTopOfAWindowThatIsRaisedMeanwhile) {
 TEST_P(ToastDesktopTest, hoveringShowsTheEditActionAndAHand) {
     showInteractive();
     ASSERT_TRUE(waitUntilFullyShown());
-    const QImage resting = display().screenshot({440, 600, 400, 160});
+    QImage resting;
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] {
+        QTest::qWait(60); // Several frames of the fade: two equal pictures are its end.
+        const QImage before = std::exchange(resting, display().screenshot({440, 600, 400, 160}));
+        return before == resting;
+    }));
     display().moveTo(cardCenter());
     EXPECT_TRUE(VirtualDesktop::waitFor([&] {
         // The tint's blue of the round edit button.
