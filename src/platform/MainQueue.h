@@ -5,7 +5,8 @@
 
 namespace framora {
 
-/// Work that waits on the main queue. Destroying it cancels it; cancelling twice, or after it ran, does nothing.
+/// Work that waits on the main queue. Destroying it cancels it; cancelling twice, or after it ran, does
+/// nothing.
 class WorkItem {
 public:
     virtual ~WorkItem() = default;

@@ -10,11 +10,11 @@ namespace framora {
 class Pasteboard {
 public:
     virtual ~Pasteboard() = default;
-    /// Grows by at least one with every change of owner, this program's own included; it is right even when the
-    /// main thread was busy or waiting meanwhile.
+    /// Grows by at least one with every change of owner, this program's own included; it is right even when
+    /// the main thread was busy or waiting meanwhile.
     virtual std::int64_t changeCount() = 0;
-    /// The picture on offer, with its pixel ratio (QImage::devicePixelRatio) taken from its stored resolution; a
-    /// null image when there is none or its owner does not answer.
+    /// The picture on offer, with its pixel ratio (QImage::devicePixelRatio) taken from its stored
+    /// resolution; a null image when there is none or its owner does not answer.
     virtual QImage readImage() = 0;
     /// Offers an encoded PNG file as "image/png" until another owner takes over.
     virtual void writePng(const QByteArray& png) = 0;

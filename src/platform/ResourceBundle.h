@@ -11,7 +11,8 @@ class ResourceBundle {
 public:
     virtual ~ResourceBundle() = default;
     /// The file `name`.`type` in `subdirectory` of the resources; nothing when it is not there.
-    virtual std::optional<QUrl> url(const QString& name, const QString& type, const QString& subdirectory) const = 0;
+    virtual std::optional<QUrl> url(const QString& name, const QString& type,
+                                    const QString& subdirectory) const = 0;
     /// The resource folder itself.
     virtual QString resourcePath() const = 0;
 };

@@ -11,9 +11,13 @@ namespace framora {
 /// A main queue and a clock that stand still until the test moves them.
 class ManualMainQueue final : public MainQueue, public Clock {
 public:
-    void async(Work work) override { m_entries.push_back(std::make_shared<Entry>(Entry{m_now, 0, std::move(work)})); }
+    void async(Work work) override {
+        m_entries.push_back(std::make_shared<Entry>(Entry{m_now, 0, std::move(work)}));
+    }
 
-    std::unique_ptr<WorkItem> after(double seconds, Work work) override { return schedule(seconds, 0, std::move(work)); }
+    std::unique_ptr<WorkItem> after(double seconds, Work work) override {
+        return schedule(seconds, 0, std::move(work));
+    }
 
     std::unique_ptr<WorkItem> every(double seconds, Work work) override {
         return schedule(seconds, seconds, std::move(work));
@@ -50,7 +54,8 @@ private:
     };
     class Item final : public WorkItem {
     public:
-        Item(ManualMainQueue& queue, std::weak_ptr<Entry> entry) : m_queue(queue), m_entry(std::move(entry)) {}
+        Item(ManualMainQueue& queue, std::weak_ptr<Entry> entry)
+            : m_queue(queue), m_entry(std::move(entry)) {}
         ~Item() override { Item::cancel(); }
         void cancel() override {
             if (const auto entry = m_entry.lock())
