@@ -1,0 +1,174 @@
+#include "platform/desktop/PulseSoundOutput.h"
+
+#include <QFile>
+#include <QHash>
+#include <algorithm>
+#include <atomic>
+#include <condition_variable>
+#include <mutex>
+#include <pulse/error.h>
+#include <pulse/simple.h>
+#include <sndfile.h>
+#include <thread>
+#include <vector>
+
+namespace framora {
+namespace {
+
+/// The sound theme's names for the sounds that captures know.
+QString themeName(const QString& sound) {
+    static const QHash<QString, QString> names{
+        {QStringLiteral("Hero"), QStringLiteral("complete")},
+        {QStringLiteral("Submarine"), QStringLiteral("message-new-instant")},
+        {QStringLiteral("Blow"), QStringLiteral("screen-capture")},
+        {QStringLiteral("Frog"), QStringLiteral("camera-shutter")},
+        {QStringLiteral("Funk"), QStringLiteral("device-added")},
+        {QStringLiteral("Sosumi"), QStringLiteral("bell")},
+        {QStringLiteral("Basso"), QStringLiteral("dialog-error")},
+        {QStringLiteral("Pop"), QStringLiteral("message")},
+    };
+    return names.value(sound);
+}
+
+struct SoundFileCloser {
+    void operator()(SNDFILE* file) const { sf_close(file); }
+};
+using SoundFile = std::unique_ptr<SNDFILE, SoundFileCloser>;
+
+struct StreamCloser {
+    void operator()(pa_simple* stream) const { pa_simple_free(stream); }
+};
+using Stream = std::unique_ptr<pa_simple, StreamCloser>;
+
+/// One sound that waits or plays. The player's thread hands it over; the worker alone reads the file.
+struct Playback {
+    SoundFile file;
+    SF_INFO format{};
+    std::atomic<float> volume = 1;
+    std::atomic<bool> stopped = false;
+};
+
+void run(Playback& playback) {
+    const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, std::uint32_t(playback.format.samplerate),
+                              std::uint8_t(playback.format.channels)};
+    if (!pa_sample_spec_valid(&spec))
+        return;
+    // A short buffer, so that a sound which is cut off falls silent at once.
+    pa_buffer_attr buffer{};
+    buffer.maxlength = std::uint32_t(-1);
+    buffer.prebuf = std::uint32_t(-1);
+    buffer.minreq = std::uint32_t(-1);
+    buffer.fragsize = std::uint32_t(-1);
+    buffer.tlength = std::uint32_t(pa_usec_to_bytes(80'000, &spec));
+    const Stream stream(pa_simple_new(nullptr, "Framora", PA_STREAM_PLAYBACK, nullptr, "Capture sound", &spec,
+                                      nullptr, &buffer, nullptr));
+    if (!stream)
+        return;
+    const sf_count_t framesAtOnce = std::max(1, playback.format.samplerate / 50);
+    std::vector<float> samples(std::size_t(framesAtOnce * playback.format.channels));
+    while (!playback.stopped) {
+        const sf_count_t frames = sf_readf_float(playback.file.get(), samples.data(), framesAtOnce);
+        if (frames <= 0)
+            break;
+        const auto count = std::size_t(frames * playback.format.channels);
+        const float volume = playback.volume;
+        std::for_each_n(samples.begin(), count, [&](float& sample) { sample *= volume; });
+        if (pa_simple_write(stream.get(), samples.data(), count * sizeof(float), nullptr) < 0)
+            return;
+    }
+    if (playback.stopped)
+        pa_simple_flush(stream.get(), nullptr);
+    else
+        pa_simple_drain(stream.get(), nullptr);
+}
+
+} // namespace
+
+/// The thread that plays; a new sound takes the place of the one that plays.
+class PulseSoundOutput::Worker {
+public:
+    ~Worker() {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_ending = true;
+            for (const auto& playback : {m_current, m_next})
+                if (playback)
+                    playback->stopped = true;
+        }
+        m_wake.notify_one();
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
+    void start(std::shared_ptr<Playback> playback) {
+        {
+            const std::lock_guard lock(m_mutex);
+            if (m_current)
+                m_current->stopped = true;
+            m_next = std::move(playback);
+        }
+        m_wake.notify_one();
+        if (!m_thread.joinable())
+            m_thread = std::thread([this] { loop(); });
+    }
+
+private:
+    void loop() {
+        std::unique_lock lock(m_mutex);
+        for (;;) {
+            m_wake.wait(lock, [this] { return m_ending || m_next; });
+            if (m_ending)
+                return;
+            m_current = std::exchange(m_next, nullptr);
+            lock.unlock();
+            run(*m_current);
+            lock.lock();
+            m_current.reset();
+        }
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_wake;
+    std::shared_ptr<Playback> m_current;
+    std::shared_ptr<Playback> m_next;
+    bool m_ending = false;
+    std::thread m_thread;
+};
+
+class PulseSoundOutput::Player final : public AudioPlayer {
+public:
+    Player(std::shared_ptr<Worker> worker, std::shared_ptr<Playback> playback)
+        : m_worker(std::move(worker)), m_playback(std::move(playback)) {}
+    ~Player() override { m_playback->stopped = true; }
+    void setVolume(float volume) override { m_playback->volume = std::clamp(volume, 0.0f, 1.0f); }
+    void play() override { m_worker->start(m_playback); }
+
+private:
+    std::shared_ptr<Worker> m_worker;
+    std::shared_ptr<Playback> m_playback;
+};
+
+PulseSoundOutput::PulseSoundOutput(SoundTheme theme)
+    : m_theme(std::move(theme)), m_worker(std::make_shared<Worker>()) {}
+
+PulseSoundOutput::~PulseSoundOutput() = default;
+
+bool PulseSoundOutput::fileExists(const QString& path) const {
+    return QFile::exists(path);
+}
+
+std::unique_ptr<AudioPlayer> PulseSoundOutput::playerForFile(const QUrl& url) {
+    auto playback = std::make_shared<Playback>();
+    playback->file.reset(
+        sf_open(QFile::encodeName(url.toLocalFile()).constData(), SFM_READ, &playback->format));
+    if (!playback->file || playback->format.channels < 1 || playback->format.samplerate < 1)
+        return nullptr;
+    return std::make_unique<Player>(m_worker, std::move(playback));
+}
+
+std::unique_ptr<AudioPlayer> PulseSoundOutput::systemSound(const QString& name) {
+    const QString file = m_theme.find(themeName(name));
+    return file.isEmpty() ? nullptr : playerForFile(QUrl::fromLocalFile(file));
+}
+
+} // namespace framora
