@@ -23,7 +23,8 @@ void SoundManager::setSharedOutput(SoundOutput& output) {
 void SoundManager::play(CaptureSound sound, float volume) {
     if (!m_output)
         return;
-    const QString name = rawValue(sound);
+    const std::string_view raw = rawValue(sound);
+    const QString name = QString::fromLatin1(raw.data(), qsizetype(raw.size()));
     // The two folders' extensions differ: .aiff and .aif.
     const std::array candidates{QStringLiteral("/System/Library/Sounds/%1.aiff").arg(name),
                                 QStringLiteral("/System/Library/Components/CoreAudio.component/Contents/"

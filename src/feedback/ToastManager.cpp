@@ -2,6 +2,7 @@
 
 #include "feedback/InteractiveToastView.h"
 #include "feedback/ToastView.h"
+#include "platform/Localized.h"
 
 #include <QtGlobal>
 #include <utility>
@@ -37,7 +38,7 @@ void ToastManager::showInteractive(const QString& message, const QString& icon, 
     };
     present(false, interactiveSeconds,
             std::make_unique<InteractiveToastView>(message, icon, std::move(onEdit), image,
-                                                   m_services.editHint,
+                                                   localized(QStringLiteral("toast.edit")),
                                                    ToastPalette::of(m_services.appearance)));
 }
 

@@ -22,7 +22,6 @@ struct ToastServices {
     Screens& screens;
     const Appearance& appearance;
     EditorOpener openEditor = {}; ///< Only interactive toasts need it.
-    QString editHint = {};        ///< The interactive toast's second line, localised ("Click to edit").
 };
 
 /// Shows short-lived popups over everything, one at a time. Its toast goes with it: keep the manager until

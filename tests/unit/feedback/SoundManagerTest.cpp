@@ -89,7 +89,7 @@ TEST_F(SoundManagerTest, everySoundHasItsOwnName) {
     for (const CaptureSound sound : allCaptureSounds) {
         output.log.clear();
         manager.play(sound, 1);
-        EXPECT_EQ(output.log[2], "system " + rawValue(sound).toStdString());
+        EXPECT_EQ(output.log[2], "system " + std::string(rawValue(sound)));
     }
 }
 

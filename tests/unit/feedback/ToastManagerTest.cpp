@@ -24,10 +24,9 @@ protected:
     RecordingToastPanels panels{queue};
     FixedScreens screens;
     FixedAppearance appearance;
-    std::optional<ToastManager> manager{std::in_place,
-                                        ToastServices{queue, panels, screens, appearance,
-                                                      [this](const QImage& i) { openEditor(i); },
-                                                      QStringLiteral("Click to edit")}};
+    std::optional<ToastManager> manager{
+        std::in_place,
+        ToastServices{queue, panels, screens, appearance, [this](const QImage& i) { openEditor(i); }}};
     const QImage picture{320, 200, QImage::Format_RGB32};
 };
 
