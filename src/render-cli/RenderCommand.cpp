@@ -88,7 +88,9 @@ int RenderCommand::render(const Arguments& arguments) {
     const RenderJob job(arguments, background);
     const int count = int(arguments.images.size());
     ProgressBar progress(m_messages, count, !arguments.isQuiet);
-    const auto report = [&progress](int done, const QString& error) {
+    int ended = 0;
+    const auto report = [&progress, &ended](int done, const QString& error) {
+        ended = done;
         progress.setDone(done);
         if (!error.isEmpty())
             progress.writeLine(line(error));
@@ -97,6 +99,9 @@ int RenderCommand::render(const Arguments& arguments) {
                            .run(
                                count, [&](int i) { return job.run(arguments.images[i], outputs[i]); }, report,
                                m_isCancelled);
+    if (ended < count)
+        progress.writeLine(
+            line(QStringLiteral("interrupted; %1 of %2 images not begun").arg(count - ended).arg(count)));
     return failed == 0 ? allWritten : someFailed;
 }
 

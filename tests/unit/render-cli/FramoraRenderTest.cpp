@@ -242,6 +242,65 @@ TEST_F(FramoraRender, AFailureLeavesTheEarlierOutput) {
     EXPECT_TRUE(loadPicture(path("out.png")));
 }
 
+TEST_F(FramoraRender, KilledAtAnyMomentItLeavesAWholePicture) {
+    ASSERT_EQ(run({"shot.png", "-o", "first.png"}).status, 0);
+    ASSERT_EQ(run({"shot.png", "-o", "second.png", "--set", "rotation=30"}).status, 0);
+    const QByteArray first = read("first.png");
+    const QByteArray second = read("second.png");
+    write("out.png", first);
+    for (int attempt = 0; attempt < 60; ++attempt) {
+        const bool isTurned = attempt % 2 == 0;
+        QProcess process;
+        process.setWorkingDirectory(m_folder.path());
+        process.start(QStringLiteral(FRAMORA_RENDER),
+                      {"shot.png", "-o", "out.png", "--set", isTurned ? "rotation=30" : "rotation=0"});
+        ASSERT_TRUE(process.waitForStarted());
+        process.waitForFinished(attempt * 2);
+        process.kill();
+        process.waitForFinished();
+        const QByteArray now = read("out.png");
+        ASSERT_TRUE(now == first || now == second)
+            << "after " << attempt * 2 << " ms: " << now.size() << " bytes";
+    }
+}
+
+TEST_F(FramoraRender, InterruptedItEndsWhatItWritesAndCountsTheRestAsFailed) {
+    QStringList words{"--jobs", "1", "--output-dir", "d"};
+    for (int i = 0; i < 400; ++i) {
+        words << QStringLiteral("%1.png").arg(i);
+        write(words.last(), read("shot.png"));
+    }
+    QProcess process;
+    process.setWorkingDirectory(m_folder.path());
+    process.start(QStringLiteral(FRAMORA_RENDER), words);
+    ASSERT_TRUE(process.waitForStarted());
+    while (!QFile::exists(path("d/1.png")) && process.state() == QProcess::Running)
+        process.waitForFinished(1);
+    process.terminate();
+    ASSERT_TRUE(process.waitForFinished(30'000));
+    EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(process.exitCode(), 1);
+    const QByteArray errors = process.readAllStandardError();
+    EXPECT_EQ(errors.count('\n'), 1) << errors.constData();
+    EXPECT_TRUE(errors.contains("interrupted")) << errors.constData();
+    const QStringList written = QDir(path("d")).entryList(QDir::Files | QDir::Hidden);
+    EXPECT_LT(written.size(), 400);
+    for (const QString& name : written)
+        EXPECT_TRUE(loadPicture(path("d/" + name))) << name.toStdString();
+}
+
+TEST_F(FramoraRender, AFullDiskIsOneLine) {
+    QProcess process;
+    process.setWorkingDirectory(m_folder.path());
+    process.setStandardOutputFile(QStringLiteral("/dev/full"));
+    process.start(QStringLiteral(FRAMORA_RENDER), {"shot.png", "-o", "-"});
+    ASSERT_TRUE(process.waitForFinished(30'000));
+    EXPECT_EQ(process.exitCode(), 1);
+    const QByteArray errors = process.readAllStandardError();
+    EXPECT_EQ(errors.count('\n'), 1);
+    EXPECT_TRUE(errors.contains("standard output: cannot be written")) << errors.constData();
+}
+
 TEST_F(FramoraRender, NumbersThatNoEditorGivesNeverCrashIt) {
     for (const char* field : {"mockupBorderSize", "borderRadius", "rotation", "imageScale", "rotationX",
                               "rotationY", "perspective", "gradientConfig.angle", "gradientConfig.saturation",
