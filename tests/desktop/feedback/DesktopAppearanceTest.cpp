@@ -1,0 +1,137 @@
+#include "platform/desktop/DesktopAppearance.h"
+
+#include "desktop/support/VirtualDesktop.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Notifications.h"
+
+#include <QDBusArgument>
+#include <QDBusContext>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QGuiApplication>
+#include <QPalette>
+#include <gtest/gtest.h>
+#include <optional>
+
+namespace framora {
+namespace {
+
+using Groups = QMap<QString, QVariantMap>;
+
+/// The desktop's Settings portal, as far as appearance goes.
+class FakePortal final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    Groups groups;
+    int reads = 0;
+
+public Q_SLOTS:
+    Groups ReadAll(const QStringList&) {
+        ++reads;
+        return groups;
+    }
+
+Q_SIGNALS:
+    void SettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+};
+
+const QString appearanceGroup = QStringLiteral("org.freedesktop.appearance");
+const QString scheme = QStringLiteral("color-scheme");
+
+class DesktopAppearanceTest : public testing::Test {
+protected:
+    DesktopAppearanceTest() {
+        qunsetenv("GTK_THEME");
+        qDBusRegisterMetaType<Groups>();
+        DesktopOptions options;
+        options.windowManager = WindowManager::none;
+        desktop.emplace(options);
+        const QString address = desktop->environment().value(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
+        service.emplace(QDBusConnection::connectToBus(address, QStringLiteral("portal")));
+        client.emplace(QDBusConnection::connectToBus(address, QStringLiteral("program")));
+        EXPECT_TRUE(
+            service->registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), &portal,
+                                    QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
+        EXPECT_TRUE(service->registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
+    }
+    ~DesktopAppearanceTest() override {
+        QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
+        QDBusConnection::disconnectFromBus(QStringLiteral("program"));
+    }
+
+    FakePortal portal;
+    std::optional<VirtualDesktop> desktop;
+    std::optional<QDBusConnection> service;
+    std::optional<QDBusConnection> client;
+    NotificationCenter notifications;
+    int changes = 0;
+    NotificationCenter::Token token =
+        notifications.observe(notifications::appearanceChanged, [this] { ++changes; });
+};
+
+TEST_F(DesktopAppearanceTest, takesThePortalsWordAndAnnouncesIt) {
+    portal.groups[appearanceGroup][scheme] = QVariant::fromValue(1u);
+    const DesktopAppearance appearance(notifications, *client);
+    EXPECT_FALSE(appearance.isDark()) << "nobody waits for the portal";
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return appearance.isDark(); }));
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(DesktopAppearanceTest, followsTheDesktopWhileItRuns) {
+    portal.groups[appearanceGroup][scheme] = QVariant::fromValue(2u);
+    const DesktopAppearance appearance(notifications, *client);
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return portal.reads == 1; }));
+    Q_EMIT portal.SettingChanged(appearanceGroup, scheme, QDBusVariant(QVariant::fromValue(1u)));
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return appearance.isDark(); }));
+    Q_EMIT portal.SettingChanged(appearanceGroup, scheme, QDBusVariant(QVariant::fromValue(2u)));
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return !appearance.isDark(); }));
+    EXPECT_EQ(changes, 2);
+    EXPECT_FALSE(appearance.prefersReducedMotion());
+    Q_EMIT portal.SettingChanged(QStringLiteral("org.gnome.desktop.interface"),
+                                 QStringLiteral("enable-animations"), QDBusVariant(false));
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return appearance.prefersReducedMotion(); }));
+}
+
+TEST_F(DesktopAppearanceTest, takesTheAccentColour) {
+    const DesktopAppearance appearance(notifications, *client);
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return portal.reads == 1; }));
+    QDBusArgument rgb;
+    rgb.beginStructure();
+    rgb << 1.0 << 0.5 << 0.0;
+    rgb.endStructure();
+    Q_EMIT portal.SettingChanged(appearanceGroup, QStringLiteral("accent-color"),
+                                 QDBusVariant(QVariant::fromValue(rgb)));
+    EXPECT_TRUE(VirtualDesktop::waitFor(
+        [&] { return appearance.accentColor() == QColor::fromRgbF(1.0f, 0.5f, 0.0f); }));
+}
+
+TEST_F(DesktopAppearanceTest, withoutAPreferenceTheThemesNameDecides) {
+    portal.groups[appearanceGroup][scheme] = QVariant::fromValue(0u);
+    portal.groups[QStringLiteral("org.gnome.desktop.interface")][QStringLiteral("gtk-theme")] =
+        QStringLiteral("Arc-Dark");
+    const DesktopAppearance appearance(notifications, *client);
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return appearance.isDark(); }));
+    qputenv("GTK_THEME", "Adwaita");
+    EXPECT_FALSE(appearance.isDark());
+    qputenv("GTK_THEME", "Adwaita:dark");
+    EXPECT_TRUE(appearance.isDark());
+    qunsetenv("GTK_THEME");
+}
+
+TEST_F(DesktopAppearanceTest, withoutAPortalThePaletteDecides) {
+    const DesktopAppearance appearance(notifications, QDBusConnection(QStringLiteral("no such bus")));
+    EXPECT_FALSE(appearance.isDark());
+    EXPECT_GT(appearance.accentColor().saturation(), 40);
+    const QPalette before = QGuiApplication::palette();
+    QGuiApplication::setPalette(QPalette(QColor(40, 40, 44)));
+    EXPECT_TRUE(appearance.isDark());
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return changes >= 1; }));
+    QGuiApplication::setPalette(before);
+}
+
+} // namespace
+} // namespace framora
+
+#include "DesktopAppearanceTest.moc"
