@@ -17,10 +17,13 @@ using raster::Homography;
 using raster::Layer;
 using Viewport = CompositionRasterizer::Viewport;
 
-/// From points about the canvas centre to output pixels.
-Homography canvasMap(const Viewport& viewport) {
-    return Homography::translation(viewport.canvasCentre.x(), viewport.canvasCentre.y()) *
-           Homography::scaling(viewport.pixelsPerPoint, viewport.pixelsPerPoint);
+/// Where a layer lies that is placed about the canvas centre, and moved from there by `offset` points.
+raster::Placement onViewport(raster::Placement placement, QPointF offset, const Viewport& viewport) {
+    const double scale = viewport.pixelsPerPoint;
+    placement.toOutput = Homography::scaling(scale, scale) * placement.toOutput;
+    placement.move(viewport.canvasCentre.x() + offset.x() * scale,
+                   viewport.canvasCentre.y() + offset.y() * scale);
+    return placement;
 }
 
 bool isDrawable(const Viewport& viewport) {
@@ -30,10 +33,6 @@ bool isDrawable(const Viewport& viewport) {
            qint64(size.width()) * size.height() <= CompositionRasterizer::mostPixels &&
            viewport.pixelsPerPoint > 0 && std::isfinite(viewport.pixelsPerPoint) &&
            std::isfinite(viewport.canvasCentre.x()) && std::isfinite(viewport.canvasCentre.y());
-}
-
-int wholePixel(double value) {
-    return int(std::clamp(std::floor(value), -1e9, 1e9));
 }
 
 } // namespace
@@ -74,27 +73,39 @@ QImage CompositionRasterizer::drawFrame(const Composition& composition, QSizeF s
     return image;
 }
 
-std::shared_ptr<const raster::PicturePyramid> CompositionRasterizer::prepared(Slot slot,
-                                                                              const QImage& image) {
+CompositionRasterizer::Prepared& CompositionRasterizer::prepared(Slot slot, const QImage& image) {
     Prepared& kept = m_prepared[slot];
-    if (!kept.pyramid || kept.key != image.cacheKey()) {
-        kept = {};
-        kept.pixels = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
-        if (kept.pixels.isNull())
-            return nullptr;
-        kept.key = image.cacheKey();
+    if (kept.pyramid && kept.key == image.cacheKey())
+        return kept;
+    kept = {};
+    kept.pixels = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    kept.key = image.cacheKey();
+    if (!kept.pixels.isNull())
         kept.pyramid = std::make_shared<raster::PicturePyramid>(rasterView(kept.pixels));
-    }
-    return kept.pyramid;
+    return kept;
+}
+
+std::shared_ptr<const raster::Paint> CompositionRasterizer::picturePaint(Slot slot, const QImage& image,
+                                                                         QSizeF size,
+                                                                         const raster::Placement& placement,
+                                                                         const Viewport& viewport) {
+    Prepared& picture = prepared(slot, image);
+    if (!picture.pyramid)
+        return nullptr;
+    return std::make_shared<raster::PicturePaint>(picture.pyramid, size.width(), size.height(), placement,
+                                                  viewport.pixelSize.width(), viewport.pixelSize.height(),
+                                                  &picture.shades);
 }
 
 void CompositionRasterizer::appendBackground(std::vector<Layer>& layers, const Composition& composition,
                                              const Viewport& viewport) {
     const ScreenshotStyleConfig& config = composition.config;
     const QSizeF size = canvasSize(pointSize(composition.image), config);
-    const Homography map = canvasMap(viewport);
-    const Homography reverse = map.inverse();
-    Layer layer{{size.width(), size.height(), 0}, {}, {map, {}}, nullptr, {}, {}};
+    const raster::Placement placement = onViewport({}, {}, viewport);
+    if (!placement.toOutput.isFinite())
+        return;
+    const Homography reverse = placement.toLocal();
+    Layer layer{{size.width(), size.height(), 0}, {}, placement, nullptr, {}, {}};
     if (!(std::isfinite(size.width()) && std::isfinite(size.height()) && size.width() > 0 &&
           size.height() > 0))
         return;
@@ -116,17 +127,15 @@ void CompositionRasterizer::appendBackground(std::vector<Layer>& layers, const C
         break;
     case BackgroundType::image:
         if (!composition.backgroundImage().isNull())
-            if (const auto picture = prepared(backgroundSlot, composition.backgroundImage()))
-                layer.paint = std::make_shared<raster::PicturePaint>(picture, size.width(), size.height(),
-                                                                     map, viewport.pixelSize.width(),
-                                                                     viewport.pixelSize.height());
+            layer.paint =
+                picturePaint(backgroundSlot, composition.backgroundImage(), size, placement, viewport);
         break;
     }
     if (!layer.paint)
         return;
     if (!composition.isRendering && config.backgroundType != BackgroundType::transparent)
-        NoiseOverlayModifier{config.gradientConfig.noiseAmount / 100}.apply(
-            layer, wholePixel(viewport.canvasCentre.x()), wholePixel(viewport.canvasCentre.y()));
+        NoiseOverlayModifier{config.gradientConfig.noiseAmount / 100}.apply(layer, placement.originX,
+                                                                            placement.originY);
     layers.push_back(std::move(layer));
 }
 
@@ -135,19 +144,19 @@ void CompositionRasterizer::appendScreenshot(std::vector<Layer>& layers, const C
     if (composition.image.isNull())
         return;
     const QSizeF size = pointSize(composition.image);
-    auto placement = screenshotPlacement(size, composition.config, composition.dragOffset);
-    if (!placement)
+    const ScreenshotStyleConfig& config = composition.config;
+    const auto aboutCentre = screenshotPlacement(size, config);
+    if (!aboutCentre)
         return;
-    placement->toOutput = canvasMap(viewport) * placement->toOutput;
-    if (!placement->toOutput.isFinite() || !placement->toOutput.inverse().isFinite())
+    const QPointF offset(config.screenshotOffset.width + composition.dragOffset.width,
+                         config.screenshotOffset.height + composition.dragOffset.height);
+    const raster::Placement placement = onViewport(*aboutCentre, offset, viewport);
+    if (!placement.toOutput.isFinite() || !placement.toOutput.inverse().isFinite())
         return;
-    const auto picture = prepared(screenshotSlot, composition.image);
-    if (!picture)
+    auto paint = picturePaint(screenshotSlot, composition.image, size, placement, viewport);
+    if (!paint)
         return;
-    auto paint =
-        std::make_shared<raster::PicturePaint>(picture, size.width(), size.height(), placement->toOutput,
-                                               viewport.pixelSize.width(), viewport.pixelSize.height());
-    for (Layer& layer : mockupLayers(size, composition.config, std::move(paint), *placement))
+    for (Layer& layer : mockupLayers(size, config, std::move(paint), placement))
         layers.push_back(std::move(layer));
 }
 

@@ -3,6 +3,7 @@
 #include "editor/render/Composition.h"
 #include "editor/render/raster/Compositor.h"
 #include "editor/render/raster/PicturePyramid.h"
+#include "editor/render/raster/ShadeCache.h"
 
 #include <QImage>
 #include <QPointF>
@@ -44,15 +45,20 @@ public:
     QImage drawFrame(const Composition& composition, QSizeF size, double scale);
 
 private:
-    /// A picture in the kernels' format, and its reductions.
+    /// A picture in the kernels' format, its reductions, and its colours in the last frame.
     struct Prepared {
         qint64 key = 0;
         QImage pixels;
         std::shared_ptr<const raster::PicturePyramid> pyramid;
+        raster::ShadeCache shades;
     };
     enum Slot { screenshotSlot, backgroundSlot, slotCount };
 
-    std::shared_ptr<const raster::PicturePyramid> prepared(Slot slot, const QImage& image);
+    Prepared& prepared(Slot slot, const QImage& image);
+    /// The picture stretched over `size` points; null when memory is short.
+    std::shared_ptr<const raster::Paint> picturePaint(Slot slot, const QImage& image, QSizeF size,
+                                                      const raster::Placement& placement,
+                                                      const Viewport& viewport);
     void appendBackground(std::vector<raster::Layer>& layers, const Composition& composition,
                           const Viewport& viewport);
     void appendScreenshot(std::vector<raster::Layer>& layers, const Composition& composition,

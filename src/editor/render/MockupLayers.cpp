@@ -43,15 +43,14 @@ void appendGlass(std::vector<Layer>& layers, const RoundedRect& shape, const ras
          inner,
          placement,
          std::make_shared<raster::GradientPaint>(raster::GradientPaint::Kind::linear, 135, shape.width,
-                                                 shape.height, stops, placement.toOutput.inverse()),
+                                                 shape.height, stops, placement.toLocal()),
          {},
          {}});
 }
 
 } // namespace
 
-std::optional<raster::Placement> screenshotPlacement(QSizeF imageSize, const ScreenshotStyleConfig& config,
-                                                     Size dragOffset) {
+std::optional<raster::Placement> screenshotPlacement(QSizeF imageSize, const ScreenshotStyleConfig& config) {
     const double fit = screenshotScale(imageSize, config);
     Homography map = Homography::rotation(config.rotation) * Homography::scaling(config.scale, config.scale) *
                      Homography::scaling(fit, fit);
@@ -70,9 +69,7 @@ std::optional<raster::Placement> screenshotPlacement(QSizeF imageSize, const Scr
             placement.projections.push_back(map);
         }
     }
-    placement.toOutput = Homography::translation(config.screenshotOffset.width + dragOffset.width,
-                                                 config.screenshotOffset.height + dragOffset.height) *
-                         map;
+    placement.toOutput = map;
     if (!placement.toOutput.isFinite() || !placement.toOutput.inverse().isFinite())
         return std::nullopt;
     return placement;

@@ -9,11 +9,10 @@
 
 namespace framora {
 
-/// Where the screenshot with its mockup lies: the map from its own points, the origin in its middle, to
-/// points about the canvas centre. Nothing when it is turned edge-on or a number is not finite. `dragOffset`
-/// adds to the style's offset.
-std::optional<raster::Placement> screenshotPlacement(QSizeF imageSize, const ScreenshotStyleConfig& config,
-                                                     Size dragOffset);
+/// How the screenshot with its mockup is scaled, turned and tilted: the map from its own points, the origin
+/// in its middle, to points about that middle. Nothing when it is turned edge-on or a number is not finite.
+/// The style's offset is not in it.
+std::optional<raster::Placement> screenshotPlacement(QSizeF imageSize, const ScreenshotStyleConfig& config);
 
 /// The screenshot of `imageSize` points, painted with `picture`, and what frames it, from back to front.
 /// `placement` maps its points to output pixels.

@@ -62,7 +62,7 @@ TEST(Compositor, GivesTheSameBytesWhateverTheThreads) {
     layers.push_back(
         {{700, 440, 0},
          {},
-         {toMiddle, {}},
+         {toMiddle},
          std::make_shared<GradientPaint>(GradientPaint::Kind::angular, 40, 700, 440,
                                          std::vector{premultiplied(1, 0, 0, 1), premultiplied(0, 1, 1, 1)},
                                          toMiddle.inverse()),

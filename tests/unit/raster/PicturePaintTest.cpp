@@ -38,7 +38,7 @@ TEST(PicturePaint, CopiesOneToOneBitForBitInAllFourOrientations) {
     const Picture picture = makePicture(noise);
     const Homography toMiddle = Homography::translation(50, 50);
     for (const double degrees : {0.0, 90.0, 180.0, 270.0}) {
-        const PicturePaint paint(picture.pyramid, side, side, toMiddle * Homography::rotation(degrees), 100,
+        const PicturePaint paint(picture.pyramid, side, side, {toMiddle * Homography::rotation(degrees)}, 100,
                                  100);
         for (int y = 0; y < side; ++y)
             for (int x = 0; x < side; ++x) {
@@ -68,7 +68,7 @@ TEST(PicturePaint, ReadsASmoothPictureWhereTheMapSays) {
         toMiddle * Homography::tiltX(70, 64) * Homography::scaling(0.8, 0.8),
     };
     for (std::size_t i = 0; i < std::size(maps); ++i) {
-        const PicturePaint paint(picture.pyramid, side, side, maps[i], 120, 100);
+        const PicturePaint paint(picture.pyramid, side, side, {maps[i]}, 120, 100);
         const Homography reverse = maps[i].inverse();
         int checked = 0;
         for (int y = 0; y < 100; ++y)
@@ -96,7 +96,7 @@ TEST(PicturePaint, TurnsAFineGridIntoItsMeanAtAnyAngleAndTilt) {
         toMiddle * Homography::tiltX(75, 64) * Homography::rotation(45) * Homography::scaling(0.5, 0.5),
     };
     for (std::size_t i = 0; i < std::size(maps); ++i) {
-        const PicturePaint paint(picture.pyramid, side, side, maps[i], 100, 100);
+        const PicturePaint paint(picture.pyramid, side, side, {maps[i]}, 100, 100);
         const Homography reverse = maps[i].inverse();
         for (int y = 0; y < 100; ++y)
             for (int x = 0; x < 100; ++x) {
@@ -112,9 +112,9 @@ TEST(PicturePaint, TurnsAFineGridIntoItsMeanAtAnyAngleAndTilt) {
 
 TEST(PicturePaint, RepeatsItsEdge) {
     const Picture picture = makePicture([](int, int) { return 0xff3070a0u; });
-    const PicturePaint upright(picture.pyramid, side, side, Homography::translation(50.3, 50.6), 100, 100);
+    const PicturePaint upright(picture.pyramid, side, side, {Homography::translation(50.3, 50.6)}, 100, 100);
     const PicturePaint turned(picture.pyramid, side, side,
-                              Homography::translation(50, 50) * Homography::rotation(20), 100, 100);
+                              {Homography::translation(50, 50) * Homography::rotation(20)}, 100, 100);
     for (int x = 18; x < 82; ++x)
         EXPECT_EQ(shaded(upright, x, 18), 0xff3070a0u);
     for (int x = 0; x < 100; ++x)
@@ -130,7 +130,7 @@ TEST(PicturePaint, GivesSomeColourForAnyMap) {
         Homography::scaling(1e-9, 1e-300), Homography::tiltX(60, 5) * Homography::scaling(30, 30),
     };
     for (const Homography& map : maps) {
-        const PicturePaint paint(picture.pyramid, side, side, Homography::translation(50, 50) * map, 100,
+        const PicturePaint paint(picture.pyramid, side, side, {Homography::translation(50, 50) * map}, 100,
                                  100);
         for (int y = 0; y < 100; y += 7) {
             Float4 row[100];
@@ -140,6 +140,89 @@ TEST(PicturePaint, GivesSomeColourForAnyMap) {
                     ASSERT_TRUE(pixel[i] >= 0 && pixel[i] <= 1.0001f);
         }
     }
+}
+
+TEST(PicturePaint, ReadsFromItsCacheWhatItWouldCompute) {
+    const Picture picture = makePicture(noise);
+    ShadeCache cache;
+    for (const Homography& map :
+         {Homography::scaling(0.7, 0.7), Homography::tiltY(30, 64) * Homography::rotation(9)})
+        // Half outside at first, so that what comes into sight later was never computed for a smaller output.
+        for (const double x : {0.25, 10.25, 60.25, 61.0, 61.0, 90.0}) {
+            Placement placement{map};
+            placement.move(x, 40.5);
+            const PicturePaint plain(picture.pyramid, side, side, placement, 100, 100);
+            const PicturePaint cached(picture.pyramid, side, side, placement, 100, 100, &cache);
+            for (int again = 0; again < 2; ++again)
+                for (int y = 0; y < 100; ++y) {
+                    Float4 expected[100];
+                    Float4 read[100];
+                    plain.shade(0, y, 100, expected);
+                    cached.shade(0, y, 37, read);
+                    cached.shade(37, y, 63, read + 37);
+                    const int left = std::max(0, int(x) - 20);
+                    const int right = std::min(100, int(x) + 20);
+                    if (y > 20 && y < 60) { // where the picture is, in every map
+                        for (int i = left; i < right; ++i)
+                            for (int channel = 0; channel < 4; ++channel)
+                                ASSERT_EQ(read[i][channel], expected[i][channel])
+                                    << x << ": " << i << "," << y;
+                    }
+                }
+        }
+}
+
+TEST(ShadeCache, KeepsWhatComesTwiceInARow) {
+    ShadeCache cache;
+    ShadeCache::Key key{Homography::scaling(2, 2), -5, 0, 100, 10};
+    EXPECT_FALSE(cache.begin(key));
+    EXPECT_TRUE(cache.begin(key));
+    int computed = 0;
+    const auto compute = [&](int x, int, int count, Float4* out) {
+        computed += count;
+        for (int i = 0; i < count; ++i)
+            out[i] = splat(float(x + i));
+    };
+    Float4 row[100];
+    for (int again = 0; again < 3; ++again) {
+        cache.read(-5, 3, 100, row, compute);
+        EXPECT_EQ(row[0][0], -5);
+        EXPECT_EQ(row[99][0], 94);
+    }
+    EXPECT_EQ(computed, 100);
+    cache.read(-6, 3, 4, row, compute); // reaches out of the kept rectangle
+    EXPECT_EQ(computed, 104);
+    EXPECT_EQ(row[0][0], -6);
+    EXPECT_TRUE(cache.begin(key));
+    cache.read(0, 3, 10, row, compute);
+    EXPECT_EQ(computed, 104);
+    key.map = Homography::scaling(3, 3);
+    EXPECT_FALSE(cache.begin(key));
+    EXPECT_TRUE(cache.begin(key));
+    cache.read(0, 3, 1, row, compute);
+    EXPECT_EQ(computed, 104 + 64) << "a block at a time";
+}
+
+TEST(Placement, MovesItsOriginByWholePixelsAndItsMapByTheRest) {
+    Placement placement{Homography::scaling(3, 3)};
+    placement.move(-7.25, 1000.5);
+    EXPECT_EQ(placement.originX, -8);
+    EXPECT_EQ(placement.originY, 1000);
+    EXPECT_EQ(placement.toOutput(0, 2), 0.75);
+    EXPECT_EQ(placement.toOutput(1, 2), 0.5);
+    const Vec2 local = placement.toLocal().map({-7.25 + 3, 1000.5 - 6});
+    EXPECT_NEAR(local.x, 1, 1e-9);
+    EXPECT_NEAR(local.y, -2, 1e-9);
+    // The same rest wherever it comes from.
+    for (int i = 0; i < 1000; ++i) {
+        Placement a{Homography::rotation(3)};
+        Placement b{Homography::rotation(3)};
+        a.move(i * 0.1 + 0.3, 0);
+        b.move(i * 0.1 + 0.3 + 517, 0);
+        ASSERT_TRUE(a.toOutput == b.toOutput) << i;
+    }
+    placement.move(1e300, 0);
+    EXPECT_FALSE(placement.toOutput.isFinite());
 }
 
 TEST(PicturePyramid, KnowsWhetherItIsOpaque) {

@@ -271,26 +271,34 @@ TEST(CompositionRasterizer, ClipsLayersToTheOutputOnly) {
     EXPECT_EQ(result.pixel(255, 50), qRgb(255, 0, 0)) << "outside the canvas";
 }
 
-TEST(CompositionRasterizer, DrawsTheSameFromItsKeptPictures) {
-    ScreenshotStyleConfig config;
-    config.backgroundType = BackgroundType::image;
-    config.mockupStyle = MockupStyle::border;
+TEST(CompositionRasterizer, DrawsTheSameFromWhatItKeptOfEarlierFrames) {
+    Composition composition = compositionOf(noisePicture(220, 130), {}, false);
+    composition.config.backgroundType = BackgroundType::image;
+    composition.config.mockupStyle = MockupStyle::border;
+    composition.loadedBackgroundImage = noisePicture(60, 70);
     CompositionRasterizer kept;
     QImage target;
+    const double scale = 0.55;
     for (const double tilt : {0.0, 25.0})
-        for (int step = 0; step < 8; ++step) {
-            config.rotationY = tilt;
-            Composition composition = compositionOf(noisePicture(220, 130), config, false);
-            composition.loadedBackgroundImage = noisePicture(60, 70);
-            composition.dragOffset = {step * 7.3, step * -3.0};
-            const CompositionRasterizer::Viewport viewport{QSize(260, 170), 0.55,
-                                                           QPointF(131.4 + step / 4, 80)};
-            for (int again = 0; again < 3; ++again) {
+        for (const double rotation : {0.0, 10.0})
+            for (int step = 0; step < 12; ++step) {
+                composition.config.rotationX = tilt;
+                composition.config.rotation = rotation;
+                // By whole pixels, far out of the output and back; then by parts of pixels.
+                composition.dragOffset = {(step < 8 ? (step - 4) * 50 : step * 7.3) / scale, step / scale};
+                const CompositionRasterizer::Viewport viewport{QSize(260, 170), scale, QPointF(131.4, 80)};
                 ASSERT_TRUE(kept.drawInto(target, composition, viewport));
                 ASSERT_TRUE(areEqual(target, CompositionRasterizer().draw(composition, viewport)))
-                    << tilt << " " << step << " " << again;
+                    << tilt << " " << rotation << " " << step;
             }
-        }
+    composition.image = noisePicture(220, 131);
+    composition.loadedBackgroundImage = flatPicture(3, 3);
+    const CompositionRasterizer::Viewport viewport{QSize(260, 170), scale, QPointF(131.4, 80)};
+    for (int again = 0; again < 3; ++again) {
+        ASSERT_TRUE(kept.drawInto(target, composition, viewport));
+        ASSERT_TRUE(areEqual(target, CompositionRasterizer().draw(composition, viewport)))
+            << "other pictures";
+    }
 }
 
 TEST(CompositionRasterizer, DrawsTheSameWhateverTheThreads) {

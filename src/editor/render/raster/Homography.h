@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 
 namespace framora::raster {
 
@@ -36,6 +37,7 @@ public:
 
     bool isFinite() const;
     bool isAffine() const { return m_m[6] == 0 && m_m[7] == 0; }
+    bool operator==(const Homography&) const = default;
     double operator()(int row, int column) const { return m_m[std::size_t(row * 3 + column)]; }
 
 private:

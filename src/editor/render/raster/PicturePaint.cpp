@@ -11,35 +11,87 @@ Homography fromSource(PixelView picture, double width, double height, const Homo
            Homography::translation(-picture.width / 2.0, -picture.height / 2.0);
 }
 
-/// The kernel of one axis: source s lies at output s * scale + offset. It covers the picture's own pixels.
-ResampleKernel axisKernel(double scale, double offset, int sourceSize, int outputSize) {
-    const double end = sourceSize * scale + offset;
-    const int first = int(std::clamp(std::floor(offset) - 1, 0.0, double(outputSize)));
-    const int last = int(std::clamp(std::ceil(end) + 1, double(first), double(outputSize)));
+/// The kernel of one axis: source s lies at output s * scale + offset. It covers the picture's own pixels in
+/// the `size` outputs from `start`.
+ResampleKernel axisKernel(double scale, double offset, int sourceSize, int start, int size) {
+    const double end = double(start) + size;
+    const int first = int(std::clamp(std::floor(offset) - 1, double(start), end));
+    const int last = int(std::clamp(std::ceil(sourceSize * scale + offset) + 1, double(first), end));
     return ResampleKernel(1 / scale, -offset / scale, sourceSize, first, last);
+}
+
+/// The rectangle that the picture takes, in pixels from the layer's origin; empty when it is much larger than
+/// the output, of which little would be used.
+ShadeCache::Key cacheKey(PixelView picture, const Homography& map, int outputWidth, int outputHeight) {
+    ShadeCache::Key key;
+    key.map = map;
+    double left = 1e9, top = 1e9, right = -1e9, bottom = -1e9;
+    for (const int x : {0, picture.width})
+        for (const int y : {0, picture.height}) {
+            const Vec2 source{double(x), double(y)};
+            if (!(map.depth(source) > 0))
+                return key;
+            const Vec2 corner = map.map(source);
+            left = std::min(left, corner.x);
+            right = std::max(right, corner.x);
+            top = std::min(top, corner.y);
+            bottom = std::max(bottom, corner.y);
+        }
+    constexpr double largest = 2; // of the output's area
+    if (!((right - left + 4) * (bottom - top + 4) <= largest * outputWidth * outputHeight))
+        return key;
+    if (!(std::abs(left) < 1e8 && std::abs(top) < 1e8))
+        return key;
+    key.left = int(std::floor(left)) - 1;
+    key.top = int(std::floor(top)) - 1;
+    key.width = int(std::ceil(right)) + 1 - key.left;
+    key.height = int(std::ceil(bottom)) + 1 - key.top;
+    return key;
 }
 
 } // namespace
 
 PicturePaint::PicturePaint(std::shared_ptr<const PicturePyramid> picture, double width, double height,
-                           const Homography& toOutput, int outputWidth, int outputHeight)
-    : m_picture(std::move(picture)),
-      m_projective(*m_picture, fromSource(m_picture->picture(), width, height, toOutput).inverse()) {
+                           const Placement& placement, int outputWidth, int outputHeight, ShadeCache* cache)
+    : m_picture(std::move(picture)), m_originX(placement.originX), m_originY(placement.originY),
+      m_projective(*m_picture,
+                   fromSource(m_picture->picture(), width, height, placement.toOutput).inverse()) {
     const PixelView pixels = m_picture->picture();
-    const Homography map = fromSource(pixels, width, height, toOutput);
+    const Homography map = fromSource(pixels, width, height, placement.toOutput);
     const bool isUpright = map.isAffine() && map(0, 1) == 0 && map(1, 0) == 0 && map(2, 2) == 1;
+    // The pixels that may be asked for: those of the output, or all that are kept.
+    ShadeCache::Key region = cacheKey(pixels, map, outputWidth, outputHeight);
+    if (cache && cache->begin(region)) {
+        m_cache = cache;
+    } else {
+        region.left = -m_originX;
+        region.top = -m_originY;
+        region.width = outputWidth;
+        region.height = outputHeight;
+    }
     if (isUpright && map(0, 0) > 0 && map(1, 1) > 0)
-        m_separable.emplace(pixels, axisKernel(map(0, 0), map(0, 2), pixels.width, outputWidth),
-                            axisKernel(map(1, 1), map(1, 2), pixels.height, outputHeight));
+        m_separable.emplace(pixels, axisKernel(map(0, 0), map(0, 2), pixels.width, region.left, region.width),
+                            axisKernel(map(1, 1), map(1, 2), pixels.height, region.top, region.height));
 }
 
-void PicturePaint::shade(int x, int y, int count, Float4* out) const {
+void PicturePaint::filter(int x, int y, int count, Float4* out) const {
     if (m_separable)
         m_separable->read(x, y, count, out);
     else
         m_projective.read(x, y, count, out);
     for (int i = 0; i < count; ++i)
         out[i] *= splat(1.0f / 255);
+}
+
+void PicturePaint::shade(int x, int y, int count, Float4* out) const {
+    x -= m_originX;
+    y -= m_originY;
+    if (m_cache)
+        m_cache->read(x, y, count, out, [this](int fromX, int fromY, int length, Float4* colors) {
+            filter(fromX, fromY, length, colors);
+        });
+    else
+        filter(x, y, count, out);
 }
 
 } // namespace framora::raster

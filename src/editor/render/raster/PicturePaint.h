@@ -2,8 +2,10 @@
 
 #include "editor/render/raster/Paint.h"
 #include "editor/render/raster/PicturePyramid.h"
+#include "editor/render/raster/Placement.h"
 #include "editor/render/raster/ProjectiveSampler.h"
 #include "editor/render/raster/SeparableSampler.h"
+#include "editor/render/raster/ShadeCache.h"
 
 #include <memory>
 #include <optional>
@@ -14,18 +16,25 @@ namespace framora::raster {
 /// repeats: what shows where is the layer's shape alone.
 class PicturePaint : public Paint {
 public:
-    /// The rectangle is `width` x `height` points; `toOutput` maps points to output pixels, of which there
-    /// are `outputWidth` x `outputHeight`.
+    /// The rectangle is `width` x `height` points; the output has `outputWidth` x `outputHeight` pixels. With
+    /// a `cache`, which is this picture's own and lives as long as the paint, each row is shaded by one
+    /// thread at a time.
     PicturePaint(std::shared_ptr<const PicturePyramid> picture, double width, double height,
-                 const Homography& toOutput, int outputWidth, int outputHeight);
+                 const Placement& placement, int outputWidth, int outputHeight, ShadeCache* cache = nullptr);
 
     void shade(int x, int y, int count, Float4* out) const override;
     bool isOpaque() const override { return m_picture->isOpaque(); }
 
 private:
+    /// The same from the layer's origin.
+    void filter(int x, int y, int count, Float4* out) const;
+
     std::shared_ptr<const PicturePyramid> m_picture;
+    int m_originX;
+    int m_originY;
     ProjectiveSampler m_projective;
     std::optional<SeparableSampler> m_separable;
+    ShadeCache* m_cache = nullptr;
 };
 
 } // namespace framora::raster

@@ -111,6 +111,7 @@ std::vector<Vec2> RoundedRect::outline(const Placement& placement) const {
         polygon = clipped(polygon, projection);
     for (Vec2& point : polygon) {
         point = placement.toOutput.map(point);
+        point = {point.x + placement.originX, point.y + placement.originY};
         if (!std::isfinite(point.x) || !std::isfinite(point.y))
             return {};
     }

@@ -20,8 +20,8 @@ struct RoundedRect {
     double cornerExponent() const;
     /// Whether a point lies inside.
     bool contains(Vec2 point) const;
-    /// The outline as a closed convex polygon in output pixels, within a hundredth of a pixel of the curve.
-    /// What does not lie in front of the eye is cut off; empty when nothing is left or a number is not
+    /// The outline as a closed convex polygon in the output's pixels, within a hundredth of a pixel of the
+    /// curve. What does not lie in front of the eye is cut off; empty when nothing is left or a number is not
     /// finite.
     std::vector<Vec2> outline(const Placement& placement) const;
 };
