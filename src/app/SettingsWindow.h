@@ -1,0 +1,21 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+namespace framora {
+
+/// The settings window, while it is open; destroying it closes it.
+class SettingsWindow {
+public:
+    virtual ~SettingsWindow() = default;
+    virtual void center() = 0;
+    virtual void makeKeyAndOrderFront() = 0;
+};
+
+/// Builds the window with its content. `onWillClose` runs in a later turn of the event loop when the user
+/// closes it.
+using SettingsWindowFactory =
+    std::function<std::unique_ptr<SettingsWindow>(std::function<void()> onWillClose)>;
+
+} // namespace framora

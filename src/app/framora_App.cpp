@@ -1,0 +1,100 @@
+#include "app/framora_App.h"
+
+#include "app/AppDelegate.h"
+#include "app/PreferencesWindow.h"
+#include "editor/window/ScreenshotEditorWindow.h"
+#include "feedback/SoundManager.h"
+#include "platform/desktop/DesktopAppearance.h"
+#include "platform/desktop/FileResourceBundle.h"
+#include "platform/desktop/JsonFileDefaults.h"
+#include "platform/desktop/ProcessCaptureTool.h"
+#include "platform/desktop/PulseSoundOutput.h"
+#include "platform/desktop/QtFilePanels.h"
+#include "platform/desktop/QtMainQueue.h"
+#include "platform/desktop/SystemClock.h"
+#include "platform/desktop/TerminationSignals.h"
+#include "platform/desktop/TrayStatusBar.h"
+#include "platform/x11/X11Application.h"
+#include "platform/x11/X11KeyMonitors.h"
+#include "platform/x11/X11Pasteboard.h"
+#include "platform/x11/X11Permissions.h"
+#include "platform/x11/X11Screens.h"
+#include "platform/x11/X11ToastPanels.h"
+
+#include <QQuickView>
+
+namespace framora {
+
+/// The real parts, in the order in which they need one another.
+struct framora_App::Desktop {
+    CommandGate gate;
+    NotificationCenter notifications;
+    SystemClock clock;
+    QtMainQueue mainQueue{gate};
+    JsonFileDefaults defaults{JsonFileDefaults::defaultPath()};
+    FileResourceBundle resources;
+    QtFilePanels filePanels;
+    DesktopAppearance appearance{notifications};
+    PulseSoundOutput soundOutput;
+    X11Connection connection;
+    X11KeyMonitors keyMonitors{connection, gate};
+    X11Pasteboard pasteboard{connection};
+    X11Screens screens{connection};
+    X11Permissions permissions{keyMonitors};
+    X11Application application{connection, notifications};
+    X11ToastPanels toastPanels{mainQueue};
+    ProcessCaptureTool captureTool{gate, ProcessCaptureTool::defaultExecutable()};
+    TrayStatusBar statusBar{gate, appearance, notifications};
+    TerminationSignals terminationSignals;
+
+    ToastServices toastServices() {
+        return {mainQueue, toastPanels, screens, appearance, [](const QImage& image) { openEditor(image); }};
+    }
+
+    ScreenshotEditorWindow::Services editorServices() {
+        return {
+            mainQueue,   clock,         filePanels,
+            resources,   notifications, pasteboard,
+            application, appearance,    [this] { return std::make_unique<ToastManager>(toastServices()); }};
+    }
+
+    static void openEditor(const QImage& image) {
+        auto& editor = ScreenshotEditorWindow::shared();
+        if (editor.editorWindow())
+            editor.close();
+        editor.setClosing(false);
+        editor.open(image);
+    }
+};
+
+framora_App::framora_App() : m_desktop(std::make_unique<Desktop>()) {
+    Desktop& desktop = *m_desktop;
+    SoundManager::setSharedOutput(desktop.soundOutput);
+    ScreenshotEditorWindow::provide([&desktop] { return desktop.editorServices(); });
+    _appDelegate = std::make_unique<AppDelegate>(AppServices{
+        desktop.mainQueue, desktop.clock, desktop.notifications, desktop.defaults, desktop.keyMonitors,
+        desktop.pasteboard, desktop.captureTool, desktop.statusBar, desktop.permissions, desktop.application,
+        SoundManager::shared(), desktop.toastServices(), [&desktop](std::function<void()> onWillClose) {
+            return std::make_unique<PreferencesWindow>(Settings::load(desktop.defaults),
+                                                       std::move(onWillClose));
+        }});
+}
+
+framora_App::~framora_App() = default;
+
+void framora_App::launch() {
+    _appDelegate->applicationDidFinishLaunching();
+}
+
+void framora_App::raiseWindows() {
+    if (_appDelegate->settingsWindow())
+        _appDelegate->openSettings();
+    if (auto* editor = ScreenshotEditorWindow::shared().editorWindow()) {
+        editor->show();
+        editor->raise();
+        editor->requestActivate();
+        m_desktop->application.activate();
+    }
+}
+
+} // namespace framora
