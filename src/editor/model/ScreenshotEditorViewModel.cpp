@@ -13,6 +13,7 @@
 #include "platform/ResourceBundle.h"
 
 #include <QFileInfo>
+#include <QPointer>
 #include <algorithm>
 #include <cmath>
 #include <tuple>
@@ -264,8 +265,10 @@ void ScreenshotEditorViewModel::chooseBackgroundImage() {
     static const QStringList types{QStringLiteral("image/*"), QStringLiteral("image/jpeg"),
                                    QStringLiteral("image/png"), QStringLiteral("image/heic"),
                                    QStringLiteral("image/tiff")};
+    const QPointer self(this);
     const auto url = m_services.filePanels.openFile(QStringLiteral("Select an image for background"), types);
-    if (!url)
+    // The panel serves the program's other windows, so the editor may have been closed meanwhile.
+    if (!self || !url)
         return;
     const QImage image = BackgroundDecoder::decode(*url);
     if (image.isNull())
@@ -354,17 +357,21 @@ void ScreenshotEditorViewModel::saveImage() {
     const QImage image = renderFinalImage();
     if (image.isNull())
         return;
+    // The panel serves the program's other windows: this model may be gone when it returns, and the user's
+    // choice still counts.
+    const auto encode = m_services.encodePng;
+    const auto showToast = m_services.showToast;
     const auto seconds = static_cast<long long>(std::floor(m_services.clock.secondsSince1970()));
     const auto url = m_services.filePanels.savePng(QStringLiteral("screenshot_%1.png").arg(seconds));
     if (!url)
         return;
-    const QByteArray png = m_services.encodePng(image);
+    const QByteArray png = encode(image);
     // A failed write leaves what was there; it is not reported.
     if (!png.isEmpty())
         writeFileAtomically(url->toLocalFile(), png);
     // Follows any confirmed panel, whether a file was written or not.
-    if (m_services.showToast)
-        m_services.showToast(QStringLiteral("Saved"), QStringLiteral("checkmark.circle.fill"), true);
+    if (showToast)
+        showToast(QStringLiteral("Saved"), QStringLiteral("checkmark.circle.fill"), true);
 }
 
 void ScreenshotEditorViewModel::mergeWallpapers(const std::vector<Wallpaper>& wallpapers) {

@@ -7,9 +7,15 @@ Column {
 
     required property ScreenshotEditorViewModel viewModel
     required property ColorPanelBridge colorPanel
+    signal importRequested
 
     spacing: 22
 
-    BackgroundSection { width: parent.width; viewModel: panel.viewModel; colorPanel: panel.colorPanel }
+    BackgroundSection {
+        width: parent.width
+        viewModel: panel.viewModel
+        colorPanel: panel.colorPanel
+        onImportRequested: panel.importRequested()
+    }
     EffectsSection { width: parent.width; viewModel: panel.viewModel }
 }

@@ -7,6 +7,7 @@ Section {
 
     required property ScreenshotEditorViewModel viewModel
     required property ColorPanelBridge colorPanel
+    signal importRequested
 
     title: Strings.localized("background")
 
@@ -31,5 +32,5 @@ Section {
     }
     Component { id: color; ColorBackground { width: kind.width; viewModel: section.viewModel; colorPanel: section.colorPanel } }
     Component { id: gradient; GradientEditor { width: kind.width; viewModel: section.viewModel; colorPanel: section.colorPanel } }
-    Component { id: image; WallpaperGrid { width: kind.width; viewModel: section.viewModel } }
+    Component { id: image; WallpaperGrid { width: kind.width; viewModel: section.viewModel; onImportRequested: section.importRequested() } }
 }

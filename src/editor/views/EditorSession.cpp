@@ -3,6 +3,8 @@
 #include "editor/model/ScreenshotEditorViewModel.h"
 #include "platform/Notifications.h"
 
+#include <QPointer>
+
 namespace framora {
 
 EditorSession::EditorSession(std::unique_ptr<ScreenshotEditorViewModel> viewModel,
@@ -29,7 +31,14 @@ void EditorSession::copy() {
 }
 
 void EditorSession::triggerToolbarItem(const QString& identifier) {
-    m_actions.onToolbarItem(identifier);
+    m_actions.later([act = m_actions.onToolbarItem, identifier] { act(identifier); });
+}
+
+void EditorSession::importBackgroundImage() {
+    m_actions.later([model = QPointer(m_viewModel.get())] {
+        if (model)
+            model->chooseBackgroundImage();
+    });
 }
 
 void EditorSession::close() {

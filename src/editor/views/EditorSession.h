@@ -34,6 +34,9 @@ public:
         std::function<void()> onClose;
         /// Carries out a toolbar item's action, by the item's identifier.
         std::function<void(const QString&)> onToolbarItem;
+        /// Runs work in a later turn of the event loop: what opens a modal panel must not do so out of a
+        /// view's own handler, which may be gone when the panel returns.
+        std::function<void(std::function<void()>)> later;
     };
 
     /// `toolbarItems`: maps with "identifier" (empty for a space, "flexible" for the flexible one), "label",
@@ -50,6 +53,7 @@ public:
     void endObserving() { m_observers.clear(); }
 
     Q_INVOKABLE void triggerToolbarItem(const QString& identifier);
+    Q_INVOKABLE void importBackgroundImage();
     Q_INVOKABLE void close();
     Q_INVOKABLE void miniaturize();
     Q_INVOKABLE void zoomWindow();

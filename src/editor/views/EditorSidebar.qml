@@ -50,9 +50,22 @@ Rectangle {
             sourceComponent: [appearance, background, layout][sidebar.session.selectedTab]
             onLoaded: flickable.contentY = 0
         }
-        Component { id: appearance; AppearancePanel { viewModel: sidebar.session.viewModel; colorPanel: sidebar.session.colorPanel } }
-        Component { id: background; BackgroundPanel { viewModel: sidebar.session.viewModel; colorPanel: sidebar.session.colorPanel } }
-        Component { id: layout; LayoutPanel { viewModel: sidebar.session.viewModel } }
+        Component {
+            id: appearance
+            AppearancePanel { viewModel: sidebar.session.viewModel; colorPanel: sidebar.session.colorPanel }
+        }
+        Component {
+            id: background
+            BackgroundPanel {
+                viewModel: sidebar.session.viewModel
+                colorPanel: sidebar.session.colorPanel
+                onImportRequested: sidebar.session.importBackgroundImage()
+            }
+        }
+        Component {
+            id: layout
+            LayoutPanel { viewModel: sidebar.session.viewModel }
+        }
     }
     // Where the panel stands, while it is longer than its room.
     Rectangle {

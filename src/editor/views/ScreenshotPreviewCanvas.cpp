@@ -69,10 +69,11 @@ void ScreenshotPreviewCanvas::loadBackground() {
 
 bool ScreenshotPreviewCanvas::isOverScreenshot(QPointF position) const {
     const QSizeF size = pointSize(m_image);
-    const auto placement = screenshotPlacement(size, m_config, {});
+    const auto placement = screenshotPlacement(size, m_config);
     if (!placement)
         return false;
-    const QPointF point = (position - canvasCentre()) / zoomFactor();
+    const QPointF offset(m_config.screenshotOffset.width, m_config.screenshotOffset.height);
+    const QPointF point = (position - canvasCentre()) / zoomFactor() - offset;
     const raster::Homography reverse = placement->toOutput.inverse();
     const raster::Vec2 inLayer = reverse.map({point.x(), point.y()});
     const double margin = mockupPadding(m_config);

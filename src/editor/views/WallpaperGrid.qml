@@ -7,6 +7,7 @@ Column {
     id: editor
 
     required property ScreenshotEditorViewModel viewModel
+    signal importRequested
 
     spacing: 14
 
@@ -57,6 +58,6 @@ Column {
         width: parent.width
         text: Strings.localized("import.image")
         symbol: "plus.circle.fill"
-        onClicked: editor.viewModel.chooseBackgroundImage()
+        onClicked: editor.importRequested()
     }
 }

@@ -115,6 +115,7 @@ void ScreenshotEditorWindow::open(const QImage& image) {
                 if (self)
                     self->performToolbarItem(identifier);
             },
+            [&queue = m_services.mainQueue](std::function<void()> work) { queue.async(std::move(work)); },
         });
 
     m_editorWindow = std::make_unique<QQuickView>();

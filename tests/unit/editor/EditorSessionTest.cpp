@@ -19,7 +19,8 @@ public:
             makeModel(image), notifications, QVariantList(),
             EditorSession::Actions{[this](const QImage& copiedImage) { copied.append(copiedImage); },
                                    [this] { ++closeCount; },
-                                   [this](const QString& identifier) { triggered.append(identifier); }});
+                                   [this](const QString& identifier) { triggered.append(identifier); },
+                                   [this](std::function<void()> work) { queue.async(std::move(work)); }});
     }
     ScreenshotEditorViewModel& model() { return *session->viewModel(); }
 
@@ -82,9 +83,24 @@ TEST_F(Session, PostsTheWindowsCommands) {
     session->zoomWindow();
     session->close();
     session->triggerToolbarItem(u"CopyItem"_qs);
+    EXPECT_TRUE(triggered.isEmpty()) << "not out of a view's own handler";
+    queue.runPending();
     EXPECT_EQ(posted, (QStringList{u"minimize"_qs, u"zoom"_qs}));
     EXPECT_EQ(closeCount, 1);
     EXPECT_EQ(triggered, QStringList{u"CopyItem"_qs});
+}
+
+TEST_F(Session, ImportsInALaterTurnUnlessTheEditorIsGoneByThen) {
+    panels.answer = QUrl::fromLocalFile(writePicture(u"sea.png"_qs, picture(10, 10)));
+    session->importBackgroundImage();
+    EXPECT_TRUE(model().wallpaperImages().empty());
+    queue.runPending();
+    EXPECT_EQ(model().wallpaperImages().size(), 1U);
+    panels.openMessage.clear();
+    session->importBackgroundImage();
+    session.reset();
+    queue.runPending();
+    EXPECT_TRUE(panels.openMessage.isEmpty());
 }
 
 TEST_F(Session, TheColourPanelOpensOnWhiteForAClearColour) {

@@ -20,15 +20,20 @@ public:
     std::optional<QUrl> openFile(const QString& message, const QStringList& mimeTypes) override {
         openMessage = message;
         openTypes = mimeTypes;
+        if (whileOpen)
+            whileOpen();
         return answer;
     }
     std::optional<QUrl> savePng(const QString& name) override {
         ++saveCount;
         proposedName = name;
+        if (whileOpen)
+            whileOpen();
         return answer;
     }
 
     std::optional<QUrl> answer;
+    std::function<void()> whileOpen; ///< What happens elsewhere in the program while the dialog is up.
     QString openMessage;
     QStringList openTypes;
     QString proposedName;

@@ -239,6 +239,33 @@ TEST_F(EditorWindow, TheSavedToastOutlivesTheWindow) {
     EXPECT_EQ(frontToast(), QStringLiteral("Saved|checkmark.circle.fill|1"));
 }
 
+TEST_F(EditorWindow, ASaveDialogOutlivesItsEditor) {
+    editor.open(picture(60, 40));
+    panels.answer = QUrl::fromLocalFile(files.filePath(QStringLiteral("out.png")));
+    panels.whileOpen = [this] {
+        editor.close();
+        serveDeletions();
+        editor.open(picture(30, 20));
+    };
+    editor.toolbarSaveAction();
+    EXPECT_EQ(QImage(panels.answer->toLocalFile()).size(), QSize(440, 400))
+        << "the picture it was opened for";
+    EXPECT_EQ(frontToast(), QStringLiteral("Saved|checkmark.circle.fill|1"));
+    EXPECT_NE(editor.editorWindow(), nullptr);
+}
+
+TEST_F(EditorWindow, AnImportDialogOutlivesItsEditor) {
+    editor.open(picture(60, 40));
+    panels.answer = QUrl::fromLocalFile(writePicture(QStringLiteral("sea.png"), picture(10, 10)));
+    panels.whileOpen = [this] {
+        editor.close();
+        serveDeletions();
+    };
+    session().importBackgroundImage();
+    queue.runPending();
+    EXPECT_EQ(editor.editorWindow(), nullptr);
+}
+
 TEST_F(EditorWindow, ItsCommandsMinimiseAndZoomTheWindow) {
     notifications.post(notifications::editorMiniaturize);
     editor.open(picture(60, 40));
