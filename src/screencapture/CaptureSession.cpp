@@ -155,6 +155,12 @@ CaptureSession::Outcome CaptureSession::loop() {
             continue;
         }
         xcb_flush(m_connection);
+        // Writing may have read events, which then wake no poll.
+        if (const XReply<xcb_generic_event_t> event{xcb_poll_for_queued_event(m_connection)}) {
+            if (const auto outcome = handle(*event))
+                return *outcome;
+            continue;
+        }
         pollfd waiting{m_connection.fileDescriptor(), POLLIN, 0};
         poll(&waiting, 1, m_clicked ? kRepaintPoll : -1);
     }

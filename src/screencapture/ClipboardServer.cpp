@@ -26,10 +26,12 @@ XReply<Reply> replyOf(xcb_connection_t* c, Cookie cookie,
 
 } // namespace
 
-ClipboardServer::ClipboardServer(xcb_connection_t* connection, std::vector<uint8_t> png)
+ClipboardServer::ClipboardServer(xcb_connection_t* connection, std::vector<uint8_t> png,
+                                 std::chrono::milliseconds patience)
     : m_connection(connection), m_png(std::move(png)),
       m_partBytes(
-          std::min(kMostPartBytes, std::size_t{xcb_get_maximum_request_length(connection)} * 4 - 128)) {}
+          std::min(kMostPartBytes, std::size_t{xcb_get_maximum_request_length(connection)} * 4 - 128)),
+      m_patience(patience) {}
 
 bool ClipboardServer::internAtoms() {
     struct Entry {
@@ -99,6 +101,11 @@ void ClipboardServer::run() {
         if (!m_owner && m_transfers.empty())
             return;
         xcb_flush(m_connection);
+        // Writing may have read events, which then wake no poll.
+        if (const XReply<xcb_generic_event_t> event{xcb_poll_for_queued_event(m_connection)}) {
+            handle(*event);
+            continue;
+        }
         pollfd waiting{xcb_get_file_descriptor(m_connection), POLLIN, 0};
         poll(&waiting, 1, waitTime());
     }
@@ -222,7 +229,7 @@ void ClipboardServer::writePicture(xcb_window_t requestor, xcb_atom_t property) 
     xcb_change_window_attributes(m_connection, requestor, XCB_CW_EVENT_MASK, &events);
     const auto size = static_cast<uint32_t>(m_png.size());
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, requestor, property, m_atoms.incr, 32, 1, &size);
-    m_transfers.push_back({requestor, property, 0, Clock::now() + kPatience});
+    m_transfers.push_back({requestor, property, 0, Clock::now() + m_patience});
 }
 
 bool ClipboardServer::sendPart(ClipboardTransfer& transfer) {
@@ -231,7 +238,7 @@ bool ClipboardServer::sendPart(ClipboardTransfer& transfer) {
     xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, transfer.requestor, transfer.property,
                         m_atoms.png, 8, static_cast<uint32_t>(count), m_png.data() + transfer.sent);
     transfer.sent += count;
-    transfer.deadline = Clock::now() + kPatience;
+    transfer.deadline = Clock::now() + m_patience;
     return count == 0;
 }
 

@@ -14,17 +14,16 @@ namespace framora {
 /// parts.
 class ClipboardServer {
 public:
-    /// `png` is kept; the connection belongs to the caller and outlives the server.
-    ClipboardServer(xcb_connection_t* connection, std::vector<uint8_t> png);
+    /// `png` is kept; the connection belongs to the caller and outlives the server. A client that takes
+    /// nothing for as long as `patience` is given up.
+    ClipboardServer(xcb_connection_t* connection, std::vector<uint8_t> png,
+                    std::chrono::milliseconds patience = std::chrono::seconds(10));
 
     /// Takes the clipboard. False when it could not be taken within two seconds.
     bool own();
     /// Serves until another client owns the clipboard and what was under way has been taken, or until the
     /// connection is lost.
     void run();
-
-    /// A client that takes nothing for so long is given up.
-    static constexpr std::chrono::seconds kPatience{10};
 
 private:
     using Clock = std::chrono::steady_clock;
@@ -64,6 +63,7 @@ private:
     xcb_timestamp_t m_since = XCB_CURRENT_TIME;
     bool m_owner = false;
     std::size_t m_partBytes;
+    std::chrono::milliseconds m_patience;
     std::vector<ClipboardTransfer> m_transfers;
 };
 

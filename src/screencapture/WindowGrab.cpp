@@ -9,8 +9,16 @@ namespace framora {
 
 namespace {
 
-// A program that has painted and then paused for this long has finished repainting.
+// A program that has painted most of what was missing, and then paused for so long, has finished.
 constexpr std::chrono::milliseconds kQuiet{60};
+constexpr long kMostOf = 5; // all but a fifth: a frame's plain parts are painted by the server itself
+
+long pixelsOf(const std::vector<Rect>& rects) {
+    long pixels = 0;
+    for (const Rect& r : rects)
+        pixels += static_cast<long>(r.width) * r.height;
+    return pixels;
+}
 
 void makeOpaque(ServerImage& image) {
     for (int y = 0; y < image.height(); ++y) {
@@ -66,11 +74,14 @@ void WindowGrab::prepare(const WindowList& windows, Clock::time_point now) {
             missing = subtracted(missing, part);
         if (missing.empty())
             continue;
-        Repaint repaint;
-        repaint.damage = xcb_generate_id(m_connection);
-        repaint.last = now;
-        xcb_damage_create(m_connection, repaint.damage, window.window, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
-        m_repaints.emplace(window.window, repaint);
+        // Every pixel that is painted is reported once. The first report is of the whole window as it is.
+        const xcb_damage_damage_t damage = xcb_generate_id(m_connection);
+        xcb_damage_create(m_connection, damage, window.window, XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
+        const auto cookie = xcb_damage_subtract(m_connection, damage, XCB_NONE, XCB_NONE);
+        const long pixels = pixelsOf(missing);
+        m_repaints.emplace(
+            window.window,
+            Repaint{{window.outer.x, window.outer.y}, std::move(missing), pixels, cookie.sequence, now});
     }
     if (focus && focus->focus > XCB_INPUT_FOCUS_POINTER_ROOT)
         xcb_set_input_focus(m_connection, focus->revert_to, focus->focus, XCB_CURRENT_TIME);
@@ -81,11 +92,13 @@ bool WindowGrab::handleEvent(const xcb_generic_event_t& event, Clock::time_point
         return false;
     const auto& damage = reinterpret_cast<const xcb_damage_notify_event_t&>(event);
     const auto it = m_repaints.find(damage.drawable);
-    if (it != m_repaints.end()) {
-        it->second.seen = true;
-        it->second.last = now;
-    }
-    xcb_damage_subtract(m_connection, damage.damage, XCB_NONE, XCB_NONE); // so that the next one is told
+    if (it == m_repaints.end() || static_cast<int>(event.full_sequence - it->second.since) <= 0)
+        return true;
+    Repaint& repaint = it->second;
+    repaint.last = now;
+    repaint.missing =
+        subtracted(repaint.missing, {repaint.origin.x + damage.area.x, repaint.origin.y + damage.area.y,
+                                     damage.area.width, damage.area.height});
     return true;
 }
 
@@ -93,7 +106,8 @@ bool WindowGrab::ready(xcb_window_t window, Clock::time_point now) const {
     const auto it = m_repaints.find(window);
     if (it == m_repaints.end() || now - m_preparedAt >= kLongestWait)
         return true;
-    return it->second.seen && now - it->second.last >= kQuiet;
+    const Repaint& repaint = it->second;
+    return pixelsOf(repaint.missing) * kMostOf <= repaint.missingAtFirst && now - repaint.last >= kQuiet;
 }
 
 std::unique_ptr<ServerImage> WindowGrab::named(const TopLevel& window) const {

@@ -36,9 +36,12 @@ public:
     static constexpr std::chrono::milliseconds kLongestWait{700};
 
 private:
+    /// What a program has still to paint of its window since the redirection.
     struct Repaint {
-        xcb_damage_damage_t damage = XCB_NONE;
-        bool seen = false;
+        Point origin;              // of the window
+        std::vector<Rect> missing; // root coordinates
+        long missingAtFirst = 0;   // pixels
+        unsigned since = 0;        // the request whose reports, and earlier ones, mean nothing
         Clock::time_point last;
     };
 
