@@ -1,10 +1,11 @@
-// Opens the editor on a picture, as the program does, and talks to a test over standard input and output.
+// Opens the editor on a picture, as the program does, and tells a test on standard output what happens.
 //
-//   editor_host PICTURE [--dark] [--save-to FILE]
+//   editor_host PICTURE [--dark] [--commands FIFO]
 //
-// Commands: "where NAME" (the item's frame in the window), "open PICTURE", "close", "dark", "light", "frame
-// FILE" (the preview as drawn), "final FILE" (what Copy and Save give), "count" (live windows), "quit". Every
-// line printed is one event or answer.
+// Commands come a line each from the named pipe: "where NAME" (the item's frame in the window), "open
+// PICTURE", "close", "dark", "light", "frame FILE" (the preview as drawn), "final FILE" (what Copy and Save
+// give), "count" (live windows), "pass" (answers when every motion has ended), "quit". Every line printed is
+// one event or answer.
 
 #include "desktop/editor/EditorHostServices.h"
 #include "editor/model/ScreenshotEditorViewModel.h"
@@ -18,11 +19,14 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QMetaProperty>
 #include <QQuickItem>
 #include <QQuickView>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <cstdio>
+#include <fcntl.h>
 #include <unistd.h>
 
 using namespace framora;
@@ -99,6 +103,9 @@ int main(int argc, char** argv) {
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QCommandLineParser parser;
     parser.addOption({QStringLiteral("dark"), QStringLiteral("Dark appearance.")});
+    const QCommandLineOption commands(QStringLiteral("commands"), QStringLiteral("Where commands come from."),
+                                      QStringLiteral("fifo"));
+    parser.addOption(commands);
     parser.addPositionalArgument(QStringLiteral("picture"), QStringLiteral("What to edit."));
     parser.process(application);
 
@@ -151,6 +158,9 @@ int main(int argc, char** argv) {
             QCoreApplication::quit();
         } else if (!window) {
             say(QStringLiteral("no-window"));
+        } else if (command == u"pass") {
+            // Longer than any motion of the views.
+            QTimer::singleShot(250, [] { say(QStringLiteral("passed")); });
         } else if (command == u"where") {
             const QQuickItem* item = findItem(window->contentItem(), argument);
             say(item ? QStringLiteral("at %1 %2 %3 %4")
@@ -167,11 +177,13 @@ int main(int argc, char** argv) {
             say(image.save(argument) ? QStringLiteral("done") : QStringLiteral("failed"));
         }
     };
-    QSocketNotifier input(STDIN_FILENO, QSocketNotifier::Read);
+    // Opened for writing as well, so that it never ends.
+    const int pipe = ::open(QFile::encodeName(parser.value(commands)).constData(), O_RDWR | O_NONBLOCK);
+    QSocketNotifier input(pipe >= 0 ? pipe : STDIN_FILENO, QSocketNotifier::Read);
     QByteArray pending;
     QObject::connect(&input, &QSocketNotifier::activated, [&] {
         char buffer[4096];
-        const ssize_t count = read(STDIN_FILENO, buffer, sizeof buffer);
+        const ssize_t count = read(int(input.socket()), buffer, sizeof buffer);
         if (count <= 0) {
             input.setEnabled(false);
             return;

@@ -2,107 +2,35 @@
 
 #include "editor/window/ScreenshotEditorWindow.h"
 #include "feedback/ToastManager.h"
-#include "platform/Application.h"
-#include "platform/Clock.h"
-#include "platform/FilePanels.h"
-#include "platform/MainQueue.h"
-#include "platform/Pasteboard.h"
-#include "platform/ResourceBundle.h"
+#include "platform/CommandGate.h"
+#include "platform/NotificationCenter.h"
+#include "platform/desktop/FileResourceBundle.h"
+#include "platform/desktop/QtFilePanels.h"
+#include "platform/desktop/QtMainQueue.h"
+#include "platform/desktop/SystemClock.h"
+#include "platform/x11/X11Application.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Pasteboard.h"
+#include "platform/x11/X11Screens.h"
+#include "platform/x11/X11ToastPanels.h"
 #include "support/FixedAppearance.h"
-#include "support/FixedScreens.h"
-#include "support/RecordingToastPanels.h"
-
-#include <QApplication>
-#include <QClipboard>
-#include <QDateTime>
-#include <QFileDialog>
-#include <QFileInfo>
-#include <QMimeData>
-#include <QTimer>
 
 namespace framora {
 
-class HostQueue final : public MainQueue {
-public:
-    void async(Work work) override { QTimer::singleShot(0, std::move(work)); }
-    std::unique_ptr<WorkItem> after(double seconds, Work work) override {
-        return std::make_unique<Item>(seconds, true, std::move(work));
-    }
-    std::unique_ptr<WorkItem> every(double seconds, Work work) override {
-        return std::make_unique<Item>(seconds, false, std::move(work));
-    }
-
-private:
-    class Item final : public WorkItem {
-    public:
-        Item(double seconds, bool once, Work work) {
-            m_timer.setSingleShot(once);
-            m_timer.callOnTimeout([work = std::move(work)] { work(); });
-            m_timer.start(int(seconds * 1000));
-        }
-        void cancel() override { m_timer.stop(); }
-
-    private:
-        QTimer m_timer;
-    };
-};
-
-class HostClock final : public Clock {
-public:
-    double secondsSince1970() const override { return double(QDateTime::currentMSecsSinceEpoch()) / 1000.0; }
-};
-
-class HostFilePanels final : public FilePanels {
-public:
-    std::optional<QUrl> openFile(const QString& message, const QStringList&) override {
-        const QUrl url = QFileDialog::getOpenFileUrl(nullptr, message);
-        return url.isEmpty() ? std::nullopt : std::optional(url);
-    }
-    std::optional<QUrl> savePng(const QString& name) override {
-        const QUrl url = QFileDialog::getSaveFileUrl(nullptr, {}, QUrl::fromLocalFile(name));
-        return url.isEmpty() ? std::nullopt : std::optional(url);
-    }
-};
-
-class HostResources final : public ResourceBundle {
-public:
-    std::optional<QUrl> url(const QString& name, const QString& type,
-                            const QString& subdirectory) const override {
-        const QString path = QStringLiteral("%1/%2/%3.%4").arg(resourcePath(), subdirectory, name, type);
-        return QFileInfo::exists(path) ? std::optional(QUrl::fromLocalFile(path)) : std::nullopt;
-    }
-    QString resourcePath() const override { return QStringLiteral(FRAMORA_SOURCE_RESOURCES); }
-};
-
-class HostPasteboard final : public Pasteboard {
-public:
-    std::int64_t changeCount() override { return 0; }
-    QImage readImage() override { return {}; }
-    void writePng(const QByteArray& png) override {
-        auto data = std::make_unique<QMimeData>();
-        data->setData(QStringLiteral("image/png"), png);
-        QApplication::clipboard()->setMimeData(data.release());
-    }
-};
-
-class HostApplication final : public Application {
-public:
-    void setActivationPolicy(ActivationPolicy) override {}
-    void activate() override {}
-    void terminate() override { QApplication::quit(); }
-};
-
+/// The real parts that the program gives its editor, but for the appearance, which the test says.
 struct EditorHostServices {
-    HostQueue queue;
-    HostClock clock;
-    HostFilePanels filePanels;
-    HostResources resources;
+    CommandGate gate;
+    QtMainQueue queue{gate};
+    SystemClock clock;
+    QtFilePanels filePanels;
+    FileResourceBundle resources;
     NotificationCenter notifications;
-    HostPasteboard pasteboard;
-    HostApplication application;
+    X11Connection connection;
+    X11Pasteboard pasteboard{connection};
+    X11Application application{connection, notifications};
+    X11Screens screens{connection};
+    X11ToastPanels panels{queue};
     FixedAppearance appearance;
-    FixedScreens screens;
-    RecordingToastPanels panels{queue};
 
     ScreenshotEditorWindow::Services forWindow() {
         return {

@@ -1,0 +1,148 @@
+#pragma once
+
+#include "desktop/support/VirtualDesktop.h"
+
+#include <QColorSpace>
+#include <QFile>
+#include <QPainter>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <utility>
+
+namespace framora {
+
+/// A virtual desktop with an editor on a known picture, operated by pointer and keys alone.
+class EditorDesktop : public testing::Test {
+protected:
+    static DesktopOptions options(QSize size = {1440, 900}) {
+        DesktopOptions options;
+        options.size = size;
+        return options;
+    }
+
+    explicit EditorDesktop(QSize screen = {1440, 900}) : desktop(options(screen)) {
+        picture = QImage(400, 300, QImage::Format_RGB32);
+        picture.fill(QColor(240, 240, 240));
+        QPainter painter(&picture);
+        painter.fillRect(150, 100, 100, 100, QColor(220, 40, 60));
+        painter.end();
+        picturePath = scratch("picture.png");
+        EXPECT_TRUE(picture.save(picturePath));
+    }
+
+    QString scratch(const char* name) const { return desktop.scratchPath() + u'/' + QLatin1String(name); }
+    DesktopDisplay& display() { return desktop.display(); }
+
+    /// Opens the editor and waits until it is fitted and drawn with its background.
+    void open() {
+        const QString pipe = scratch("commands");
+        ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+        commands.setFileName(pipe);
+        host = &desktop.start(QStringLiteral(FRAMORA_EDITOR_HOST),
+                              {picturePath, QStringLiteral("--commands"), pipe});
+        // Opening waits for the reader.
+        ASSERT_TRUE(commands.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+        ASSERT_TRUE(waitForLine("first-frame")) << transcript().toStdString();
+        ASSERT_TRUE(waitForLine("background")) << transcript().toStdString();
+        ASSERT_TRUE(VirtualDesktop::waitFor([&] { return window().has_value(); }));
+        ASSERT_TRUE(VirtualDesktop::waitFor([&] { return display().focusedWindow() == window()->id; }));
+    }
+    std::optional<DesktopWindow> window() {
+        for (const DesktopWindow& each : display().windows())
+            if (each.title == QStringLiteral("Framora") && !each.overrideRedirect)
+                return each;
+        return {};
+    }
+    bool waitForNoWindow() {
+        return VirtualDesktop::waitFor([&] { return !window(); });
+    }
+
+    /// What the host has printed so far.
+    QString transcript() { return QString::fromUtf8(host->output()); }
+    bool waitForLine(const QString& start) {
+        return VirtualDesktop::waitFor([&] { return lastLine(start).has_value(); });
+    }
+    /// The rest of the last line that starts with `start`.
+    std::optional<QString> lastLine(const QString& start) {
+        const QStringList lines = whole().split(u'\n');
+        for (auto line = lines.rbegin(); line != lines.rend(); ++line)
+            if (line->startsWith(start))
+                return line->mid(start.size()).trimmed();
+        return {};
+    }
+    int lineCount(const QString& start) {
+        int count = 0;
+        for (const QString& line : whole().split(u'\n'))
+            count += line.startsWith(start) ? 1 : 0;
+        return count;
+    }
+    /// The field's last reported value; empty before its first change.
+    QString field(const QString& name) {
+        return lastLine(QStringLiteral("set %1 ").arg(name)).value_or(QString());
+    }
+    bool waitForField(const QString& name, const QString& value) {
+        return VirtualDesktop::waitFor([&] { return field(name) == value; }, 5000);
+    }
+
+    /// Gives the host a command and returns the answer that starts with one of its words.
+    QString ask(const QString& command, const QString& answer) {
+        const int before = lineCount(answer);
+        commands.write(command.toUtf8() + '\n');
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] { return lineCount(answer) > before; }))
+            << command.toStdString();
+        return lastLine(answer).value_or(QString());
+    }
+    /// Where a control stands on the screen, once its layout has come to rest.
+    QRect place(const QString& name) {
+        QString found;
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] {
+            const QString before =
+                std::exchange(found, ask(QStringLiteral("where ") + name, QStringLiteral("at ")));
+            if (found == before && found != u"nowhere")
+                return true;
+            ask(QStringLiteral("pass"), QStringLiteral("passed"));
+            return false;
+        })) << name.toStdString();
+        const QStringList numbers = found.split(u' ');
+        if (numbers.size() != 4)
+            return {};
+        return QRectF(numbers[0].toDouble(), numbers[1].toDouble(), numbers[2].toDouble(),
+                      numbers[3].toDouble())
+            .toAlignedRect()
+            .translated(window()->geometry.topLeft());
+    }
+    void click(const QString& name) { display().click(place(name).center()); }
+    /// Presses a slider where `fraction` of its range lies.
+    void clickSlider(const QString& name, double fraction) { display().click(sliderPoint(name, fraction)); }
+    QPoint sliderPoint(const QString& name, double fraction) {
+        const QRect area = place(name + QStringLiteral(".slider"));
+        return {int(area.x() + 8 + fraction * (area.width() - 16)), area.center().y()};
+    }
+    /// What Copy and Save give for the style in force.
+    QImage finalPicture() {
+        const QString path = scratch("final.png");
+        EXPECT_EQ(ask(QStringLiteral("final ") + path, QStringLiteral("done")), QString());
+        return pixels(QImage(path));
+    }
+    /// The bare values: pictures compare unequal when only one of them carries its colour space.
+    static QImage pixels(const QImage& image) {
+        QImage bare = image.convertToFormat(QImage::Format_ARGB32);
+        bare.setColorSpace({});
+        return bare;
+    }
+
+    VirtualDesktop desktop;
+    ChildProcess* host = nullptr;
+    QFile commands;
+    QImage picture;
+    QString picturePath;
+
+private:
+    /// Without a line that is still being written.
+    QString whole() {
+        const QString text = transcript();
+        return text.left(text.lastIndexOf(u'\n') + 1);
+    }
+};
+
+} // namespace framora
