@@ -4,10 +4,15 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <nlohmann/json.hpp>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace framora {
 
@@ -15,13 +20,31 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-/// An empty object for a file that is missing or damaged.
-Json readObject(const QString& path) {
+constexpr int lockAttempts = 50;
+constexpr std::chrono::milliseconds lockPause{10};
+
+class FileDescriptor {
+public:
+    explicit FileDescriptor(int value) : m_value(value) {}
+    ~FileDescriptor() { close(); }
+    FileDescriptor(const FileDescriptor&) = delete;
+    FileDescriptor& operator=(const FileDescriptor&) = delete;
+
+    bool isOpen() const { return m_value >= 0; }
+    int value() const { return m_value; }
+    bool close() { return m_value < 0 || ::close(std::exchange(m_value, -1)) == 0; }
+
+private:
+    int m_value;
+};
+
+/// An empty object for a file that is missing or damaged; nothing for one that must not be read.
+std::optional<Json> readObject(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return Json::object();
+        return file.exists() ? std::nullopt : std::optional(Json::object());
     Json object = Json::parse(file.readAll().toStdString(), nullptr, false);
-    return object.is_object() ? object : Json::object();
+    return object.is_object() ? std::move(object) : Json::object();
 }
 
 bool writeAll(int descriptor, const std::string& bytes) {
@@ -37,23 +60,50 @@ bool writeAll(int descriptor, const std::string& bytes) {
     return true;
 }
 
+/// Keeps other savers of the folder's files away until the folder is closed. A saver that is killed gives way
+/// at once; one that hangs is not waited for. True too where the file system knows no locks.
+bool lockFolder(int folder) {
+    for (int attempt = 0; attempt < lockAttempts; ++attempt) {
+        if (flock(folder, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+            return true;
+        std::this_thread::sleep_for(lockPause);
+    }
+    return false;
+}
+
 /// Writes beside the file and moves the whole over it. The name beside it is always the same, so that what a
-/// killed process left there is written over by the next.
-bool replaceFile(const QString& path, const std::string& bytes) {
+/// killed process left there goes with the next save; the folder's lock keeps it to one saver.
+bool replaceFile(const QString& path, int folder, const std::string& bytes) {
     const QByteArray target = QFile::encodeName(path);
     const QByteArray beside = target + ".new";
     struct stat old {};
     const mode_t mode = stat(target.constData(), &old) == 0 ? old.st_mode & 07777 : 0600;
     unlink(beside.constData());
-    const int descriptor = open(beside.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-    if (descriptor < 0)
+    FileDescriptor file(open(beside.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!file.isOpen())
         return false;
-    const bool whole = writeAll(descriptor, bytes) && fsync(descriptor) == 0;
-    const bool closed = close(descriptor) == 0;
-    if (whole && closed && rename(beside.constData(), target.constData()) == 0)
+    const bool whole =
+        writeAll(file.value(), bytes) && fchmod(file.value(), mode) == 0 && fsync(file.value()) == 0;
+    if (file.close() && whole && rename(beside.constData(), target.constData()) == 0) {
+        // The new name lasts too; where a folder cannot be synced, it is in place all the same.
+        fsync(folder);
         return true;
+    }
     unlink(beside.constData());
     return false;
+}
+
+/// The file that the path stands for: a link to a file kept elsewhere stays a link, also before the file is
+/// there.
+QString linkTarget(QString path) {
+    constexpr int longestChain = 40; // The kernel's own limit.
+    for (int links = 0; links < longestChain; ++links) {
+        const QFileInfo file(path);
+        if (!file.isSymLink())
+            return path;
+        path = file.symLinkTarget();
+    }
+    return path;
 }
 
 } // namespace
@@ -64,9 +114,11 @@ QString JsonFileDefaults::defaultPath() {
 }
 
 std::optional<std::string> JsonFileDefaults::dataForKey(const std::string& key) const {
-    const Json object = readObject(m_path);
-    const auto member = object.find(key);
-    if (member == object.end())
+    const auto object = readObject(m_path);
+    if (!object)
+        return std::nullopt;
+    const auto member = object->find(key);
+    if (member == object->end())
         return std::nullopt;
     return member->dump();
 }
@@ -75,14 +127,19 @@ bool JsonFileDefaults::setData(const std::string& key, const std::string& json) 
     Json value = Json::parse(json, nullptr, false);
     if (value.is_discarded())
         return false;
-    // A link to a file kept elsewhere stays a link.
-    const QFileInfo file(m_path);
-    const QString path = file.exists() ? file.canonicalFilePath() : m_path;
-    if (!QDir().mkpath(QFileInfo(path).path()))
+    const QString path = linkTarget(m_path);
+    const QString folderPath = QFileInfo(path).absolutePath();
+    if (!QDir().mkpath(folderPath))
         return false;
-    Json object = readObject(path);
-    object[key] = std::move(value);
-    return replaceFile(path, object.dump(4) + '\n');
+    const FileDescriptor folder(
+        open(QFile::encodeName(folderPath).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!folder.isOpen() || !lockFolder(folder.value()))
+        return false;
+    auto object = readObject(path);
+    if (!object)
+        return false;
+    (*object)[key] = std::move(value);
+    return replaceFile(path, folder.value(), object->dump(4) + '\n');
 }
 
 } // namespace framora
