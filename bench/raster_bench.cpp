@@ -4,6 +4,8 @@
 #include "editor/render/CompositionRasterizer.h"
 #include "editor/render/RasterView.h"
 #include "editor/render/ScreenshotRenderer.h"
+#include "editor/render/raster/GradientPaint.h"
+#include "editor/render/raster/PicturePaint.h"
 #include "editor/render/raster/PngEncoder.h"
 
 #include <algorithm>
@@ -126,6 +128,47 @@ void encodeCapture(benchmark::State& state) {
         benchmark::DoNotOptimize(raster::encodePng(rasterView(image), 2835));
 }
 BENCHMARK(encodeCapture)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+/// One row of 1024 pixels of a gradient.
+void shadeGradient(benchmark::State& state, raster::GradientPaint::Kind kind) {
+    const raster::GradientPaint paint(kind, 30, 1024, 768,
+                                      {raster::premultiplied(1, 0, 0, 1), raster::premultiplied(0, 1, 0, 1),
+                                       raster::premultiplied(0, 0, 1, 1)},
+                                      raster::Homography::translation(-512, -384));
+    std::vector<raster::Float4> row(1024);
+    for (auto _ : state) {
+        paint.shade(0, 100, 1024, row.data());
+        benchmark::DoNotOptimize(row.data());
+    }
+    state.SetItemsProcessed(state.iterations() * 1024);
+}
+BENCHMARK_CAPTURE(shadeGradient, linear, raster::GradientPaint::Kind::linear);
+BENCHMARK_CAPTURE(shadeGradient, radial, raster::GradientPaint::Kind::radial);
+BENCHMARK_CAPTURE(shadeGradient, angular, raster::GradientPaint::Kind::angular);
+
+/// One row of 1024 pixels of a picture under a map.
+void shadePicture(benchmark::State& state, const raster::Homography& map) {
+    static const QImage image = makeScreenshot(2560, 1440);
+    static const auto pyramid = std::make_shared<raster::PicturePyramid>(rasterView(image));
+    const raster::PicturePaint paint(pyramid, 2560, 1440, {raster::Homography::translation(512, 384) * map},
+                                     1024, 768);
+    std::vector<raster::Float4> row(1024);
+    for (auto _ : state) {
+        paint.shade(0, 400, 1024, row.data());
+        benchmark::DoNotOptimize(row.data());
+    }
+    state.SetItemsProcessed(state.iterations() * 1024);
+}
+BENCHMARK_CAPTURE(shadePicture, copied, raster::Homography());
+BENCHMARK_CAPTURE(shadePicture, halved, raster::Homography::scaling(0.45, 0.45));
+BENCHMARK_CAPTURE(shadePicture, doubled, raster::Homography::scaling(2, 2));
+BENCHMARK_CAPTURE(shadePicture, turned, raster::Homography::rotation(12));
+BENCHMARK_CAPTURE(shadePicture, turnedAndHalved,
+                  raster::Homography::rotation(12) * raster::Homography::scaling(0.45, 0.45));
+BENCHMARK_CAPTURE(shadePicture, tiltedAndDoubled,
+                  raster::Homography::scaling(2, 2) * raster::Homography::tiltY(25, 2560));
+BENCHMARK_CAPTURE(shadePicture, tiltedAndHalved,
+                  raster::Homography::scaling(0.45, 0.45) * raster::Homography::tiltY(25, 2560));
 
 } // namespace
 

@@ -6,6 +6,7 @@
 #include "editor/render/MockupLayers.h"
 #include "editor/render/NoiseOverlayModifier.h"
 #include "editor/render/RasterView.h"
+#include "editor/render/raster/HugePages.h"
 #include "editor/render/raster/PicturePaint.h"
 
 #include <cmath>
@@ -50,10 +51,12 @@ bool CompositionRasterizer::drawInto(QImage& target, const Composition& composit
         return false;
     }
     if (target.size() != viewport.pixelSize || target.format() != QImage::Format_ARGB32_Premultiplied ||
-        !target.isDetached())
+        !target.isDetached()) {
         target = QImage(viewport.pixelSize, QImage::Format_ARGB32_Premultiplied);
-    if (target.isNull())
-        return false;
+        if (target.isNull())
+            return false;
+        raster::adviseHugePages(target.bits(), std::size_t(target.sizeInBytes()));
+    }
     target.setDevicePixelRatio(1);
     std::vector<Layer> layers;
     appendBackground(layers, composition, viewport);

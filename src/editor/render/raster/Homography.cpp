@@ -54,11 +54,6 @@ Homography Homography::inverse() const {
     return Homography(adjugate);
 }
 
-Vec2 Homography::map(Vec2 p) const {
-    const double w = depth(p);
-    return {(m_m[0] * p.x + m_m[1] * p.y + m_m[2]) / w, (m_m[3] * p.x + m_m[4] * p.y + m_m[5]) / w};
-}
-
 bool Homography::isFinite() const {
     for (const double value : m_m)
         if (!std::isfinite(value))

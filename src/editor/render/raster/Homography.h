@@ -33,7 +33,10 @@ public:
 
     /// W: how far in front of the eye the point lies, 1 in the picture plane. Not above 0: not in front.
     double depth(Vec2 p) const { return m_m[6] * p.x + m_m[7] * p.y + m_m[8]; }
-    Vec2 map(Vec2 p) const;
+    Vec2 map(Vec2 p) const {
+        const double w = depth(p);
+        return {(m_m[0] * p.x + m_m[1] * p.y + m_m[2]) / w, (m_m[3] * p.x + m_m[4] * p.y + m_m[5]) / w};
+    }
 
     bool isFinite() const;
     bool isAffine() const { return m_m[6] == 0 && m_m[7] == 0; }

@@ -198,7 +198,8 @@ void ProjectiveSampler::read(int x, int y, int count, Float4* out) const {
         const Vec2 source{inside(exact.x, picture.width), inside(exact.y, picture.height)};
         if (!isAffine) {
             square = footprint(source, m_toSource.depth(pixel));
-            longest = square.longest();
+            // Both sides' squares together are no less than the long one's.
+            longest = square.xx + square.yy <= 1 ? 1 : square.longest();
         }
         if (longest <= 1 + 1e-9) {
             out[i] = interpolated(source);

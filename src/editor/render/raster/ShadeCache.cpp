@@ -1,5 +1,7 @@
 #include "editor/render/raster/ShadeCache.h"
 
+#include "editor/render/raster/HugePages.h"
+
 #include <new>
 
 namespace framora::raster {
@@ -24,6 +26,7 @@ bool ShadeCache::begin(const Key& key) {
             return false;
         }
         m_capacity = size;
+        adviseHugePages(m_colors.get(), size * sizeof(Float4));
     }
     m_blocks = (key.width + blockWidth - 1) / blockWidth;
     m_isFilled.assign(std::size_t(m_blocks) * std::size_t(key.height), 0);
