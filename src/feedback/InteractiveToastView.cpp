@@ -39,17 +39,20 @@ struct InteractiveToastView::Layout {
 InteractiveToastView::InteractiveToastView(QString text, QString symbol, std::function<void()> edit,
                                            const QImage& image, QString hint, ToastPalette palette)
     : message(std::move(text)), icon(std::move(symbol)), onEdit(std::move(edit)), m_hint(std::move(hint)),
-      m_palette(std::move(palette)),
+      m_palette(std::move(palette)), m_naturalSize(image.deviceIndependentSize()),
       m_thumbnail(thumbnailOf(image, (largestThumbnail * largestPixelRatio).toSize())) {}
 
 QSizeF InteractiveToastView::thumbnailSize() const {
     if (m_thumbnail.isNull())
         return largestThumbnail;
-    // A picture smaller than its place is not blown up.
-    QSizeF size = m_thumbnail.size();
-    if (size.width() > largestThumbnail.width() || size.height() > largestThumbnail.height())
-        size.scale(largestThumbnail, Qt::KeepAspectRatio);
-    return size.expandedTo(smallestThumbnail).boundedTo(largestThumbnail);
+    return pictureSize(largestThumbnail).expandedTo(smallestThumbnail).boundedTo(largestThumbnail);
+}
+
+QSizeF InteractiveToastView::pictureSize(QSizeF place) const {
+    QSizeF size = m_naturalSize;
+    if (size.width() > place.width() || size.height() > place.height())
+        size.scale(place, Qt::KeepAspectRatio);
+    return size;
 }
 
 InteractiveToastView::Layout InteractiveToastView::layout(QSizeF panelSize) const {
@@ -129,9 +132,7 @@ void InteractiveToastView::drawThumbnail(QPainter& painter, const QRectF& box, d
     painter.save();
     painter.setClipPath(frame);
     if (!m_thumbnail.isNull()) {
-        QSizeF size = m_thumbnail.size();
-        if (size.width() > box.width() || size.height() > box.height())
-            size.scale(box.size(), Qt::KeepAspectRatio);
+        const QSizeF size = pictureSize(box.size());
         const QRectF target(box.center() - QPointF(size.width() / 2, size.height() / 2), size);
         const QSize pixels = (size * pixelRatio).toSize().expandedTo({1, 1});
         painter.drawImage(target,

@@ -33,11 +33,14 @@ private:
     struct Layout;
     Layout layout(QSizeF panelSize) const;
     QSizeF thumbnailSize() const;
+    /// The picture's size in its place: its own where it fits, never blown up.
+    QSizeF pictureSize(QSizeF place) const;
     void drawThumbnail(QPainter& painter, const QRectF& box, double pixelRatio) const;
 
     QString m_hint;
     ToastPalette m_palette;
-    QImage m_thumbnail; ///< Already small, yet sharp at a pixel ratio of 2.
+    QSizeF m_naturalSize; ///< The picture's, points.
+    QImage m_thumbnail;   ///< Already small, yet sharp at a pixel ratio of 2.
 };
 
 } // namespace framora

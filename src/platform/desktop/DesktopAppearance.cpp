@@ -1,6 +1,7 @@
 #include "platform/desktop/DesktopAppearance.h"
 
 #include "platform/Notifications.h"
+#include "platform/x11/X11ThemeName.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
@@ -109,6 +110,10 @@ bool DesktopAppearance::isDark() const {
         return namesDarkTheme(theme);
     if (m_themeName && namesDarkTheme(*m_themeName))
         return true;
+    if (!m_x11ThemeName)
+        m_x11ThemeName = x11ThemeName();
+    if (!m_x11ThemeName->isEmpty())
+        return namesDarkTheme(*m_x11ThemeName);
     return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
 }
 
@@ -130,6 +135,7 @@ bool DesktopAppearance::eventFilter(QObject*, QEvent* event) {
 }
 
 void DesktopAppearance::announceChange() {
+    m_x11ThemeName.reset();
     const Look now = look();
     if (now == m_announced)
         return;

@@ -48,6 +48,7 @@ private:
     std::optional<bool> m_portalDark; ///< Nothing when the desktop has no preference.
     std::optional<QColor> m_portalAccent;
     std::optional<QString> m_themeName;
+    mutable std::optional<QString> m_x11ThemeName; ///< Asked for when it is first needed.
     bool m_reducedMotion = false;
     bool m_animationsOff = false;
     Look m_announced;

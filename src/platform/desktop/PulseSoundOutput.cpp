@@ -66,6 +66,7 @@ void run(Playback& playback) {
         return;
     const sf_count_t framesAtOnce = std::max(1, playback.format.samplerate / 50);
     std::vector<float> samples(std::size_t(framesAtOnce * playback.format.channels));
+    sf_seek(playback.file.get(), 0, SEEK_SET);
     while (!playback.stopped) {
         const sf_count_t frames = sf_readf_float(playback.file.get(), samples.data(), framesAtOnce);
         if (frames <= 0)

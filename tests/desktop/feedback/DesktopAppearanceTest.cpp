@@ -5,12 +5,13 @@
 #include "platform/Notifications.h"
 
 #include <QDBusArgument>
-#include <QDBusContext>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QGuiApplication>
 #include <QPalette>
 #include <gtest/gtest.h>
+#include <memory>
 #include <optional>
 
 namespace framora {
@@ -42,27 +43,43 @@ const QString scheme = QStringLiteral("color-scheme");
 
 class DesktopAppearanceTest : public testing::Test {
 protected:
+    static void SetUpTestSuite() {
+        DesktopOptions options;
+        options.windowManager = WindowManager::none;
+        desktop = std::make_unique<VirtualDesktop>(options);
+    }
+    static void TearDownTestSuite() { desktop.reset(); }
+
     DesktopAppearanceTest() {
         qunsetenv("GTK_THEME");
         qDBusRegisterMetaType<Groups>();
-        DesktopOptions options;
-        options.windowManager = WindowManager::none;
-        desktop.emplace(options);
         const QString address = desktop->environment().value(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
-        service.emplace(QDBusConnection::connectToBus(address, QStringLiteral("portal")));
-        client.emplace(QDBusConnection::connectToBus(address, QStringLiteral("program")));
+        EXPECT_FALSE(address.isEmpty());
+        service.emplace(QDBusConnection::connectToBus(address, connectionName(QStringLiteral("portal"))));
+        client.emplace(QDBusConnection::connectToBus(address, connectionName(QStringLiteral("program"))));
         EXPECT_TRUE(
             service->registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), &portal,
                                     QDBusConnection::ExportAllSlots | QDBusConnection::ExportAllSignals));
-        EXPECT_TRUE(service->registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
+        // The test before gives the name back a moment after it ended.
+        EXPECT_TRUE(VirtualDesktop::waitFor(
+            [&] { return service->registerService(QStringLiteral("org.freedesktop.portal.Desktop")); }));
     }
     ~DesktopAppearanceTest() override {
-        QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
-        QDBusConnection::disconnectFromBus(QStringLiteral("program"));
+        for (auto* connection : {&service, &client}) {
+            const QString name = (*connection)->name();
+            connection->reset();
+            QDBusConnection::disconnectFromBus(name);
+        }
+    }
+
+    /// Each test has connections of its own.
+    static QString connectionName(const QString& role) {
+        static int number = 0;
+        return role + QString::number(++number);
     }
 
     FakePortal portal;
-    std::optional<VirtualDesktop> desktop;
+    static inline std::unique_ptr<VirtualDesktop> desktop;
     std::optional<QDBusConnection> service;
     std::optional<QDBusConnection> client;
     NotificationCenter notifications;

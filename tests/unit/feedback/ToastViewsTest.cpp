@@ -161,6 +161,15 @@ TEST(ToastViews, theThumbnailKeepsThePicturesAspect) {
     EXPECT_FALSE(interactive(QImage()).paint(panel, 1).isNull());
 }
 
+TEST(ToastViews, aSmallPictureIsShownInItsPointsAndNotBlownUp) {
+    QImage fine = gradientPicture({160, 100});
+    fine.setDevicePixelRatio(2);
+    EXPECT_EQ(interactive(fine).cardRect(panel).width(),
+              interactive(gradientPicture({80, 50})).cardRect(panel).width());
+    EXPECT_LT(interactive(fine).cardRect(panel).width(),
+              interactive(gradientPicture({160, 100})).cardRect(panel).width());
+}
+
 TEST(Thumbnail, isTheMeanOfEachCell) {
     QImage picture(400, 200, QImage::Format_RGB32);
     picture.fill(QColor(200, 100, 0));
