@@ -149,8 +149,11 @@ void AppDelegate::capture(const CaptureFlowRow& row) {
 
 void AppDelegate::openSettings() {
     if (!m_settingsWindow) {
-        m_settingsWindow = m_services.makeSettingsWindow([weak = std::weak_ptr(m_self)] {
-            if (const auto self = weak.lock())
+        // What an earlier window still has to say about its closing does not concern this one.
+        const auto number = ++m_settingsWindowNumber;
+        m_settingsWindow = m_services.makeSettingsWindow([weak = std::weak_ptr(m_self), number] {
+            const auto self = weak.lock();
+            if (self && (*self)->m_settingsWindowNumber == number)
                 (*self)->m_settingsWindow.reset();
         });
         m_settingsWindow->center();

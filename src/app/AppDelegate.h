@@ -80,6 +80,7 @@ private:
     bool m_lastScreenRecordingStatus = false;
     std::optional<double> m_lastScreenRecordingCheckTime; ///< seconds since 1970
 
+    unsigned m_settingsWindowNumber = 0;
     bool m_isCapturing = false;
     std::vector<NotificationCenter::Token> m_observers;
     std::shared_ptr<AppDelegate*> m_self;
