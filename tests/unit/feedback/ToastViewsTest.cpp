@@ -2,6 +2,7 @@
 #include "feedback/Thumbnail.h"
 #include "feedback/ToastView.h"
 
+#include "platform/Localized.h"
 #include "support/FixedAppearance.h"
 
 #include <QPainter>
@@ -133,6 +134,10 @@ TEST(ToastViews, aLongMessageIsShortenedInsideACardOfLimitedWidth) {
     for (int y = int(card.top()) + 18; y < card.bottom() - 18; ++y)
         for (int x = int(card.right()) - 12; x < card.right() - 2; ++x)
             ASSERT_EQ(QColor(image.pixel(x, y)), plain.cardColor());
+}
+
+TEST(ToastViews, theHintIsInWords) {
+    EXPECT_EQ(localized(QStringLiteral("toast.edit")), QStringLiteral("Click to edit"));
 }
 
 TEST(ToastViews, hoveringShowsTheEditActionAndLeavingHidesItAgain) {
