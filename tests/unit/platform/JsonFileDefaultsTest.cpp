@@ -1,0 +1,213 @@
+#include "platform/desktop/JsonFileDefaults.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <csignal>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <random>
+#include <spawn.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace framora {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+class JsonFileDefaultsTest : public testing::Test {
+protected:
+    void write(const QByteArray& content) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+    QByteArray content() const {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
+    }
+    QStringList filesInFolder() const {
+        return QDir(folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    QTemporaryDir folder;
+    QString path = folder.filePath(QStringLiteral("defaults.json"));
+    JsonFileDefaults defaults{path};
+};
+
+TEST_F(JsonFileDefaultsTest, aMissingFileHoldsNothing) {
+    EXPECT_EQ(defaults.dataForKey("Settings"), std::nullopt);
+    EXPECT_TRUE(filesInFolder().isEmpty());
+}
+
+TEST_F(JsonFileDefaultsTest, whatIsStoredIsReadAgainByAnother) {
+    EXPECT_TRUE(defaults.setData("Settings", R"({"volume":0.1,"bits":18446744073709551615})"));
+    EXPECT_EQ(JsonFileDefaults(path).dataForKey("Settings"), R"({"volume":0.1,"bits":18446744073709551615})");
+    EXPECT_EQ(filesInFolder(), QStringList{QStringLiteral("defaults.json")});
+}
+
+TEST_F(JsonFileDefaultsTest, theFoldersOnTheWayAreMade) {
+    JsonFileDefaults deep(folder.filePath(QStringLiteral("a/b/defaults.json")));
+    EXPECT_TRUE(deep.setData("Settings", "1"));
+    EXPECT_EQ(deep.dataForKey("Settings"), "1");
+}
+
+TEST_F(JsonFileDefaultsTest, otherMembersAndTheirOrderAreKept) {
+    write(R"({"z": {"deep": [1, 2.5, null]}, "Settings": 1, "a": "ä", "Z": false})");
+    EXPECT_TRUE(defaults.setData("Settings", "2"));
+    EXPECT_EQ(Json::parse(content().toStdString()).dump(),
+              R"({"z":{"deep":[1,2.5,null]},"Settings":2,"a":"ä","Z":false})");
+}
+
+TEST_F(JsonFileDefaultsTest, aDamagedFileGivesNothingAndStaysUntilTheNextSave) {
+    for (const QByteArray damaged : {"", "{", "{\"Settings\": 1", "[1]", "null", "\xff\xfe{}", "{}x"}) {
+        write(damaged);
+        EXPECT_EQ(defaults.dataForKey("Settings"), std::nullopt) << damaged.toStdString();
+        EXPECT_EQ(content(), damaged);
+        EXPECT_TRUE(defaults.setData("Settings", "3"));
+        EXPECT_EQ(defaults.dataForKey("Settings"), "3");
+    }
+}
+
+TEST_F(JsonFileDefaultsTest, whatIsNoJsonIsNotStored) {
+    EXPECT_TRUE(defaults.setData("Settings", "1"));
+    EXPECT_FALSE(defaults.setData("Settings", "{"));
+    EXPECT_EQ(defaults.dataForKey("Settings"), "1");
+}
+
+TEST_F(JsonFileDefaultsTest, theFilesModeIsKeptWhateverTheUmask) {
+    write("{}");
+    for (const mode_t mode : {0600u, 0640u, 0666u}) {
+        ASSERT_EQ(chmod(path.toLocal8Bit().constData(), mode), 0);
+        ASSERT_TRUE(defaults.setData("Settings", "1"));
+        struct stat now {};
+        ASSERT_EQ(stat(path.toLocal8Bit().constData(), &now), 0);
+        EXPECT_EQ(now.st_mode & 07777, mode);
+    }
+}
+
+TEST_F(JsonFileDefaultsTest, aNewFileIsTheUsersAlone) {
+    ASSERT_TRUE(defaults.setData("Settings", "1"));
+    struct stat now {};
+    ASSERT_EQ(stat(path.toLocal8Bit().constData(), &now), 0);
+    EXPECT_EQ(now.st_mode & 07777, 0600u);
+}
+
+TEST_F(JsonFileDefaultsTest, aLinkStaysALinkAndItsFileIsReplaced) {
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("kept")));
+    // The first is there, the second is only where the link points.
+    for (const bool exists : {true, false}) {
+        const QString target = folder.filePath(QStringLiteral("kept/%1.json").arg(exists));
+        if (exists) {
+            QFile file(target);
+            ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+            file.write(R"({"other": 5})");
+        }
+        QFile::remove(path);
+        ASSERT_TRUE(QFile::link(QStringLiteral("kept/%1.json").arg(exists), path));
+        EXPECT_TRUE(defaults.setData("Settings", "7"));
+        EXPECT_TRUE(QFileInfo(path).isSymLink());
+        EXPECT_EQ(JsonFileDefaults(target).dataForKey("Settings"), "7");
+        EXPECT_EQ(JsonFileDefaults(target).dataForKey("other"),
+                  exists ? std::optional<std::string>("5") : std::nullopt);
+    }
+}
+
+TEST_F(JsonFileDefaultsTest, whereNothingCanBeWrittenTheSaveFails) {
+    // A folder stands where the file should be: it holds for the superuser too.
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("defaults.json")));
+    EXPECT_FALSE(defaults.setData("Settings", "1"));
+    EXPECT_EQ(defaults.dataForKey("Settings"), std::nullopt);
+    EXPECT_EQ(filesInFolder(), QStringList{QStringLiteral("defaults.json")});
+    JsonFileDefaults below(path + QStringLiteral("/../file/defaults.json"));
+    QFile file(folder.filePath(QStringLiteral("file")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    EXPECT_FALSE(below.setData("Settings", "1"));
+}
+
+TEST_F(JsonFileDefaultsTest, aSaverThatHangsIsNotWaitedForForever) {
+    ASSERT_TRUE(defaults.setData("Settings", "1"));
+    const int held = open(folder.path().toLocal8Bit().constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(flock(held, LOCK_EX), 0);
+    EXPECT_FALSE(defaults.setData("Settings", "2"));
+    EXPECT_EQ(defaults.dataForKey("Settings"), "1");
+    close(held);
+    EXPECT_TRUE(defaults.setData("Settings", "2"));
+}
+
+TEST_F(JsonFileDefaultsTest, aSaverKilledAtAnyMomentLeavesTheOldOrTheNewFileWhole) {
+    write(R"({"other": "kept", "Settings": {"number": 0, "text": ""}})");
+    constexpr int kills = 300;
+    std::mt19937 random(20);
+    std::uniform_int_distribution<useconds_t> delay(0, 12'000);
+    int saved = 0;
+    int leftovers = 0;
+    for (int round = 0; round < kills; ++round) {
+        QByteArray program(FRAMORA_DEFAULTS_SAVER);
+        QByteArray file = path.toLocal8Bit();
+        char* arguments[] = {program.data(), file.data(), nullptr};
+        pid_t saver = 0;
+        ASSERT_EQ(posix_spawn(&saver, program.constData(), nullptr, nullptr, arguments, environ), 0);
+        usleep(delay(random));
+        kill(saver, SIGKILL);
+        int status = 0;
+        ASSERT_EQ(waitpid(saver, &status, 0), saver);
+        ASSERT_TRUE(WIFSIGNALED(status)) << "the saver ended by itself, with " << WEXITSTATUS(status);
+
+        const Json document = Json::parse(content().toStdString(), nullptr, false);
+        ASSERT_TRUE(document.is_object()) << content().toStdString();
+        ASSERT_EQ(document["other"], "kept");
+        const auto number = document["Settings"]["number"].get<unsigned>();
+        const auto text = document["Settings"]["text"].get<std::string>();
+        if (number > 0) {
+            ASSERT_EQ(text, std::string(20'000, static_cast<char>('a' + number % 26)));
+        }
+        saved += number > 0;
+        ASSERT_LE(filesInFolder().size(), 2) << "what killed savers leave must not pile up";
+        leftovers += filesInFolder().size() == 2;
+    }
+    EXPECT_GT(saved, kills / 10) << "the savers were killed before they saved anything";
+    EXPECT_GT(leftovers, 0) << "no saver was killed in the middle of a save";
+    EXPECT_TRUE(defaults.setData("Settings", "1"));
+    EXPECT_EQ(filesInFolder(), QStringList{QStringLiteral("defaults.json")});
+}
+
+TEST_F(JsonFileDefaultsTest, savesOfSeveralProcessesDoNotLoseOneAnothersKeys) {
+    constexpr int savers = 3;
+    constexpr int saves = 30;
+    std::vector<pid_t> children;
+    for (int saver = 0; saver < savers; ++saver) {
+        const pid_t child = fork();
+        if (child == 0) {
+            bool all = true;
+            for (int save = 0; save < saves; ++save)
+                all = defaults.setData(std::to_string(saver * saves + save), "true") && all;
+            _exit(all ? 0 : 1);
+        }
+        children.push_back(child);
+    }
+    for (const pid_t child : children) {
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_EQ(Json::parse(content().toStdString()).size(), std::size_t{savers * saves});
+}
+
+TEST(JsonFileDefaultsPath, isInTheUsersConfiguration) {
+    const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", "/somewhere/conf");
+    EXPECT_EQ(JsonFileDefaults::defaultPath(), QStringLiteral("/somewhere/conf/framora/defaults.json"));
+    qunsetenv("XDG_CONFIG_HOME");
+    EXPECT_EQ(JsonFileDefaults::defaultPath(), QDir::homePath() + "/.config/framora/defaults.json");
+    if (!before.isEmpty())
+        qputenv("XDG_CONFIG_HOME", before);
+}
+
+} // namespace
+} // namespace framora
