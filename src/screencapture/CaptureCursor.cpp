@@ -14,21 +14,6 @@ namespace {
 // Points of the cursor's square; the middle is what it points at.
 constexpr int kSide = 31;
 
-xcb_render_pictformat_t argbFormat(const XConnection& c) {
-    const auto formats = c.reply(xcb_render_query_pict_formats(c), xcb_render_query_pict_formats_reply);
-    if (!formats)
-        return XCB_NONE;
-    auto it = xcb_render_query_pict_formats_formats_iterator(formats.get());
-    for (; it.rem; xcb_render_pictforminfo_next(&it)) {
-        const auto& f = *it.data;
-        if (f.type == XCB_RENDER_PICT_TYPE_DIRECT && f.depth == 32 && f.direct.alpha_mask == 0xff &&
-            f.direct.alpha_shift == 24 && f.direct.red_shift == 16 && f.direct.green_shift == 8 &&
-            f.direct.blue_shift == 0)
-            return f.id;
-    }
-    return XCB_NONE;
-}
-
 void drawCross(cairo_t* cr) {
     constexpr double kMiddle = kSide / 2.0;
     constexpr double kHole = 4;
@@ -84,8 +69,8 @@ void drawCamera(cairo_t* cr) {
 
 } // namespace
 
-CaptureCursor::CaptureCursor(const XConnection& connection, double ratio)
-    : m_connection(connection), m_ratio(ratio) {}
+CaptureCursor::CaptureCursor(const XConnection& connection, const PictureFormats& formats, double ratio)
+    : m_connection(connection), m_format(formats.argb), m_ratio(ratio) {}
 
 xcb_cursor_t CaptureCursor::forMode(CaptureMode mode) {
     xcb_cursor_t& cursor = mode == CaptureMode::Area ? m_area : m_window;
@@ -97,9 +82,8 @@ xcb_cursor_t CaptureCursor::forMode(CaptureMode mode) {
 }
 
 xcb_cursor_t CaptureCursor::drawn(CaptureMode mode) const {
-    const xcb_render_pictformat_t format = m_connection.hasRender() ? argbFormat(m_connection) : XCB_NONE;
     const auto side = static_cast<uint16_t>(std::lround(kSide * m_ratio));
-    if (!format || xcb_get_setup(m_connection)->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST)
+    if (!m_format || xcb_get_setup(m_connection)->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST)
         return XCB_CURSOR_NONE;
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, side, side);
     cairo_t* cr = cairo_create(surface);
@@ -118,7 +102,7 @@ xcb_cursor_t CaptureCursor::drawn(CaptureMode mode) const {
         // A line of 32-bit pixels has no padding in either world.
         xcb_put_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, pixmap, gc, side, side, 0, 0, 0, 32,
                       static_cast<uint32_t>(side) * side * 4, cairo_image_surface_get_data(surface));
-        xcb_render_create_picture(m_connection, picture, pixmap, format, 0, nullptr);
+        xcb_render_create_picture(m_connection, picture, pixmap, m_format, 0, nullptr);
         cursor = xcb_generate_id(m_connection);
         const uint16_t middle = side / 2;
         if (!m_connection.succeeded(

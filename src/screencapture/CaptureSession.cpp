@@ -50,23 +50,17 @@ bool CaptureSession::begin() {
         m_failure = "the screen has no monitor";
         return false;
     }
-    const Rect root = m_connection.rootRect();
-    const auto format =
-        PixelFormat::of(m_connection, m_connection.screen().root_depth, m_connection.screen().root_visual);
-    m_frozen = ServerImage::create(m_connection, root.width, root.height);
-    if (!m_frozen || !m_frozen->read(m_connection.root(), format)) {
+    m_frozen = std::make_unique<FrozenScreen>(m_connection);
+    if (!m_frozen->valid()) {
         m_failure = "the screen cannot be read";
         return false;
     }
     m_ratio =
         pixelRatioFromResources(m_connection.stringProperty(m_connection.root(), XCB_ATOM_RESOURCE_MANAGER));
-    m_overlay = std::make_unique<Overlay>(m_connection, *m_frozen, m_ratio);
-    if (!m_overlay->valid()) {
-        m_failure = "the screen cannot be drawn on";
-        return false;
-    }
+    const PictureFormats formats = PictureFormats::of(m_connection);
+    m_overlay = std::make_unique<Overlay>(m_connection, *m_frozen, formats, m_ratio);
     m_keyboard.emplace(m_connection);
-    m_cursors.emplace(m_connection, m_ratio);
+    m_cursors.emplace(m_connection, formats, m_ratio);
     if (!m_input.acquire(m_cursors->forMode(m_mode), kGrabPatience)) {
         m_failure = "another program holds the pointer or the keyboard";
         return false;
@@ -80,10 +74,12 @@ bool CaptureSession::begin() {
         m_model->keyHeldAtStart(code);
     if (m_connection.hasRandr())
         xcb_randr_select_input(m_connection, m_connection.root(), XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE);
-    // Before the overlay covers everything: what is visible now needs no repainting.
+    if (!m_overlay->show() || !m_overlay->prepare()) {
+        m_failure = "the screen cannot be drawn on";
+        return false;
+    }
     if (m_mode == CaptureMode::Window)
         enterWindowMode();
-    m_overlay->show(scene());
     return true;
 }
 
@@ -227,18 +223,19 @@ std::optional<CaptureSession::Outcome> CaptureSession::decide(SelectionModel::Ou
 }
 
 std::optional<CaptureSession::Outcome> CaptureSession::takeWindow() {
-    m_picture = m_windowGrab->take(m_windows, *m_clicked, *m_frozen);
+    m_picture = m_windowGrab->take(m_windows, *m_clicked, *m_frozen->image());
     m_clicked.reset();
     // A window that is gone and showed no pixel: the user can still pick another.
     return m_picture ? std::optional(Outcome::Captured) : std::nullopt;
 }
 
 CaptureSession::Outcome CaptureSession::takeArea() {
-    const Rect part = m_model->selection().intersected({0, 0, m_frozen->width(), m_frozen->height()});
+    auto image = m_frozen->takeImage();
+    const Rect part = m_model->selection().intersected({0, 0, image->width(), image->height()});
     endOnScreen();
     // The fourth byte of the screen's pixels means nothing.
     for (int y = part.y; y < part.bottom(); ++y) {
-        uint32_t* row = m_frozen->row(y);
+        uint32_t* row = image->row(y);
         for (int x = part.x; x < part.right(); ++x)
             row[x] |= 0xff000000U;
     }
@@ -248,8 +245,8 @@ CaptureSession::Outcome CaptureSession::takeArea() {
         dark = subtracted(dark, monitor);
     for (const Rect& hole : dark)
         for (int y = hole.y; y < hole.bottom(); ++y)
-            std::fill_n(m_frozen->row(y) + hole.x, hole.width, 0U);
-    m_picture = {std::move(m_frozen), part};
+            std::fill_n(image->row(y) + hole.x, hole.width, 0U);
+    m_picture = {std::move(image), part};
     return Outcome::Captured;
 }
 

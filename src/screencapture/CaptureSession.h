@@ -2,6 +2,7 @@
 
 #include "screencapture/CaptureCursor.h"
 #include "screencapture/CaptureMode.h"
+#include "screencapture/FrozenScreen.h"
 #include "screencapture/InputGrab.h"
 #include "screencapture/Keyboard.h"
 #include "screencapture/Overlay.h"
@@ -57,7 +58,7 @@ private:
     double m_ratio = 1;
     std::string m_failure;
     std::vector<Rect> m_monitors;
-    std::unique_ptr<ServerImage> m_frozen;
+    std::unique_ptr<FrozenScreen> m_frozen;
     std::optional<Keyboard> m_keyboard;
     std::optional<SelectionModel> m_model;
     std::optional<CaptureCursor> m_cursors;

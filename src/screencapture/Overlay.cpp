@@ -7,13 +7,9 @@
 
 namespace framora {
 
-Overlay::Overlay(const XConnection& connection, const ServerImage& frozen, double ratio)
-    : m_connection(connection), m_frozen(frozen), m_ratio(ratio),
-      m_format(PixelFormat::of(connection, connection.screen().root_depth, connection.screen().root_visual)) {
-    m_frame = ServerImage::create(connection, frozen.width(), frozen.height());
-    if (!m_frame || !m_format.supported())
-        return;
-    m_painter = std::make_unique<OverlayPainter>(frozen, *m_frame, ratio);
+Overlay::Overlay(const XConnection& connection, FrozenScreen& frozen, const PictureFormats& formats,
+                 double ratio)
+    : m_connection(connection), m_frozen(frozen), m_rootFormat(formats.root), m_ratio(ratio) {
     if (const auto* shm = xcb_get_extension_data(connection, &xcb_shm_id); shm && shm->present)
         m_completionEvent = static_cast<uint8_t>(shm->first_event + XCB_SHM_COMPLETION);
 
@@ -22,7 +18,7 @@ Overlay::Overlay(const XConnection& connection, const ServerImage& frozen, doubl
     // No background: the server must not paint what the first frame covers at once.
     const uint32_t values[] = {XCB_BACK_PIXMAP_NONE, 1, events};
     xcb_create_window(connection, XCB_COPY_FROM_PARENT, m_window, connection.root(), 0, 0,
-                      static_cast<uint16_t>(frozen.width()), static_cast<uint16_t>(frozen.height()), 0,
+                      connection.screen().width_in_pixels, connection.screen().height_in_pixels, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
                       XCB_CW_BACK_PIXMAP | XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK, values);
     constexpr std::string_view kName = "framora-screencapture";
@@ -42,19 +38,53 @@ Overlay::~Overlay() {
 }
 
 void Overlay::put(const Rect& part, bool notify) {
-    if (m_frame->put(m_window, m_gc, m_connection.screen().root_depth, m_format, part, notify))
+    if (m_frame->put(m_window, m_gc, m_connection.screen().root_depth, m_frozen.format(), part, notify))
         ++m_framesUnderway;
 }
 
-void Overlay::show(const OverlayScene& scene) {
-    m_shown = m_wanted = scene;
-    const Rect whole{0, 0, m_frame->width(), m_frame->height()};
-    m_painter->paint(scene, whole);
+bool Overlay::prepare() {
+    if (m_painter)
+        return true;
+    const ServerImage* frozen = m_frozen.image();
+    if (!frozen)
+        return false;
+    m_frame = ServerImage::create(m_connection, frozen->width(), frozen->height());
+    if (!m_frame)
+        return false;
+    m_painter = std::make_unique<OverlayPainter>(*frozen, *m_frame, m_ratio);
+    return true;
+}
+
+bool Overlay::show() {
+    const bool byServer = m_rootFormat && m_frozen.pixmap();
+    if (!byServer && !prepare())
+        return false;
+    const Rect whole = m_connection.rootRect();
     const uint32_t above = XCB_STACK_MODE_ABOVE;
     xcb_configure_window(m_connection, m_window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-    xcb_map_window(m_connection, m_window);
-    put(whole, true);
+    if (byServer)
+        showByServer(whole);
+    else {
+        m_painter->paint({}, whole);
+        xcb_map_window(m_connection, m_window);
+        put(whole, true);
+    }
     xcb_flush(m_connection);
+    return true;
+}
+
+void Overlay::showByServer(const Rect& whole) {
+    const auto width = static_cast<uint16_t>(whole.width);
+    const auto height = static_cast<uint16_t>(whole.height);
+    const xcb_render_picture_t picture = xcb_generate_id(m_connection);
+    const uint16_t alpha = OverlayPainter::kDim * 0x101;
+    const xcb_rectangle_t all{0, 0, width, height};
+    // All in one go, so that nobody sees the steps.
+    xcb_map_window(m_connection, m_window);
+    xcb_copy_area(m_connection, m_frozen.pixmap(), m_window, m_gc, 0, 0, 0, 0, width, height);
+    xcb_render_create_picture(m_connection, picture, m_window, m_rootFormat, 0, nullptr);
+    xcb_render_fill_rectangles(m_connection, XCB_RENDER_PICT_OP_OVER, picture, {0, 0, 0, alpha}, 1, &all);
+    xcb_render_free_picture(m_connection, picture);
 }
 
 void Overlay::hide() {
@@ -65,7 +95,7 @@ void Overlay::hide() {
 }
 
 void Overlay::flush() {
-    if (busy() || m_wanted == m_shown)
+    if (busy() || m_wanted == m_shown || !prepare())
         return;
     const auto parts = m_painter->difference(m_shown, m_wanted);
     m_shown = m_wanted;
@@ -84,8 +114,11 @@ bool Overlay::handleEvent(const xcb_generic_event_t& event) {
     }
     if (type == XCB_EXPOSE) {
         const auto& expose = reinterpret_cast<const xcb_expose_event_t&>(event);
-        if (expose.window == m_window)
-            put({expose.x, expose.y, expose.width, expose.height}, false);
+        if (expose.window == m_window && prepare()) {
+            const Rect part{expose.x, expose.y, expose.width, expose.height};
+            m_painter->paint(m_shown, part);
+            put(part, false);
+        }
         return true;
     }
     if (type == XCB_VISIBILITY_NOTIFY) {
@@ -102,11 +135,14 @@ bool Overlay::handleEvent(const xcb_generic_event_t& event) {
 }
 
 void Overlay::warmUp() {
-    m_painter->label().prepare();
+    if (prepare())
+        m_painter->label().prepare();
 }
 
 OverlayScene::Label Overlay::labelFor(const Rect& selection, Point corner, const Rect& monitor) {
     constexpr double kGap = 14; // points: clears the arms of the crosshair
+    if (!prepare())
+        return {};
     const Rect size = m_painter->label().measured(selection.width, selection.height);
     const Rect box = placeLabel(selection, corner, size.width, size.height,
                                 static_cast<int>(std::lround(kGap * m_ratio)), monitor);

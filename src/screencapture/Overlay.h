@@ -1,7 +1,9 @@
 #pragma once
 
+#include "screencapture/FrozenScreen.h"
 #include "screencapture/OverlayPainter.h"
 #include "screencapture/OverlayScene.h"
+#include "screencapture/PictureFormats.h"
 
 #include <memory>
 #include <vector>
@@ -15,17 +17,19 @@ class XConnection;
 /// It repaints only what changed, and never draws faster than the server takes it.
 class Overlay {
 public:
-    /// `frozen` has the root window's size and outlives the overlay.
-    Overlay(const XConnection& connection, const ServerImage& frozen, double ratio);
+    /// `frozen` outlives the overlay; `ratio` is device pixels a point.
+    Overlay(const XConnection& connection, FrozenScreen& frozen, const PictureFormats& formats, double ratio);
     ~Overlay();
     Overlay(const Overlay&) = delete;
     Overlay& operator=(const Overlay&) = delete;
 
-    /// False when memory for the frame is missing or the screen's pixels cannot be drawn by this program.
-    bool valid() const { return m_painter != nullptr; }
     xcb_window_t window() const { return m_window; }
-    /// Puts the window up with its first scene.
-    void show(const OverlayScene& scene);
+    /// Puts the window up with the screen dimmed and nothing else on it. The server draws that by itself
+    /// where it can. False when memory is missing.
+    bool show();
+    /// Fetches what every further drawing needs. False when memory is missing. The other functions do it as
+    /// well.
+    bool prepare();
     /// Takes the window away at once.
     void hide();
     /// What should be seen; drawn by flush().
@@ -41,12 +45,13 @@ public:
     OverlayScene::Label labelFor(const Rect& selection, Point corner, const Rect& monitor);
 
 private:
+    void showByServer(const Rect& whole);
     void put(const Rect& part, bool notify);
 
     const XConnection& m_connection;
-    const ServerImage& m_frozen;
+    FrozenScreen& m_frozen;
+    xcb_render_pictformat_t m_rootFormat;
     double m_ratio;
-    PixelFormat m_format;
     std::unique_ptr<ServerImage> m_frame;
     std::unique_ptr<OverlayPainter> m_painter;
     xcb_window_t m_window = XCB_WINDOW_NONE;

@@ -13,6 +13,9 @@ namespace framora {
 /// Draws the overlay's scenes into an image of the screen's size; it knows pixels and no window.
 class OverlayPainter {
 public:
+    /// The black laid over what is not selected, of 255.
+    static constexpr uint32_t kDim = 96;
+
     /// `frozen` and `frame` have one size and outlive the painter; `ratio` is device pixels a point.
     OverlayPainter(const ServerImage& frozen, ServerImage& frame, double ratio);
 

@@ -48,8 +48,7 @@ void cutToShape(ServerImage& image, const std::vector<Rect>& shape, Point origin
 
 } // namespace
 
-WindowGrab::WindowGrab(const XConnection& connection)
-    : m_connection(connection), m_composited(connection.selectionOwned(connection.atoms().compositor)) {
+WindowGrab::WindowGrab(const XConnection& connection) : m_connection(connection) {
     if (connection.hasDamage())
         m_damageEvent = xcb_get_extension_data(connection, &xcb_damage_id)->first_event;
 }
@@ -59,32 +58,53 @@ void WindowGrab::prepare(const WindowList& windows, Clock::time_point now) {
         return;
     m_prepared = true;
     m_preparedAt = now;
-    if (m_composited || !m_connection.hasComposite())
+    if (!m_connection.hasComposite())
         return;
-    // Redirecting maps a window anew inside the server, which takes the focus away from it.
-    const auto focus = m_connection.reply(xcb_get_input_focus(m_connection), xcb_get_input_focus_reply);
+    // A window whose pixels can be named is kept by a compositing manager already.
+    struct Naming {
+        const TopLevel* window;
+        xcb_pixmap_t pixmap;
+        xcb_void_cookie_t cookie;
+    };
+    std::vector<Naming> namings;
     for (const TopLevel& window : windows.windows()) {
         if (!window.selectable)
             continue;
-        xcb_composite_redirect_window(m_connection, window.window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
-        if (!m_connection.hasDamage())
+        const xcb_pixmap_t pixmap = xcb_generate_id(m_connection);
+        namings.push_back(
+            {&window, pixmap, xcb_composite_name_window_pixmap_checked(m_connection, window.window, pixmap)});
+    }
+    // Redirecting maps a window anew inside the server, which takes the focus away from it.
+    const auto focus = m_connection.reply(xcb_get_input_focus(m_connection), xcb_get_input_focus_reply);
+    for (const Naming& naming : namings) {
+        if (m_connection.succeeded(naming.cookie)) {
+            xcb_free_pixmap(m_connection, naming.pixmap);
             continue;
-        auto missing = std::vector{window.outer};
+        }
+        xcb_composite_redirect_window(m_connection, naming.window->window, XCB_COMPOSITE_REDIRECT_AUTOMATIC);
+        m_redirected.insert(naming.window->window);
+        expectRepaint(windows, *naming.window, now);
+    }
+    if (!m_redirected.empty() && focus && focus->focus > XCB_INPUT_FOCUS_POINTER_ROOT)
+        xcb_set_input_focus(m_connection, focus->revert_to, focus->focus, XCB_CURRENT_TIME);
+}
+
+void WindowGrab::expectRepaint(const WindowList& windows, const TopLevel& window, Clock::time_point now) {
+    auto missing = std::vector{window.outer};
+    // The frozen screen has what was visible, but no alpha.
+    if (window.depth != 32)
         for (const Rect& part : windows.uncovered(window, m_connection.rootRect()))
             missing = subtracted(missing, part);
-        if (missing.empty())
-            continue;
-        // Every pixel that is painted is reported once. The first report is of the whole window as it is.
-        const xcb_damage_damage_t damage = xcb_generate_id(m_connection);
-        xcb_damage_create(m_connection, damage, window.window, XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
-        const auto cookie = xcb_damage_subtract(m_connection, damage, XCB_NONE, XCB_NONE);
-        const long pixels = pixelsOf(missing);
-        m_repaints.emplace(
-            window.window,
-            Repaint{{window.outer.x, window.outer.y}, std::move(missing), pixels, cookie.sequence, now});
-    }
-    if (focus && focus->focus > XCB_INPUT_FOCUS_POINTER_ROOT)
-        xcb_set_input_focus(m_connection, focus->revert_to, focus->focus, XCB_CURRENT_TIME);
+    if (missing.empty() || !m_connection.hasDamage())
+        return;
+    // Every pixel that is painted is reported once. The first report is of the whole window as it is.
+    const xcb_damage_damage_t damage = xcb_generate_id(m_connection);
+    xcb_damage_create(m_connection, damage, window.window, XCB_DAMAGE_REPORT_LEVEL_DELTA_RECTANGLES);
+    const auto cookie = xcb_damage_subtract(m_connection, damage, XCB_NONE, XCB_NONE);
+    const long pixels = pixelsOf(missing);
+    m_repaints.emplace(
+        window.window,
+        Repaint{{window.outer.x, window.outer.y}, std::move(missing), pixels, cookie.sequence, now});
 }
 
 bool WindowGrab::handleEvent(const xcb_generic_event_t& event, Clock::time_point now) {
@@ -148,7 +168,7 @@ Picture WindowGrab::take(const WindowList& windows, const TopLevel& window, cons
         return fromScreen(window, frozen);
     const Point origin{window.outer.x, window.outer.y};
     const bool sameSize = image->width() == window.outer.width && image->height() == window.outer.height;
-    if (!m_composited && window.depth != 32 && sameSize) {
+    if (m_redirected.contains(window.window) && window.depth != 32 && sameSize) {
         // What was visible is taken as it was when the screen froze, whatever the program painted since.
         for (const Rect& part : windows.uncovered(window, {0, 0, frozen.width(), frozen.height()}))
             copyPart(frozen, part, *image, {part.x - origin.x, part.y - origin.y});

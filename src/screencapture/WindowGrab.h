@@ -6,6 +6,7 @@
 #include <chrono>
 #include <map>
 #include <memory>
+#include <set>
 #include <xcb/damage.h>
 
 namespace framora {
@@ -45,14 +46,15 @@ private:
         Clock::time_point last;
     };
 
+    void expectRepaint(const WindowList& windows, const TopLevel& window, Clock::time_point now);
     std::unique_ptr<ServerImage> named(const TopLevel& window) const;
     Picture fromScreen(const TopLevel& window, const ServerImage& frozen) const;
 
     const XConnection& m_connection;
-    bool m_composited;
     uint8_t m_damageEvent = 0;
     bool m_prepared = false;
     Clock::time_point m_preparedAt;
+    std::set<xcb_window_t> m_redirected;        // by this object
     std::map<xcb_window_t, Repaint> m_repaints; // of the windows that were covered
 };
 

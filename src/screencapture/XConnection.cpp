@@ -25,7 +25,7 @@ XConnection::XConnection() {
     for (xcb_extension_t* extension : {&xcb_composite_id, &xcb_damage_id, &xcb_xfixes_id, &xcb_randr_id,
                                        &xcb_shape_id, &xcb_shm_id, &xcb_render_id})
         xcb_prefetch_extension_data(m_connection, extension);
-    internAtoms(screenNumber);
+    internAtoms();
     askVersions();
 }
 
@@ -33,21 +33,18 @@ XConnection::~XConnection() {
     xcb_disconnect(m_connection);
 }
 
-void XConnection::internAtoms(int screenNumber) {
-    const std::string compositor = "_NET_WM_CM_S" + std::to_string(screenNumber);
+void XConnection::internAtoms() {
     struct Entry {
         std::string_view name;
         xcb_atom_t* atom;
     };
     const std::array entries{
         Entry{"_FRAMORA_SCREENCAPTURE", &m_atoms.instance},
-        Entry{compositor, &m_atoms.compositor},
         Entry{"WM_STATE", &m_atoms.wmState},
         Entry{"_NET_WM_WINDOW_TYPE", &m_atoms.windowType},
         Entry{"_NET_WM_WINDOW_TYPE_DESKTOP", &m_atoms.windowTypeDesktop},
         Entry{"_GTK_FRAME_EXTENTS", &m_atoms.frameExtents},
         Entry{"_NET_WM_BYPASS_COMPOSITOR", &m_atoms.bypassCompositor},
-        Entry{"UTF8_STRING", &m_atoms.utf8String},
     };
     std::array<xcb_intern_atom_cookie_t, entries.size()> cookies;
     for (std::size_t i = 0; i < entries.size(); ++i)

@@ -24,14 +24,12 @@ class XConnection {
 public:
     /// The atoms the tool needs; all are asked for in one go.
     struct Atoms {
-        xcb_atom_t instance = XCB_ATOM_NONE;   // _FRAMORA_SCREENCAPTURE
-        xcb_atom_t compositor = XCB_ATOM_NONE; // _NET_WM_CM_Sn of this screen
+        xcb_atom_t instance = XCB_ATOM_NONE; // _FRAMORA_SCREENCAPTURE
         xcb_atom_t wmState = XCB_ATOM_NONE;
         xcb_atom_t windowType = XCB_ATOM_NONE;
         xcb_atom_t windowTypeDesktop = XCB_ATOM_NONE;
         xcb_atom_t frameExtents = XCB_ATOM_NONE; // _GTK_FRAME_EXTENTS
         xcb_atom_t bypassCompositor = XCB_ATOM_NONE;
-        xcb_atom_t utf8String = XCB_ATOM_NONE;
     };
 
     /// Connects to $DISPLAY. `valid()` tells whether that worked.
@@ -81,7 +79,7 @@ public:
 
 private:
     void askVersions();
-    void internAtoms(int screenNumber);
+    void internAtoms();
 
     xcb_connection_t* m_connection = nullptr;
     const xcb_screen_t* m_screen = nullptr;
