@@ -35,11 +35,8 @@ TEST(EndurancePathTest, fiftyCapturesLeaveNothingBehind) {
     driver.launch();
 
     const auto capture = [&](int number) {
-        driver.pressAreaShortcut();
-        driver.waitForOverlay();
         const QSize size(300 + number, 200 + number);
-        driver.selectArea(QRect(QPoint(100, 100), size));
-        driver.waitForToast();
+        driver.capture(QRect(QPoint(100, 100), size));
         ASSERT_TRUE(VirtualDesktop::waitFor([&] { return desktop.clipboardImage().size() == size; }))
             << number;
     };

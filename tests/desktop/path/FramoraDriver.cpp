@@ -72,6 +72,29 @@ void FramoraDriver::waitForNoOverlay() {
 void FramoraDriver::selectArea(const QRect& area) {
     display().drag(area.topLeft(), area.topLeft() + QPoint(area.width(), area.height()));
     waitForNoOverlay();
+    require(QStringLiteral("the capture tool's end"), [&] { return captureTools().empty(); });
+}
+
+std::vector<qint64> FramoraDriver::captureTools() {
+    std::vector<qint64> tools;
+    for (const qint64 child : m_framora->children())
+        if (ChildProcess::nameOf(child).startsWith(QStringLiteral("framora-screen")))
+            tools.push_back(child);
+    return tools;
+}
+
+QRect FramoraDriver::capture(const QRect& area) {
+    const auto earlier = toast();
+    pressAreaShortcut();
+    waitForOverlay();
+    selectArea(area);
+    QRect card;
+    require(QStringLiteral("the capture's toast"), [&] {
+        const auto window = toast();
+        card = window && (!earlier || window->id != earlier->id) ? display().inputArea(window->id) : QRect();
+        return !card.isEmpty();
+    });
+    return card;
 }
 
 std::optional<DesktopWindow> FramoraDriver::toast() {
@@ -115,11 +138,7 @@ void FramoraDriver::waitForNoEditor() {
 }
 
 DesktopWindow FramoraDriver::captureAndEdit(const QRect& area) {
-    pressAreaShortcut();
-    waitForOverlay();
-    selectArea(area);
-    const QRect card = waitForInteractiveToast();
-    display().click(card.center());
+    display().click(capture(area).center());
     return waitForEditor();
 }
 
@@ -136,6 +155,12 @@ AccessibleNode FramoraDriver::control(const QString& name, const QString& role) 
 
 void FramoraDriver::clickControl(const QString& name, const QString& role) {
     display().click(control(name, role).area.center());
+}
+
+void FramoraDriver::showTab(const QString& name) {
+    // A section of the tab may bear the same name; the tab's button comes first.
+    clickControl(name);
+    require(QStringLiteral("the tab \"%1\"").arg(name), [&] { return control(name).checked; });
 }
 
 void FramoraDriver::answerSaveDialog(const QString& path) {

@@ -27,8 +27,12 @@ public:
     std::optional<DesktopWindow> overlay();
     DesktopWindow waitForOverlay();
     void waitForNoOverlay();
-    /// Drags over the area and waits until the capture tool has gone from the screen.
+    /// Drags over the area and waits until the capture tool has gone.
     void selectArea(const QRect& area);
+    /// The capture tools that Framora runs at the moment.
+    std::vector<qint64> captureTools();
+    /// The shortcut, an area, and the toast that is this capture's own: its card.
+    QRect capture(const QRect& area);
 
     std::optional<DesktopWindow> toast();
     /// The card that takes clicks, where it stands; waits for the interactive toast.
@@ -44,6 +48,8 @@ public:
 
     AccessibleNode control(const QString& name, const QString& role = {});
     void clickControl(const QString& name, const QString& role = {});
+    /// Turns the sidebar to the tab of that name.
+    void showTab(const QString& name);
     /// Save to File, and the path into the file dialog; returns when the file is there, whole.
     void save(const QString& path);
     /// Waits for the file dialog and types the path.
