@@ -16,6 +16,16 @@ function(framora_room name)
   target_link_libraries(${name} PUBLIC framora_options ${ROOM_LINK} PRIVATE ${ROOM_PRIVATE_LINK})
 endfunction()
 
+# framora_module(NAME SOURCES ... LINK ...): a part that the program loads at its first use.
+function(framora_module name)
+  cmake_parse_arguments(MODULE "" "" "SOURCES;LINK" ${ARGN})
+  add_library(${name} MODULE ${MODULE_SOURCES})
+  set_target_properties(${name} PROPERTIES PREFIX "" CXX_VISIBILITY_PRESET hidden
+    LIBRARY_OUTPUT_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+  target_link_libraries(${name} PRIVATE framora_options ${MODULE_LINK})
+  install(TARGETS ${name} DESTINATION ${CMAKE_INSTALL_LIBDIR}/framora)
+endfunction()
+
 # framora_test(NAME SOURCES ... LINK ... [LABELS ...] [TIMEOUT s]): one GoogleTest executable, one CTest case a test.
 function(framora_test name)
   cmake_parse_arguments(TEST "" "TIMEOUT" "SOURCES;LINK;LABELS" ${ARGN})

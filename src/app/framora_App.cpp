@@ -7,8 +7,8 @@
 #include "platform/desktop/DesktopAppearance.h"
 #include "platform/desktop/FileResourceBundle.h"
 #include "platform/desktop/JsonFileDefaults.h"
+#include "platform/desktop/LazySoundOutput.h"
 #include "platform/desktop/ProcessCaptureTool.h"
-#include "platform/desktop/PulseSoundOutput.h"
 #include "platform/desktop/QtFilePanels.h"
 #include "platform/desktop/QtMainQueue.h"
 #include "platform/desktop/SystemClock.h"
@@ -35,7 +35,7 @@ struct framora_App::Desktop {
     FileResourceBundle resources;
     QtFilePanels filePanels;
     DesktopAppearance appearance{notifications};
-    PulseSoundOutput soundOutput;
+    LazySoundOutput soundOutput;
     X11Connection connection;
     X11KeyMonitors keyMonitors{connection, gate};
     X11Pasteboard pasteboard{connection};

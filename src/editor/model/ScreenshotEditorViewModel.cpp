@@ -10,13 +10,12 @@
 #include "platform/Clock.h"
 #include "platform/FilePanels.h"
 #include "platform/MainQueue.h"
-#include "platform/ResourceBundle.h"
 
-#include <QFileInfo>
 #include <QPointer>
 #include <algorithm>
 #include <cmath>
 #include <tuple>
+#include <utility>
 
 namespace framora {
 namespace {
@@ -51,28 +50,20 @@ template <class Preset> int indexOf(const std::optional<Preset>& selected, const
 ScreenshotEditorViewModel::ScreenshotEditorViewModel(QImage image, Services services, QObject* parent)
     : QObject(parent), m_services(std::move(services)), m_originalImage(std::move(image)),
       m_config(ScreenshotStyleConfig::shared()) {
-    loadStartupTexture();
+    useStartupTexture();
 }
 
 ScreenshotEditorViewModel::~ScreenshotEditorViewModel() = default;
 
-void ScreenshotEditorViewModel::loadStartupTexture() {
-    const QString name = QStringLiteral("Black and White Gradient Macbook Wallpaper_Texture");
-    std::optional<QUrl> url = m_services.resources.url(name, QStringLiteral("png"), QStringLiteral("public"));
-    if (!url) {
-        const QString path = m_services.resources.resourcePath() + QStringLiteral("/public/%1.png").arg(name);
-        if (QFileInfo::exists(path))
-            url = QUrl::fromLocalFile(path);
-    }
-    if (!url)
-        return;
-    const QImage texture = BackgroundDecoder::decode(*url);
-    if (texture.isNull())
+void ScreenshotEditorViewModel::useStartupTexture() {
+    const auto given = std::exchange(m_services.startupTexture, {});
+    const auto texture = given ? given() : StartupTexture::load(m_services.resources);
+    if (!texture)
         return;
     m_config.backgroundType = BackgroundType::image;
-    useBackgroundImage(m_config, *url);
-    m_selectedWallpaperURL = *url;
-    m_wallpaperImages = {{*url, makeThumbnail(texture)}};
+    useBackgroundImage(m_config, texture->url);
+    m_selectedWallpaperURL = texture->url;
+    m_wallpaperImages = {{texture->url, texture->thumbnail}};
 }
 
 void ScreenshotEditorViewModel::setConfig(const ScreenshotStyleConfig& config) {

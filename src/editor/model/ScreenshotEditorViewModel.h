@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/model/ScreenshotStyleConfig.h"
+#include "editor/model/StartupTexture.h"
 
 #include <QByteArray>
 #include <QColor>
@@ -76,6 +77,9 @@ public:
         ShowToast showToast;                                ///< May be empty: no toast then.
         /// Hands an import to the wallpaper cache; may be empty.
         std::function<void(const Wallpaper&)> shareWallpaper;
+        /// The start-up texture that somebody has loaded already; when empty the model loads it itself.
+        /// Called once, by the constructor.
+        std::function<std::optional<StartupTexture>()> startupTexture = {};
     };
 
     /// `image`'s point size is its pixel size divided by its device pixel ratio.
@@ -163,7 +167,7 @@ Q_SIGNALS:
     void currentRedactEndChanged();
 
 private:
-    void loadStartupTexture();
+    void useStartupTexture();
     void useBackgroundImage(ScreenshotStyleConfig& config, const QUrl& url);
     void setZoom(double zoom);
     void setSelectedWallpaperURL(const QUrl& url);

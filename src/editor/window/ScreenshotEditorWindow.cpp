@@ -18,11 +18,13 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPointer>
+#include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
 #include <QScreen>
 #include <algorithm>
+#include <future>
 
 namespace framora {
 namespace {
@@ -86,6 +88,44 @@ QSize ScreenshotEditorWindow::initialSize(QSizeF screenSize) {
 void ScreenshotEditorWindow::open(const QImage& image) {
     const QScreen& screen = mainScreen();
 
+    // The texture is decoded while the views are loaded.
+    auto texture = std::async(
+        std::launch::async, [&resources = m_services.resources] { return StartupTexture::load(resources); });
+
+    m_editorWindow = std::make_unique<QQuickView>();
+    QQuickView& window = *m_editorWindow;
+    window.setFlags(Qt::Window | Qt::FramelessWindowHint);
+    window.setTitle(QStringLiteral("Framora"));
+    window.setResizeMode(QQuickView::SizeRootObjectToView);
+    window.setMinimumSize(minimumSize);
+    window.resize(initialSize(screen.size()).expandedTo(minimumSize));
+    QRect frame({0, 0}, window.size());
+    frame.moveCenter(screen.geometry().center());
+    window.setPosition(frame.topLeft());
+    window.installEventFilter(this);
+
+    registerEditorViews(*window.engine());
+    const QUrl source(QStringLiteral("qrc:/framora/qml/Framora/Editor/ScreenshotEditorView.qml"));
+    auto* component = new QQmlComponent(window.engine(), source, &window);
+
+    m_session = makeSession(image, [&texture] { return texture.get(); });
+    QObject* root = component->createWithInitialProperties(
+        {{QStringLiteral("session"), QVariant::fromValue(m_session.get())},
+         {QStringLiteral("dark"), m_services.appearance.isDark()},
+         {QStringLiteral("accent"), m_services.appearance.accentColor()},
+         {QStringLiteral("reducedMotion"), m_services.appearance.prefersReducedMotion()}});
+    if (!root)
+        qFatal("ScreenshotEditorWindow: %s", qPrintable(component->errorString()));
+    window.setContent(source, component, root);
+    window.show();
+    window.requestActivate();
+    m_services.application.activate();
+    Q_EMIT opened();
+}
+
+std::unique_ptr<EditorSession>
+ScreenshotEditorWindow::makeSession(const QImage& image,
+                                    std::function<std::optional<StartupTexture>()> startupTexture) {
     m_savedToast = m_services.makeToastManager();
     ScreenshotEditorViewModel::Services modelServices{
         m_services.mainQueue,
@@ -98,8 +138,9 @@ void ScreenshotEditorWindow::open(const QImage& image) {
             m_savedToast->show(message, icon, success);
         },
         {},
+        std::move(startupTexture),
     };
-    m_session = std::make_unique<EditorSession>(
+    return std::make_unique<EditorSession>(
         std::make_unique<ScreenshotEditorViewModel>(image, std::move(modelServices)),
         m_services.notifications, EditorToolbar::defaultItems(),
         EditorSession::Actions{
@@ -117,30 +158,6 @@ void ScreenshotEditorWindow::open(const QImage& image) {
             },
             [&queue = m_services.mainQueue](std::function<void()> work) { queue.async(std::move(work)); },
         });
-
-    m_editorWindow = std::make_unique<QQuickView>();
-    QQuickView& window = *m_editorWindow;
-    window.setFlags(Qt::Window | Qt::FramelessWindowHint);
-    window.setTitle(QStringLiteral("Framora"));
-    window.setResizeMode(QQuickView::SizeRootObjectToView);
-    window.setMinimumSize(minimumSize);
-    window.resize(initialSize(screen.size()).expandedTo(minimumSize));
-    QRect frame({0, 0}, window.size());
-    frame.moveCenter(screen.geometry().center());
-    window.setPosition(frame.topLeft());
-    window.installEventFilter(this);
-
-    registerEditorViews(*window.engine());
-    window.setInitialProperties(
-        {{QStringLiteral("session"), QVariant::fromValue(m_session.get())},
-         {QStringLiteral("dark"), m_services.appearance.isDark()},
-         {QStringLiteral("accent"), m_services.appearance.accentColor()},
-         {QStringLiteral("reducedMotion"), m_services.appearance.prefersReducedMotion()}});
-    window.setSource(QUrl(QStringLiteral("qrc:/framora/qml/Framora/Editor/ScreenshotEditorView.qml")));
-    window.show();
-    window.requestActivate();
-    m_services.application.activate();
-    Q_EMIT opened();
 }
 
 void ScreenshotEditorWindow::applyAppearance() {

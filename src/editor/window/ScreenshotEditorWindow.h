@@ -8,6 +8,7 @@
 #include <QSizeF>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 class QQuickView;
@@ -23,6 +24,7 @@ class MainQueue;
 class Pasteboard;
 class RandomSource;
 class ResourceBundle;
+struct StartupTexture;
 class ToastManager;
 class WorkItem;
 
@@ -87,6 +89,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    std::unique_ptr<EditorSession> makeSession(const QImage& image,
+                                               std::function<std::optional<StartupTexture>()> startupTexture);
     void performToolbarItem(const QString& identifier);
     void handleMiniaturize();
     void handleZoomWindow();

@@ -1,49 +1,96 @@
 #include "platform/desktop/SingleInstance.h"
 
 #include <QDir>
-#include <QLocalSocket>
+#include <QFile>
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <tuple>
+#include <unistd.h>
 
 namespace framora {
 
 namespace {
 
-QString baseName(const QString& folder, const QString& display) {
+QByteArray baseName(const QString& folder, const QString& display) {
     QString name = QStringLiteral("framora-") + display;
     for (QChar& letter : name) {
         if (!letter.isLetterOrNumber() && letter != u'-' && letter != u'.')
             letter = u'_';
     }
-    return QDir(folder).filePath(name);
+    return QFile::encodeName(QDir(folder).filePath(name));
+}
+
+/// False when the path is too long for a socket's address.
+bool makeAddress(const QByteArray& path, sockaddr_un& address) {
+    address = {};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= static_cast<qsizetype>(sizeof address.sun_path))
+        return false;
+    std::copy(path.begin(), path.end(), address.sun_path);
+    return true;
 }
 
 } // namespace
 
 SingleInstance::SingleInstance(const QString& folder, const QString& display)
-    : m_socketPath(baseName(folder, display) + QStringLiteral(".socket")),
-      m_lock(baseName(folder, display) + QStringLiteral(".lock")) {
-    // However long the other one has been running, it is not stale while its process lives.
-    m_lock.setStaleLockTime(0);
-    connect(&m_server, &QLocalServer::newConnection, this, [this] {
-        while (auto* socket = m_server.nextPendingConnection()) {
-            connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
+    : m_lockPath(baseName(folder, display) + ".lock"), m_socketPath(baseName(folder, display) + ".socket") {}
+
+SingleInstance::~SingleInstance() {
+    m_notifier.reset();
+    if (m_socket >= 0) {
+        unlink(m_socketPath.constData());
+        close(m_socket);
+    }
+    // The file stays: removing it would let two processes hold two locks of one name.
+    if (m_lock >= 0)
+        close(m_lock);
+}
+
+bool SingleInstance::acquire() {
+    m_lock = open(m_lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    if (m_lock < 0)
+        return true;
+    if (flock(m_lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        tellTheOther();
+        return false;
+    }
+    listenForOthers();
+    return true;
+}
+
+void SingleInstance::tellTheOther() const {
+    sockaddr_un address{};
+    const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (socket < 0)
+        return;
+    // To connect is all there is to say; a listener's queue takes it even while the other is busy.
+    if (makeAddress(m_socketPath, address))
+        std::ignore = ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+    close(socket);
+}
+
+void SingleInstance::listenForOthers() {
+    sockaddr_un address{};
+    m_socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    if (m_socket < 0 || !makeAddress(m_socketPath, address))
+        return;
+    // What a killed process left there; nobody else listens, since the lock is ours.
+    unlink(m_socketPath.constData());
+    if (::bind(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+        ::listen(m_socket, 8) != 0)
+        return;
+    m_notifier = std::make_unique<QSocketNotifier>(m_socket, QSocketNotifier::Read);
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
+        for (int peer; (peer = accept4(m_socket, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {
+            close(peer);
             if (m_handler)
                 m_handler();
         }
     });
-}
-
-bool SingleInstance::acquire() {
-    if (!m_lock.tryLock(0) && m_lock.error() == QLockFile::LockFailedError) {
-        QLocalSocket socket;
-        socket.connectToServer(m_socketPath);
-        socket.waitForConnected(2000);
-        return false;
-    }
-    // Without a writable runtime folder there is nothing to hold; one process too many is better than none.
-    QLocalServer::removeServer(m_socketPath);
-    m_server.setSocketOptions(QLocalServer::UserAccessOption);
-    m_server.listen(m_socketPath);
-    return true;
 }
 
 } // namespace framora

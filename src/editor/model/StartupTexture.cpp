@@ -1,0 +1,27 @@
+#include "editor/model/StartupTexture.h"
+
+#include "editor/render/BackgroundDecoder.h"
+#include "editor/render/ImageResampler.h"
+#include "platform/ResourceBundle.h"
+
+#include <QFileInfo>
+
+namespace framora {
+
+std::optional<StartupTexture> StartupTexture::load(const ResourceBundle& resources) {
+    const QString name = QStringLiteral("Black and White Gradient Macbook Wallpaper_Texture");
+    std::optional<QUrl> url = resources.url(name, QStringLiteral("png"), QStringLiteral("public"));
+    if (!url) {
+        const QString path = resources.resourcePath() + QStringLiteral("/public/%1.png").arg(name);
+        if (QFileInfo::exists(path))
+            url = QUrl::fromLocalFile(path);
+    }
+    if (!url)
+        return {};
+    const QImage picture = BackgroundDecoder::decode(*url);
+    if (picture.isNull())
+        return {};
+    return StartupTexture{*url, resizedImage(picture, 400, 300)};
+}
+
+} // namespace framora

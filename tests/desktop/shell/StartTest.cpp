@@ -1,0 +1,127 @@
+#include "desktop/path/FramoraDriver.h"
+
+#include <QDir>
+#include <QFile>
+#include <csignal>
+#include <gtest/gtest.h>
+
+namespace framora {
+namespace {
+
+QString framoraProgram() {
+    return FramoraDriver::program(QStringLiteral("framora"));
+}
+
+/// Framora itself, started under circumstances that are less than ideal.
+class StartTest : public testing::Test {
+protected:
+    void captureOnce(FramoraDriver& driver) {
+        driver.pressAreaShortcut();
+        driver.waitForOverlay();
+        driver.selectArea(QRect(300, 300, 120, 80));
+        driver.waitForToast();
+        EXPECT_EQ(driver.desktop().clipboardImage().size(), QSize(120, 80));
+    }
+};
+
+TEST_F(StartTest, withNeitherTrayNorBusTheShortcutsWork) {
+    DesktopOptions options;
+    options.sessionBus = false;
+    VirtualDesktop desktop(options);
+    FramoraDriver driver(desktop);
+    driver.launch();
+    captureOnce(driver);
+}
+
+TEST_F(StartTest, withoutAWindowManagerTheShortcutsWork) {
+    DesktopOptions options;
+    options.windowManager = WindowManager::none;
+    VirtualDesktop desktop(options);
+    FramoraDriver driver(desktop);
+    driver.launch();
+    captureOnce(driver);
+}
+
+TEST_F(StartTest, aSecondStartEndsWithZeroAndRaisesWhatIsOpen) {
+    VirtualDesktop desktop;
+    FramoraDriver driver(desktop);
+    driver.launch();
+    const DesktopWindow editor = driver.captureAndEdit(QRect(200, 200, 300, 200));
+    desktop.start(QStringLiteral("xterm"),
+                  {QStringLiteral("-xrm"), QStringLiteral("*wmTimeout: 100"), QStringLiteral("-title"),
+                   QStringLiteral("Other"), QStringLiteral("-geometry"), QStringLiteral("120x40+100+100")});
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] {
+        const auto other = driver.display().windowTitled(QStringLiteral("Other"));
+        return other && driver.display().activeWindow() == other->id;
+    }));
+
+    ChildProcess& second = desktop.start(framoraProgram());
+    ASSERT_TRUE(second.waitForExit());
+    EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return driver.display().activeWindow() == editor.id; }));
+    EXPECT_TRUE(driver.framora().isRunning());
+}
+
+TEST_F(StartTest, aKilledFramoraDoesNotKeepTheNextFromStarting) {
+    VirtualDesktop desktop;
+    FramoraDriver driver(desktop);
+    driver.launch().kill();
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return !driver.framora().isRunning(); }));
+    driver.launch();
+    captureOnce(driver);
+}
+
+TEST_F(StartTest, toldToEndDuringACaptureItTakesTheOverlayAlong) {
+    VirtualDesktop desktop;
+    FramoraDriver driver(desktop);
+    ChildProcess& framora = driver.launch();
+    driver.pressAreaShortcut();
+    driver.waitForOverlay();
+    ::kill(static_cast<pid_t>(framora.pid()), SIGTERM);
+    EXPECT_TRUE(framora.waitForExit());
+    EXPECT_EQ(framora.exitCode(), 0);
+    driver.waitForNoOverlay();
+}
+
+TEST_F(StartTest, aDamagedStoreGivesTheDefaultsAndStaysAsItIs) {
+    VirtualDesktop desktop;
+    const QString folder = desktop.configPath() + QStringLiteral("/framora");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    const QByteArray damaged = "{\"Settings\": {\"hotkey\": ";
+    QFile file(folder + QStringLiteral("/defaults.json"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(damaged);
+    file.close();
+    FramoraDriver driver(desktop);
+    driver.launch();
+    captureOnce(driver);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), damaged);
+}
+
+TEST_F(StartTest, answersTheShortcutThatIsStored) {
+    VirtualDesktop desktop;
+    const QString folder = desktop.configPath() + QStringLiteral("/framora");
+    ASSERT_TRUE(QDir().mkpath(folder));
+    QFile file(folder + QStringLiteral("/defaults.json"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    // Control+Super+F9 takes an area.
+    file.write(R"({"Settings":{"hotkey":{"keyCode":101,"modifierFlagsRaw":1310720},)"
+               R"("tabCaptureHotkey":{"keyCode":17,"modifierFlagsRaw":655360},"showDockIcon":true,)"
+               R"("copyToClipboard":true,"soundEffectsEnabled":false,"soundEffectsVolume":0.5,)"
+               R"("captureSound":"Frog"}})");
+    file.close();
+    FramoraDriver driver(desktop);
+    desktop.start(framoraProgram());
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] {
+        driver.display().key({"Control_L", "Super_L", "F9"});
+        return VirtualDesktop::waitFor([&] { return driver.overlay().has_value(); }, 500);
+    }));
+    driver.display().key({"Escape"});
+    driver.waitForNoOverlay();
+    driver.pressAreaShortcut();
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return driver.overlay().has_value(); }, 700));
+}
+
+} // namespace
+} // namespace framora
