@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editor/window/EditorServices.h"
 #include "platform/NotificationCenter.h"
 
 #include <QImage>
@@ -15,15 +16,8 @@ class QQuickView;
 
 namespace framora {
 
-class Appearance;
-class Application;
-class Clock;
 class EditorSession;
-class FilePanels;
-class MainQueue;
-class Pasteboard;
 class RandomSource;
-class ResourceBundle;
 struct StartupTexture;
 class ToastManager;
 class WorkItem;
@@ -36,18 +30,7 @@ class ScreenshotEditorWindow final : public QObject {
     Q_OBJECT
 
 public:
-    /// What the editor asks of the rest of the program; all of it outlives the controller.
-    struct Services {
-        MainQueue& mainQueue;
-        Clock& clock;
-        FilePanels& filePanels;
-        const ResourceBundle& resources;
-        NotificationCenter& notifications;
-        Pasteboard& pasteboard;
-        Application& application;
-        const Appearance& appearance;
-        std::function<std::unique_ptr<ToastManager>()> makeToastManager;
-    };
+    using Services = EditorServices;
 
     explicit ScreenshotEditorWindow(Services services);
     ~ScreenshotEditorWindow() override;
