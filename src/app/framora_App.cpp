@@ -2,12 +2,14 @@
 
 #include "app/AppDelegate.h"
 #include "app/PreferencesWindow.h"
-#include "editor/window/ScreenshotEditorWindow.h"
+#include "editor/window/EditorModule.h"
+#include "editor/window/EditorServices.h"
 #include "feedback/SoundManager.h"
 #include "platform/desktop/DesktopAppearance.h"
 #include "platform/desktop/FileResourceBundle.h"
 #include "platform/desktop/JsonFileDefaults.h"
 #include "platform/desktop/LazySoundOutput.h"
+#include "platform/desktop/ModuleLoader.h"
 #include "platform/desktop/ProcessCaptureTool.h"
 #include "platform/desktop/QtFilePanels.h"
 #include "platform/desktop/QtMainQueue.h"
@@ -20,8 +22,6 @@
 #include "platform/x11/X11Permissions.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11ToastPanels.h"
-
-#include <QQuickView>
 
 namespace framora {
 
@@ -48,29 +48,30 @@ struct framora_App::Desktop {
     TerminationSignals terminationSignals;
 
     ToastServices toastServices() {
-        return {mainQueue, toastPanels, screens, appearance, [](const QImage& image) { openEditor(image); }};
+        return {mainQueue, toastPanels, screens, appearance, [this](const QImage& image) {
+                    if (auto* opened = loadedEditor())
+                        opened->edit(image);
+                }};
     }
 
-    ScreenshotEditorWindow::Services editorServices() {
-        return {
-            mainQueue,   clock,         filePanels,
-            resources,   notifications, pasteboard,
-            application, appearance,    [this] { return std::make_unique<ToastManager>(toastServices()); }};
+    /// Null where the module is missing from the installation.
+    Editor* loadedEditor() {
+        if (!editor) {
+            const auto make = reinterpret_cast<MakeEditor*>(moduleFunction("framora-editor", makeEditorName));
+            if (make)
+                editor.reset(
+                    make({mainQueue, clock, filePanels, resources, notifications, pasteboard, application,
+                          appearance, [this] { return std::make_unique<ToastManager>(toastServices()); }}));
+        }
+        return editor.get();
     }
 
-    static void openEditor(const QImage& image) {
-        auto& editor = ScreenshotEditorWindow::shared();
-        if (editor.editorWindow())
-            editor.close();
-        editor.setClosing(false);
-        editor.open(image);
-    }
+    std::unique_ptr<Editor> editor; ///< Loaded with the first picture to edit.
 };
 
 framora_App::framora_App() : m_desktop(std::make_unique<Desktop>()) {
     Desktop& desktop = *m_desktop;
     SoundManager::setSharedOutput(desktop.soundOutput);
-    ScreenshotEditorWindow::provide([&desktop] { return desktop.editorServices(); });
     _appDelegate = std::make_unique<AppDelegate>(AppServices{
         desktop.mainQueue, desktop.clock, desktop.notifications, desktop.defaults, desktop.keyMonitors,
         desktop.pasteboard, desktop.captureTool, desktop.statusBar, desktop.permissions, desktop.application,
@@ -89,10 +90,8 @@ void framora_App::launch() {
 void framora_App::raiseWindows() {
     if (_appDelegate->settingsWindow())
         _appDelegate->openSettings();
-    if (auto* editor = ScreenshotEditorWindow::shared().editorWindow()) {
-        editor->show();
-        editor->raise();
-        editor->requestActivate();
+    if (m_desktop->editor && m_desktop->editor->isOpen()) {
+        m_desktop->editor->raise();
         m_desktop->application.activate();
     }
 }

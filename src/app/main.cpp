@@ -1,12 +1,9 @@
 #include "app/framora_App.h"
+#include "platform/desktop/SingleInstance.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QQuickWindow>
 #include <QStandardPaths>
 #include <cstdio>
-
-#include "platform/desktop/SingleInstance.h"
 
 namespace {
 
@@ -30,9 +27,6 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationName(QStringLiteral("framora"));
     QGuiApplication::setApplicationDisplayName(QStringLiteral("Framora"));
     QGuiApplication::setDesktopFileName(QStringLiteral("framora"));
-    // Our own compositor paints the picture; the rest of the windows needs no graphics driver, whose start
-    // would be most of theirs.
-    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     QApplication application(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
 

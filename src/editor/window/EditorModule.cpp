@@ -1,0 +1,46 @@
+#include "editor/window/EditorModule.h"
+
+#include "editor/window/ScreenshotEditorWindow.h"
+
+#include <QQuickView>
+#include <QQuickWindow>
+
+namespace framora {
+
+namespace {
+
+class WindowEditor final : public Editor {
+public:
+    explicit WindowEditor(const EditorServices& services) {
+        // Our own compositor paints the picture; the rest of the window needs no graphics driver, whose start
+        // would be most of the window's.
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+        ScreenshotEditorWindow::provide([services] { return services; });
+    }
+
+    bool isOpen() const override { return ScreenshotEditorWindow::shared().editorWindow() != nullptr; }
+
+    void edit(const QImage& image) override {
+        auto& editor = ScreenshotEditorWindow::shared();
+        if (editor.editorWindow())
+            editor.close();
+        editor.setClosing(false);
+        editor.open(image);
+    }
+
+    void raise() override {
+        if (auto* window = ScreenshotEditorWindow::shared().editorWindow()) {
+            window->show();
+            window->raise();
+            window->requestActivate();
+        }
+    }
+};
+
+} // namespace
+
+} // namespace framora
+
+extern "C" Q_DECL_EXPORT framora::Editor* framora_makeEditor(const framora::EditorServices& services) {
+    return std::make_unique<framora::WindowEditor>(services).release();
+}

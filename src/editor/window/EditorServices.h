@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+namespace framora {
+
+class Appearance;
+class Application;
+class Clock;
+class FilePanels;
+class MainQueue;
+class NotificationCenter;
+class Pasteboard;
+class ResourceBundle;
+class ToastManager;
+
+/// What the editor asks of the rest of the program; all of it outlives the editor.
+struct EditorServices {
+    MainQueue& mainQueue;
+    Clock& clock;
+    FilePanels& filePanels;
+    const ResourceBundle& resources;
+    NotificationCenter& notifications;
+    Pasteboard& pasteboard;
+    Application& application;
+    const Appearance& appearance;
+    std::function<std::unique_ptr<ToastManager>()> makeToastManager;
+};
+
+} // namespace framora
