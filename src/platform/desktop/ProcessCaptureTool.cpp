@@ -9,7 +9,8 @@ namespace framora {
 
 namespace {
 const QString toolName = QStringLiteral("framora-screencapture");
-}
+constexpr int endingMilliseconds = 1000;
+} // namespace
 
 ProcessCaptureTool::ProcessCaptureTool(CommandGate& gate, QString executable)
     : m_gate(gate), m_executable(std::move(executable)) {
@@ -38,8 +39,16 @@ void ProcessCaptureTool::waitUntilExit() {
     QEventLoop loop;
     QObject::connect(&m_process, &QProcess::finished, &loop, &QEventLoop::quit);
     // Clipboard requests and the window manager's pings are served here; input waits.
-    while (m_process.state() != QProcess::NotRunning)
+    if (m_process.state() != QProcess::NotRunning)
         loop.exec(QEventLoop::ExcludeUserInputEvents);
+    if (m_process.state() == QProcess::NotRunning)
+        return;
+    // The program is told to end: what the tool has on screen goes with it.
+    m_process.terminate();
+    if (m_process.waitForFinished(endingMilliseconds))
+        return;
+    m_process.kill();
+    m_process.waitForFinished(endingMilliseconds);
 }
 
 } // namespace framora

@@ -97,12 +97,25 @@ void X11KeyMonitors::handleEvent(const xcb_generic_event_t& event) {
     }
 }
 
+bool X11KeyMonitors::ownWindowHasFocus() const {
+    // Qt believes in its focus for a while after it has gone; the server knows.
+    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (!x11)
+        return false;
+    const XcbReply<xcb_get_input_focus_reply_t> reply(
+        xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    const auto* setup = xcb_get_setup(x11->connection());
+    // PointerRoot and None are no window's number.
+    return reply && reply->focus > XCB_INPUT_FOCUS_POINTER_ROOT &&
+           (reply->focus & ~setup->resource_id_mask) == setup->resource_id_base;
+}
+
 void X11KeyMonitors::handleRawKey(std::uint32_t keycode) {
-    // While one of our windows has the keyboard, its keys are the local monitors'.
-    if (!m_gate.isOpen() || QGuiApplication::focusWindow() || keycode < evdevOffset)
+    if (!m_gate.isOpen() || keycode < evdevOffset)
         return;
     const auto virtualKey = virtualKeyFromEvdev(static_cast<std::uint16_t>(keycode - evdevOffset));
-    if (!virtualKey)
+    // While one of our windows has the keyboard, its keys are the local monitors'.
+    if (!virtualKey || ownWindowHasFocus())
         return;
     const KeyEvent key{*virtualKey, m_modifiers.flags(m_modifierState)};
     // A copy: a handler may add and remove monitors; one that was removed meanwhile is not called.

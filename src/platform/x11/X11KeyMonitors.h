@@ -32,6 +32,7 @@ protected:
 private:
     void selectEvents();
     void handleEvent(const xcb_generic_event_t& event);
+    bool ownWindowHasFocus() const;
     void handleRawKey(std::uint32_t keycode);
 
     X11Connection& m_connection;

@@ -55,14 +55,17 @@ TEST_P(ApplicationTest, activatingBringsTheWindowOverTheOneThatIsInUse) {
     ASSERT_TRUE(soon([&] { return display().activeWindow() == window; }));
     ASSERT_FALSE(shell.next(QStringLiteral("active")).isEmpty());
     const DesktopWindow terminal = shell.openTerminal();
-    // A click in the other window makes its user time the latest.
-    display().click(terminal.geometry.center());
+    // A click in the other window, where it is not covered, makes its user time the latest.
+    display().click(terminal.geometry.bottomLeft() + QPoint(8, -8));
     ASSERT_TRUE(soon([&] { return display().activeWindow() == terminal.id; }));
+    ASSERT_FALSE(shell.next(QStringLiteral("inactive")).isEmpty());
+
     shell.tell(QStringLiteral("activate"));
     EXPECT_TRUE(soon([&] { return display().activeWindow() == window; }));
     EXPECT_FALSE(shell.next(QStringLiteral("active")).isEmpty()) << "becoming active is announced";
     const auto windows = display().windows();
-    EXPECT_EQ(windows.back().id, window);
+    const auto place = [&](std::uint32_t id) { return std::ranges::find(windows, id, &DesktopWindow::id); };
+    EXPECT_GT(place(window), place(terminal.id)) << "it stands above";
 }
 
 INSTANTIATE_TEST_SUITE_P(, ApplicationTest, testing::Values(WindowManager::openbox, WindowManager::xfwm4),

@@ -52,6 +52,10 @@ class ShellHost {
 public:
     ShellHost() {
         m_active = m_notifications.observe(notifications::applicationDidBecomeActive, [] { say("active"); });
+        QObject::connect(qGuiApp, &QGuiApplication::applicationStateChanged, [](Qt::ApplicationState state) {
+            if (state == Qt::ApplicationInactive)
+                say("inactive");
+        });
     }
 
     void obey(const QString& line) {

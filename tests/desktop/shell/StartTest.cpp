@@ -83,6 +83,23 @@ TEST_F(StartTest, toldToEndDuringACaptureItTakesTheOverlayAlong) {
     driver.waitForNoOverlay();
 }
 
+TEST_F(StartTest, toldToEndWithAFileDialogOpenItEnds) {
+    DesktopOptions options;
+    options.accessibility = true;
+    VirtualDesktop desktop(options);
+    FramoraDriver driver(desktop);
+    ChildProcess& framora = driver.launch();
+    const DesktopWindow editor = driver.captureAndEdit(QRect(200, 200, 300, 200));
+    driver.clickControl(QStringLiteral("Save to File"));
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] {
+        const auto active = driver.display().activeWindow();
+        return active && active != editor.id;
+    }));
+    ::kill(static_cast<pid_t>(framora.pid()), SIGTERM);
+    EXPECT_TRUE(framora.waitForExit());
+    EXPECT_EQ(framora.exitCode(), 0);
+}
+
 TEST_F(StartTest, aDamagedStoreGivesTheDefaultsAndStaysAsItIs) {
     VirtualDesktop desktop;
     const QString folder = desktop.configPath() + QStringLiteral("/framora");
