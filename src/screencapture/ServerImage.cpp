@@ -2,9 +2,9 @@
 
 #include "screencapture/XConnection.h"
 
-#include <fcntl.h>
+#include <sys/ipc.h>
 #include <sys/mman.h>
-#include <unistd.h>
+#include <sys/shm.h>
 #include <vector>
 
 namespace framora {
@@ -28,24 +28,23 @@ std::unique_ptr<ServerImage> ServerImage::create(const XConnection& connection, 
 
 bool ServerImage::allocate() {
     const std::size_t size = byteCount();
-    if (m_connection.hasSharedMemory()) {
-        const int file = memfd_create("framora-screencapture", MFD_CLOEXEC);
-        if (file >= 0 && ftruncate(file, static_cast<off_t>(size)) == 0) {
-            void* memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-            if (memory != MAP_FAILED) {
-                const xcb_shm_seg_t segment = xcb_generate_id(m_connection);
-                // The descriptor is the connection's from here on. A server elsewhere cannot take it.
-                if (m_connection.succeeded(xcb_shm_attach_fd_checked(m_connection, segment, file, 0))) {
-                    m_segment = segment;
-                    m_pixels = static_cast<uint32_t*>(memory);
-                    return true;
-                }
-                munmap(memory, size);
-            } else {
-                close(file);
+    // Not by file descriptor: servers there are die when a client is killed right after it has passed one.
+    const int shared = m_connection.hasSharedMemory() ? shmget(IPC_PRIVATE, size, IPC_CREAT | 0600) : -1;
+    if (shared >= 0) {
+        void* memory = shmat(shared, nullptr, 0);
+        // Marked at once, so that it is gone with its last user however this program ends.
+        shmctl(shared, IPC_RMID, nullptr);
+        if (memory != reinterpret_cast<void*>(-1)) {
+            const xcb_shm_seg_t segment = xcb_generate_id(m_connection);
+            // A server elsewhere cannot attach it.
+            if (m_connection.succeeded(
+                    xcb_shm_attach_checked(m_connection, segment, static_cast<uint32_t>(shared), 0))) {
+                m_segment = segment;
+                m_pixels = static_cast<uint32_t*>(memory);
+                m_sharedMemory = true;
+                return true;
             }
-        } else if (file >= 0) {
-            close(file);
+            shmdt(memory);
         }
     }
     void* memory = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
@@ -62,7 +61,9 @@ ServerImage::~ServerImage() {
 }
 
 void ServerImage::abandon() {
-    if (m_pixels)
+    if (m_pixels && m_sharedMemory)
+        shmdt(m_pixels);
+    else if (m_pixels)
         munmap(m_pixels, byteCount());
     m_pixels = nullptr;
     m_segment = XCB_NONE;

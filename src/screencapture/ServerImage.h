@@ -55,6 +55,7 @@ private:
     int m_height;
     uint32_t* m_pixels = nullptr;
     xcb_shm_seg_t m_segment = XCB_NONE;
+    bool m_sharedMemory = false;
 };
 
 } // namespace framora

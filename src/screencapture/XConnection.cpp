@@ -94,10 +94,8 @@ void XConnection::askVersions() {
         const auto r = reply(randrCookie, xcb_randr_query_version_reply);
         m_hasRandr = r && (r->major_version > 1 || (r->major_version == 1 && r->minor_version >= 5));
     }
-    if (shm) {
-        const auto r = reply(shmCookie, xcb_shm_query_version_reply);
-        m_hasSharedMemory = r && (r->major_version > 1 || (r->major_version == 1 && r->minor_version >= 2));
-    }
+    if (shm)
+        m_hasSharedMemory = reply(shmCookie, xcb_shm_query_version_reply) != nullptr;
 }
 
 const xcb_visualtype_t* XConnection::visual(xcb_visualid_t id) const {

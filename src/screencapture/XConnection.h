@@ -57,7 +57,6 @@ public:
     bool hasDamage() const { return m_hasDamage; }
     bool hasRandr() const { return m_hasRandr; }
     bool hasShape() const { return m_hasShape; }
-    /// Shared memory by file descriptor (MIT-SHM 1.2).
     bool hasSharedMemory() const { return m_hasSharedMemory; }
     bool hasRender() const { return m_hasRender; }
 
