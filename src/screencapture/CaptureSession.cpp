@@ -74,6 +74,8 @@ bool CaptureSession::begin() {
         m_model->keyHeldAtStart(code);
     if (m_connection.hasRandr())
         xcb_randr_select_input(m_connection, m_connection.root(), XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE);
+    if (m_mode == CaptureMode::Window)
+        listWindows(); // as they stand in the frozen picture
     if (!m_overlay->show() || !m_overlay->prepare()) {
         m_failure = "the screen cannot be drawn on";
         return false;
@@ -89,12 +91,17 @@ void CaptureSession::endOnScreen() {
     xcb_flush(m_connection);
 }
 
+void CaptureSession::listWindows() {
+    if (m_windowsKnown)
+        return;
+    m_windowsKnown = true;
+    m_windows = WindowList::scan(m_connection, m_overlay->window());
+}
+
 void CaptureSession::enterWindowMode() {
-    if (!m_windowsKnown) {
-        m_windowsKnown = true;
-        m_windows = WindowList::scan(m_connection, m_overlay->window());
+    listWindows();
+    if (!m_windowGrab)
         m_windowGrab.emplace(m_connection);
-    }
     m_windowGrab->prepare(m_windows, Clock::now());
 }
 

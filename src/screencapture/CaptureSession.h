@@ -47,6 +47,7 @@ private:
     std::optional<Outcome> decide(SelectionModel::Outcome outcome);
     std::optional<Outcome> takeWindow();
     Outcome takeArea();
+    void listWindows();
     void enterWindowMode();
     void modeMayHaveChanged();
     void updateScene();
