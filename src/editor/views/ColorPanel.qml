@@ -1,3 +1,4 @@
+// qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
 import Framora.Editor
@@ -190,6 +191,7 @@ Rectangle {
                 model: ["#ffffff", "#c9ccd3", "#6b6f78", "#1a1a1a", "#e5484d", "#f76b15", "#ffc53d", "#46a758",
                         "#12a594", "#00a2c7", "#3d6df2", "#6e56cf", "#ab4aba", "#e93d82", "#8d6e58", "#0d2b45"]
                 delegate: T.AbstractButton {
+                    id: swatch
                     required property string modelData
                     width: (grid.width - 7 * grid.spacing) / 8
                     height: width
@@ -199,8 +201,8 @@ Rectangle {
                     onClicked: panel.bridge.setColor(modelData)
                     background: GradientSwatch {
                         radius: 6
-                        colors: [parent.modelData]
-                        outline: parent.hovered ? Theme.text : Theme.outline
+                        colors: [swatch.modelData]
+                        outline: swatch.hovered ? Theme.text : Theme.outline
                     }
                 }
             }

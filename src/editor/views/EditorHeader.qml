@@ -1,3 +1,4 @@
+// qmllint disable unqualified
 import QtQuick
 import Framora.Editor
 
@@ -13,14 +14,6 @@ Item {
     readonly property ScreenshotEditorViewModel viewModel: session.viewModel
     readonly property bool compact: width - Math.max(sidebarSpace, windowCluster.width) < 640
 
-    DragHandler {
-        target: null
-        onActiveChanged: if (active) header.Window.window.startSystemMove()
-    }
-    TapHandler {
-        onDoubleTapped: header.session.zoomWindow()
-    }
-
     Rectangle {
         x: header.sidebarSpace
         width: parent.width - x
@@ -28,6 +21,18 @@ Item {
         color: Theme.ground
     }
 
+    MouseArea {
+        property point pressedAt
+
+        anchors.fill: parent
+        onPressed: mouse => pressedAt = Qt.point(mouse.x, mouse.y)
+        onPositionChanged: mouse => {
+            // The window manager takes the pointer over; no release comes back.
+            if (Math.abs(mouse.x - pressedAt.x) + Math.abs(mouse.y - pressedAt.y) > 6)
+                header.Window.window.startSystemMove();
+        }
+        onDoubleClicked: header.session.zoomWindow()
+    }
     Row {
         id: windowCluster
         x: 12

@@ -1,3 +1,4 @@
+// qmllint disable unqualified deferred-property-id
 import QtQuick
 import QtQuick.Templates as T
 import Framora.Editor

@@ -1,3 +1,4 @@
+// qmllint disable unqualified
 import QtQuick
 
 /// Thin margins along a frameless window's edges that resize it.

@@ -97,7 +97,12 @@ Item {
         }
         TapHandler {
             // After the slider has had the same release, or it would move the value once more.
-            onDoubleTapped: Qt.callLater(control.reset)
+            onDoubleTapped: resetSoon.start()
+        }
+        Timer {
+            id: resetSoon
+            interval: 0
+            onTriggered: control.reset()
         }
     }
     Text {

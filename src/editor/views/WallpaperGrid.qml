@@ -1,3 +1,4 @@
+// qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
 import Framora.Editor
@@ -20,9 +21,9 @@ Column {
             model: editor.viewModel.wallpaperURLs
             delegate: T.AbstractButton {
                 id: entry
-                required property url modelData
+                required property string modelData
                 required property int index
-                readonly property bool chosen: editor.viewModel.selectedWallpaperURL.toString() === modelData.toString()
+                readonly property bool chosen: String(editor.viewModel.selectedWallpaperURL) === modelData
                                                && editor.viewModel.hasBackgroundImage
                 objectName: "wallpaper." + index
                 width: (grid.width - 2 * grid.spacing) / 3
@@ -31,7 +32,7 @@ Column {
                 focusPolicy: Qt.TabFocus
                 Accessible.role: Accessible.RadioButton
                 Accessible.name: text
-                text: decodeURIComponent(modelData.toString().split("/").pop())
+                text: decodeURIComponent(modelData.split("/").pop())
                 onClicked: editor.viewModel.selectWallpaper(modelData)
                 background: Item {
                     Thumbnail {

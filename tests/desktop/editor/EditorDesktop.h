@@ -46,6 +46,23 @@ protected:
         ASSERT_TRUE(waitForLine("background")) << transcript().toStdString();
         ASSERT_TRUE(VirtualDesktop::waitFor([&] { return window().has_value(); }));
         ASSERT_TRUE(VirtualDesktop::waitFor([&] { return display().focusedWindow() == window()->id; }));
+        // The picture is fitted a little after the window came.
+        letPass();
+    }
+    /// Longer than any motion or delay of the editor.
+    void letPass() { ask(QStringLiteral("pass"), QStringLiteral("passed")); }
+    /// A drag that the window manager takes over, which it does in its own time.
+    void dragWindow(const QPoint& from, const QPoint& to) {
+        display().moveTo(from);
+        letPass();
+        display().press();
+        letPass();
+        display().moveTo((from + to) / 2);
+        letPass();
+        display().moveTo(to);
+        letPass();
+        display().release();
+        letPass();
     }
     std::optional<DesktopWindow> window() {
         for (const DesktopWindow& each : display().windows())
@@ -100,7 +117,7 @@ protected:
                 std::exchange(found, ask(QStringLiteral("where ") + name, QStringLiteral("at ")));
             if (found == before && found != u"nowhere")
                 return true;
-            ask(QStringLiteral("pass"), QStringLiteral("passed"));
+            letPass();
             return false;
         })) << name.toStdString();
         const QStringList numbers = found.split(u' ');

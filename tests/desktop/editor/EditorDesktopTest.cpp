@@ -43,7 +43,7 @@ TEST_F(EditorOnTheDesktop, TheHeaderMovesTheWindowAndADoubleClickFillsTheScreen)
     open();
     const QRect before = window()->geometry;
     const QPoint header = before.topLeft() + QPoint(700, 8);
-    display().drag(header, header + QPoint(30, 25));
+    dragWindow(header, header + QPoint(30, 25));
     ASSERT_TRUE(VirtualDesktop::waitFor([&] { return window()->geometry.topLeft() != before.topLeft(); }));
     EXPECT_EQ(window()->geometry.size(), before.size());
     display().doubleClick(window()->geometry.topLeft() + QPoint(700, 10));
@@ -55,7 +55,7 @@ TEST_F(EditorOnTheDesktop, TheHeaderMovesTheWindowAndADoubleClickFillsTheScreen)
 TEST_F(EditorOnTheDesktop, ItsEdgesResizeItDownToItsMinimum) {
     open();
     const QRect before = window()->geometry;
-    display().drag(before.bottomRight() - QPoint(2, 2), before.topLeft() + QPoint(300, 200), 20);
+    dragWindow(before.bottomRight() - QPoint(2, 2), before.topLeft() + QPoint(300, 200));
     ASSERT_TRUE(VirtualDesktop::waitFor([&] { return window()->geometry.size() == QSize(800, 600); }))
         << window()->geometry.width() << " x " << window()->geometry.height();
     // Everything of the toolbar still has its place, from left to right.
