@@ -145,11 +145,13 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         spacing: 4
         Repeater {
-            // The flexible space before the first item is the room between the two rows.
-            model: header.session.toolbarItems.filter(item => item.identifier !== "flexible")
+            model: header.session.toolbarItems
             delegate: Loader {
                 required property var modelData
-                sourceComponent: modelData.identifier === "" ? space
+                // The flexible space is the room between the two rows.
+                visible: modelData.identifier !== "flexible"
+                sourceComponent: !visible ? null
+                               : modelData.identifier === "" ? space
                                : modelData.identifier === "CopyItem" || modelData.identifier === "SaveItem" ? wide : icon
                 Component {
                     id: space
