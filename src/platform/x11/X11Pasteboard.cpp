@@ -5,9 +5,12 @@
 #include <QBuffer>
 #include <QClipboard>
 #include <QDeadlineTimer>
+#include <QDir>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QImageReader>
 #include <QMimeData>
+#include <QProcess>
 #include <algorithm>
 #include <xcb/xfixes.h>
 
@@ -19,6 +22,7 @@ constexpr int answerMilliseconds = 5000;
 /// Larger than any screen's picture; more is a broken or hostile owner.
 constexpr qsizetype maximumBytes = 512 * 1024 * 1024;
 const QString pngType = QStringLiteral("image/png");
+const QString keeperName = QStringLiteral("framora-clipboard");
 
 QImage decode(const QByteArray& bytes) {
     QBuffer buffer(const_cast<QByteArray*>(&bytes));
@@ -27,6 +31,15 @@ QImage decode(const QByteArray& bytes) {
     QImage image = reader.read();
     image.setDevicePixelRatio(storedPixelRatio(bytes));
     return image;
+}
+
+/// The server has done all that Qt asked of it, and Qt has got all that the server told it before.
+void syncWithServer() {
+    if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
+        auto* connection = x11->connection();
+        XcbReply<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    }
 }
 
 } // namespace
@@ -53,6 +66,9 @@ X11Pasteboard::X11Pasteboard(X11Connection& connection) : m_connection(connectio
     }
     connection.addEventHandler([this](const xcb_generic_event_t& event) { handleEvent(event); });
     connection.flush();
+
+    m_untilQuit = std::make_unique<QObject>();
+    QObject::connect(qApp, &QCoreApplication::aboutToQuit, m_untilQuit.get(), [this] { handOver(); });
 }
 
 std::int64_t X11Pasteboard::changeCount() {
@@ -172,16 +188,36 @@ QByteArray X11Pasteboard::readTarget(xcb_atom_t target) {
     }
 }
 
+void X11Pasteboard::handOver() {
+    // Handing it to a clipboard manager is what Qt would do; but not every desktop runs one, and large
+    // pictures do not arrive.
+    const auto* clipboard = QGuiApplication::clipboard();
+    const auto* data = clipboard->ownsClipboard() ? clipboard->mimeData() : nullptr;
+    const QByteArray png = data ? data->data(pngType) : QByteArray();
+    if (png.isEmpty())
+        return;
+    const QDir own(QCoreApplication::applicationDirPath());
+    QString keeper = own.filePath(keeperName);
+    if (!QFileInfo::exists(keeper))
+        keeper = QDir::cleanPath(own.filePath(QStringLiteral("../libexec/framora/") + keeperName));
+    QProcess process;
+    // No pipes from it: the process it leaves behind would keep them open.
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
+    process.start(keeper, QStringList());
+    process.write(png);
+    process.closeWriteChannel();
+    process.waitForFinished(answerMilliseconds);
+    // Qt learns that it is the owner no more, and then asks no manager.
+    syncWithServer();
+    QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+}
+
 void X11Pasteboard::writePng(const QByteArray& png) {
     auto data = std::make_unique<QMimeData>();
     data->setData(pngType, png);
     QGuiApplication::clipboard()->setMimeData(data.release());
     // The server has to have seen it before our own connection asks for the count.
-    if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
-        auto* connection = x11->connection();
-        XcbReply<xcb_get_input_focus_reply_t>(
-            xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-    }
+    syncWithServer();
 }
 
 } // namespace framora

@@ -8,8 +8,8 @@
 namespace framora {
 
 /// The CLIPBOARD selection. Changes are counted and foreign content is read over the program's own
-/// connection; what the program offers goes through Qt, which hands it to a clipboard manager when the
-/// program quits.
+/// connection; what the program offers goes through Qt. When the program quits, a small process takes over
+/// and serves it until somebody else copies something.
 class X11Pasteboard final : public Pasteboard {
 public:
     explicit X11Pasteboard(X11Connection& connection);
@@ -19,6 +19,7 @@ public:
     void writePng(const QByteArray& png) override;
 
 private:
+    void handOver();
     void handleEvent(const xcb_generic_event_t& event);
     QByteArray readTarget(xcb_atom_t target);
     /// Serves the connection until `done`. False after `milliseconds`, or when the server has gone.
@@ -28,6 +29,7 @@ private:
     std::vector<xcb_atom_t> offeredTargets();
 
     X11Connection& m_connection;
+    std::unique_ptr<QObject> m_untilQuit; ///< Context of what waits for the program's end.
     xcb_window_t m_window = 0;
     std::uint8_t m_xfixesFirstEvent = 0;
     std::int64_t m_changeCount = 0;

@@ -1,6 +1,7 @@
 #include "desktop/path/DemoDesktop.h"
 #include "desktop/path/FramoraDriver.h"
 
+#include <QColorSpace>
 #include <QFile>
 #include <gtest/gtest.h>
 
@@ -72,7 +73,8 @@ TEST_P(PathTest, leadsFromTheAreaShortcutToASavedPicture) {
     m_driver.waitForOverlay();
     m_driver.selectArea(area);
     const QRect card = m_driver.waitForInteractiveToast();
-    const QImage taken = m_desktop.clipboardImage().convertToFormat(QImage::Format_RGB32);
+    QImage taken = m_desktop.clipboardImage().convertToFormat(QImage::Format_RGB32);
+    taken.setColorSpace({});
     EXPECT_TRUE(taken == shown) << "the picture is what was on the screen";
 
     display().click(card.center());
