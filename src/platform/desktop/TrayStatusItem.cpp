@@ -2,6 +2,7 @@
 
 #include "platform/Notifications.h"
 #include "platform/Symbols.h"
+#include "platform/desktop/StatusNotifierItem.h"
 
 #include <QCursor>
 #include <QDBusConnection>
@@ -13,8 +14,6 @@
 namespace framora {
 
 namespace {
-
-const QString watcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
 
 /// The symbol in the colour of the tray's other icons, with a hair of the opposite colour around it: a tray
 /// may be dark on a light desktop, and the other way round.
@@ -40,12 +39,12 @@ TrayStatusItem::TrayStatusItem(CommandGate& gate, const Appearance& appearance,
     : m_gate(gate), m_appearance(appearance) {
     m_appearanceObserver = notifications.observe(notifications::appearanceChanged, [this] {
         drawSymbol();
-        if (m_icon)
-            m_icon->setIcon(m_picture);
+        showPicture();
     });
 
     auto bus = QDBusConnection::sessionBus();
     if (bus.isConnected()) {
+        const QString watcherService = StatusNotifierItem::watcherService();
         auto* watcher =
             new QDBusServiceWatcher(watcherService, bus, QDBusServiceWatcher::WatchForOwnerChange, this);
         connect(watcher, &QDBusServiceWatcher::serviceOwnerChanged, this, &TrayStatusItem::makeIcon);
@@ -67,9 +66,15 @@ bool TrayStatusItem::setSymbol(const QString& symbol, const QString& accessibili
     m_description = accessibilityDescription;
     m_pointSize = pointSize;
     drawSymbol();
+    showPicture();
+    return true;
+}
+
+void TrayStatusItem::showPicture() {
     if (m_icon)
         m_icon->setIcon(m_picture);
-    return true;
+    if (m_notifierItem)
+        m_notifierItem->setIcon(m_picture);
 }
 
 void TrayStatusItem::drawSymbol() {
@@ -98,19 +103,34 @@ void TrayStatusItem::setMenu(std::vector<MenuEntry> entries) {
     }
     if (m_icon)
         m_icon->setContextMenu(menu.get());
+    if (m_notifierItem)
+        m_notifierItem->setMenu(menu.get());
     m_menu = std::move(menu);
+}
+
+void TrayStatusItem::popUpMenu() {
+    if (m_menu && m_gate.isOpen())
+        m_menu->popup(QCursor::pos());
 }
 
 void TrayStatusItem::makeIcon() {
     m_icon.reset();
+    m_notifierItem.reset();
+    const auto bus = QDBusConnection::sessionBus();
+    if (StatusNotifierItem::watcherRuns(bus)) {
+        m_notifierItem =
+            std::make_unique<StatusNotifierItem>(bus, m_picture, m_description, [this] { popUpMenu(); });
+        m_notifierItem->setMenu(m_menu.get());
+        return;
+    }
     m_icon = std::make_unique<QSystemTrayIcon>(m_picture);
     m_icon->setToolTip(m_description);
     if (m_menu)
         m_icon->setContextMenu(m_menu.get());
     connect(m_icon.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::Trigger && m_menu && m_gate.isOpen())
-                    m_menu->popup(QCursor::pos());
+                if (reason == QSystemTrayIcon::Trigger)
+                    popUpMenu();
             });
     m_icon->show();
 }

@@ -14,8 +14,11 @@ class QDBusServiceWatcher;
 
 namespace framora {
 
-/// One item in the tray. Qt decides for good between the two kinds of tray when an icon is made, so that the
-/// icon is made anew when a watcher or its host appears or goes.
+class StatusNotifierItem;
+
+/// One item in the tray, made anew when a watcher or its host appears or goes. Qt decides between the two
+/// kinds of tray once for the whole process: its icon is only used while no watcher runs, which makes it
+/// XEmbed's.
 class TrayStatusItem final : public QObject, public StatusItem {
     Q_OBJECT
 
@@ -31,6 +34,8 @@ private Q_SLOTS:
 
 private:
     void drawSymbol();
+    void showPicture();
+    void popUpMenu();
 
     CommandGate& m_gate;
     const Appearance& m_appearance;
@@ -40,6 +45,7 @@ private:
     QIcon m_picture;
     std::unique_ptr<QMenu> m_menu;
     std::unique_ptr<QSystemTrayIcon> m_icon;
+    std::unique_ptr<StatusNotifierItem> m_notifierItem;
     NotificationCenter::Token m_appearanceObserver;
 };
 
