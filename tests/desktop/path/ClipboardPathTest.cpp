@@ -105,6 +105,18 @@ TEST_F(ClipboardPathTest, aClipboardManagerKeepsTheCopyWhenFramoraQuits) {
         VirtualDesktop::waitFor([&] { return pixels(m_desktop.clipboardImage()) == pixels(copied); }));
 }
 
+TEST_F(ClipboardPathTest, theCopyStaysWhenFramoraQuitsWithoutAClipboardManager) {
+    m_driver.launch();
+    m_driver.captureAndEdit(QRect(200, 200, 300, 200));
+    m_driver.clickControl(QStringLiteral("Copy to Clipboard"));
+    m_driver.waitForNoEditor();
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return m_desktop.clipboardImage().width() > 300; }));
+    const QImage copied = m_desktop.clipboardImage();
+    m_driver.framora().process().terminate();
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return !m_driver.framora().isRunning(); }));
+    EXPECT_TRUE(pixels(m_desktop.clipboardImage()) == pixels(copied));
+}
+
 TEST_F(ClipboardPathTest, escapeLeavesEverythingAsItWas) {
     SoundServerCounter sound(m_desktop);
     QImage earlier(9, 7, QImage::Format_RGB32);

@@ -68,7 +68,13 @@ TEST_P(PathTest, leadsFromTheAreaShortcutToASavedPicture) {
     m_driver.launch();
     terminal();
     const QRect area(300, 200, 420, 260);
-    const QImage shown = display().screenshot(area);
+    // The window manager may still be drawing the frame.
+    QImage shown;
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] {
+        const QImage earlier = std::exchange(shown, display().screenshot(area));
+        return !VirtualDesktop::waitFor([&] { return display().screenshot(area) != shown; }, 150) &&
+               earlier == shown;
+    }));
     m_driver.pressAreaShortcut();
     m_driver.waitForOverlay();
     m_driver.selectArea(area);

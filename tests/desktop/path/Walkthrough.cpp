@@ -64,9 +64,10 @@ private:
         QFile file(script);
         if (!file.open(QIODevice::WriteOnly))
             throw std::runtime_error("cannot write the terminal's script");
-        file.write("printf '\\033[1;32m~/pictures\\033[0m $ \\033[1mframora-render --help\\033[0m\\n'\n");
+        file.write("stty -echo\nprintf '\\033[1;32m~/pictures\\033[0m $ \\033[1mframora-render "
+                   "--help\\033[0m\\n'\n");
         file.write(FramoraDriver::program(QStringLiteral("framora-render")).toUtf8());
-        file.write(" --help 2>&1 | head -32\n"
+        file.write(" --help 2>&1 | head -29\n"
                    "printf '\\033[1;32m~/pictures\\033[0m $ '\n"
                    "touch shown\nexec sleep 100000\n");
         file.close();
@@ -85,7 +86,7 @@ private:
                               QStringLiteral("-b"),
                               QStringLiteral("14"),
                               QStringLiteral("-geometry"),
-                              QStringLiteral("96x34+230+120"),
+                              QStringLiteral("116x31+240+130"),
                               QStringLiteral("-title"),
                               QStringLiteral("Terminal"),
                               QStringLiteral("-e"),
@@ -150,9 +151,9 @@ private:
     }
 
     void dress() {
-        m_driver->clickControl(QStringLiteral("Background"));
+        m_driver->showTab(QStringLiteral("Background"));
         m_driver->clickControl(QStringLiteral("Gradient"));
-        m_driver->clickControl(QStringLiteral("Randomize"));
+        m_driver->clickControl(QStringLiteral("Midnight Surge"));
         settle();
         const QImage before = display().screenshot();
         const QRect canvas = m_driver->control(QStringLiteral("Preview")).area;

@@ -77,6 +77,56 @@ border_width = 0
 background_color = #2b2f36 100
 )";
 
+// A flat frame; the program's own default theme differs between versions.
+constexpr auto frameTheme = R"(border.width: 1
+border.color: #20262f
+padding.width: 8
+padding.height: 6
+window.client.padding.width: 0
+window.client.padding.height: 0
+window.handle.width: 0
+window.active.title.bg: Flat Solid
+window.active.title.bg.color: #2b323d
+window.inactive.title.bg: Flat Solid
+window.inactive.title.bg.color: #39414d
+window.*.label.bg: Parentrelative
+window.active.label.text.color: #e6eaf0
+window.inactive.label.text.color: #9aa3b0
+window.label.text.justify: center
+window.active.button.*.bg: Parentrelative
+window.inactive.button.*.bg: Parentrelative
+window.active.button.*.image.color: #c3cad4
+window.inactive.button.*.image.color: #8a929e
+menu.items.bg: Flat Solid
+menu.items.bg.color: #2b323d
+)";
+
+constexpr auto frameConfiguration = R"(<?xml version="1.0" encoding="UTF-8"?>
+<openbox_config xmlns="http://openbox.org/3.4/rc">
+  <focus><focusNew>yes</focusNew></focus>
+  <theme><name>flat</name><titleLayout>LIMC</titleLayout>
+    <font place="ActiveWindow"><name>Inter</name><size>10</size><weight>bold</weight></font>
+    <font place="InactiveWindow"><name>Inter</name><size>10</size><weight>bold</weight></font>
+  </theme>
+  <desktops><number>2</number><popupTime>0</popupTime></desktops>
+  <keyboard>
+    <keybind key="A-F4"><action name="Close"/></keybind>
+  </keyboard>
+  <mouse>
+    <context name="Titlebar">
+      <mousebind button="Left" action="Press"><action name="Focus"/><action name="Raise"/></mousebind>
+      <mousebind button="Left" action="Drag"><action name="Move"/></mousebind>
+    </context>
+    <context name="Client">
+      <mousebind button="Left" action="Press"><action name="Focus"/><action name="Raise"/></mousebind>
+    </context>
+    <context name="Close">
+      <mousebind button="Left" action="Click"><action name="Close"/></mousebind>
+    </context>
+  </mouse>
+</openbox_config>
+)";
+
 constexpr auto busConfiguration =
     R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -145,6 +195,8 @@ void VirtualDesktop::writeConfiguration() {
     writeFile(configPath() + QStringLiteral("/picom.conf"),
               "backend = \"xrender\";\nshadow = false;\nfading = false;\nvsync = false;\n");
     writeFile(configPath() + QStringLiteral("/tint2rc"), tint2Configuration);
+    writeFile(configPath() + QStringLiteral("/openbox/rc.xml"), frameConfiguration);
+    writeFile(m_folder.filePath(QStringLiteral("data/themes/flat/openbox-3/themerc")), frameTheme);
     writeFile(configPath() + QStringLiteral("/xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"),
               panelConfiguration);
 }
