@@ -9,9 +9,9 @@ namespace framora {
 /// The sounds a capture can make.
 enum class CaptureSound { hero, submarine, blow, frog, funk, sosumi, basso, pop };
 
-inline constexpr std::array allCaptureSounds{CaptureSound::hero, CaptureSound::submarine, CaptureSound::blow,
-                                             CaptureSound::frog, CaptureSound::funk,      CaptureSound::sosumi,
-                                             CaptureSound::basso, CaptureSound::pop};
+inline constexpr std::array allCaptureSounds{
+    CaptureSound::hero, CaptureSound::submarine, CaptureSound::blow,  CaptureSound::frog,
+    CaptureSound::funk, CaptureSound::sosumi,    CaptureSound::basso, CaptureSound::pop};
 
 /// The stored text, which is also the name shown and the sound file's base name.
 constexpr std::string_view rawValue(CaptureSound sound) {
