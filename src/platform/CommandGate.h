@@ -7,8 +7,8 @@
 namespace framora {
 
 /// Whether the user's commands are taken now. While the capture tool has the screen they are not: whoever
-/// brings a command in asks first and drops it when the gate is closed; work that only waits its turn runs at
-/// the opening.
+/// brings a command in asks first and drops it when the gate is closed; work that only waits its turn asks to
+/// be told of the opening.
 class CommandGate {
 public:
     bool isOpen() const { return m_closed == 0; }
@@ -25,7 +25,8 @@ public:
         CommandGate& m_gate;
     };
 
-    /// Runs `work` now, or when the gate opens, in the order of the calls.
+    /// Runs `work` now, or when the gate opens, in the order of the calls. It must not throw, and only queue
+    /// what takes longer: whoever closed the gate is not done yet.
     void whenOpen(std::function<void()> work) {
         if (isOpen())
             work();

@@ -1,6 +1,8 @@
 #include "platform/desktop/QtMainQueue.h"
 
+#include <QPointer>
 #include <QTimer>
+#include <utility>
 
 namespace framora {
 
@@ -9,16 +11,10 @@ namespace {
 class TimerItem final : public WorkItem {
 public:
     TimerItem(CommandGate& gate, double seconds, bool repeats, MainQueue::Work work)
-        : m_work(std::make_shared<MainQueue::Work>(std::move(work))) {
+        : m_gate(gate), m_work(std::make_shared<MainQueue::Work>(std::move(work))) {
         m_timer.setSingleShot(!repeats);
         m_timer.setTimerType(Qt::PreciseTimer);
-        QObject::connect(&m_timer, &QTimer::timeout, [this, &gate] {
-            // Held weakly: an item that is cancelled while its work waits at the gate takes the work with it.
-            gate.whenOpen([weak = std::weak_ptr(m_work)] {
-                if (const auto strong = weak.lock())
-                    (*strong)();
-            });
-        });
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { run(); });
         m_timer.start(static_cast<int>(seconds * 1000.0 + 0.5));
     }
     void cancel() override {
@@ -27,15 +23,58 @@ public:
     }
 
 private:
+    void run() {
+        if (m_gate.isOpen()) {
+            // Held here, as the work may destroy the item.
+            if (const auto work = m_work)
+                (*work)();
+            return;
+        }
+        // However often a repeating timer comes due meanwhile, its work waits once.
+        if (std::exchange(m_waiting, true))
+            return;
+        m_gate.whenOpen([this, timer = QPointer(&m_timer)] {
+            if (!timer)
+                return;
+            QMetaObject::invokeMethod(
+                timer,
+                [this] {
+                    m_waiting = false;
+                    run();
+                },
+                Qt::QueuedConnection);
+        });
+    }
+
+    CommandGate& m_gate;
     std::shared_ptr<MainQueue::Work> m_work;
-    QTimer m_timer;
+    bool m_waiting = false;
+    QTimer m_timer; ///< Context of what still runs for this item.
 };
 
 } // namespace
 
 void QtMainQueue::async(Work work) {
+    m_work.push_back(std::move(work));
+    queueNext();
+}
+
+void QtMainQueue::queueNext() {
     QMetaObject::invokeMethod(
-        &m_context, [this, run = std::move(work)] { m_gate.whenOpen(run); }, Qt::QueuedConnection);
+        &m_context, [this] { runNext(); }, Qt::QueuedConnection);
+}
+
+void QtMainQueue::runNext() {
+    if (!m_gate.isOpen()) {
+        m_gate.whenOpen([this, context = QPointer(&m_context)] {
+            if (context)
+                queueNext();
+        });
+        return;
+    }
+    const Work work = std::move(m_work.front());
+    m_work.pop_front();
+    work();
 }
 
 std::unique_ptr<WorkItem> QtMainQueue::after(double seconds, Work work) {

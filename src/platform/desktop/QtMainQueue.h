@@ -4,10 +4,12 @@
 #include "platform/MainQueue.h"
 
 #include <QObject>
+#include <deque>
 
 namespace framora {
 
-/// The main queue on Qt's event loop. While the gate is closed due work waits for its opening.
+/// The main queue on Qt's event loop. While the gate is closed due work waits; it runs in a turn after
+/// the opening, when whoever closed the gate has finished.
 class QtMainQueue final : public MainQueue {
 public:
     explicit QtMainQueue(CommandGate& gate) : m_gate(gate) {}
@@ -17,8 +19,12 @@ public:
     std::unique_ptr<WorkItem> every(double seconds, Work work) override;
 
 private:
+    void queueNext();
+    void runNext();
+
     CommandGate& m_gate;
-    QObject m_context; ///< Work that is still queued when the queue goes is dropped with it.
+    std::deque<Work> m_work; ///< What async() was given, in its order; each has a turn queued.
+    QObject m_context;       ///< Work that is still queued when the queue goes is dropped with it.
 };
 
 } // namespace framora
