@@ -11,18 +11,22 @@ import sys
 
 
 def flags_by_folder(build):
-    """The compile command of one source file for every folder that has sources, without input and output."""
+    """For every folder that has sources their different compile commands, without input and output."""
     result = {}
     for entry in json.loads((build / "compile_commands.json").read_text()):
         source = pathlib.Path(entry["file"])
         folder = source.parent
-        if folder in result or source.suffix != ".cpp" or build.resolve() in source.resolve().parents:
+        if source.suffix != ".cpp" or build.resolve() in source.resolve().parents:
             continue
         words = shlex.split(entry["command"])
         if os.path.basename(words[0]) == "ccache":
             words = words[1:]
         output = words.index("-o")
-        result[folder] = [word for word in words[:output] + words[output + 2:] if word not in ("-c", entry["file"])]
+        dependencies = [words[i + 1] for i, word in enumerate(words) if word in ("-MT", "-MF")]
+        command = [word for word in words[:output] + words[output + 2:]
+                   if word not in ("-c", "-MD", "-MT", "-MF", entry["file"], *dependencies)]
+        if command not in result.setdefault(folder, []):
+            result[folder].append(command)
     return result
 
 
@@ -47,13 +51,17 @@ def proven_by_the_build(header):
 
 
 def check(flags, header):
-    command = nearest_flags(flags, header)
-    if command is None:
+    commands = nearest_flags(flags, header)
+    if commands is None:
         return f"{header}: no source file beside it tells how to compile it"
-    done = subprocess.run(command + ["-fsyntax-only", "-x", "c++", "-"], input=f'#include "{header}"\n',
-                          capture_output=True, text=True)
+    # A folder of two targets: the header belongs to one of them.
+    for command in commands:
+        done = subprocess.run(command + ["-fsyntax-only", "-x", "c++", "-"], input=f'#include "{header}"\n',
+                              capture_output=True, text=True)
+        if done.returncode == 0:
+            return None
     errors = [line for line in done.stderr.splitlines() if "error" in line]
-    return None if done.returncode == 0 else "\n".join(errors[:4] or [done.stderr])
+    return "\n".join(errors[:4] or [done.stderr])
 
 
 def main():
