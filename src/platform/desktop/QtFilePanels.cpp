@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QGuiApplication>
+#include <QPointer>
 #include <QStandardPaths>
 #include <QWindow>
 
@@ -19,12 +20,17 @@ QString picturesFolder() {
 
 /// Runs the dialog over the window the user works in.
 std::optional<QUrl> run(QFileDialog& dialog) {
-    QWindow* owner = QGuiApplication::focusWindow();
+    const QPointer<QWindow> owner = QGuiApplication::focusWindow();
     dialog.setWindowModality(Qt::ApplicationModal);
     dialog.winId(); // A native window, so that it can be tied to its owner before it is shown.
     if (owner)
         dialog.windowHandle()->setTransientParent(owner);
-    if (dialog.exec() != QDialog::Accepted || dialog.selectedUrls().isEmpty())
+    const int answer = dialog.exec();
+    // When the question about replacing a file closes together with the dialog, some window managers hand the
+    // focus to another program.
+    if (owner)
+        owner->requestActivate();
+    if (answer != QDialog::Accepted || dialog.selectedUrls().isEmpty())
         return std::nullopt;
     return dialog.selectedUrls().constFirst();
 }
