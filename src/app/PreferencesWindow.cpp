@@ -59,8 +59,10 @@ QLabel* keyCap(const QString& text) {
 
 } // namespace
 
-PreferencesWindow::PreferencesWindow(const Settings& settings, std::function<void()> onWillClose)
-    : m_window(std::make_unique<QWidget>()), m_onWillClose(std::move(onWillClose)) {
+PreferencesWindow::PreferencesWindow(const Settings& settings, std::function<void()> onWillClose,
+                                     FrontAction onOrderFront)
+    : m_window(std::make_unique<QWidget>()), m_onWillClose(std::move(onWillClose)),
+      m_onOrderFront(std::move(onOrderFront)) {
     m_window->setWindowTitle(QStringLiteral("Preferences"));
     auto* page = new QVBoxLayout(m_window.get());
     page->setContentsMargins(32, 28, 32, 28);
@@ -97,6 +99,7 @@ void PreferencesWindow::makeKeyAndOrderFront() {
     m_window->show();
     m_window->raise();
     m_window->activateWindow();
+    m_onOrderFront(*m_window->windowHandle());
 }
 
 bool PreferencesWindow::eventFilter(QObject*, QEvent* event) {

@@ -14,7 +14,10 @@ class PreferencesWindow final : public QObject, public SettingsWindow {
     Q_OBJECT
 
 public:
-    PreferencesWindow(const Settings& settings, std::function<void()> onWillClose);
+    using FrontAction = std::function<void(QWindow&)>;
+
+    /// `onOrderFront` is told of the native window each time it is brought forward.
+    PreferencesWindow(const Settings& settings, std::function<void()> onWillClose, FrontAction onOrderFront);
     ~PreferencesWindow() override;
 
     void center() override;
@@ -26,6 +29,7 @@ protected:
 private:
     std::unique_ptr<QWidget> m_window;
     std::function<void()> m_onWillClose;
+    FrontAction m_onOrderFront;
 };
 
 } // namespace framora

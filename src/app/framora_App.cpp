@@ -49,8 +49,12 @@ struct framora_App::Desktop {
 
     ToastServices toastServices() {
         return {mainQueue, toastPanels, screens, appearance, [this](const QImage& image) {
-                    if (auto* opened = loadedEditor())
-                        opened->edit(image);
+                    // In a turn of its own: a capture that is just starting comes first, and the toast's
+                    // own code does not wait while the editor loads.
+                    mainQueue.async([this, image] {
+                        if (auto* opened = loadedEditor())
+                            opened->edit(image);
+                    });
                 }};
     }
 
@@ -76,8 +80,9 @@ framora_App::framora_App() : m_desktop(std::make_unique<Desktop>()) {
         desktop.mainQueue, desktop.clock, desktop.notifications, desktop.defaults, desktop.keyMonitors,
         desktop.pasteboard, desktop.captureTool, desktop.statusBar, desktop.permissions, desktop.application,
         SoundManager::shared(), desktop.toastServices(), [&desktop](std::function<void()> onWillClose) {
-            return std::make_unique<PreferencesWindow>(Settings::load(desktop.defaults),
-                                                       std::move(onWillClose));
+            return std::make_unique<PreferencesWindow>(
+                Settings::load(desktop.defaults), std::move(onWillClose),
+                [&desktop](QWindow& window) { desktop.application.setFrontWindow(window); });
         }});
 }
 
@@ -88,6 +93,8 @@ void framora_App::launch() {
 }
 
 void framora_App::raiseWindows() {
+    if (!m_desktop->gate.isOpen())
+        return;
     if (_appDelegate->settingsWindow())
         _appDelegate->openSettings();
     if (m_desktop->editor && m_desktop->editor->isOpen()) {

@@ -15,7 +15,7 @@ public:
     framora_App& operator=(const framora_App&) = delete;
 
     void launch();
-    /// Brings forward what is open; nothing when no window is.
+    /// Brings forward what is open; nothing when no window is, or while a capture has the screen.
     void raiseWindows();
 
 private:

@@ -20,6 +20,9 @@ public:
 
     void setActivationPolicy(ActivationPolicy policy) override;
     void activate() override;
+    /// The window that activate() brings forward, until another one is shown or gets the focus. A window that
+    /// is merely raised does not say so itself.
+    void setFrontWindow(QWindow& window) { m_frontWindow = &window; }
     void terminate() override;
 
 protected:
