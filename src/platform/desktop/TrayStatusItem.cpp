@@ -97,7 +97,10 @@ void TrayStatusItem::setMenu(std::vector<MenuEntry> entries) {
             action, &QAction::triggered, this,
             [this, run = std::move(entry.action)] {
                 if (m_gate.isOpen())
-                    QTimer::singleShot(0, this, run);
+                    QTimer::singleShot(0, this, [this, run] {
+                        if (m_gate.isOpen())
+                            run();
+                    });
             },
             Qt::QueuedConnection);
     }
