@@ -15,13 +15,16 @@ namespace framora {
 
 namespace {
 
-QByteArray baseName(const QString& folder, const QString& display) {
+/// Empty without a folder: the working directory is no stand-in for it.
+QByteArray pathIn(const QString& folder, const QString& display, const char* extension) {
+    if (folder.isEmpty())
+        return {};
     QString name = QStringLiteral("framora-") + display;
     for (QChar& letter : name) {
         if (!letter.isLetterOrNumber() && letter != u'-' && letter != u'.')
             letter = u'_';
     }
-    return QFile::encodeName(QDir(folder).filePath(name));
+    return QFile::encodeName(QDir(folder).filePath(name)) + extension;
 }
 
 /// False when the path is too long for a socket's address.
@@ -37,7 +40,7 @@ bool makeAddress(const QByteArray& path, sockaddr_un& address) {
 } // namespace
 
 SingleInstance::SingleInstance(const QString& folder, const QString& display)
-    : m_lockPath(baseName(folder, display) + ".lock"), m_socketPath(baseName(folder, display) + ".socket") {}
+    : m_lockPath(pathIn(folder, display, ".lock")), m_socketPath(pathIn(folder, display, ".socket")) {}
 
 SingleInstance::~SingleInstance() {
     m_notifier.reset();
@@ -51,7 +54,7 @@ SingleInstance::~SingleInstance() {
 }
 
 bool SingleInstance::acquire() {
-    m_lock = open(m_lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    m_lock = open(m_lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (m_lock < 0)
         return true;
     if (flock(m_lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {

@@ -45,6 +45,27 @@ TEST_F(SingleInstanceTest, theSecondStartIsRefusedAndTellsTheFirst) {
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return starts == 2; }));
 }
 
+TEST_F(SingleInstanceTest, withoutAFolderEveryProcessIsTheOneAndLeavesNothingBehind) {
+    const QString before = QDir::currentPath();
+    ASSERT_TRUE(QDir::setCurrent(folder.path()));
+    {
+        SingleInstance first({}, display);
+        SingleInstance second({}, display);
+        EXPECT_TRUE(first.acquire());
+        EXPECT_TRUE(second.acquire());
+    }
+    EXPECT_TRUE(QDir(folder.path()).isEmpty());
+    QDir::setCurrent(before);
+}
+
+TEST_F(SingleInstanceTest, aLinkInTheLocksPlaceIsNotFollowed) {
+    const QString elsewhere = folder.filePath(QStringLiteral("elsewhere"));
+    ASSERT_TRUE(QFile::link(elsewhere, folder.filePath(QStringLiteral("framora-_7.lock"))));
+    SingleInstance first(folder.path(), display);
+    EXPECT_TRUE(first.acquire());
+    EXPECT_FALSE(QFile::exists(elsewhere));
+}
+
 TEST_F(SingleInstanceTest, anotherDisplayHasItsOwn) {
     SingleInstance first(folder.path(), display);
     ASSERT_TRUE(first.acquire());
