@@ -1,6 +1,7 @@
 #include "platform/desktop/TerminationSignals.h"
 
 #include <QCoreApplication>
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
@@ -12,8 +13,10 @@ namespace {
 int pipeEnds[2] = {-1, -1};
 
 void wake(int) {
+    const int interrupted = errno;
     const char byte = 0;
     [[maybe_unused]] const auto written = write(pipeEnds[1], &byte, 1);
+    errno = interrupted;
 }
 
 } // namespace

@@ -12,6 +12,8 @@ X11Modifiers::X11Modifiers(X11Connection& connection) : m_connection(connection)
 }
 
 void X11Modifiers::reload() {
+    if (!m_connection.isValid())
+        return;
     const auto* setup = xcb_get_setup(m_connection);
     const auto mapCookie = xcb_get_modifier_mapping(m_connection);
     const auto symbolsCookie =
