@@ -15,11 +15,11 @@ namespace framora {
 
 namespace {
 
-/// The symbol in the colour of the tray's other icons, with a hair of the opposite colour around it: a tray
-/// may be dark on a light desktop, and the other way round.
+/// The symbol in the colour of the tray's other icons, with its holes and a rim in the opposite colour: a
+/// tray may be dark on a light desktop, and the other way round.
 QPixmap drawTinted(const QString& symbol, int side, bool dark) {
     const QColor fill = dark ? QColor(0xf2, 0xf2, 0xf4) : QColor(0x2c, 0x2c, 0x2e);
-    const QColor rim = dark ? QColor(0, 0, 0, 90) : QColor(255, 255, 255, 150);
+    const QColor rim = dark ? QColor(0x1c, 0x1c, 0x1e) : QColor(0xfa, 0xfa, 0xfc);
     QPixmap pixmap(side, side);
     pixmap.fill(Qt::transparent);
     QPainter painter(&pixmap);
@@ -27,7 +27,10 @@ QPixmap drawTinted(const QString& symbol, int side, bool dark) {
     // The symbol's own margins are for running text; in a tray it fills its square.
     const double grow = side * 0.09;
     const QPainterPath path = symbolPath(symbol, QRectF(-grow, -grow, side + 2 * grow, side + 2 * grow));
-    painter.strokePath(path, QPen(rim, side / 16.0));
+    painter.setPen(QPen(rim, side / 10.0, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.setBrush(rim);
+    for (const QPolygonF& outline : path.toSubpathPolygons())
+        painter.drawPolygon(outline);
     painter.fillPath(path, fill);
     return pixmap;
 }
