@@ -68,6 +68,16 @@ TEST_P(ApplicationTest, activatingBringsTheWindowOverTheOneThatIsInUse) {
     EXPECT_GT(place(window), place(terminal.id)) << "it stands above";
 }
 
+TEST_P(ApplicationTest, activatingBringsTheWindowThatWasNamedNotTheOneThatWasInUse) {
+    const auto window = openWindow();
+    ASSERT_TRUE(soon([&] { return display().activeWindow() == window; }));
+    const auto other =
+        shell.ask(QStringLiteral("dialogue"), QStringLiteral("dialogue")).section(u' ', 1).toUInt();
+    ASSERT_TRUE(soon([&] { return display().activeWindow() == other; }));
+    shell.tell(QStringLiteral("front"));
+    EXPECT_TRUE(soon([&] { return display().activeWindow() == window; }));
+}
+
 INSTANTIATE_TEST_SUITE_P(, ApplicationTest, testing::Values(WindowManager::openbox, WindowManager::xfwm4),
                          [](const auto& run) {
                              return run.param == WindowManager::openbox ? "openbox" : "xfwm4";

@@ -10,6 +10,8 @@
 //   close                  closes the window
 //   policy regular|accessory
 //   activate
+//   dialogue               opens another window
+//   front                  says that the window with the field is the front one, and activates
 //   watch, unwatch         a global and a local monitor; the local one consumes the key X
 //   gate close|open
 //   quit
@@ -82,6 +84,16 @@ public:
                  say("policy %s", qPrintable(argument));
              }},
             {QStringLiteral("activate"), [&] { m_application.activate(); }},
+            {QStringLiteral("dialogue"),
+             [&] {
+                 m_dialogue.show();
+                 say("dialogue %u", static_cast<unsigned>(m_dialogue.winId()));
+             }},
+            {QStringLiteral("front"),
+             [&] {
+                 m_application.setFrontWindow(*m_field->windowHandle());
+                 m_application.activate();
+             }},
             {QStringLiteral("watch"), [&] { watch(); }},
             {QStringLiteral("unwatch"),
              [&] {
@@ -161,6 +173,7 @@ private:
     KeyMonitors::Token m_global = 0;
     KeyMonitors::Token m_local = 0;
     std::unique_ptr<QLineEdit> m_field;
+    QWidget m_dialogue;
 };
 
 } // namespace
