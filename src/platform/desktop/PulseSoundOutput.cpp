@@ -4,6 +4,7 @@
 #include <QHash>
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <pulse/error.h>
@@ -89,50 +90,65 @@ void run(Playback& playback) {
 class PulseSoundOutput::Worker {
 public:
     ~Worker() {
-        {
-            const std::lock_guard lock(m_mutex);
-            m_ending = true;
-            for (const auto& playback : {m_current, m_next})
-                if (playback)
-                    playback->stopped = true;
-        }
-        m_wake.notify_one();
-        if (m_thread.joinable())
+        if (!m_thread.joinable())
+            return;
+        std::unique_lock lock(m_state->mutex);
+        m_state->ending = true;
+        for (const auto& playback : {m_state->current, m_state->next})
+            if (playback)
+                playback->stopped = true;
+        m_state->changed.notify_all();
+        const bool ended = m_state->changed.wait_for(lock, endPatience, [this] { return m_state->ended; });
+        lock.unlock();
+        // A sound server that hangs must not keep the program from ending.
+        if (ended)
             m_thread.join();
+        else
+            m_thread.detach();
     }
 
     void start(std::shared_ptr<Playback> playback) {
         {
-            const std::lock_guard lock(m_mutex);
-            if (m_current)
-                m_current->stopped = true;
-            m_next = std::move(playback);
+            const std::lock_guard lock(m_state->mutex);
+            if (m_state->current)
+                m_state->current->stopped = true;
+            m_state->next = std::move(playback);
         }
-        m_wake.notify_one();
+        m_state->changed.notify_all();
         if (!m_thread.joinable())
-            m_thread = std::thread([this] { loop(); });
+            m_thread = std::thread([state = m_state] { loop(*state); });
     }
 
 private:
-    void loop() {
-        std::unique_lock lock(m_mutex);
+    static constexpr std::chrono::seconds endPatience{1};
+
+    /// What the thread holds, too, so that it may outlast its owner.
+    struct State {
+        std::mutex mutex;
+        std::condition_variable changed;
+        std::shared_ptr<Playback> current;
+        std::shared_ptr<Playback> next;
+        bool ending = false;
+        bool ended = false;
+    };
+
+    static void loop(State& state) {
+        std::unique_lock lock(state.mutex);
         for (;;) {
-            m_wake.wait(lock, [this] { return m_ending || m_next; });
-            if (m_ending)
-                return;
-            m_current = std::exchange(m_next, nullptr);
+            state.changed.wait(lock, [&] { return state.ending || state.next; });
+            if (state.ending)
+                break;
+            state.current = std::exchange(state.next, nullptr);
             lock.unlock();
-            run(*m_current);
+            run(*state.current);
             lock.lock();
-            m_current.reset();
+            state.current.reset();
         }
+        state.ended = true;
+        state.changed.notify_all();
     }
 
-    std::mutex m_mutex;
-    std::condition_variable m_wake;
-    std::shared_ptr<Playback> m_current;
-    std::shared_ptr<Playback> m_next;
-    bool m_ending = false;
+    std::shared_ptr<State> m_state = std::make_shared<State>();
     std::thread m_thread;
 };
 

@@ -6,10 +6,13 @@
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTest>
+#include <chrono>
 #include <cmath>
+#include <csignal>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <optional>
+#include <thread>
 
 namespace framora {
 namespace {
@@ -127,6 +130,25 @@ TEST_F(PulseSoundOutputTest, fallsSilentWhenThePlayerGoes) {
         },
         500))
         << "long before the tone's end";
+}
+
+TEST_F(PulseSoundOutputTest, aServerThatHangsHoldsNobodyUp) {
+    std::optional<PulseSoundOutput> output(std::in_place);
+    auto player = output->playerForFile(QUrl::fromLocalFile(tone()));
+    player->play();
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return peak() > 0.4f; }, 5000));
+    ASSERT_EQ(kill(pid_t(server->pid()), SIGSTOP), 0);
+    // Lets it go on in the end, so that a program that waits for it fails instead of hanging.
+    std::jthread waker([pid = pid_t(server->pid())](std::stop_token stop) {
+        for (int tenths = 0; tenths < 100 && !stop.stop_requested(); ++tenths)
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        kill(pid, SIGCONT);
+    });
+    QElapsedTimer timer;
+    timer.start();
+    player.reset();
+    output.reset();
+    EXPECT_LT(timer.elapsed(), 8000);
 }
 
 TEST_F(PulseSoundOutputTest, playsTheDesktopsSoundOfEveryName) {
