@@ -51,6 +51,8 @@ DesktopAppearance::DesktopAppearance(NotificationCenter& notifications, const QD
 void DesktopAppearance::askPortal(QDBusConnection bus) {
     if (!bus.isConnected())
         return;
+    // Qt finds the slot by the names of its types, and knows a name only from the type's registration on.
+    qRegisterMetaType<QDBusVariant>();
     bus.connect(service, path, interface, QStringLiteral("SettingChanged"), this,
                 SLOT(settingChanged(QString, QString, QDBusVariant)));
     auto message = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
