@@ -55,7 +55,6 @@ public:
     void accessibilityPermissionsGranted();
     void applicationDidBecomeActive();
 
-    const HotkeyManager& hotkeyManager() const { return m_hotkeyManager; }
     SettingsWindow* settingsWindow() const { return m_settingsWindow.get(); }
 
 private:

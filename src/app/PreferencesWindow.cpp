@@ -10,26 +10,14 @@
 #include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
-#include <linux/input-event-codes.h>
 
 namespace framora {
 
 namespace {
 
 QString keyName(std::uint16_t virtualKey) {
-    // The keys of the main block, as a US keyboard shows them.
-    static constexpr struct {
-        std::uint16_t firstEvdev;
-        const char* names;
-    } rows[] = {
-        {KEY_1, "1234567890-="}, {KEY_Q, "QWERTYUIOP[]"}, {KEY_A, "ASDFGHJKL;'`"}, {KEY_Z, "ZXCVBNM,./"}};
-    const auto evdev = evdevFromVirtualKey(virtualKey).value_or(0);
-    for (const auto& row : rows) {
-        const auto length = static_cast<int>(qstrlen(row.names));
-        if (evdev >= row.firstEvdev && evdev < row.firstEvdev + length)
-            return QString(QLatin1Char(row.names[evdev - row.firstEvdev]));
-    }
-    return QStringLiteral("#%1").arg(virtualKey);
+    const char* name = virtualKeyName(virtualKey);
+    return name ? QString::fromUtf8(name) : QStringLiteral("#%1").arg(virtualKey);
 }
 
 QString shortcutText(const HotkeyConfiguration& hotkey) {

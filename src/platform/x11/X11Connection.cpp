@@ -5,11 +5,12 @@
 namespace framora {
 
 X11Connection::X11Connection() {
-    m_connection = xcb_connect(nullptr, &m_screenNumber);
+    int screenNumber = 0;
+    m_connection = xcb_connect(nullptr, &screenNumber);
     if (!isValid())
         return;
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(m_connection));
-    for (int i = 0; i < m_screenNumber && screens.rem > 1; ++i)
+    for (int i = 0; i < screenNumber && screens.rem > 1; ++i)
         xcb_screen_next(&screens);
     m_screen = screens.data;
     m_notifier =

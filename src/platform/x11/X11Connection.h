@@ -32,7 +32,6 @@ public:
     bool isValid() const { return m_connection && !xcb_connection_has_error(m_connection); }
     operator xcb_connection_t*() const { return m_connection; }
     xcb_window_t root() const { return m_screen->root; }
-    int screenNumber() const { return m_screenNumber; }
 
     xcb_atom_t atom(std::string_view name);
 
@@ -47,7 +46,6 @@ public:
 
 private:
     xcb_connection_t* m_connection = nullptr;
-    int m_screenNumber = 0;
     const xcb_screen_t* m_screen = nullptr;
     std::unique_ptr<QSocketNotifier> m_notifier;
     std::vector<EventHandler> m_handlers;
