@@ -7,10 +7,15 @@ Section {
 
     required property ScreenshotEditorViewModel viewModel
 
+    // Colours are adjusted where they were chosen here; a picture keeps its own, and nothing has no effects.
+    readonly property bool hasBackground: viewModel.backgroundType !== "transparent"
+    readonly property bool hasChosenColors: viewModel.backgroundType === "color" || viewModel.backgroundType === "gradient"
+
     title: Strings.localized("effects")
 
     SliderWithDefault {
         objectName: "gradientConfig.blurAmount"
+        enabled: section.hasBackground
         width: parent.width
         label: Strings.localized("blur")
         to: 50
@@ -20,6 +25,7 @@ Section {
     }
     SliderWithDefault {
         objectName: "gradientConfig.noiseAmount"
+        enabled: section.hasBackground
         width: parent.width
         label: Strings.localized("noise")
         to: 100
@@ -29,6 +35,7 @@ Section {
     }
     SliderWithDefault {
         objectName: "gradientConfig.saturation"
+        enabled: section.hasChosenColors
         width: parent.width
         label: Strings.localized("saturation")
         to: 200
@@ -39,6 +46,7 @@ Section {
     }
     SliderWithDefault {
         objectName: "gradientConfig.brightness"
+        enabled: section.hasChosenColors
         width: parent.width
         label: Strings.localized("brightness")
         to: 200

@@ -24,6 +24,7 @@ Item {
     }
 
     implicitHeight: 20
+    opacity: enabled ? 1 : 0.4
 
     Label {
         id: caption
