@@ -95,9 +95,11 @@ void framora_App::launch() {
 void framora_App::raiseWindows() {
     if (!m_desktop->gate.isOpen())
         return;
-    if (_appDelegate->settingsWindow())
+    const bool editorIsOpen = m_desktop->editor && m_desktop->editor->isOpen();
+    // Where no tray shows the program, starting it again is the way to its preferences.
+    if (_appDelegate->settingsWindow() || !editorIsOpen)
         _appDelegate->openSettings();
-    if (m_desktop->editor && m_desktop->editor->isOpen()) {
+    if (editorIsOpen) {
         m_desktop->editor->raise();
         m_desktop->application.activate();
     }

@@ -15,7 +15,8 @@ public:
     framora_App& operator=(const framora_App&) = delete;
 
     void launch();
-    /// Brings forward what is open; nothing when no window is, or while a capture has the screen.
+    /// Brings forward what is open, and opens the preferences when nothing is. Nothing while a capture has
+    /// the screen.
     void raiseWindows();
 
 private:

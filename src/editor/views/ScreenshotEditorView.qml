@@ -39,7 +39,8 @@ Item {
         width: parent.width - x
         height: parent.height - y
         clip: true
-        image: root.viewModel.originalImage
+        // The linter knows no QImage.
+        image: root.viewModel.originalImage // qmllint disable type
         config: root.viewModel.config
         Accessible.role: Accessible.Graphic
         Accessible.name: qsTr("Preview")

@@ -37,7 +37,7 @@ Column {
                 background: Item {
                     Thumbnail {
                         anchors.fill: parent
-                        image: editor.viewModel.wallpaperThumbnail(entry.index)
+                        image: editor.viewModel.wallpaperThumbnail(entry.index) // qmllint disable type
                         radius: 9
                         outline: Theme.dark ? "#5a5d65" : "#c6c8d0"
                     }

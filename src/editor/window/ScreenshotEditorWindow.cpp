@@ -24,6 +24,7 @@
 #include <QQuickView>
 #include <QScreen>
 #include <algorithm>
+#include <malloc.h>
 #include <future>
 
 namespace framora {
@@ -194,7 +195,11 @@ void ScreenshotEditorWindow::finishClosing(bool orderOut) {
     m_session->endObserving();
     QQuickView* window = m_editorWindow.release();
     connect(window, &QObject::destroyed,
-            [session = std::shared_ptr<EditorSession>(std::move(m_session))] { Q_UNUSED(session) });
+            [session = std::shared_ptr<EditorSession>(std::move(m_session)), &queue = m_services.mainQueue] {
+                Q_UNUSED(session)
+                // A resident program gives back what a whole window took; malloc would keep most of it.
+                queue.async([] { malloc_trim(0); });
+            });
     window->deleteLater();
     m_isClosing = false;
     Q_EMIT closed();

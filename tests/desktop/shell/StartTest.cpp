@@ -62,6 +62,20 @@ TEST_F(StartTest, aSecondStartEndsWithZeroAndRaisesWhatIsOpen) {
     EXPECT_TRUE(driver.framora().isRunning());
 }
 
+TEST_F(StartTest, aSecondStartOpensThePreferencesWhenNothingIsOpen) {
+    VirtualDesktop desktop;
+    FramoraDriver driver(desktop);
+    driver.launch();
+    EXPECT_FALSE(driver.display().windowTitled(QStringLiteral("Preferences")));
+    ChildProcess& second = desktop.start(framoraProgram());
+    ASSERT_TRUE(second.waitForExit());
+    EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] {
+        const auto preferences = driver.display().windowTitled(QStringLiteral("Preferences"));
+        return preferences && driver.display().activeWindow() == preferences->id;
+    }));
+}
+
 TEST_F(StartTest, aKilledFramoraDoesNotKeepTheNextFromStarting) {
     VirtualDesktop desktop;
     FramoraDriver driver(desktop);
