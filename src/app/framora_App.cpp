@@ -1,6 +1,7 @@
 #include "app/framora_App.h"
 
 #include "app/AppDelegate.h"
+#include "app/ApplicationIcon.h"
 #include "app/PreferencesWindow.h"
 #include "editor/window/EditorModule.h"
 #include "editor/window/EditorServices.h"
@@ -22,6 +23,8 @@
 #include "platform/x11/X11Permissions.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11ToastPanels.h"
+
+#include <QGuiApplication>
 
 namespace framora {
 
@@ -58,9 +61,16 @@ struct framora_App::Desktop {
                 }};
     }
 
+    /// Before the first window: a program that only sits in the tray draws no icon for windows.
+    static void provideWindowIcon() {
+        if (QGuiApplication::windowIcon().isNull())
+            QGuiApplication::setWindowIcon(applicationIcon());
+    }
+
     /// Null where the module is missing from the installation.
     Editor* loadedEditor() {
         if (!editor) {
+            provideWindowIcon();
             const auto make = reinterpret_cast<MakeEditor*>(moduleFunction("framora-editor", makeEditorName));
             if (make)
                 editor.reset(
@@ -80,6 +90,7 @@ framora_App::framora_App() : m_desktop(std::make_unique<Desktop>()) {
         desktop.mainQueue, desktop.clock, desktop.notifications, desktop.defaults, desktop.keyMonitors,
         desktop.pasteboard, desktop.captureTool, desktop.statusBar, desktop.permissions, desktop.application,
         SoundManager::shared(), desktop.toastServices(), [&desktop](std::function<void()> onWillClose) {
+            Desktop::provideWindowIcon();
             return std::make_unique<PreferencesWindow>(
                 Settings::load(desktop.defaults), std::move(onWillClose),
                 [&desktop](QWindow& window) { desktop.application.setFrontWindow(window); });

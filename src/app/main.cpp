@@ -25,7 +25,6 @@ int main(int argc, char** argv) {
         return 1;
     }
     QCoreApplication::setApplicationName(QStringLiteral("framora"));
-    QGuiApplication::setApplicationDisplayName(QStringLiteral("Framora"));
     QGuiApplication::setDesktopFileName(QStringLiteral("framora"));
     QApplication application(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
