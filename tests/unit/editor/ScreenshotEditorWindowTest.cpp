@@ -226,6 +226,7 @@ TEST_F(EditorWindow, ReleasesEverythingOnClose) {
         EXPECT_FALSE(root);
     }
     EXPECT_TRUE(QGuiApplication::allWindows().isEmpty());
+    queue.runPending();
     EXPECT_EQ(queue.waitingCount(), 0U);
 }
 
