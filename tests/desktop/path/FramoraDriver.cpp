@@ -177,7 +177,10 @@ void FramoraDriver::answerSaveDialog(const QString& path) {
     });
     display().key({"Control_L", "a"});
     display().type(path);
+    // The first Return may go to the list of completions, which opens when the folder has been read.
     display().key({"Return"});
+    if (!VirtualDesktop::waitFor([&] { return !dialog(); }, 2000))
+        display().key({"Return"});
     require(QStringLiteral("the file dialog closing"), [&] { return !dialog(); });
     require(QStringLiteral("the saved file"), [&] { return !QImage(path).isNull(); });
 }
