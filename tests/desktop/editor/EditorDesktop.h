@@ -129,6 +129,11 @@ protected:
             .translated(window()->geometry.topLeft());
     }
     void click(const QString& name) { display().click(place(name).center()); }
+    /// Until the control of that name has the keys.
+    bool waitForFocus(const QString& name) {
+        return VirtualDesktop::waitFor(
+            [&] { return ask(QStringLiteral("focus"), QStringLiteral("focused")) == name; });
+    }
     /// Presses a slider where `fraction` of its range lies.
     void clickSlider(const QString& name, double fraction) { display().click(sliderPoint(name, fraction)); }
     QPoint sliderPoint(const QString& name, double fraction) {

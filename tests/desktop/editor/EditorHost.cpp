@@ -4,8 +4,8 @@
 //
 // Commands come a line each from the named pipe: "where NAME" (the item's frame in the window), "open
 // PICTURE", "close", "dark", "light", "frame FILE" (the preview as drawn), "final FILE" (what Copy and Save
-// give), "count" (live windows), "pass" (answers when every motion has ended), "quit". Every line printed is
-// one event or answer.
+// give), "count" (live windows), "focus" (the item that has the keys), "pass" (answers when every motion has
+// ended), "quit". Every line printed is one event or answer.
 
 #include "desktop/editor/EditorHostServices.h"
 #include "editor/model/ScreenshotEditorViewModel.h"
@@ -169,6 +169,9 @@ int main(int argc, char** argv) {
                            .arg(item->width())
                            .arg(item->height())
                      : QStringLiteral("at nowhere"));
+        } else if (command == u"focus") {
+            const QQuickItem* item = window->activeFocusItem();
+            say(QStringLiteral("focused ") + (item ? item->objectName() : QString()));
         } else if (command == u"frame") {
             auto* canvas = window->rootObject()->findChild<ScreenshotPreviewCanvas*>();
             say(canvas->frame().save(argument) ? QStringLiteral("done") : QStringLiteral("failed"));
