@@ -39,7 +39,7 @@ struct InteractiveToastView::Layout {
 InteractiveToastView::InteractiveToastView(QString text, QString symbol, std::function<void()> edit,
                                            const QImage& image, QString hint, ToastPalette palette)
     : message(std::move(text)), icon(std::move(symbol)), onEdit(std::move(edit)), m_hint(std::move(hint)),
-      m_palette(std::move(palette)), m_naturalSize(image.deviceIndependentSize()),
+      m_palette(palette), m_naturalSize(image.deviceIndependentSize()),
       m_thumbnail(thumbnailOf(image, (largestThumbnail * largestPixelRatio).toSize())) {}
 
 QSizeF InteractiveToastView::thumbnailSize() const {

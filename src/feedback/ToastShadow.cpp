@@ -44,7 +44,7 @@ void ToastShadow::drawUnder(QImage& image, const QRectF& rect, double radius) co
             const float shade = falloff[std::size_t(std::max(index, -reach) + reach)];
             // Black over the pixel; the picture holds shadows only, so that just its alpha grows.
             const float below = float(qAlpha(row[x]));
-            row[x] = qRgba(0, 0, 0, int(255 * shade + below * (1 - shade) + 0.5f));
+            row[x] = qRgba(0, 0, 0, int(std::lround(255 * shade + below * (1 - shade))));
         }
     }
 }

@@ -19,7 +19,7 @@ constexpr double endInset = 22; ///< After the text.
 } // namespace
 
 ToastView::ToastView(QString text, QString symbol, bool isSuccess, ToastPalette palette)
-    : message(std::move(text)), icon(std::move(symbol)), success(isSuccess), m_palette(std::move(palette)) {
+    : message(std::move(text)), icon(std::move(symbol)), success(isSuccess), m_palette(palette) {
     if (!success) {
         m_palette.tint = m_palette.failure;
         m_palette.hairline = m_palette.failure;

@@ -36,7 +36,7 @@ void HotkeyManager::install(std::optional<HotkeyHandler>& handler, HotkeyConfigu
     const auto held = std::make_shared<const HotkeyHandler>(*handler);
     const auto run = [held](const KeyEvent& event) {
         // On the stack, as the action may remove the monitor and the holder with it.
-        const auto current = held;
+        const auto current = held; // NOLINT(performance-unnecessary-copy-initialization)
         if (!current->matches(event))
             return false;
         if (current->onPressed)

@@ -2,6 +2,7 @@
 
 #include <QPointer>
 #include <QTimer>
+#include <cmath>
 #include <utility>
 
 namespace framora {
@@ -15,7 +16,7 @@ public:
         m_timer.setSingleShot(!repeats);
         m_timer.setTimerType(Qt::PreciseTimer);
         QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] { run(); });
-        m_timer.start(static_cast<int>(seconds * 1000.0 + 0.5));
+        m_timer.start(static_cast<int>(std::lround(seconds * 1000.0)));
     }
     void cancel() override {
         m_timer.stop();

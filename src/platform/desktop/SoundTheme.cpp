@@ -64,7 +64,7 @@ QString SoundTheme::find(const QString& name) const {
                 if (QFile::exists(base + QStringLiteral(".disabled")))
                     return {};
                 for (const char* extension : {".oga", ".ogg", ".wav"}) {
-                    const QString file = base + QLatin1String(extension);
+                    QString file = base + QLatin1String(extension);
                     if (QFile::exists(file))
                         return file;
                 }

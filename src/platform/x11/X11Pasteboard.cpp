@@ -20,7 +20,7 @@ namespace {
 
 constexpr int answerMilliseconds = 5000;
 /// Larger than any screen's picture; more is a broken or hostile owner.
-constexpr qsizetype maximumBytes = 512 * 1024 * 1024;
+constexpr qsizetype maximumBytes = qsizetype(512) << 20;
 const QString pngType = QStringLiteral("image/png");
 const QString keeperName = QStringLiteral("framora-clipboard");
 
@@ -58,7 +58,7 @@ X11Pasteboard::X11Pasteboard(X11Connection& connection) : m_connection(connectio
 
     const auto* xfixes = xcb_get_extension_data(connection, &xcb_xfixes_id);
     if (xfixes && xfixes->present) {
-        XcbReply<xcb_xfixes_query_version_reply_t>(
+        const XcbReply<xcb_xfixes_query_version_reply_t> version(
             xcb_xfixes_query_version_reply(connection, xcb_xfixes_query_version(connection, 4, 0), nullptr));
         m_xfixesFirstEvent = xfixes->first_event;
         xcb_xfixes_select_selection_input(connection, m_window, m_clipboard,
