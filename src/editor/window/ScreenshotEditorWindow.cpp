@@ -24,8 +24,8 @@
 #include <QQuickView>
 #include <QScreen>
 #include <algorithm>
-#include <malloc.h>
 #include <future>
+#include <malloc.h>
 
 namespace framora {
 namespace {
