@@ -18,7 +18,8 @@ std::optional<StartupTexture> StartupTexture::load(const ResourceBundle& resourc
     }
     if (!url)
         return {};
-    const QImage picture = BackgroundDecoder::decode(*url);
+    // The canvas asks for the same picture as soon as it is shown.
+    const QImage picture = BackgroundDecoder::decodeForTwo(*url);
     if (picture.isNull())
         return {};
     return StartupTexture{*url, resizedImage(picture, 400, 300)};

@@ -2,6 +2,7 @@
 
 #include "unit/render/TestPictures.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -36,6 +37,28 @@ TEST_F(BackgroundDecoderTest, GivesNothingForWhatIsNoPicture) {
     text.write("no picture");
     text.close();
     EXPECT_TRUE(BackgroundDecoder::decode(file("text.png")).isNull());
+}
+
+TEST_F(BackgroundDecoderTest, ReadsAPictureForTwoOnlyOnceAndAChangedOneAnew) {
+    const QString path = m_folder.filePath(QStringLiteral("two.png"));
+    QImage picture(8, 6, QImage::Format_RGB32);
+    picture.fill(Qt::red);
+    ASSERT_TRUE(picture.save(path));
+    const QUrl url = QUrl::fromLocalFile(path);
+
+    const QImage first = BackgroundDecoder::decodeForTwo(url);
+    EXPECT_EQ(first.pixelColor(0, 0), QColor(Qt::red));
+    EXPECT_EQ(BackgroundDecoder::decode(url).cacheKey(), first.cacheKey()) << "the very same picture";
+    EXPECT_NE(BackgroundDecoder::decode(url).cacheKey(), first.cacheKey()) << "it is given once";
+
+    BackgroundDecoder::decodeForTwo(url);
+    picture.fill(Qt::blue);
+    ASSERT_TRUE(picture.save(path));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(file.setFileTime(QDateTime::currentDateTime().addSecs(5), QFileDevice::FileModificationTime));
+    file.close();
+    EXPECT_EQ(BackgroundDecoder::decode(url).pixelColor(0, 0), QColor(Qt::blue));
 }
 
 TEST_F(BackgroundDecoderTest, KnowsVideosByTheirExtension) {
