@@ -369,6 +369,7 @@ void ScreenshotEditorViewModel::mergeWallpapers(const std::vector<Wallpaper>& wa
     std::vector<Wallpaper> merged = m_wallpaperImages;
     // Only what was there before counts as known, as a set.
     std::vector<QUrl> known;
+    known.reserve(merged.size());
     for (const auto& entry : merged)
         known.push_back(entry.first);
     for (const auto& entry : wallpapers)

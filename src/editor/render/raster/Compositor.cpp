@@ -85,6 +85,7 @@ void compose(MutablePixelView output, const std::vector<Layer>& layers) {
     if (output.isEmpty())
         return;
     std::vector<LayerCoverage> coverage;
+    coverage.reserve(layers.size());
     for (const Layer& layer : layers)
         coverage.push_back({Coverage(layer.shape.outline(layer.placement)),
                             layer.hole ? Coverage(layer.hole->outline(layer.placement)) : Coverage(),
