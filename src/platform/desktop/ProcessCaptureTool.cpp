@@ -1,9 +1,8 @@
 #include "platform/desktop/ProcessCaptureTool.h"
 
-#include <QCoreApplication>
-#include <QDir>
+#include "platform/desktop/Installation.h"
+
 #include <QEventLoop>
-#include <QFileInfo>
 
 namespace framora {
 
@@ -20,11 +19,7 @@ ProcessCaptureTool::ProcessCaptureTool(CommandGate& gate, QString executable)
 }
 
 QString ProcessCaptureTool::defaultExecutable() {
-    const QDir own(QCoreApplication::applicationDirPath());
-    const QString beside = own.filePath(toolName);
-    return QFileInfo::exists(beside)
-               ? beside
-               : QDir::cleanPath(own.filePath(QStringLiteral("../libexec/framora/") + toolName));
+    return privateExecutable(toolName);
 }
 
 bool ProcessCaptureTool::launch(const QStringList& arguments) {

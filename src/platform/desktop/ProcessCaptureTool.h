@@ -13,7 +13,7 @@ class ProcessCaptureTool final : public CaptureTool {
 public:
     ProcessCaptureTool(CommandGate& gate, QString executable);
 
-    /// Where the tool stands: beside this program in the build tree, else among its private executables.
+    /// Where the tool stands.
     static QString defaultExecutable();
 
     bool launch(const QStringList& arguments) override;

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "platform/x11/XcbReply.h"
+
 #include <QObject>
 #include <QSocketNotifier>
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -10,12 +11,6 @@
 #include <xcb/xcb.h>
 
 namespace framora {
-
-/// Deleter of what xcb hands out.
-struct FreeDeleter {
-    void operator()(void* memory) const { std::free(memory); }
-};
-template <class Reply> using XcbReply = std::unique_ptr<Reply, FreeDeleter>;
 
 /// The program's own connection to the X server, beside Qt's: it watches keys and the clipboard, also while
 /// Qt's event queue waits.

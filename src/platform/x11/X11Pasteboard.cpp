@@ -1,12 +1,11 @@
 #include "platform/x11/X11Pasteboard.h"
 
 #include "platform/PictureResolution.h"
+#include "platform/desktop/Installation.h"
 
 #include <QBuffer>
 #include <QClipboard>
 #include <QDeadlineTimer>
-#include <QDir>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QImageReader>
 #include <QMimeData>
@@ -196,14 +195,10 @@ void X11Pasteboard::handOver() {
     const QByteArray png = data ? data->data(pngType) : QByteArray();
     if (png.isEmpty())
         return;
-    const QDir own(QCoreApplication::applicationDirPath());
-    QString keeper = own.filePath(keeperName);
-    if (!QFileInfo::exists(keeper))
-        keeper = QDir::cleanPath(own.filePath(QStringLiteral("../libexec/framora/") + keeperName));
     QProcess process;
     // No pipes from it: the process it leaves behind would keep them open.
     process.setProcessChannelMode(QProcess::ForwardedChannels);
-    process.start(keeper, QStringList());
+    process.start(privateExecutable(keeperName), QStringList());
     process.write(png);
     process.closeWriteChannel();
     process.waitForFinished(answerMilliseconds);

@@ -1,8 +1,8 @@
 #include "platform/x11/X11ThemeName.h"
 
+#include "platform/x11/XcbReply.h"
+
 #include <QtEndian>
-#include <cstdlib>
-#include <memory>
 #include <optional>
 #include <string>
 #include <xcb/xcb.h>
@@ -42,13 +42,8 @@ private:
     qsizetype m_position = 0;
 };
 
-struct Freed {
-    void operator()(void* memory) const { std::free(memory); }
-};
-template <typename T> using Owned = std::unique_ptr<T, Freed>;
-
 xcb_atom_t atom(xcb_connection_t* connection, const std::string& name) {
-    const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+    const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
         connection, xcb_intern_atom(connection, 1, std::uint16_t(name.size()), name.data()), nullptr));
     return reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
 }
@@ -58,12 +53,12 @@ QByteArray readProperty(xcb_connection_t* connection, int screen) {
     const xcb_atom_t property = atom(connection, "_XSETTINGS_SETTINGS");
     if (selection == XCB_ATOM_NONE || property == XCB_ATOM_NONE)
         return {};
-    const Owned<xcb_get_selection_owner_reply_t> owner(
+    const XcbReply<xcb_get_selection_owner_reply_t> owner(
         xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, selection), nullptr));
     if (!owner || owner->owner == XCB_NONE)
         return {};
     constexpr std::uint32_t mostWords = 64 * 1024;
-    const Owned<xcb_get_property_reply_t> value(xcb_get_property_reply(
+    const XcbReply<xcb_get_property_reply_t> value(xcb_get_property_reply(
         connection, xcb_get_property(connection, 0, owner->owner, property, property, 0, mostWords),
         nullptr));
     if (!value)

@@ -1,6 +1,7 @@
 #include "platform/x11/X11ToastConnection.h"
 
 #include "platform/x11/X11ToastPanel.h"
+#include "platform/x11/XcbReply.h"
 
 #include <algorithm>
 #include <array>
@@ -10,15 +11,6 @@
 #include <xcb/xfixes.h>
 
 namespace framora {
-namespace {
-
-struct Freed {
-    void operator()(void* memory) const { std::free(memory); }
-};
-/// Replies and events come as malloc'ed memory.
-template <typename T> using Owned = std::unique_ptr<T, Freed>;
-
-} // namespace
 
 X11ToastConnection::X11ToastConnection() {
     int screenNumber = 0;
@@ -52,7 +44,8 @@ X11ToastConnection::X11ToastConnection() {
         cookies[i] = xcb_intern_atom(m_connection, 0, std::uint16_t(name.size()), name.data());
     }
     for (std::size_t i = 0; i < wanted.size(); ++i) {
-        const Owned<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection, cookies[i], nullptr));
+        const XcbReply<xcb_intern_atom_reply_t> reply(
+            xcb_intern_atom_reply(m_connection, cookies[i], nullptr));
         m_atoms.*wanted[i].second = reply ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
     }
     findVisual();
@@ -96,7 +89,7 @@ void X11ToastConnection::watchCompositor() {
     const auto* fixes = xcb_get_extension_data(m_connection, &xcb_xfixes_id);
     if (fixes && fixes->present) {
         // Using an extension of this name needs its version agreed first.
-        const Owned<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(
+        const XcbReply<xcb_xfixes_query_version_reply_t> version(xcb_xfixes_query_version_reply(
             m_connection,
             xcb_xfixes_query_version(m_connection, XCB_XFIXES_MAJOR_VERSION, XCB_XFIXES_MINOR_VERSION),
             nullptr));
@@ -110,7 +103,7 @@ void X11ToastConnection::watchCompositor() {
     }
     const auto* composite = xcb_get_extension_data(m_connection, &xcb_composite_id);
     if (composite && composite->present) {
-        const Owned<xcb_composite_query_version_reply_t> version(xcb_composite_query_version_reply(
+        const XcbReply<xcb_composite_query_version_reply_t> version(xcb_composite_query_version_reply(
             m_connection, xcb_composite_query_version(m_connection, 0, 4), nullptr));
         m_hasComposite = version && (version->major_version > 0 || version->minor_version >= 2);
     }
@@ -121,7 +114,7 @@ bool X11ToastConnection::isRedirected(xcb_window_t window) {
     // Only a redirected window has a picture of its own to name.
     const xcb_pixmap_t pixmap = xcb_generate_id(m_connection);
     const auto cookie = xcb_composite_name_window_pixmap_checked(m_connection, window, pixmap);
-    const Owned<xcb_generic_error_t> error(xcb_request_check(m_connection, cookie));
+    const XcbReply<xcb_generic_error_t> error(xcb_request_check(m_connection, cookie));
     if (error || xcb_connection_has_error(m_connection))
         return false;
     xcb_free_pixmap(m_connection, pixmap);
@@ -129,7 +122,7 @@ bool X11ToastConnection::isRedirected(xcb_window_t window) {
 }
 
 void X11ToastConnection::readCompositor() {
-    const Owned<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
+    const XcbReply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
         m_connection, xcb_get_selection_owner(m_connection, m_atoms.compositor), nullptr));
     m_hasCompositor = owner && owner->owner != XCB_NONE;
 }
@@ -183,7 +176,7 @@ void X11ToastConnection::flush() {
 }
 
 void X11ToastConnection::dispatch() {
-    while (const Owned<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)})
+    while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)})
         deliver(*event);
     if (xcb_connection_has_error(m_connection) && m_notifier)
         m_notifier->setEnabled(false);

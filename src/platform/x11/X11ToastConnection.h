@@ -2,7 +2,6 @@
 
 #include <QObject>
 #include <QSocketNotifier>
-#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <vector>
