@@ -35,7 +35,7 @@ QString setIn(const QMetaObject& record, void* gadget, const QStringList& path, 
         if (!parts)
             return QStringLiteral("'%1' has no parts").arg(whole);
         QVariant part = property.readOnGadget(gadget);
-        const QString problem = setIn(*parts, part.data(), path, depth + 1, text);
+        QString problem = setIn(*parts, part.data(), path, depth + 1, text);
         if (problem.isEmpty())
             property.writeOnGadget(gadget, part);
         return problem;
@@ -54,7 +54,7 @@ QString setIn(const QMetaObject& record, void* gadget, const QStringList& path, 
 
 QString StyleFieldSetter::set(const QString& field, const QString& value) {
     const QStringList path = field.split(u'.');
-    const QString problem = setIn(ScreenshotStyleConfig::staticMetaObject, &m_style, path, 0, value);
+    QString problem = setIn(ScreenshotStyleConfig::staticMetaObject, &m_style, path, 0, value);
     if (problem.isEmpty())
         applySelectionRules(path.first());
     return problem;

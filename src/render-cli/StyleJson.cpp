@@ -117,12 +117,12 @@ MemberReader::Read weightInto(QFont::Weight& weight) {
 }
 
 /// Numbers that may stand in an array or under their names in an object; all of them must be there.
-MemberReader::Read numbersInto(QList<std::pair<const char*, double*>> places) {
+MemberReader::Read numbersInto(const QList<std::pair<const char*, double*>>& places) {
     return [places](const QJsonValue& value) {
         QStringList names;
         for (const auto& [name, place] : places)
             names << QString::fromLatin1(name);
-        const QString wanted = QStringLiteral("is not [%1] of numbers").arg(names.join(QStringLiteral(", ")));
+        QString wanted = QStringLiteral("is not [%1] of numbers").arg(names.join(QStringLiteral(", ")));
         const QJsonArray array = value.toArray();
         const QJsonObject object = value.toObject();
         if (array.size() != places.size() && object.size() != places.size())
@@ -188,16 +188,17 @@ QString parse(const QByteArray& json, QJsonDocument& document) {
 template <class Record>
 QString readList(const QByteArray& json, QList<Record>& records, MemberReader (*reader)(Record&)) {
     QJsonDocument document;
-    if (const QString problem = parse(json, document); !problem.isEmpty())
+    if (QString problem = parse(json, document); !problem.isEmpty())
         return problem;
     if (!document.isArray())
         return QStringLiteral("not a JSON list of objects");
     QList<Record> read;
-    for (const QJsonValue& value : document.array()) {
+    const QJsonArray members = document.array();
+    for (const auto& value : members) {
         if (!value.isObject())
             return QStringLiteral("not a JSON list of objects");
         Record record;
-        if (const QString problem = reader(record).read(value.toObject()); !problem.isEmpty())
+        if (QString problem = reader(record).read(value.toObject()); !problem.isEmpty())
             return problem;
         read << record;
     }
@@ -209,7 +210,7 @@ QString readList(const QByteArray& json, QList<Record>& records, MemberReader (*
 
 QString readTextOverlay(const QByteArray& json, TextOverlay& overlay) {
     QJsonDocument document;
-    if (const QString problem = parse(json, document); !problem.isEmpty())
+    if (QString problem = parse(json, document); !problem.isEmpty())
         return problem;
     if (!document.isObject())
         return QStringLiteral("not a JSON object");

@@ -34,6 +34,7 @@ bool ServerImage::allocate() {
         void* memory = shmat(shared, nullptr, 0);
         // Marked at once, so that it is gone with its last user however this program ends.
         shmctl(shared, IPC_RMID, nullptr);
+        // NOLINTNEXTLINE(performance-no-int-to-ptr): the system has no other name for this failure.
         if (memory != reinterpret_cast<void*>(-1)) {
             const xcb_shm_seg_t segment = xcb_generate_id(m_connection);
             // A server elsewhere cannot attach it.

@@ -113,7 +113,7 @@ TEST(PixelCopy, AFineGridMadeSmallerIsEvenlyGrey) {
                 most = std::max(most, grey);
             }
         EXPECT_LE(most - least, 24) << scale << " % at " << rotation;
-        EXPECT_NEAR((most + least) / 2, 127, 12) << scale << " % at " << rotation;
+        EXPECT_NEAR((most + least) / 2.0, 127, 12) << scale << " % at " << rotation;
     }
 }
 

@@ -70,7 +70,7 @@ protected:
 
     /// An AIFF tone of one second at half of full scale.
     QString tone() {
-        const QString path = folder.filePath(QStringLiteral("tone.aiff"));
+        QString path = folder.filePath(QStringLiteral("tone.aiff"));
         QByteArray body;
         const auto number = [&](QByteArray& to, quint32 value, int bytes) {
             for (int i = bytes - 1; i >= 0; --i)
@@ -139,7 +139,7 @@ TEST_F(PulseSoundOutputTest, aServerThatHangsHoldsNobodyUp) {
     ASSERT_TRUE(VirtualDesktop::waitFor([&] { return peak() > 0.4f; }, 5000));
     ASSERT_EQ(kill(pid_t(server->pid()), SIGSTOP), 0);
     // Lets it go on in the end, so that a program that waits for it fails instead of hanging.
-    std::jthread waker([pid = pid_t(server->pid())](std::stop_token stop) {
+    std::jthread waker([pid = pid_t(server->pid())](const std::stop_token& stop) {
         for (int tenths = 0; tenths < 100 && !stop.stop_requested(); ++tenths)
             std::this_thread::sleep_for(std::chrono::milliseconds(100));
         kill(pid, SIGCONT);

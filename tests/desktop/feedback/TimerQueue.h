@@ -23,11 +23,8 @@ private:
         Item(double seconds, bool once, Work work) : m_work(std::make_shared<Work>(std::move(work))) {
             m_timer.setTimerType(Qt::PreciseTimer);
             m_timer.setSingleShot(once);
-            // The work may destroy this item: it is held while it runs.
-            QObject::connect(&m_timer, &QTimer::timeout, [held = m_work] {
-                const auto running = held;
-                (*running)();
-            });
+            // The work may destroy this item: the call that runs it holds it too.
+            QObject::connect(&m_timer, &QTimer::timeout, [held = m_work] { (*held)(); });
             m_timer.start(int(seconds * 1000));
         }
         void cancel() override { m_timer.stop(); }

@@ -31,7 +31,7 @@ int CaptureDesktop::toolProcesses() {
     return count;
 }
 
-std::unique_ptr<PaintedWindow> CaptureDesktop::show(PaintedWindow::Options options) {
+std::unique_ptr<PaintedWindow> CaptureDesktop::show(const PaintedWindow::Options& options) {
     auto window = std::make_unique<PaintedWindow>(m_desktop.displayName(), options);
     // A window manager that is only just starting may miss the first request.
     for (int attempt = 0; attempt < 5 && !VirtualDesktop::waitFor([&] { return window->painted(); }, 1000);

@@ -26,7 +26,7 @@ public:
     int toolProcesses();
 
     /// A window in its place, painted.
-    std::unique_ptr<PaintedWindow> show(PaintedWindow::Options options);
+    std::unique_ptr<PaintedWindow> show(const PaintedWindow::Options& options);
     /// The screen when nothing on it changes any more.
     QImage settledScreen();
     /// A picture of distinct colours as the wallpaper, which the screen then shows.

@@ -49,6 +49,7 @@ xcb_visualid_t argbVisual(const xcb_screen_t* screen) {
 void setShape(xcb_connection_t* c, xcb_window_t window, xcb_shape_sk_t kind,
               const std::vector<QRect>& rects) {
     std::vector<xcb_rectangle_t> boxes;
+    boxes.reserve(rects.size());
     for (const QRect& r : rects)
         boxes.push_back({static_cast<std::int16_t>(r.x()), static_cast<std::int16_t>(r.y()),
                          static_cast<std::uint16_t>(r.width()), static_cast<std::uint16_t>(r.height())});
