@@ -261,6 +261,7 @@ ReferenceComposition::Picture ReferenceComposition::frame(double pixelsPerPoint)
 
     const int threads = std::max(1, int(std::thread::hardware_concurrency()));
     std::vector<std::jthread> workers;
+    workers.reserve(std::size_t(threads));
     for (int first = 0; first < threads; ++first)
         workers.emplace_back([&, first] {
             for (int py = first; py < picture.size.height(); py += threads)

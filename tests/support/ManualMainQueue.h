@@ -79,7 +79,7 @@ private:
         // Slack of a few units in the last place of such large times, so that 0.2 + 0.1 seconds are 0.3.
         if (next == m_entries.end() || (*next)->due > end + 1e-6)
             return nullptr;
-        const auto entry = *next;
+        auto entry = *next;
         m_entries.erase(next);
         return entry;
     }
