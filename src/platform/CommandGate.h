@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <utility>
 #include <vector>
@@ -12,11 +13,17 @@ namespace framora {
 class CommandGate {
 public:
     bool isOpen() const { return m_closed == 0; }
+    /// How often it has been closed so far. A command that has to wait a turn compares: what the gate was
+    /// closed for meanwhile came first, and drops it even when that is over already.
+    std::uint64_t closings() const { return m_closings; }
 
     /// Closes the gate for its lifetime.
     class Closing {
     public:
-        explicit Closing(CommandGate& gate) : m_gate(gate) { ++m_gate.m_closed; }
+        explicit Closing(CommandGate& gate) : m_gate(gate) {
+            ++m_gate.m_closed;
+            ++m_gate.m_closings;
+        }
         ~Closing() { m_gate.reopen(); }
         Closing(const Closing&) = delete;
         Closing& operator=(const Closing&) = delete;
@@ -43,6 +50,7 @@ private:
     }
 
     int m_closed = 0;
+    std::uint64_t m_closings = 0;
     std::vector<std::function<void()>> m_waiting;
 };
 

@@ -95,23 +95,26 @@ void TrayStatusItem::setMenu(std::vector<MenuEntry> entries) {
         auto* action = menu->addAction(entry.title);
         if (!entry.keyEquivalent.isEmpty())
             action->setShortcut(QKeySequence(QStringLiteral("Meta+") + entry.keyEquivalent));
-        // A turn later, so that the menu has let go of pointer and keyboard when the action wants them.
-        connect(
-            action, &QAction::triggered, this,
-            [this, run = std::move(entry.action)] {
-                if (m_gate.isOpen())
-                    QTimer::singleShot(0, this, [this, run] {
-                        if (m_gate.isOpen())
-                            run();
-                    });
-            },
-            Qt::QueuedConnection);
+        connect(action, &QAction::triggered, this,
+                [this, run = std::move(entry.action)] { runAfterMenu(run); });
     }
     if (m_icon)
         m_icon->setContextMenu(menu.get());
     if (m_notifierItem)
         m_notifierItem->setMenu(menu.get());
     m_menu = std::move(menu);
+}
+
+void TrayStatusItem::runAfterMenu(const std::function<void()>& command) {
+    if (!m_gate.isOpen())
+        return;
+    const auto run = [this, command, closings = m_gate.closings()] {
+        if (m_gate.closings() == closings)
+            command();
+    };
+    // Turns later, so that the menu has let go of pointer and keyboard when the command wants them.
+    QMetaObject::invokeMethod(
+        this, [this, run] { QTimer::singleShot(0, this, run); }, Qt::QueuedConnection);
 }
 
 void TrayStatusItem::popUpMenu() {

@@ -36,6 +36,8 @@ private:
     void drawSymbol();
     void showPicture();
     void popUpMenu();
+    /// A click whose command came too late, because another one has closed the gate since, is dropped.
+    void runAfterMenu(const std::function<void()>& command);
 
     CommandGate& m_gate;
     const Appearance& m_appearance;

@@ -45,6 +45,25 @@ protected:
                    : -1;
     }
 
+    /// Asks the item's menu the way a host does. Empty when there is no item, or it does not know the call.
+    QString callMenu(const QString& method, const QStringList& arguments) {
+        auto bus = QDBusConnection::connectToBus(m_desktop.busAddress(), m_busName);
+        const QStringList items = bus.interface()->registeredServiceNames().value().filter(
+            QStringLiteral("org.kde.StatusNotifierItem-%1-").arg(m_framora->pid()));
+        if (items.size() != 1)
+            return {};
+        return QString::fromUtf8(m_desktop.run(
+            QStringLiteral("gdbus"),
+            QStringList{QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("--dest"),
+                        items.first(), QStringLiteral("--object-path"), QStringLiteral("/MenuBar"),
+                        QStringLiteral("--method"), QStringLiteral("com.canonical.dbusmenu.") + method} +
+                arguments));
+    }
+
+    bool captureIsOpen() {
+        return m_desktop.display().windowTitled(QStringLiteral("framora-screencapture")).has_value();
+    }
+
     bool soon(const std::function<bool()>& condition) { return VirtualDesktop::waitFor(condition, 15000); }
 
     VirtualDesktop m_desktop;
@@ -75,20 +94,34 @@ TEST_F(TrayTest, theItemIsRegisteredWithEveryWatcherThatComes) {
 TEST_F(TrayTest, theMenuHasItsFourEntriesWithTheirKeyEquivalents) {
     m_desktop.startTrayHost(TrayHost::xfcePanel);
     ASSERT_TRUE(soon([&] { return registeredItems() == 1; }));
-    const QString service = QStringLiteral("org.kde.StatusNotifierItem-%1-").arg(m_framora->pid());
-    auto bus = QDBusConnection::connectToBus(m_desktop.busAddress(), m_busName);
-    const QStringList items = bus.interface()->registeredServiceNames().value().filter(service);
-    ASSERT_EQ(items.size(), 1);
-    const QString layout = QString::fromUtf8(m_desktop.run(
-        QStringLiteral("gdbus"),
-        {QStringLiteral("call"), QStringLiteral("--session"), QStringLiteral("--dest"), items.first(),
-         QStringLiteral("--object-path"), QStringLiteral("/MenuBar"), QStringLiteral("--method"),
-         QStringLiteral("com.canonical.dbusmenu.GetLayout"), QStringLiteral("--"), QStringLiteral("0"),
-         QStringLiteral("-1"), QStringLiteral("[]")}));
+    const QString layout =
+        callMenu(QStringLiteral("GetLayout"),
+                 {QStringLiteral("--"), QStringLiteral("0"), QStringLiteral("-1"), QStringLiteral("[]")});
     EXPECT_EQ(layout.count(QStringLiteral("'label'")), 4) << layout.toStdString();
     EXPECT_EQ(layout.count(QStringLiteral("'shortcut'")), 2) << layout.toStdString();
     EXPECT_TRUE(layout.contains(QStringLiteral("[['Super', ',']]"))) << layout.toStdString();
     EXPECT_TRUE(layout.contains(QStringLiteral("[['Super', 'q']]"))) << layout.toStdString();
+}
+
+TEST_F(TrayTest, twoClicksInOneTurnOfTheEventLoopTakeOneCapture) {
+    m_desktop.startTrayHost(TrayHost::xfcePanel);
+    ASSERT_TRUE(soon([&] { return registeredItems() == 1; }));
+    // One message carries both, so nothing comes between them. The first two entries take an area and a
+    // window.
+    const QString answer =
+        callMenu(QStringLiteral("EventGroup"),
+                 {QStringLiteral("[(1, 'clicked', <0>, uint32 0), (2, 'clicked', <0>, uint32 0)]")});
+    EXPECT_EQ(answer.trimmed(), QStringLiteral("(@ai [],)"));
+    ASSERT_TRUE(soon([&] { return captureIsOpen(); }));
+    const auto secondComes = [&] {
+        return m_framora->children().size() > 1 ||
+               m_desktop.display().windowTitled(QStringLiteral("Framora toast"));
+    };
+    EXPECT_FALSE(VirtualDesktop::waitFor(secondComes, 500)) << "nor does it fail to start";
+    m_desktop.display().key({"Escape"});
+    ASSERT_TRUE(soon([&] { return !captureIsOpen(); }));
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return captureIsOpen() || secondComes(); }, 700))
+        << "nor does it wait its turn";
 }
 
 TEST_F(TrayTest, theIconMovesFromOneKindOfTrayToTheOther) {
