@@ -18,7 +18,7 @@ std::vector<float> covered(const Coverage& coverage) {
     std::vector<double> scratch;
     for (int y = 0; y < height; ++y) {
         std::fill(row.begin(), row.end(), -1.0f);
-        const Coverage::Run run = coverage.row(y, width, row.data(), scratch);
+        const Coverage::Run run = coverage.row(y, 0, width, row.data(), scratch);
         for (int x = 0; x < width; ++x) {
             const bool isInRun = x >= run.first && x < run.end;
             EXPECT_EQ(row[std::size_t(x)] >= 0 && isInRun, isInRun) << x << "," << y;

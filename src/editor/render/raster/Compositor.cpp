@@ -1,111 +1,225 @@
 #include "editor/render/raster/Compositor.h"
 
 #include "editor/render/raster/Coverage.h"
+#include "editor/render/raster/MixKernels.h"
 #include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/PixelEffects.h"
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 
 namespace framora::raster {
 namespace {
 
-constexpr int rowsPerBand = 8;
-// Pixels of a row that are mixed together: small enough to stay in the nearest cache.
-constexpr int chunkWidth = 256;
+// Two blocks of pixels being mixed and one of coverage stay in the nearest caches.
+constexpr TileRect longTile{0, 0, 128, 16};
+constexpr TileRect squareTile{0, 0, 64, 32};
+static_assert(longTile.width * longTile.height == squareTile.width * squareTile.height);
+constexpr std::size_t tileArea = std::size_t(longTile.width) * longTile.height;
 
-struct LayerCoverage {
+struct LayerShape {
     Coverage shape;
     Coverage hole;
     bool hasHole = false;
 };
 
-/// What one thread needs while it draws a row.
-struct Scratch {
-    std::vector<std::vector<float>> coverage; ///< One row for each layer.
-    std::vector<Coverage::Run> runs;
-    std::vector<float> hole;
-    std::vector<double> sums;
-    std::vector<Float4> mixed = std::vector<Float4>(chunkWidth);
-    std::vector<Float4> shaded = std::vector<Float4>(chunkWidth);
+/// How much of a tile a layer takes.
+struct Share {
+    enum Kind { none, partly, whole } kind = none;
+    TileRect touched; ///< All that the layer touches lies in here.
 };
 
-void coverRow(const LayerCoverage& layer, int y, int width, std::vector<float>& out, Coverage::Run& run,
-              Scratch& scratch) {
-    run = layer.shape.row(y, width, out.data(), scratch.sums);
-    if (!layer.hasHole || run.isEmpty())
+/// What one thread needs while it draws a band of tiles.
+struct Scratch {
+    /// For each layer the runs of its shape in the band's rows, then those of its hole.
+    std::vector<std::array<std::vector<Coverage::Run>, 2>> runs;
+    std::vector<Share> shares;
+    std::vector<float> covered;
+    std::vector<float> hole;
+    std::vector<double> sums;
+    std::vector<MixPixel> mixed = std::vector<MixPixel>(tileArea);
+    std::vector<MixPixel> shaded = std::vector<MixPixel>(tileArea);
+    std::vector<MixPixel> coverage = std::vector<MixPixel>(tileArea);
+};
+
+/// A run cut to the columns [from, to).
+Coverage::Run cut(const Coverage::Run& run, int from, int to) {
+    const auto column = [&](int x) { return std::clamp(x, from, to); };
+    return {column(run.first), column(run.end), column(run.fullFirst), column(run.fullEnd)};
+}
+
+Share share(const std::array<std::vector<Coverage::Run>, 2>& runs, bool hasHole, const TileRect& tile,
+            int bandTop) {
+    int left = tile.x + tile.width;
+    int right = tile.x;
+    int top = tile.y + tile.height;
+    int bottom = tile.y;
+    bool isWhole = true;
+    for (int y = tile.y; y < tile.y + tile.height; ++y) {
+        const std::size_t row = std::size_t(y - bandTop);
+        const Coverage::Run run = cut(runs[0][row], tile.x, tile.x + tile.width);
+        const Coverage::Run hole = hasHole ? cut(runs[1][row], tile.x, tile.x + tile.width) : Coverage::Run{};
+        if (run.isEmpty() || hole.fullEnd - hole.fullFirst == tile.width) {
+            isWhole = false;
+            continue;
+        }
+        isWhole = isWhole && run.fullEnd - run.fullFirst == tile.width && hole.isEmpty();
+        left = std::min(left, run.first);
+        right = std::max(right, run.end);
+        top = std::min(top, y);
+        bottom = y + 1;
+    }
+    if (left >= right)
+        return {};
+    return {isWhole ? Share::whole : Share::partly, {left, top, right - left, bottom - top}};
+}
+
+MixPixel replicated(float coverage) {
+    const auto value = std::int16_t(std::clamp(coverage, 0.0f, 1.0f) * coverageOne + 0.5f);
+    return {{value, value, value, value}};
+}
+
+/// The coverage of a block, times the layer's opacity.
+void cover(const LayerShape& shape, float opacity, const TileRect& block, Scratch& scratch) {
+    const int end = block.x + block.width;
+    scratch.covered.resize(std::size_t(block.width));
+    scratch.hole.resize(std::size_t(block.width));
+    MixPixel* out = scratch.coverage.data();
+    for (int y = block.y; y < block.y + block.height; ++y, out += block.width) {
+        std::fill_n(out, block.width, MixPixel{});
+        const Coverage::Run run = shape.shape.row(y, block.x, end, scratch.covered.data(), scratch.sums);
+        const Coverage::Run hole = shape.hasHole
+                                       ? shape.hole.row(y, block.x, end, scratch.hole.data(), scratch.sums)
+                                       : Coverage::Run{};
+        for (int x = run.first; x < run.end; ++x) {
+            const std::size_t i = std::size_t(x - block.x);
+            float covered = scratch.covered[i];
+            if (x >= hole.first && x < hole.end)
+                covered -= scratch.hole[i];
+            out[i] = replicated(covered * opacity);
+        }
+    }
+}
+
+void mixLayer(const Layer& layer, const TileRect& block, MixPixel* out) {
+    if (!layer.adjustment && !layer.noise) {
+        layer.paint->mix(block, out);
         return;
-    const Coverage::Run hole = layer.hole.row(y, width, scratch.hole.data(), scratch.sums);
-    for (int x = std::max(run.first, hole.first); x < std::min(run.end, hole.end); ++x)
-        out[std::size_t(x)] = std::max(0.0f, out[std::size_t(x)] - scratch.hole[std::size_t(x)]);
-    if (!hole.isEmpty())
-        run.fullFirst = run.fullEnd = run.end;
+    }
+    std::array<Float4, longTile.width> colors;
+    for (int y = block.y; y < block.y + block.height; ++y) {
+        layer.paint->shade(block.x, y, block.width, colors.data());
+        if (layer.adjustment)
+            adjustColors(colors.data(), block.width, layer.adjustment->saturation,
+                         layer.adjustment->brightness);
+        if (layer.noise)
+            addNoise(colors.data(), block.width, block.x - layer.noise->originX, y - layer.noise->originY,
+                     layer.noise->intensity);
+        for (int x = 0; x < block.width; ++x)
+            *out++ = toMix(colors[std::size_t(x)]);
+    }
 }
 
-void shade(const Layer& layer, int x, int y, int count, Float4* out) {
-    layer.paint->shade(x, y, count, out);
-    if (layer.adjustment)
-        adjustColors(out, count, layer.adjustment->saturation, layer.adjustment->brightness);
-    if (layer.noise)
-        addNoise(out, count, x - layer.noise->originX, y - layer.noise->originY, layer.noise->intensity);
+/// Mixes a layer onto the tile where it touches it.
+void blendLayer(const Layer& layer, const LayerShape& shape, const Share& share, const TileRect& tile,
+                Scratch& scratch) {
+    const TileRect& block = share.touched;
+    mixLayer(layer, block, scratch.shaded.data());
+    const bool needsCoverage =
+        share.kind == Share::partly || layer.opacity < 1 || layer.blend != Layer::Blend::normal;
+    if (share.kind == Share::partly)
+        cover(shape, layer.opacity, block, scratch);
+    else if (needsCoverage)
+        std::fill_n(scratch.coverage.data(), block.area(), replicated(layer.opacity));
+    const auto width = std::size_t(block.width);
+    for (int y = 0; y < block.height; ++y) {
+        MixPixel* under =
+            scratch.mixed.data() + std::ptrdiff_t(block.y - tile.y + y) * tile.width + (block.x - tile.x);
+        const std::size_t row = std::size_t(y) * width;
+        if (!needsCoverage)
+            blendOver(under, scratch.shaded.data() + row, width);
+        else if (layer.blend == Layer::Blend::overlay)
+            blendOverlay(under, scratch.shaded.data() + row, scratch.coverage.data() + row, width);
+        else
+            blendOver(under, scratch.shaded.data() + row, scratch.coverage.data() + row, width);
+    }
 }
 
-void drawChunk(const std::vector<Layer>& layers, int x, int y, int count, std::uint32_t* out,
-               Scratch& scratch) {
-    // What lies under an opaque layer that fills the chunk is not seen.
+void drawTile(MutablePixelView output, const std::vector<Layer>& layers,
+              const std::vector<LayerShape>& shapes, const TileRect& tile, int bandTop, Scratch& scratch) {
+    std::vector<Share>& shares = scratch.shares;
+    // What lies under an opaque layer that fills the tile is not seen.
     std::size_t first = 0;
-    for (std::size_t i = layers.size(); i-- > 0;)
-        if (scratch.runs[i].fullFirst <= x && scratch.runs[i].fullEnd >= x + count &&
-            layers[i].paint->isOpaque()) {
+    for (std::size_t i = layers.size(); i-- > 0;) {
+        shares[i] = share(scratch.runs[i], shapes[i].hasHole, tile, bandTop);
+        if (shares[i].kind == Share::whole && hidesWhatLiesUnder(layers[i])) {
             first = i;
             break;
         }
-    Float4* mixed = scratch.mixed.data();
-    std::fill_n(mixed, count, splat(0));
-    for (std::size_t i = first; i < layers.size(); ++i) {
-        const Coverage::Run run = scratch.runs[i];
-        const int from = std::max(run.first, x);
-        const int to = std::min(run.end, x + count);
-        if (from >= to)
-            continue;
-        Float4* shaded = scratch.shaded.data();
-        shade(layers[i], from, y, to - from, shaded);
-        const float* coverage = scratch.coverage[i].data();
-        for (int column = from; column < to; ++column) {
-            const Float4 source = shaded[column - from] * splat(coverage[column]);
-            mixed[column - x] = source + mixed[column - x] * splat(1 - source[3]);
-        }
     }
-    for (int i = 0; i < count; ++i)
-        out[i] = pack(mixed[i]);
+    while (first < layers.size() && shares[first].kind == Share::none)
+        ++first;
+    if (first == layers.size()) {
+        for (int y = tile.y; y < tile.y + tile.height; ++y)
+            std::memset(output.row(y) + tile.x, 0, std::size_t(tile.width) * sizeof(std::uint32_t));
+        return;
+    }
+    if (shares[first].kind == Share::whole && layers[first].opacity == 1) {
+        mixLayer(layers[first], tile, scratch.mixed.data());
+        ++first;
+    } else {
+        std::fill_n(scratch.mixed.data(), tile.area(), MixPixel{});
+    }
+    for (std::size_t i = first; i < layers.size(); ++i)
+        if (shares[i].kind != Share::none)
+            blendLayer(layers[i], shapes[i], shares[i], tile, scratch);
+    for (int y = 0; y < tile.height; ++y)
+        packPixels(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width, std::size_t(tile.width),
+                   output.row(tile.y + y) + tile.x);
 }
 
 } // namespace
 
+bool hidesWhatLiesUnder(const Layer& layer) {
+    return layer.paint->isOpaque() && layer.opacity == 1 && layer.blend == Layer::Blend::normal;
+}
+
 void compose(MutablePixelView output, const std::vector<Layer>& layers) {
     if (output.isEmpty())
         return;
-    std::vector<LayerCoverage> coverage;
-    coverage.reserve(layers.size());
-    for (const Layer& layer : layers)
-        coverage.push_back({Coverage(layer.shape.outline(layer.placement)),
-                            layer.hole ? Coverage(layer.hole->outline(layer.placement)) : Coverage(),
-                            layer.hole.has_value()});
-    parallelFor((output.height + rowsPerBand - 1) / rowsPerBand, [&](int band) {
-        thread_local Scratch scratch;
-        scratch.runs.resize(layers.size());
-        scratch.coverage.resize(std::max(scratch.coverage.size(), layers.size()));
-        for (std::vector<float>& row : scratch.coverage)
-            if (row.size() < std::size_t(output.width))
-                row.resize(std::size_t(output.width));
-        if (scratch.hole.size() < std::size_t(output.width))
-            scratch.hole.resize(std::size_t(output.width));
-        const int end = std::min(output.height, (band + 1) * rowsPerBand);
-        for (int y = band * rowsPerBand; y < end; ++y) {
-            for (std::size_t i = 0; i < layers.size(); ++i)
-                coverRow(coverage[i], y, output.width, scratch.coverage[i], scratch.runs[i], scratch);
-            for (int x = 0; x < output.width; x += chunkWidth)
-                drawChunk(layers, x, y, std::min(chunkWidth, output.width - x), output.row(y) + x, scratch);
+    std::vector<LayerShape> shapes;
+    shapes.reserve(layers.size());
+    bool isSquare = false;
+    for (const Layer& layer : layers) {
+        LayerShape& shape = shapes.emplace_back();
+        shape.shape = Coverage(layer.shape.outline(layer.placement));
+        shape.shape.index(output.height);
+        if (layer.hole) {
+            shape.hole = Coverage(layer.hole->outline(layer.placement));
+            shape.hole.index(output.height);
+            shape.hasHole = true;
         }
+        isSquare = isSquare || layer.paint->prefersSquareTiles();
+    }
+    const TileRect size = isSquare ? squareTile : longTile;
+    parallelFor((output.height + size.height - 1) / size.height, [&](int band) {
+        thread_local Scratch scratch;
+        const int top = band * size.height;
+        const int height = std::min(size.height, output.height - top);
+        scratch.shares.resize(layers.size());
+        scratch.runs.resize(std::max(scratch.runs.size(), layers.size()));
+        for (std::size_t i = 0; i < layers.size(); ++i)
+            for (std::size_t part = 0; part < (shapes[i].hasHole ? 2 : 1); ++part) {
+                const Coverage& coverage = part == 0 ? shapes[i].shape : shapes[i].hole;
+                std::vector<Coverage::Run>& runs = scratch.runs[i][part];
+                runs.resize(std::size_t(height));
+                for (int y = 0; y < height; ++y)
+                    runs[std::size_t(y)] = coverage.extent(top + y, output.width);
+            }
+        for (int x = 0; x < output.width; x += size.width)
+            drawTile(output, layers, shapes, {x, top, std::min(size.width, output.width - x), height}, top,
+                     scratch);
     });
 }
 

@@ -30,10 +30,28 @@ struct Layer {
         int originY = 0;
     };
     std::optional<Noise> noise; ///< Over the paint's colours.
+
+    float opacity = 1; ///< 0...1.
+
+    enum class Blend {
+        normal,
+        overlay ///< Darkens what is dark under it and lightens what is light.
+    };
+    Blend blend = Blend::normal;
 };
 
+/// Whether nothing shows through where the layer covers a pixel whole.
+bool hidesWhatLiesUnder(const Layer& layer);
+
 /// Draws the layers, the first one undermost, over nothing, and overwrites all of `output`. Colours are mixed
-/// as floats and rounded once at the end. The pixels do not depend on the number of threads.
+/// with fifteen bits and rounded once at the end. The pixels depend neither on the number of threads nor on
+/// the kind of vector unit.
 void compose(MutablePixelView output, const std::vector<Layer>& layers);
+
+namespace plain {
+/// The same in floats, row by row, from what Paint::shade() gives: what compose() is held to, within one step
+/// of 255.
+void compose(MutablePixelView output, const std::vector<Layer>& layers);
+} // namespace plain
 
 } // namespace framora::raster

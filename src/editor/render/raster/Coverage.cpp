@@ -85,30 +85,95 @@ Coverage::Coverage(const std::vector<Vec2>& polygon) {
     m_endRow = toRow(std::ceil(bottom));
 }
 
-Coverage::Run Coverage::row(int y, int width, float* out, std::vector<double>& scratch) const {
+void Coverage::index(int height) {
+    const int first = std::max(m_firstRow, 0);
+    const int end = std::min(m_endRow, height);
+    const auto rows = [&](const Edge& edge) {
+        return std::pair{std::max(toRow(std::floor(edge.top.y)), first),
+                         std::min(toRow(std::ceil(edge.bottom.y)), end)};
+    };
+    m_rowStarts.assign(std::size_t(height) + 2, 0);
+    // Counted two rows ahead: filling moves each start to its place.
+    for (const Edge& edge : m_edges)
+        for (auto [row, last] = rows(edge); row < last; ++row)
+            ++m_rowStarts[std::size_t(row) + 2];
+    for (std::size_t i = 2; i < m_rowStarts.size(); ++i)
+        m_rowStarts[i] += m_rowStarts[i - 1];
+    m_rowEdges.resize(std::size_t(m_rowStarts.back()));
+    for (std::size_t i = 0; i < m_edges.size(); ++i)
+        for (auto [row, last] = rows(m_edges[i]); row < last; ++row)
+            m_rowEdges[std::size_t(m_rowStarts[std::size_t(row) + 1]++)] = int(i);
+}
+
+template <typename Visit> void Coverage::forEachPiece(int y, const Visit& visit) const {
+    const auto visitEdge = [&](const Edge& edge) {
+        if (edge.bottom.y <= y)
+            return;
+        const double from = std::max(edge.top.y, double(y));
+        const double to = std::min(edge.bottom.y, double(y + 1));
+        const double slope = (edge.bottom.x - edge.top.x) / (edge.bottom.y - edge.top.y);
+        const double least = std::min(edge.top.x, edge.bottom.x);
+        const double most = std::max(edge.top.x, edge.bottom.x);
+        visit(Piece{std::clamp(edge.top.x + (from - edge.top.y) * slope, least, most),
+                    std::clamp(edge.top.x + (to - edge.top.y) * slope, least, most),
+                    m_sign * edge.direction * (to - from)});
+    };
+    if (y >= 0 && std::size_t(y) + 2 < m_rowStarts.size()) {
+        for (int i = m_rowStarts[std::size_t(y)]; i < m_rowStarts[std::size_t(y) + 1]; ++i)
+            visitEdge(m_edges[std::size_t(m_rowEdges[std::size_t(i)])]);
+        return;
+    }
+    for (const Edge& edge : m_edges) {
+        if (edge.top.y >= y + 1)
+            break;
+        visitEdge(edge);
+    }
+}
+
+Coverage::Run Coverage::extent(int y, int width) const {
+    if (y < m_firstRow || y >= m_endRow || width <= 0)
+        return {};
+    double first = width;
+    double end = 0;
+    double fullFirst = 0;
+    double fullEnd = width;
+    double height = 0; // of the left side's pieces
+    forEachPiece(y, [&](const Piece& piece) {
+        const double left = std::min(piece.x0, piece.x1);
+        const double right = std::max(piece.x0, piece.x1);
+        first = std::min(first, left);
+        end = std::max(end, right);
+        if (piece.height > 0) {
+            height += piece.height;
+            fullFirst = std::max(fullFirst, right);
+        } else {
+            fullEnd = std::min(fullEnd, left);
+        }
+    });
+    const auto column = [&](double x) { return int(std::clamp(x, 0.0, double(width))); };
+    Run run{column(std::floor(first)), column(std::ceil(end)), column(std::ceil(fullFirst)),
+            column(std::floor(fullEnd))};
+    if (run.isEmpty())
+        return {};
+    if (height < 1 - rounding || run.fullFirst >= run.fullEnd)
+        run.fullFirst = run.fullEnd = run.end;
+    return run;
+}
+
+Coverage::Run Coverage::row(int y, int from, int to, float* out, std::vector<double>& scratch) const {
+    const int width = to - from;
     if (y < m_firstRow || y >= m_endRow || width <= 0)
         return {};
     scratch.assign(std::size_t(width) + 2, 0.0);
     int first = width;
     int changed = 0; // behind the last column where the sum changes
-    for (const Edge& edge : m_edges) {
-        if (edge.top.y >= y + 1)
-            break;
-        if (edge.bottom.y <= y)
-            continue;
-        const double from = std::max(edge.top.y, double(y));
-        const double to = std::min(edge.bottom.y, double(y + 1));
-        const double slope = (edge.bottom.x - edge.top.x) / (edge.bottom.y - edge.top.y);
-        const double x0 =
-            std::clamp(edge.top.x + (from - edge.top.y) * slope, std::min(edge.top.x, edge.bottom.x),
-                       std::max(edge.top.x, edge.bottom.x));
-        const double x1 =
-            std::clamp(edge.top.x + (to - edge.top.y) * slope, std::min(edge.top.x, edge.bottom.x),
-                       std::max(edge.top.x, edge.bottom.x));
-        addPiece(scratch.data(), width, x0, x1, m_sign * edge.direction * (to - from));
+    forEachPiece(y, [&](const Piece& piece) {
+        const double x0 = piece.x0 - from;
+        const double x1 = piece.x1 - from;
+        addPiece(scratch.data(), width, x0, x1, piece.height);
         first = std::min(first, int(std::clamp(std::min(x0, x1), 0.0, double(width))));
         changed = std::max(changed, int(std::clamp(std::max(x0, x1) + 2, 0.0, double(width))));
-    }
+    });
     Run run{first, first, width, width};
     double sum = 0;
     bool fullEnded = false;
@@ -129,7 +194,7 @@ Coverage::Run Coverage::row(int y, int width, float* out, std::vector<double>& s
     }
     if (run.fullFirst >= run.end)
         run.fullFirst = run.fullEnd = run.end;
-    return run;
+    return {run.first + from, run.end + from, run.fullFirst + from, run.fullEnd + from};
 }
 
 } // namespace framora::raster

@@ -21,9 +21,15 @@ public:
         int fullEnd = 0;
         bool isEmpty() const { return first >= end; }
     };
-    /// Writes the coverage, 0...1, of the columns [0, width) of row y to `out`, only inside the run it
-    /// returns. `scratch` is resized as needed, and kept by the caller to be used again.
-    Run row(int y, int width, float* out, std::vector<double>& scratch) const;
+    /// Writes the coverage, 0...1, of the columns [from, to) of row y, only inside the run it returns: `out`
+    /// receives column `from` first. `scratch` is resized as needed, and kept by the caller to be used again.
+    Run row(int y, int from, int to, float* out, std::vector<double>& scratch) const;
+    /// What row() would return for the columns [0, width), to within a pixel on the safe side: the run may be
+    /// a little longer, and what is covered whole a little shorter.
+    Run extent(int y, int width) const;
+
+    /// Prepares the rows [0, height), so that each finds its edges at once.
+    void index(int height);
 
     /// The rows that are touched: [firstRow, endRow).
     int firstRow() const { return m_firstRow; }
@@ -35,7 +41,17 @@ private:
         Vec2 bottom;
         double direction; ///< 1 when the outline goes down here, -1 when it goes up.
     };
-    std::vector<Edge> m_edges; ///< By ascending top.
+    /// The piece of an edge inside one row.
+    struct Piece {
+        double x0;
+        double x1;
+        double height; ///< Signed: positive where the polygon lies to the right.
+    };
+    template <typename Visit> void forEachPiece(int y, const Visit& visit) const;
+
+    std::vector<Edge> m_edges;    ///< By ascending top.
+    std::vector<int> m_rowStarts; ///< Where a row's edges start in m_rowEdges; empty before index().
+    std::vector<int> m_rowEdges;
     double m_sign = 1;
     int m_firstRow = 0;
     int m_endRow = 0;

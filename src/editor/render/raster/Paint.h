@@ -1,18 +1,27 @@
 #pragma once
 
 #include "editor/render/raster/Float4.h"
+#include "editor/render/raster/MixTile.h"
 
 namespace framora::raster {
 
 /// What a layer is filled with: a colour for every output pixel, taken at the pixel's centre.
+///
+/// shade() says what the paint is, plainly and in floats. mix() gives the same colours to within one step of
+/// 255, a block at a time; it is what pictures are drawn with.
 class Paint {
 public:
     virtual ~Paint() = default;
     /// The premultiplied colours, 0...1, of the `count` pixels from (x, y) to the right. Called from many
     /// threads.
     virtual void shade(int x, int y, int count, Float4* out) const = 0;
+    /// The colours of a block, row by row without gaps. Called from many threads. As it stands it rounds what
+    /// shade() gives.
+    virtual void mix(const TileRect& tile, MixPixel* out) const;
     /// Whether every colour has an alpha of exactly 1.
     virtual bool isOpaque() const = 0;
+    /// Whether mix() does best on blocks that are about as high as wide.
+    virtual bool prefersSquareTiles() const { return false; }
 };
 
 } // namespace framora::raster

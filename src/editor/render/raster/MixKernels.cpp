@@ -1,0 +1,173 @@
+#include "editor/render/raster/MixKernels.h"
+
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "editor/render/raster/MixKernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace framora::raster::HWY_NAMESPACE {
+#if HWY_TARGET == HWY_SCALAR
+
+// No vectors: the plain kernels.
+void blendOverAll(MixPixel* under, const MixPixel* above, std::size_t count) {
+    plain::blendOver(under, above, count);
+}
+void blendOverCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage, std::size_t count) {
+    plain::blendOver(under, above, coverage, count);
+}
+void blendOverlayCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage,
+                         std::size_t count) {
+    plain::blendOverlay(under, above, coverage, count);
+}
+void packAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
+    plain::packPixels(pixels, count, out);
+}
+
+#else
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+// A MixPixel is four lanes; a vector holds a whole number of them.
+using Lanes = hn::CappedTag<std::int16_t, 32>;
+using Vector = hn::Vec<Lanes>;
+constexpr Lanes lanes;
+constexpr std::size_t pixelLanes = 4;
+
+HWY_ATTR Vector alphas(Vector pixels) {
+    alignas(16) static constexpr std::uint8_t pattern[16] = {6,  7,  6,  7,  6,  7,  6,  7,
+                                                             14, 15, 14, 15, 14, 15, 14, 15};
+    const hn::Repartition<std::uint8_t, Lanes> bytes;
+    return hn::BitCast(lanes,
+                       hn::TableLookupBytes(hn::BitCast(bytes, pixels), hn::LoadDup128(bytes, pattern)));
+}
+
+HWY_ATTR Vector factor(Vector mix) {
+    return hn::Add(mix, hn::ShiftRight<8>(mix));
+}
+
+HWY_ATTR Vector over(Vector under, Vector above) {
+    const Vector through = factor(hn::Sub(hn::Set(lanes, mixOne), alphas(above)));
+    return hn::Add(above, hn::MulFixedPoint15(under, through));
+}
+
+HWY_ATTR Vector overlay(Vector under, Vector above) {
+    const Vector one = hn::Set(lanes, mixOne);
+    const Vector underAlpha = alphas(under);
+    const Vector overAlpha = alphas(above);
+    const Vector fromUnder = hn::MulFixedPoint15(under, factor(hn::Sub(one, overAlpha)));
+    const Vector outside = hn::Add(hn::MulFixedPoint15(above, factor(hn::Sub(one, underAlpha))), fromUnder);
+    const Vector product = hn::MulFixedPoint15(above, factor(under));
+    const Vector dark = hn::Add(product, product);
+    const Vector rest = hn::MulFixedPoint15(hn::Sub(underAlpha, under), factor(hn::Sub(overAlpha, above)));
+    const Vector light = hn::Sub(hn::MulFixedPoint15(overAlpha, factor(underAlpha)), hn::Add(rest, rest));
+    // Twice a channel would overflow; nothing that is compared here does.
+    const auto isLight = hn::Gt(under, hn::Sub(underAlpha, under));
+    const Vector colors = hn::Add(outside, hn::IfThenElse(isLight, light, dark));
+    const Vector alpha = hn::Add(above, fromUnder);
+    const hn::Repartition<std::uint64_t, Lanes> words;
+    const auto alphaLane = hn::BitCast(lanes, hn::Set(words, 0xffff000000000000u));
+    return hn::Or(hn::AndNot(alphaLane, colors), hn::And(alphaLane, alpha));
+}
+
+/// Calls body(offset, load, store) for `count` pixels, vector by vector; what is left at the end goes through
+/// a block of its own, so that nothing behind is touched.
+template <typename Body> HWY_ATTR void forEachVector(std::size_t count, const Body& body) {
+    const std::size_t step = hn::Lanes(lanes) / pixelLanes;
+    std::size_t i = 0;
+    for (; i + step <= count; i += step)
+        body(i, step);
+    if (i < count)
+        body(i, count - i);
+}
+
+HWY_ATTR Vector load(const MixPixel* from, std::size_t count) {
+    const auto* data = reinterpret_cast<const std::int16_t*>(from);
+    if (count * pixelLanes == hn::Lanes(lanes))
+        return hn::LoadU(lanes, data);
+    alignas(64) std::int16_t part[32] = {};
+    std::memcpy(part, data, count * sizeof(MixPixel));
+    return hn::Load(lanes, part);
+}
+
+HWY_ATTR void store(Vector pixels, MixPixel* to, std::size_t count) {
+    auto* data = reinterpret_cast<std::int16_t*>(to);
+    if (count * pixelLanes == hn::Lanes(lanes)) {
+        hn::StoreU(pixels, lanes, data);
+        return;
+    }
+    alignas(64) std::int16_t part[32];
+    hn::Store(pixels, lanes, part);
+    std::memcpy(data, part, count * sizeof(MixPixel));
+}
+
+HWY_ATTR void blendOverAll(MixPixel* under, const MixPixel* above, std::size_t count) {
+    forEachVector(count, [&](std::size_t i, std::size_t n)
+                             HWY_ATTR { store(over(load(under + i, n), load(above + i, n)), under + i, n); });
+}
+
+HWY_ATTR void blendOverCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage,
+                               std::size_t count) {
+    forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
+        const Vector part = hn::MulFixedPoint15(load(above + i, n), load(coverage + i, n));
+        store(over(load(under + i, n), part), under + i, n);
+    });
+}
+
+HWY_ATTR void blendOverlayCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage,
+                                  std::size_t count) {
+    forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
+        const Vector part = hn::MulFixedPoint15(load(above + i, n), load(coverage + i, n));
+        store(overlay(load(under + i, n), part), under + i, n);
+    });
+}
+
+HWY_ATTR void packAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
+    const hn::Rebind<std::uint8_t, Lanes> bytes;
+    forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
+        const Vector rounded =
+            hn::ShiftRight<7>(hn::SaturatedAdd(load(pixels + i, n), hn::Set(lanes, mixStep / 2)));
+        const auto packed = hn::DemoteTo(bytes, rounded);
+        if (n * pixelLanes == hn::Lanes(lanes)) {
+            hn::StoreU(packed, bytes, reinterpret_cast<std::uint8_t*>(out + i));
+            return;
+        }
+        alignas(64) std::uint8_t part[32];
+        hn::Store(packed, bytes, part);
+        std::memcpy(out + i, part, n * sizeof(std::uint32_t));
+    });
+}
+
+#endif
+
+} // namespace framora::raster::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace framora::raster {
+
+HWY_EXPORT(blendOverAll);
+HWY_EXPORT(blendOverCovered);
+HWY_EXPORT(blendOverlayCovered);
+HWY_EXPORT(packAll);
+
+void blendOver(MixPixel* under, const MixPixel* over, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(blendOverAll)(under, over, count);
+}
+
+void blendOver(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(blendOverCovered)(under, over, coverage, count);
+}
+
+void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(blendOverlayCovered)(under, over, coverage, count);
+}
+
+void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
+    HWY_DYNAMIC_DISPATCH(packAll)(pixels, count, out);
+}
+
+} // namespace framora::raster
+#endif

@@ -1,0 +1,67 @@
+#include "editor/render/raster/FixedPoint.h"
+#include "editor/render/raster/MixKernels.h"
+
+namespace framora::raster::plain {
+namespace {
+
+constexpr std::int16_t one = mixOne;
+
+std::int16_t covered(std::int16_t value, std::int16_t coverage) {
+    return mulFixed(value, coverage);
+}
+
+/// One channel of the overlay mode, from premultiplied channels and both alphas.
+std::int16_t overlaid(std::int16_t under, std::int16_t underAlpha, std::int16_t over,
+                      std::int16_t overAlpha) {
+    const auto product = [](int a, int b) {
+        return int(mulFixed(std::int16_t(a), toFactor(std::int16_t(b))));
+    };
+    const int outside = product(over, one - underAlpha) + product(under, one - overAlpha);
+    const int dark = 2 * product(over, under);
+    const int light = product(overAlpha, underAlpha) - 2 * product(underAlpha - under, overAlpha - over);
+    return std::int16_t(outside + (2 * under <= underAlpha ? dark : light));
+}
+
+} // namespace
+
+void blendOver(MixPixel* under, const MixPixel* over, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::int16_t through = toFactor(std::int16_t(one - over[i].channel[3]));
+        for (int c = 0; c < 4; ++c)
+            under[i].channel[c] = std::int16_t(over[i].channel[c] + mulFixed(under[i].channel[c], through));
+    }
+}
+
+void blendOver(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        MixPixel part;
+        for (int c = 0; c < 4; ++c)
+            part.channel[c] = covered(over[i].channel[c], coverage[i].channel[c]);
+        plain::blendOver(under + i, &part, std::size_t(1));
+    }
+}
+
+void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::int16_t overAlpha = covered(over[i].channel[3], coverage[i].channel[3]);
+        const std::int16_t underAlpha = under[i].channel[3];
+        for (int c = 0; c < 3; ++c)
+            under[i].channel[c] = overlaid(under[i].channel[c], underAlpha,
+                                           covered(over[i].channel[c], coverage[i].channel[c]), overAlpha);
+        const std::int16_t through = toFactor(std::int16_t(one - overAlpha));
+        under[i].channel[3] = std::int16_t(overAlpha + mulFixed(underAlpha, through));
+    }
+}
+
+void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
+    for (std::size_t i = 0; i < count; ++i) {
+        std::uint32_t pixel = 0;
+        for (int c = 0; c < 4; ++c) {
+            const int rounded = addSaturated(pixels[i].channel[c], mixStep / 2) / mixStep;
+            pixel |= std::uint32_t(std::clamp(rounded, 0, 255)) << (8 * c);
+        }
+        out[i] = pixel;
+    }
+}
+
+} // namespace framora::raster::plain

@@ -1,0 +1,89 @@
+#include "editor/render/raster/MixKernels.h"
+
+#include "unit/raster/EachTarget.h"
+
+#include <gtest/gtest.h>
+#include <random>
+#include <vector>
+
+namespace framora::raster {
+namespace {
+
+/// Valid pixels, among them many that are nothing, opaque or full.
+std::vector<MixPixel> randomPixels(std::mt19937& random, std::size_t count) {
+    const auto below = [&](int limit) {
+        const int pick = int(random() % 4);
+        return std::int16_t(pick == 0 ? 0 : pick == 1 ? limit : int(random() % unsigned(limit + 1)));
+    };
+    std::vector<MixPixel> pixels(count);
+    for (MixPixel& pixel : pixels) {
+        const std::int16_t alpha = below(mixOne);
+        pixel = {{below(alpha), below(alpha), below(alpha), alpha}};
+    }
+    return pixels;
+}
+
+std::vector<MixPixel> randomCoverage(std::mt19937& random, std::size_t count) {
+    std::vector<MixPixel> coverage(count);
+    for (MixPixel& pixel : coverage) {
+        const int pick = int(random() % 4);
+        const auto value = std::int16_t(pick == 0 ? 0 : pick == 1 ? coverageOne : int(random() % 32768u));
+        pixel = {{value, value, value, value}};
+    }
+    return coverage;
+}
+
+TEST(MixKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
+    forEachTarget([](const char* target) {
+        std::mt19937 random(7);
+        for (std::size_t count = 0; count < 70; ++count) {
+            SCOPED_TRACE(testing::Message() << target << ", " << count << " pixels");
+            const auto over = randomPixels(random, count);
+            const auto coverage = randomCoverage(random, count);
+            const auto under = randomPixels(random, count + 1); // the last one must stay
+            const auto same = [&](const auto& fast, const auto& slow) {
+                auto a = under;
+                auto b = under;
+                fast(a);
+                slow(b);
+                EXPECT_EQ(a, b);
+                EXPECT_EQ(a.back(), under.back());
+            };
+            same([&](auto& p) { blendOver(p.data(), over.data(), count); },
+                 [&](auto& p) { plain::blendOver(p.data(), over.data(), count); });
+            same([&](auto& p) { blendOver(p.data(), over.data(), coverage.data(), count); },
+                 [&](auto& p) { plain::blendOver(p.data(), over.data(), coverage.data(), count); });
+            same([&](auto& p) { blendOverlay(p.data(), over.data(), coverage.data(), count); },
+                 [&](auto& p) { plain::blendOverlay(p.data(), over.data(), coverage.data(), count); });
+            std::vector<std::uint32_t> fast(count + 1, 0x12345678u);
+            std::vector<std::uint32_t> slow = fast;
+            packPixels(over.data(), count, fast.data());
+            plain::packPixels(over.data(), count, slow.data());
+            EXPECT_EQ(fast, slow);
+        }
+    });
+}
+
+TEST(MixKernels, KeepColoursWithinAlpha) {
+    std::mt19937 random(8);
+    auto under = randomPixels(random, 5000);
+    blendOver(under.data(), randomPixels(random, 5000).data(), randomCoverage(random, 5000).data(), 5000);
+    std::vector<std::uint32_t> pixels(5000);
+    packPixels(under.data(), 5000, pixels.data());
+    for (const std::uint32_t pixel : pixels)
+        for (int shift = 0; shift < 24; shift += 8)
+            ASSERT_LE(pixel >> shift & 255, pixel >> 24);
+}
+
+TEST(MixKernels, PackWholeStepsAsTheyAre) {
+    for (int value = 0; value < 256; ++value) {
+        const auto channel = std::int16_t(value * mixStep);
+        const MixPixel pixel{{channel, channel, channel, mixOne}};
+        std::uint32_t packed = 0;
+        packPixels(&pixel, 1, &packed);
+        EXPECT_EQ(packed, 0xff000000u | std::uint32_t(value) * 0x010101u);
+    }
+}
+
+} // namespace
+} // namespace framora::raster
