@@ -89,7 +89,7 @@ public:
     }
 
     QString writePicture(const QString& name, const QImage& image) {
-        const QString path = files.filePath(name);
+        QString path = files.filePath(name);
         EXPECT_TRUE(image.save(path));
         return path;
     }

@@ -11,7 +11,7 @@ namespace {
 class SoundThemeTest : public testing::Test {
 protected:
     QString write(const QString& name, const QByteArray& content = "x") {
-        const QString path = folder.filePath(name);
+        QString path = folder.filePath(name);
         QDir().mkpath(QFileInfo(path).path());
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
