@@ -1,5 +1,6 @@
 #include "desktop/path/DemoDesktop.h"
 #include "desktop/path/FramoraDriver.h"
+#include "support/PrintQt.h"
 
 #include <QColorSpace>
 #include <QFile>
@@ -23,6 +24,10 @@ struct PathCase {
     WindowManager windowManager;
     bool compositor;
 };
+
+void PrintTo(const PathCase& desktop, std::ostream* out) {
+    *out << desktop.name;
+}
 
 class PathTest : public testing::TestWithParam<PathCase> {
 protected:
@@ -60,6 +65,12 @@ protected:
         return m_desktop.scratchPath() + QLatin1Char('/') + QLatin1String(name);
     }
 
+    /// What the editor saves now.
+    QImage saved(const char* name) {
+        m_driver.save(scratch(name));
+        return QImage(scratch(name));
+    }
+
     VirtualDesktop m_desktop;
     FramoraDriver m_driver;
 };
@@ -88,15 +99,24 @@ TEST_P(PathTest, leadsFromTheAreaShortcutToASavedPicture) {
     m_driver.clickControl(QStringLiteral("Actual Size"));
     m_driver.showTab(QStringLiteral("Appearance"));
     m_driver.clickControl(QStringLiteral("Border"));
+    const QImage undragged = saved("undragged.png");
+    m_driver.waitForNoToast();
     const QRect canvas = m_driver.control(QStringLiteral("Preview")).area;
     const QImage before = display().screenshot(canvas);
-    display().drag(canvas.center(), canvas.center() + QPoint(60, 30));
-    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return display().screenshot(canvas) != before; }));
+    // At 100 percent a pixel of the drag is a point of the picture.
+    const QPoint drag(60, 30);
+    display().drag(canvas.center(), canvas.center() + drag);
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return display().screenshot(canvas) != before; }))
+        << "the preview follows";
 
-    const QString path = scratch("area.png");
-    m_driver.save(path);
+    const QImage picture = saved("area.png");
     // The border adds three times its size of 3 points on each side.
-    EXPECT_EQ(QImage(path).size(), exportSize(area.size(), 18));
+    EXPECT_EQ(picture.size(), exportSize(area.size(), 18));
+    EXPECT_EQ(picture.size(), undragged.size());
+    QRect middle(QPoint(), exportScale * area.size() / 2);
+    middle.moveCenter(undragged.rect().center());
+    EXPECT_TRUE(picture.copy(middle.translated(exportScale * drag)) == undragged.copy(middle))
+        << "the screenshot has gone where it was dragged";
     EXPECT_TRUE(m_driver.editor()) << "saving leaves the editor open";
 }
 
@@ -115,9 +135,7 @@ TEST_P(PathTest, leadsFromTheWindowShortcutToASavedPicture) {
     m_driver.waitForEditor();
     m_driver.showTab(QStringLiteral("Appearance"));
     m_driver.clickControl(QStringLiteral("Sharp"));
-    const QString path = scratch("window.png");
-    m_driver.save(path);
-    EXPECT_EQ(QImage(path).size(), exportSize(taken.size()));
+    EXPECT_EQ(saved("window.png").size(), exportSize(taken.size()));
 }
 
 INSTANTIATE_TEST_SUITE_P(, PathTest,

@@ -1,5 +1,6 @@
 #include "desktop/path/DemoDesktop.h"
 #include "desktop/path/FramoraDriver.h"
+#include "support/PrintQt.h"
 
 #include <QFile>
 #include <gtest/gtest.h>
@@ -65,7 +66,7 @@ TEST_F(RenderPathTest, theCommandDrawsWhatADressedEditorSaves) {
     m_driver.clickControl(QStringLiteral("Sharp"));
     m_driver.showTab(QStringLiteral("Background"));
     m_driver.clickControl(QStringLiteral("Gradient"));
-    m_driver.clickControl(QStringLiteral("Radial"));
+    m_driver.clickControl(QStringLiteral("Angular"));
     // At 100 percent a pixel of the drag is a point of the picture.
     m_driver.clickControl(QStringLiteral("Actual Size"));
     const QRect canvas = m_driver.control(QStringLiteral("Preview")).area;
@@ -79,7 +80,7 @@ TEST_F(RenderPathTest, theCommandDrawsWhatADressedEditorSaves) {
                                 QStringLiteral("borderStyle=sharp"),
                                 QStringLiteral("borderRadius=0"),
                                 QStringLiteral("backgroundType=gradient"),
-                                QStringLiteral("gradientConfig.style=radial"),
+                                QStringLiteral("gradientConfig.style=angular"),
                                 QStringLiteral("screenshotOffset=48,-20")};
     EXPECT_TRUE(pixels(rendered(fields)) == pixels(edited));
     EXPECT_FALSE(pixels(rendered({})) == pixels(edited)) << "the dress shows";

@@ -1,5 +1,6 @@
 #include "desktop/path/DemoDesktop.h"
 #include "desktop/path/FramoraDriver.h"
+#include "support/PrintQt.h"
 
 #include <QElapsedTimer>
 #include <gtest/gtest.h>
@@ -12,6 +13,10 @@ struct TrayCase {
     TrayHost host;
     bool hostStartsLater;
 };
+
+void PrintTo(const TrayCase& tray, std::ostream* out) {
+    *out << tray.name;
+}
 
 class TrayPathTest : public testing::TestWithParam<TrayCase> {
 protected:
