@@ -1,0 +1,14 @@
+#pragma once
+
+#include "comparison/Contender.h"
+#include "comparison/Workloads.h"
+
+#include <optional>
+
+namespace framora::comparison {
+
+/// W1 by Cairo on a target that is allocated and touched, bilinear; nothing when it was not there at build
+/// time.
+std::optional<Contender> cairoExport(const Inputs& inputs);
+
+} // namespace framora::comparison

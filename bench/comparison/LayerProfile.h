@@ -1,0 +1,12 @@
+#pragma once
+
+#include "comparison/Turns.h"
+#include "comparison/Workloads.h"
+
+namespace framora::comparison {
+
+/// Where an export's time goes: the whole picture, and the same without one of its layers each. A layer's
+/// share is about the difference.
+QList<Contender> layerProfile(Workload workload, const Inputs& inputs);
+
+} // namespace framora::comparison

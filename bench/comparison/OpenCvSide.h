@@ -1,0 +1,19 @@
+#pragma once
+
+#include "comparison/Contender.h"
+#include "comparison/Workloads.h"
+
+#include <optional>
+
+namespace framora::comparison {
+
+// OpenCV on all its threads, on targets that are allocated and touched; nothing when it was not there at
+// build time.
+
+/// W2's screenshot alone: the cubic warp onto a target that holds the gradient already, corners not rounded.
+std::optional<Contender> openCvWarp(const Inputs& inputs);
+
+/// W3's background alone: stretched bilinearly and blurred. The screenshot is added for the comparison.
+std::optional<Contender> openCvBlur(const Inputs& inputs);
+
+} // namespace framora::comparison

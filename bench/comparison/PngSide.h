@@ -1,0 +1,15 @@
+#pragma once
+
+#include "comparison/Contender.h"
+#include "comparison/Workloads.h"
+
+#include <QList>
+
+namespace framora::comparison {
+
+/// W5: `picture` (W1, opaque) from pixels to a closed PNG file, by Framora, by Qt at its default and, where
+/// it was there at build time, by rows filtered with "up" and deflated by libdeflate at level 4 on one
+/// thread. What each wrote is read back by Qt and compared.
+QList<Contender> pngWriters(const QImage& picture, const QString& folder);
+
+} // namespace framora::comparison
