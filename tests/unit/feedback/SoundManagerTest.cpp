@@ -94,10 +94,12 @@ TEST_F(SoundManagerTest, everySoundHasItsOwnName) {
 }
 
 TEST(SharedSoundManager, isOneForTheWholeProgramAndSilentBeforeItHasAnOutput) {
+    // The shared manager keeps it for the rest of the process: made first, it goes last.
+    static RecordingSoundOutput output;
     SoundManager& manager = SoundManager::shared();
     EXPECT_EQ(&manager, &SoundManager::shared());
     manager.play(CaptureSound::frog, 1);
-    static RecordingSoundOutput output; // The shared manager keeps it for the rest of the process.
+    EXPECT_EQ(output.log, std::vector<std::string>());
     SoundManager::setSharedOutput(output);
     manager.play(CaptureSound::frog, 1);
     EXPECT_EQ(output.log.back(), "play system Frog");
