@@ -3,6 +3,7 @@
 #include "support/PrintQt.h"
 
 #include <gtest/gtest.h>
+#include <xcb/xcb.h>
 
 namespace framora {
 namespace {
@@ -22,12 +23,30 @@ protected:
     }
 
     DesktopDisplay& display() { return m_desktop.display(); }
+    QString scratch(const char* name) {
+        return m_desktop.scratchPath() + QLatin1Char('/') + QLatin1String(name);
+    }
     bool preferencesAreOpen() { return display().windowTitled(QStringLiteral("Preferences")).has_value(); }
     /// Starts the program again; it hands over to the one that runs, and ends.
     void startAgain() {
         ChildProcess& second = m_desktop.start(FramoraDriver::program(QStringLiteral("framora")));
         EXPECT_TRUE(second.waitForExit());
         EXPECT_EQ(second.exitCode(), 0) << second.output().toStdString();
+    }
+
+    /// Gives a window at the screen's origin a press of the primary button, wherever the pointer is.
+    void deliverPress(std::uint32_t window, const QPoint& position) {
+        xcb_button_press_event_t press{};
+        press.response_type = XCB_BUTTON_PRESS;
+        press.detail = XCB_BUTTON_INDEX_1;
+        press.root = display().root();
+        press.event = window;
+        press.root_x = press.event_x = std::int16_t(position.x());
+        press.root_y = press.event_y = std::int16_t(position.y());
+        press.same_screen = 1;
+        xcb_send_event(display().connection(), 0, window, XCB_EVENT_MASK_BUTTON_PRESS,
+                       reinterpret_cast<const char*>(&press));
+        xcb_flush(display().connection());
     }
 
     VirtualDesktop m_desktop;
@@ -64,6 +83,27 @@ TEST_F(OpenCapturePathTest, aSecondStartOfTheProgramIsDropped) {
     // At any other time it brings the preferences.
     startAgain();
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return preferencesAreOpen(); }));
+}
+
+TEST_F(OpenCapturePathTest, aClickOnAToastThatTheCaptureOvertookOpensTheEditorAfterIt) {
+    m_driver.launch();
+    const QRect area(200, 200, 300, 200);
+    const QRect card = m_driver.capture(area);
+    const std::uint32_t toast = m_driver.waitForToast().id;
+    m_driver.pressAreaShortcut();
+    m_driver.waitForOverlay();
+    // The pointer is the tool's now. A click that came just before may still be on its way.
+    deliverPress(toast, card.center());
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return m_driver.editor().has_value(); }, 1500));
+    EXPECT_TRUE(m_driver.overlay());
+    m_driver.selectArea(QRect(500, 300, 120, 90));
+
+    m_driver.waitForEditor();
+    EXPECT_EQ(m_desktop.clipboardImage().size(), QSize(120, 90)) << "the new capture came through";
+    m_driver.save(scratch("clicked.png"));
+    // A new editor's picture has 80 points around it, and two pixels a point.
+    EXPECT_EQ(QImage(scratch("clicked.png")).size(), 2 * (area.size() + QSize(160, 160)))
+        << "the picture of the toast that was clicked";
 }
 
 } // namespace
