@@ -177,30 +177,33 @@ TEST(ShadeCache, KeepsWhatComesTwiceInARow) {
     ShadeCache::Key key{Homography::scaling(2, 2), -5, 0, 100, 10};
     EXPECT_FALSE(cache.begin(key));
     EXPECT_TRUE(cache.begin(key));
-    int computed = 0;
-    const auto compute = [&](int x, int, int count, Float4* out) {
-        computed += count;
-        for (int i = 0; i < count; ++i)
-            out[i] = splat(float(x + i));
+    std::size_t computed = 0;
+    const auto compute = [&](const TileRect& tile, MixPixel* out) {
+        computed += tile.area();
+        for (int y = 0; y < tile.height; ++y)
+            for (int x = 0; x < tile.width; ++x)
+                *out++ = {{std::int16_t(tile.x + x), std::int16_t(tile.y + y), 0, 0}};
     };
-    Float4 row[100];
+    MixPixel block[200];
     for (int again = 0; again < 3; ++again) {
-        cache.read(-5, 3, 100, row, compute);
-        EXPECT_EQ(row[0][0], -5);
-        EXPECT_EQ(row[99][0], 94);
+        cache.read({-5, 3, 100, 2}, block, compute);
+        EXPECT_EQ(block[0], (MixPixel{{-5, 3, 0, 0}}));
+        EXPECT_EQ(block[199], (MixPixel{{94, 4, 0, 0}}));
     }
-    EXPECT_EQ(computed, 100);
-    cache.read(-6, 3, 4, row, compute); // reaches out of the kept rectangle
-    EXPECT_EQ(computed, 104);
-    EXPECT_EQ(row[0][0], -6);
+    EXPECT_EQ(computed, 200u);
+    cache.read({-6, 3, 4, 1}, block, compute); // reaches out of the kept rectangle
+    EXPECT_EQ(computed, 204u);
+    EXPECT_EQ(block[0], (MixPixel{{-6, 3, 0, 0}}));
     EXPECT_TRUE(cache.begin(key));
-    cache.read(0, 3, 10, row, compute);
-    EXPECT_EQ(computed, 104);
+    cache.read({0, 2, 10, 4}, block, compute);
+    EXPECT_EQ(computed, 204u + 2 * 64) << "only the two rows that were not there";
+    EXPECT_EQ(block[10], (MixPixel{{0, 3, 0, 0}}));
+    EXPECT_EQ(block[39], (MixPixel{{9, 5, 0, 0}}));
     key.map = Homography::scaling(3, 3);
     EXPECT_FALSE(cache.begin(key));
     EXPECT_TRUE(cache.begin(key));
-    cache.read(0, 3, 1, row, compute);
-    EXPECT_EQ(computed, 104 + 64) << "a block at a time";
+    cache.read({0, 3, 1, 1}, block, compute);
+    EXPECT_EQ(computed, 204u + 3 * 64) << "a block at a time";
 }
 
 TEST(Placement, MovesItsOriginByWholePixelsAndItsMapByTheRest) {

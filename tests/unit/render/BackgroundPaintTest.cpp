@@ -123,8 +123,8 @@ TEST(ColorAndGradientBackground, TakeSaturationAndBrightness) {
     config.gradientConfig.brightness = 120;
     EXPECT_EQ(seen(config).middle, qRgb(255, 153, 102));
     config.backgroundType = BackgroundType::gradient;
-    config.gradientConfig.color1 = config.gradientConfig.color2 = {0.5, 0.5, 0.5, 1};
-    EXPECT_EQ(seen(config).middle, qRgb(179, 179, 179));
+    config.gradientConfig.color1 = config.gradientConfig.color2 = {0.4, 0.4, 0.4, 1};
+    EXPECT_EQ(seen(config).middle, qRgb(153, 153, 153));
 }
 
 } // namespace

@@ -74,24 +74,28 @@ PicturePaint::PicturePaint(std::shared_ptr<const PicturePyramid> picture, double
                             axisKernel(map(1, 1), map(1, 2), pixels.height, region.top, region.height));
 }
 
-void PicturePaint::filter(int x, int y, int count, Float4* out) const {
+void PicturePaint::shade(int x, int y, int count, Float4* out) const {
     if (m_separable)
-        m_separable->read(x, y, count, out);
+        m_separable->read(x - m_originX, y - m_originY, count, out);
     else
-        m_projective.read(x, y, count, out);
+        m_projective.read(x - m_originX, y - m_originY, count, out);
     for (int i = 0; i < count; ++i)
         out[i] *= splat(1.0f / 255);
 }
 
-void PicturePaint::shade(int x, int y, int count, Float4* out) const {
-    x -= m_originX;
-    y -= m_originY;
+void PicturePaint::mix(const TileRect& tile, MixPixel* out) const {
+    const TileRect local{tile.x - m_originX, tile.y - m_originY, tile.width, tile.height};
     if (m_cache)
-        m_cache->read(x, y, count, out, [this](int fromX, int fromY, int length, Float4* colors) {
-            filter(fromX, fromY, length, colors);
-        });
+        m_cache->read(local, out, [this](const TileRect& part, MixPixel* colors) { filter(part, colors); });
     else
-        filter(x, y, count, out);
+        filter(local, out);
+}
+
+void PicturePaint::filter(const TileRect& tile, MixPixel* out) const {
+    if (m_separable)
+        m_separable->mix(tile, out);
+    else
+        m_projective.mix(tile, out);
 }
 
 } // namespace framora::raster

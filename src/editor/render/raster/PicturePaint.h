@@ -23,11 +23,13 @@ public:
                  const Placement& placement, int outputWidth, int outputHeight, ShadeCache* cache = nullptr);
 
     void shade(int x, int y, int count, Float4* out) const override;
+    void mix(const TileRect& tile, MixPixel* out) const override;
     bool isOpaque() const override { return m_picture->isOpaque(); }
+    bool prefersSquareTiles() const override { return !m_separable; }
 
 private:
-    /// The same from the layer's origin.
-    void filter(int x, int y, int count, Float4* out) const;
+    /// mix() from the layer's origin, without the cache.
+    void filter(const TileRect& tile, MixPixel* out) const;
 
     std::shared_ptr<const PicturePyramid> m_picture;
     int m_originX;

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <optional>
+#include <vector>
 
 namespace framora::raster {
 namespace {
@@ -212,6 +213,16 @@ void ProjectiveSampler::read(int x, int y, int count, Float4* out) const {
             const float share = float((longest - 1) / (fadeEnd - 1));
             out[i] = interpolated(source) * splat(1 - share) + out[i] * splat(share);
         }
+    }
+}
+
+void ProjectiveSampler::mix(const TileRect& tile, MixPixel* out) const {
+    thread_local std::vector<Float4> row;
+    row.resize(std::max(row.size(), std::size_t(tile.width)));
+    for (int y = 0; y < tile.height; ++y) {
+        read(tile.x, tile.y + y, tile.width, row.data());
+        for (int x = 0; x < tile.width; ++x)
+            *out++ = toMix(row[std::size_t(x)] * splat(1.0f / 255));
     }
 }
 

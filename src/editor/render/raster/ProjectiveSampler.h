@@ -2,6 +2,7 @@
 
 #include "editor/render/raster/Float4.h"
 #include "editor/render/raster/Homography.h"
+#include "editor/render/raster/MixTile.h"
 #include "editor/render/raster/PicturePyramid.h"
 
 namespace framora::raster {
@@ -16,6 +17,8 @@ public:
 
     /// The premultiplied colours of `count` output pixels from (x, y), 0...255.
     void read(int x, int y, int count, Float4* out) const;
+    /// The same for a block, 0...mixOne.
+    void mix(const TileRect& tile, MixPixel* out) const;
 
 private:
     /// The square of a footprint: the source offsets d with d' m^-1 d = 1 lie on its border.

@@ -1,5 +1,6 @@
 #include "editor/render/raster/Resample.h"
 
+#include "editor/render/raster/MixKernels.h"
 #include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/SeparableSampler.h"
 
@@ -16,12 +17,10 @@ void resample(PixelView source, MutablePixelView target) {
                                    kernel(source.height, target.height));
     constexpr int rowsAtOnce = 8;
     parallelFor((target.height + rowsAtOnce - 1) / rowsAtOnce, [&](int band) {
-        std::vector<Float4> row(static_cast<std::size_t>(target.width));
+        std::vector<MixPixel> row(static_cast<std::size_t>(target.width));
         for (int y = band * rowsAtOnce; y < std::min(target.height, (band + 1) * rowsAtOnce); ++y) {
-            sampler.read(0, y, target.width, row.data());
-            std::uint32_t* out = target.row(y);
-            for (int x = 0; x < target.width; ++x)
-                out[x] = pack(row[std::size_t(x)] * splat(1.0f / 255));
+            sampler.mix({0, y, target.width, 1}, row.data());
+            packPixels(row.data(), row.size(), target.row(y));
         }
     });
 }

@@ -24,6 +24,9 @@ public:
     ResampleKernel(double step, double origin, int sourceSize, int firstOutput, int endOutput);
 
     Taps taps(int output) const;
+    /// The outputs that it covers: [firstOutput, endOutput).
+    int firstOutput() const { return m_firstOutput; }
+    int endOutput() const { return m_firstOutput + int(m_entries.size()); }
 
 private:
     struct Entry {

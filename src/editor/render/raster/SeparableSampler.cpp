@@ -1,12 +1,47 @@
 #include "editor/render/raster/SeparableSampler.h"
 
+#include "editor/render/raster/ResampleKernels.h"
+
 #include <algorithm>
 #include <vector>
 
 namespace framora::raster {
 
 SeparableSampler::SeparableSampler(PixelView picture, ResampleKernel columns, ResampleKernel rows)
-    : m_picture(picture), m_columns(std::move(columns)), m_rows(std::move(rows)) {}
+    : m_picture(picture), m_columns(std::move(columns)), m_rows(std::move(rows)),
+      m_fixedColumns(m_columns, m_columns.firstOutput(), m_columns.endOutput()),
+      m_fixedRows(m_rows, m_rows.firstOutput(), m_rows.endOutput()) {
+    m_fixedColumns.spreadWeights();
+}
+
+void SeparableSampler::mix(const TileRect& tile, MixPixel* out) const {
+    const FixedTaps& columns = m_fixedColumns;
+    const FixedTaps& rows = m_fixedRows;
+    // What lies beyond the kernels' ends is shaded too, though no layer shows it.
+    const int first = std::clamp(tile.x - columns.firstOutput(), 0, columns.count() - 1);
+    const int end = std::clamp(tile.x + tile.width - columns.firstOutput(), first + 1, columns.count());
+    const int left = std::clamp(columns.firstOutput() - tile.x, 0, tile.width - 1);
+    const int count = std::min(end - first, tile.width - left);
+    const FixedTaps::Span span = columns.span(first, count);
+    // Padding taps of weight zero may reach beyond the picture: they read what follows in the buffer.
+    const auto readable = std::size_t(std::min(span.end, m_picture.width) - span.first);
+    const std::size_t needed = std::size_t(span.end - span.first + columns.paddedTaps()) + filterSlack;
+    thread_local std::vector<MixPixel> mixed;
+    thread_local std::vector<const std::uint32_t*> sources;
+    if (mixed.size() < needed)
+        mixed.resize(needed);
+    sources.resize(std::size_t(rows.taps()));
+    for (int y = 0; y < tile.height; ++y, out += tile.width) {
+        const int row = std::clamp(tile.y + y - rows.firstOutput(), 0, rows.count() - 1);
+        for (int tap = 0; tap < rows.taps(); ++tap)
+            sources[std::size_t(tap)] =
+                m_picture.row(std::min(rows.start(row) + tap, m_picture.height - 1)) + span.first;
+        weighRows(sources.data(), rows.weights(row), rows.taps(), readable, mixed.data());
+        weighColumns(mixed.data(), columns, first, count, out + left);
+        std::fill_n(out, left, out[left]);
+        std::fill(out + left + count, out + tile.width, out[left + count - 1]);
+    }
+}
 
 void SeparableSampler::read(int x, int y, int count, Float4* out) const {
     if (count <= 0)

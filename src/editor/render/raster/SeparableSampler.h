@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editor/render/raster/FixedTaps.h"
 #include "editor/render/raster/Float4.h"
 #include "editor/render/raster/PixelView.h"
 #include "editor/render/raster/ResampleKernel.h"
@@ -16,11 +17,16 @@ public:
     /// The premultiplied colours of `count` output pixels from (x, y), 0...255. They must lie inside the
     /// kernels.
     void read(int x, int y, int count, Float4* out) const;
+    /// The same for a block, fast and to within one step of 255. Positions beyond the kernels get what the
+    /// nearest inside gets.
+    void mix(const TileRect& tile, MixPixel* out) const;
 
 private:
     PixelView m_picture;
     ResampleKernel m_columns;
     ResampleKernel m_rows;
+    FixedTaps m_fixedColumns;
+    FixedTaps m_fixedRows;
 };
 
 } // namespace framora::raster

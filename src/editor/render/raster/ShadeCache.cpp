@@ -21,12 +21,12 @@ bool ShadeCache::begin(const Key& key) {
         m_colors.reset();
         m_capacity = 0;
         try {
-            m_colors = std::make_unique_for_overwrite<Float4[]>(size);
+            m_colors = std::make_unique_for_overwrite<MixPixel[]>(size);
         } catch (const std::bad_alloc&) {
             return false;
         }
         m_capacity = size;
-        adviseHugePages(m_colors.get(), size * sizeof(Float4));
+        adviseHugePages(m_colors.get(), size * sizeof(MixPixel));
     }
     m_blocks = (key.width + blockWidth - 1) / blockWidth;
     m_isFilled.assign(std::size_t(m_blocks) * std::size_t(key.height), 0);

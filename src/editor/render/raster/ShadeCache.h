@@ -1,8 +1,9 @@
 #pragma once
 
-#include "editor/render/raster/Float4.h"
 #include "editor/render/raster/Homography.h"
+#include "editor/render/raster/MixTile.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -10,8 +11,8 @@
 namespace framora::raster {
 
 /// Keeps one picture's colours as they fall on the output pixels, so that a picture that only moves by whole
-/// pixels is not filtered again. It holds the unrounded colours: what is read from it is what would be
-/// computed.
+/// pixels is not filtered again. It holds the colours as they are mixed: what is read from it is what would
+/// be computed.
 ///
 /// A map has to come twice in a row before anything is kept; a single export and a moving slider cost
 /// nothing.
@@ -31,38 +32,49 @@ public:
     /// frame is being drawn.
     bool begin(const Key& key);
 
-    /// The colours of `count` pixels from (x, y), from the layer's origin, which `compute(x, y, count, out)`
-    /// makes where they are missing. Different rows may be asked for by different threads.
-    template <typename Compute> void read(int x, int y, int count, Float4* out, const Compute& compute) {
-        if (y < m_key.top || y >= m_key.top + m_key.height || x < m_key.left ||
-            x + count > m_key.left + m_key.width) {
-            compute(x, y, count, out);
+    /// The colours of a block, from the layer's origin. What is missing `compute(block, out)` makes.
+    /// Different rows may be asked for by different threads.
+    template <typename Compute> void read(const TileRect& tile, MixPixel* out, const Compute& compute) {
+        const int left = tile.x - m_key.left;
+        const int top = tile.y - m_key.top;
+        if (left < 0 || top < 0 || left + tile.width > m_key.width || top + tile.height > m_key.height) {
+            compute(tile, out);
             return;
         }
-        const int row = y - m_key.top;
-        const int first = x - m_key.left;
-        Float4* colors = m_colors.get() + std::size_t(row) * std::size_t(m_key.width);
-        for (int block = first / blockWidth; block * blockWidth < first + count; ++block) {
-            std::uint8_t& isFilled =
-                m_isFilled[std::size_t(row) * std::size_t(m_blocks) + std::size_t(block)];
-            if (isFilled)
-                continue;
+        thread_local std::vector<MixPixel> made;
+        for (int block = left / blockWidth; block * blockWidth < left + tile.width; ++block) {
             const int from = block * blockWidth;
-            const int to = from + blockWidth < m_key.width ? from + blockWidth : m_key.width;
-            compute(m_key.left + from, y, to - from, colors + from);
-            isFilled = 1;
+            const int width = std::min(blockWidth, m_key.width - from);
+            for (int y = 0; y < tile.height;) {
+                int end = y;
+                while (end < tile.height && !isFilled(top + end, block))
+                    isFilled(top + end++, block) = 1;
+                if (end > y) {
+                    made.resize(std::max(made.size(), std::size_t(width) * std::size_t(end - y)));
+                    compute(TileRect{m_key.left + from, tile.y + y, width, end - y}, made.data());
+                    for (int row = y; row < end; ++row)
+                        std::copy_n(made.data() + std::ptrdiff_t(row - y) * width, width,
+                                    colors(top + row) + from);
+                }
+                y = end + 1;
+            }
         }
-        for (int i = 0; i < count; ++i)
-            out[i] = colors[first + i];
+        for (int y = 0; y < tile.height; ++y, out += tile.width)
+            std::copy_n(colors(top + y) + left, tile.width, out);
     }
 
 private:
     static constexpr int blockWidth = 64;
 
+    std::uint8_t& isFilled(int row, int block) {
+        return m_isFilled[std::size_t(row) * std::size_t(m_blocks) + std::size_t(block)];
+    }
+    MixPixel* colors(int row) { return m_colors.get() + std::size_t(row) * std::size_t(m_key.width); }
+
     Key m_key;
     int m_blocks = 0; ///< In a row.
     std::size_t m_capacity = 0;
-    std::unique_ptr<Float4[]> m_colors;
+    std::unique_ptr<MixPixel[]> m_colors;
     std::vector<std::uint8_t> m_isFilled;
     bool m_isReady = false;
 };

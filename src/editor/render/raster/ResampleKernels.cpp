@@ -1,0 +1,167 @@
+#include "editor/render/raster/ResampleKernels.h"
+
+#include <algorithm>
+#include <cstring>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "editor/render/raster/ResampleKernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace framora::raster::HWY_NAMESPACE {
+#if HWY_TARGET == HWY_SCALAR
+
+// No vectors: the plain kernels.
+void weighAllRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
+                  MixPixel* out) {
+    plain::weighRows(rows, weights, taps, count, out);
+}
+void weighAllColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+    plain::weighColumns(source, taps, index, count, out);
+}
+
+#else
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Lanes = hn::CappedTag<std::int16_t, 32>;
+using Vector = hn::Vec<Lanes>;
+constexpr Lanes lanes;
+
+HWY_ATTR Vector loadPixels(const MixPixel* from) {
+    return hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(from));
+}
+
+HWY_ATTR Vector clamped(Vector sums) {
+    alignas(16) static constexpr std::uint8_t pattern[16] = {6,  7,  6,  7,  6,  7,  6,  7,
+                                                             14, 15, 14, 15, 14, 15, 14, 15};
+    const hn::Repartition<std::uint8_t, Lanes> bytes;
+    const Vector positive = hn::Max(sums, hn::Zero(lanes));
+    const Vector alpha = hn::BitCast(
+        lanes, hn::TableLookupBytes(hn::BitCast(bytes, positive), hn::LoadDup128(bytes, pattern)));
+    const Vector valid = hn::Min(positive, hn::Min(alpha, hn::Set(lanes, filterOne)));
+    return hn::ShiftLeft<2>(valid);
+}
+
+/// Stores the first `count` pixels of a vector.
+HWY_ATTR void storePixels(Vector pixels, MixPixel* to, std::size_t count) {
+    if (count * 4 >= hn::Lanes(lanes)) {
+        hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(to));
+        return;
+    }
+    alignas(64) std::int16_t part[32];
+    hn::Store(pixels, lanes, part);
+    std::memcpy(to, part, count * sizeof(MixPixel));
+}
+
+HWY_ATTR Vector widened(const std::uint32_t* pixels) {
+    const hn::Rebind<std::uint8_t, Lanes> bytes;
+    return hn::ShiftLeft<sourceShift>(
+        hn::PromoteTo(lanes, hn::LoadU(bytes, reinterpret_cast<const std::uint8_t*>(pixels))));
+}
+
+HWY_ATTR Vector weighed(const std::uint32_t* const* rows, const std::int16_t* weights, int taps,
+                        std::size_t i) {
+    Vector sum = hn::MulFixedPoint15(widened(rows[0] + i), hn::Set(lanes, weights[0]));
+    for (int tap = 1; tap < taps; ++tap)
+        sum = hn::Add(sum, hn::MulFixedPoint15(widened(rows[tap] + i), hn::Set(lanes, weights[tap])));
+    return sum;
+}
+
+void weighAllRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
+                  MixPixel* out) {
+    const std::size_t step = hn::Lanes(lanes) / 4;
+    if (count < step) {
+        plain::weighRows(rows, weights, taps, count, out);
+        return;
+    }
+    std::size_t i = 0;
+    for (; i + step <= count; i += step)
+        storePixels(weighed(rows, weights, taps, i), out + i, step);
+    // The last vector overlaps the one before.
+    if (i < count)
+        storePixels(weighed(rows, weights, taps, count - step), out + (count - step), step);
+}
+
+/// Neighbouring outputs read neighbouring sources: one load a tap, sorted to the outputs.
+void weighDenseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+    const hn::Repartition<std::uint64_t, Lanes> words;
+    const hn::Repartition<std::int64_t, Lanes> offsets;
+    const int step = int(hn::Lanes(lanes) / 4);
+    const std::int64_t* starts = taps.starts() + index;
+    const std::int64_t origin = starts[0];
+    alignas(64) std::int64_t lastStarts[8];
+    for (int i = 0; i < count; i += step) {
+        const std::int64_t* here = starts + i;
+        if (i + step > count) {
+            for (int lane = 0; lane < step; ++lane)
+                lastStarts[lane] = here[std::min(lane, count - i - 1)];
+            here = lastStarts;
+        }
+        const auto first = hn::Set(offsets, here[0]);
+        const auto order = hn::IndicesFromVec(words, hn::Sub(hn::LoadU(offsets, here), first));
+        const MixPixel* from = source + (here[0] - origin);
+        const MixPixel* weights = taps.spread(index + i);
+        Vector sum = hn::Zero(lanes);
+        for (int tap = 0; tap < taps.taps(); ++tap, weights += taps.tapStride()) {
+            const auto sources = hn::TableLookupLanes(hn::BitCast(words, loadPixels(from + tap)), order);
+            sum = hn::Add(sum, hn::MulFixedPoint15(hn::BitCast(lanes, sources), loadPixels(weights)));
+        }
+        storePixels(clamped(sum), out + i, std::size_t(count - i));
+    }
+}
+
+/// Many taps an output: they are summed across a vector.
+void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+    const int step = int(hn::Lanes(lanes) / 4);
+    const int origin = taps.start(index);
+    for (int i = 0; i < count; ++i) {
+        const MixPixel* from = source + (taps.start(index + i) - origin);
+        const MixPixel* weights = taps.spread(index + i);
+        Vector sum = hn::Zero(lanes);
+        for (int tap = 0; tap < taps.taps(); tap += step)
+            sum = hn::Add(sum, hn::MulFixedPoint15(loadPixels(from + tap), loadPixels(weights + tap)));
+        alignas(64) std::int16_t parts[32];
+        hn::Store(sum, lanes, parts);
+        // Sixteen bits wrap around alike in any order.
+        const hn::CappedTag<std::int16_t, 4> pixel;
+        auto total = hn::Load(pixel, parts);
+        for (int lane = 1; lane < step; ++lane)
+            total = hn::Add(total, hn::Load(pixel, parts + 4 * lane));
+        hn::Store(total, pixel, parts);
+        const int alpha = std::clamp<int>(parts[3], 0, filterOne);
+        for (int c = 0; c < 4; ++c)
+            out[i].channel[c] = std::int16_t(std::clamp<int>(parts[c], 0, alpha) * 4);
+    }
+}
+
+void weighAllColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+    if (taps.isDense())
+        weighDenseColumns(source, taps, index, count, out);
+    else
+        weighSparseColumns(source, taps, index, count, out);
+}
+
+#endif
+
+} // namespace framora::raster::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace framora::raster {
+
+HWY_EXPORT(weighAllRows);
+HWY_EXPORT(weighAllColumns);
+
+void weighRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
+               MixPixel* out) {
+    HWY_DYNAMIC_DISPATCH(weighAllRows)(rows, weights, taps, count, out);
+}
+
+void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+    HWY_DYNAMIC_DISPATCH(weighAllColumns)(source, taps, index, count, out);
+}
+
+} // namespace framora::raster
+#endif

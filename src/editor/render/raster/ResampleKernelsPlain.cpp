@@ -1,0 +1,32 @@
+#include "editor/render/raster/FixedPoint.h"
+#include "editor/render/raster/ResampleKernels.h"
+
+#include <algorithm>
+
+namespace framora::raster::plain {
+
+void weighRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
+               MixPixel* out) {
+    for (std::size_t i = 0; i < count; ++i)
+        for (int c = 0; c < 4; ++c) {
+            int sum = 0;
+            for (int tap = 0; tap < taps; ++tap)
+                sum += mulFixed(std::int16_t((rows[tap][i] >> (8 * c) & 255) << sourceShift), weights[tap]);
+            out[i].channel[c] = std::int16_t(sum);
+        }
+}
+
+void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+    for (int i = 0; i < count; ++i) {
+        const MixPixel* from = source + (taps.start(index + i) - taps.start(index));
+        int sums[4] = {};
+        for (int tap = 0; tap < taps.taps(); ++tap)
+            for (int c = 0; c < 4; ++c)
+                sums[c] += mulFixed(from[tap].channel[c], taps.weight(index + i, tap));
+        const int alpha = std::clamp(sums[3], 0, filterOne);
+        for (int c = 0; c < 4; ++c)
+            out[i].channel[c] = std::int16_t(std::clamp(sums[c], 0, alpha) * 4);
+    }
+}
+
+} // namespace framora::raster::plain
