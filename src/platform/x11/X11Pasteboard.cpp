@@ -11,6 +11,7 @@
 #include <QMimeData>
 #include <QProcess>
 #include <algorithm>
+#include <string>
 #include <xcb/xfixes.h>
 
 namespace framora {
@@ -18,6 +19,8 @@ namespace framora {
 namespace {
 
 constexpr int answerMilliseconds = 5000;
+/// Properties that take turns after an owner that did not answer.
+constexpr std::size_t answerPlaces = 8;
 /// Larger than any screen's picture; more is a broken or hostile owner.
 constexpr qsizetype maximumBytes = qsizetype(512) << 20;
 const QString pngType = QStringLiteral("image/png");
@@ -30,6 +33,21 @@ QImage decode(const QByteArray& bytes) {
     QImage image = reader.read();
     image.setDevicePixelRatio(storedPixelRatio(bytes));
     return image;
+}
+
+/// Whether the clipboard's owner is Qt's clipboard at this moment. What Qt itself believes is as old as the
+/// last event that it has taken.
+bool isOwnedByQt(xcb_atom_t clipboard) {
+    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    if (!x11)
+        return false;
+    xcb_connection_t* const connection = x11->connection();
+    const XcbReply<xcb_get_selection_owner_reply_t> reply(
+        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, clipboard), nullptr));
+    // A window's number says which client made it.
+    const auto* setup = xcb_get_setup(connection);
+    return reply && reply->owner != XCB_NONE &&
+           (reply->owner & ~setup->resource_id_mask) == setup->resource_id_base;
 }
 
 /// The server has done all that Qt asked of it, and Qt has got all that the server told it before.
@@ -84,7 +102,7 @@ void X11Pasteboard::handleEvent(const xcb_generic_event_t& event) {
             ++m_changeCount;
     } else if (type == XCB_SELECTION_NOTIFY) {
         const auto& notify = reinterpret_cast<const xcb_selection_notify_event_t&>(event);
-        if (notify.requestor == m_window && notify.time == m_requestTime) {
+        if (answersRequest(notify)) {
             m_answered = true;
             m_refused = notify.property == XCB_NONE;
         }
@@ -99,9 +117,8 @@ void X11Pasteboard::handleEvent(const xcb_generic_event_t& event) {
 
 QImage X11Pasteboard::readImage() {
     // Our own content must not be asked for over the wire: nobody would answer while this thread waits.
-    const auto* clipboard = QGuiApplication::clipboard();
-    if (clipboard->ownsClipboard()) {
-        const auto* data = clipboard->mimeData();
+    if (isOwnedByQt(m_clipboard)) {
+        const auto* data = QGuiApplication::clipboard()->mimeData();
         return data ? decode(data->data(pngType)) : QImage();
     }
     if (!m_connection.isValid() || m_window == 0)
@@ -152,9 +169,22 @@ QByteArray X11Pasteboard::takeProperty(xcb_atom_t& type) {
             xcb_get_property_value_length(reply.get())};
 }
 
+bool X11Pasteboard::answersRequest(const xcb_selection_notify_event_t& notify) const {
+    // Not every owner repeats the time of the question: some say the current one, or one of their own.
+    return notify.requestor == m_window && notify.selection == m_clipboard &&
+           notify.target == m_requestTarget &&
+           (notify.property == m_property || notify.property == XCB_NONE) &&
+           std::find(m_givenUp.begin(), m_givenUp.end(), notify.time) == m_givenUp.end();
+}
+
+void X11Pasteboard::giveUpRequest() {
+    m_givenUp.push_back(m_requestTime);
+    // Another place for the next answer.
+    m_property = m_connection.atom("FRAMORA_CLIPBOARD_" + std::to_string(m_givenUp.size() % answerPlaces));
+}
+
 QByteArray X11Pasteboard::readTarget(xcb_atom_t target) {
-    // A real time of the server, which a change of a property of ours tells, and which tells apart a late
-    // answer to an earlier question.
+    // A real time of the server, which a change of a property of ours tells.
     xcb_delete_property(m_connection, m_window, m_property);
     xcb_change_property(m_connection, XCB_PROP_MODE_APPEND, m_window, XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8, 0,
                         "");
@@ -162,8 +192,13 @@ QByteArray X11Pasteboard::readTarget(xcb_atom_t target) {
 
     m_answered = m_refused = false;
     m_requestTime = m_serverTime;
+    m_requestTarget = target;
     xcb_convert_selection(m_connection, m_window, m_clipboard, target, m_property, m_requestTime);
-    if (!waitUntil(m_answered, answerMilliseconds) || m_refused)
+    if (!waitUntil(m_answered, answerMilliseconds)) {
+        giveUpRequest();
+        return {};
+    }
+    if (m_refused)
         return {};
 
     m_newChunk = false;
@@ -175,8 +210,10 @@ QByteArray X11Pasteboard::readTarget(xcb_atom_t target) {
     bytes.clear();
     for (;;) {
         // The time limit is for each part: a large picture may take long, a dead owner may not.
-        if (!waitUntil(m_newChunk, answerMilliseconds))
+        if (!waitUntil(m_newChunk, answerMilliseconds)) {
+            giveUpRequest();
             return {};
+        }
         m_newChunk = false;
         const QByteArray chunk = takeProperty(type);
         if (chunk.isEmpty())
@@ -190,8 +227,7 @@ QByteArray X11Pasteboard::readTarget(xcb_atom_t target) {
 void X11Pasteboard::handOver() {
     // Handing it to a clipboard manager is what Qt would do; but not every desktop runs one, and large
     // pictures do not arrive.
-    const auto* clipboard = QGuiApplication::clipboard();
-    const auto* data = clipboard->ownsClipboard() ? clipboard->mimeData() : nullptr;
+    const auto* data = isOwnedByQt(m_clipboard) ? QGuiApplication::clipboard()->mimeData() : nullptr;
     const QByteArray png = data ? data->data(pngType) : QByteArray();
     if (png.isEmpty())
         return;

@@ -22,6 +22,9 @@ private:
     void handOver();
     void handleEvent(const xcb_generic_event_t& event);
     QByteArray readTarget(xcb_atom_t target);
+    bool answersRequest(const xcb_selection_notify_event_t& notify) const;
+    /// A late answer to the present question must not pass for one to the next.
+    void giveUpRequest();
     /// Serves the connection until `done`. False after `milliseconds`, or when the server has gone.
     bool waitUntil(const bool& done, int milliseconds);
     /// The property the owner wrote, which it is then told to be rid of. Sets `type`.
@@ -38,7 +41,9 @@ private:
     xcb_atom_t m_incr = 0;
     xcb_atom_t m_targets = 0;
 
-    // The conversion that is under way.
+    // The conversion that is under way, and the times of those that were given up.
+    xcb_atom_t m_requestTarget = 0;
+    std::vector<xcb_timestamp_t> m_givenUp;
     xcb_timestamp_t m_serverTime = XCB_CURRENT_TIME;
     xcb_timestamp_t m_requestTime = XCB_CURRENT_TIME;
     bool m_answered = false;

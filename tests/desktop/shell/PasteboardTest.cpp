@@ -1,3 +1,4 @@
+#include "desktop/shell/ClipboardOwner.h"
 #include "desktop/shell/ShellDesktop.h"
 
 #include <QBuffer>
@@ -83,6 +84,34 @@ TEST_F(PasteboardTest, readsTheNewOwnersPictureAlsoWhenTheEventLoopHasNotRunSinc
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.close();
     EXPECT_EQ(shell.next(QStringLiteral("image")).toStdString(), "image 64 x 48 at 1");
+}
+
+TEST_F(PasteboardTest, readsAnOwnerThatAnswersWithATimeOfItsOwn) {
+    for (const xcb_timestamp_t time : {xcb_timestamp_t{XCB_CURRENT_TIME}, xcb_timestamp_t{12345}}) {
+        const ClipboardOwner owner(desktop().displayName(), pngOf({64, 48}), time);
+        EXPECT_EQ(read(), "image 64 x 48 at 1") << time;
+    }
+}
+
+TEST_F(PasteboardTest, quittingLeavesTheClipboardToAnOwnerThatItHasNotHeardOf) {
+    shell.ask(QStringLiteral("write 50 20"), QStringLiteral("wrote"));
+    const QString go = desktop().scratchPath() + QStringLiteral("/go");
+    shell.ask(QStringLiteral("busy-quit ") + go, QStringLiteral("busy"));
+    desktop().setClipboard(pngOf({64, 48}), pngType);
+    const auto owner = shell.display().selectionOwner("CLIPBOARD");
+    QFile file(go);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    ASSERT_TRUE(shell.host().waitForExit());
+    EXPECT_EQ(shell.display().selectionOwner("CLIPBOARD"), owner);
+    EXPECT_EQ(desktop().clipboardImage().size(), QSize(64, 48));
+}
+
+TEST_F(PasteboardTest, whatItOfferedStaysWhenItQuits) {
+    shell.ask(QStringLiteral("write 50 20"), QStringLiteral("wrote"));
+    shell.tell(QStringLiteral("quit"));
+    ASSERT_TRUE(shell.host().waitForExit());
+    EXPECT_EQ(desktop().clipboardImage().size(), QSize(50, 20));
 }
 
 TEST_F(PasteboardTest, readsTwentyMegabytesThatComeInParts) {

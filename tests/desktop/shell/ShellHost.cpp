@@ -14,6 +14,7 @@
 //   front                  says that the window with the field is the front one, and activates
 //   watch, unwatch         a global and a local monitor; the local one consumes the key X
 //   gate close|open
+//   busy-quit FILE         quits without having served the event loop from now until FILE exists
 //   quit
 #include "platform/CommandGate.h"
 #include "platform/NotificationCenter.h"
@@ -108,6 +109,13 @@ public:
                  else
                      m_closing.reset();
                  say("gate");
+             }},
+            {QStringLiteral("busy-quit"),
+             [&] {
+                 say("busy");
+                 while (!QFile::exists(argument))
+                     QThread::msleep(2);
+                 m_application.terminate();
              }},
             {QStringLiteral("quit"), [&] { m_application.terminate(); }},
         };
