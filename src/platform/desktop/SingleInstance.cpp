@@ -1,19 +1,27 @@
 #include "platform/desktop/SingleInstance.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
+#include <QThread>
 #include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <tuple>
 #include <unistd.h>
+#include <utility>
 
 namespace framora {
 
 namespace {
+
+constexpr int patienceMilliseconds = 10000;
+constexpr int pauseMilliseconds = 20;
 
 /// Empty without a folder: the working directory is no stand-in for it.
 QByteArray pathIn(const QString& folder, const QString& display, const char* extension) {
@@ -43,11 +51,7 @@ SingleInstance::SingleInstance(const QString& folder, const QString& display)
     : m_lockPath(pathIn(folder, display, ".lock")), m_socketPath(pathIn(folder, display, ".socket")) {}
 
 SingleInstance::~SingleInstance() {
-    m_notifier.reset();
-    if (m_socket >= 0) {
-        unlink(m_socketPath.constData());
-        close(m_socket);
-    }
+    endListening();
     // The file stays: removing it would let two processes hold two locks of one name.
     if (m_lock >= 0)
         close(m_lock);
@@ -57,23 +61,40 @@ bool SingleInstance::acquire() {
     m_lock = open(m_lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (m_lock < 0)
         return true;
-    if (flock(m_lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-        tellTheOther();
-        return false;
+    const QDeadlineTimer patience(patienceMilliseconds);
+    while (flock(m_lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        if (tellTheOther(static_cast<int>(patience.remainingTime())) || patience.hasExpired())
+            return false;
+        // The other has only just begun, or is about to end.
+        QThread::msleep(pauseMilliseconds);
     }
     listenForOthers();
     return true;
 }
 
-void SingleInstance::tellTheOther() const {
+bool SingleInstance::tellTheOther(int milliseconds) const {
     sockaddr_un address{};
     const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (socket < 0)
-        return;
-    // To connect is all there is to say; a listener's queue takes it even while the other is busy.
-    if (makeAddress(m_socketPath, address))
-        std::ignore = ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
+        return true;
+    bool heard = false;
+    // To connect is all there is to say. The answer is one byte; a process that ends closes without it.
+    if (makeAddress(m_socketPath, address) &&
+        ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+        pollfd answer{socket, POLLIN, 0};
+        char byte = 0;
+        heard = poll(&answer, 1, milliseconds) == 0 || read(socket, &byte, 1) == 1;
+    }
     close(socket);
+    return heard;
+}
+
+void SingleInstance::endListening() {
+    m_notifier.reset();
+    if (m_socket < 0)
+        return;
+    unlink(m_socketPath.constData());
+    close(std::exchange(m_socket, -1));
 }
 
 void SingleInstance::listenForOthers() {
@@ -89,11 +110,18 @@ void SingleInstance::listenForOthers() {
     m_notifier = std::make_unique<QSocketNotifier>(m_socket, QSocketNotifier::Read);
     connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
         for (int peer; (peer = accept4(m_socket, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {
+            const char byte = 0;
+            std::ignore = send(peer, &byte, 1, MSG_NOSIGNAL);
             close(peer);
             if (m_handler)
                 m_handler();
+            // The handler may have ended the listening.
+            if (m_socket < 0)
+                return;
         }
     });
+    // What ends the program may take a while; whoever starts it meanwhile wants it to run again.
+    connect(qApp, &QCoreApplication::aboutToQuit, this, &SingleInstance::endListening);
 }
 
 } // namespace framora

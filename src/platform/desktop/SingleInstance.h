@@ -19,15 +19,20 @@ public:
     SingleInstance(const QString& folder, const QString& display);
     ~SingleInstance() override;
 
-    /// True when this process is the one; false when another runs, which has been told then. Without a
-    /// writable folder there is nothing to hold, and every process is the one.
+    /// True when this process is the one; false when another runs, which has been told then. One that is
+    /// ending is waited for, up to ten seconds. Without a writable folder there is nothing to hold, and every
+    /// process is the one.
     bool acquire();
+    /// Hears no more of later starts, which wait for this process's end from now on. Happens by itself when
+    /// the application quits.
+    void endListening();
     /// Runs on the main thread of the one when somebody starts the program again.
     void onSecondStart(std::function<void()> handler) { m_handler = std::move(handler); }
 
 private:
     void listenForOthers();
-    void tellTheOther() const;
+    /// False when nobody listens. One that is merely busy hears of it later.
+    bool tellTheOther(int milliseconds) const;
 
     QByteArray m_lockPath;
     QByteArray m_socketPath;

@@ -28,21 +28,87 @@ protected:
         ASSERT_FALSE(QDir(folder.path()).entryList(QDir::Files | QDir::System).isEmpty());
     }
 
+    /// Another process that starts the program when it is told to. It is made before the first instance,
+    /// whose lock it would share otherwise.
+    class LaterStart {
+    public:
+        explicit LaterStart(const SingleInstanceTest& test) {
+            EXPECT_EQ(pipe(m_pipe), 0);
+            m_child = fork();
+            if (m_child != 0)
+                return;
+            char byte = 0;
+            close(m_pipe[1]);
+            if (read(m_pipe[0], &byte, 1) != 1)
+                _exit(2);
+            SingleInstance instance(test.folder.path(), test.display);
+            _exit(instance.acquire() ? 0 : 1);
+        }
+        ~LaterStart() {
+            close(m_pipe[0]);
+            close(m_pipe[1]);
+        }
+        void go() { EXPECT_EQ(write(m_pipe[1], "", 1), 1); }
+        bool hasEnded() const {
+            siginfo_t info{};
+            return waitid(P_PID, static_cast<id_t>(m_child), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+                   info.si_pid == m_child;
+        }
+        /// 0 when it became the one, 1 when it was refused.
+        int exitCode() const {
+            int status = 0;
+            return waitpid(m_child, &status, 0) == m_child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        }
+
+    private:
+        int m_pipe[2] = {-1, -1};
+        pid_t m_child = 0;
+    };
+
     QTemporaryDir folder;
     QString display = QStringLiteral(":7");
 };
 
 TEST_F(SingleInstanceTest, theSecondStartIsRefusedAndTellsTheFirst) {
+    LaterStart second(*this);
+    LaterStart third(*this);
     SingleInstance first(folder.path(), display);
     ASSERT_TRUE(first.acquire());
     int starts = 0;
     first.onSecondStart([&] { ++starts; });
-    SingleInstance second(folder.path(), display);
-    EXPECT_FALSE(second.acquire());
+    second.go();
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return starts == 1; }));
-    SingleInstance third(folder.path(), display);
-    EXPECT_FALSE(third.acquire());
+    EXPECT_EQ(second.exitCode(), 1);
+    third.go();
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return starts == 2; }));
+    EXPECT_EQ(third.exitCode(), 1);
+}
+
+TEST_F(SingleInstanceTest, aStartWhileTheFirstIsEndingWaitsAndTakesOver) {
+    LaterStart second(*this);
+    auto first = std::make_unique<SingleInstance>(folder.path(), display);
+    ASSERT_TRUE(first->acquire());
+    int starts = 0;
+    first->onSecondStart([&] { ++starts; });
+    first->endListening();
+    second.go();
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return second.hasEnded(); }, 300));
+    first.reset();
+    EXPECT_EQ(second.exitCode(), 0);
+    EXPECT_EQ(starts, 0);
+}
+
+TEST_F(SingleInstanceTest, aStartThatTheFirstHearsOfNoMoreTakesOver) {
+    LaterStart second(*this);
+    auto first = std::make_unique<SingleInstance>(folder.path(), display);
+    ASSERT_TRUE(first->acquire());
+    // Its connection waits in the listener's queue, since no event loop runs here.
+    second.go();
+    EXPECT_FALSE(second.hasEnded());
+    usleep(200'000);
+    first->endListening();
+    first.reset();
+    EXPECT_EQ(second.exitCode(), 0);
 }
 
 TEST_F(SingleInstanceTest, withoutAFolderEveryProcessIsTheOneAndLeavesNothingBehind) {
@@ -80,14 +146,15 @@ TEST_F(SingleInstanceTest, afterAnOrderlyEndTheNextStartIsTheFirst) {
 }
 
 TEST_F(SingleInstanceTest, whatAKilledProcessLeftIsTakenOver) {
+    LaterStart second(*this);
     dieAsTheInstance();
     SingleInstance next(folder.path(), display);
     ASSERT_TRUE(next.acquire());
     int starts = 0;
     next.onSecondStart([&] { ++starts; });
-    SingleInstance second(folder.path(), display);
-    EXPECT_FALSE(second.acquire());
+    second.go();
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return starts == 1; }));
+    EXPECT_EQ(second.exitCode(), 1);
 }
 
 TEST_F(SingleInstanceTest, withoutAWritableFolderItStillRuns) {
