@@ -4,7 +4,11 @@
 
 #include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGuiApplication>
+#include <QLineEdit>
+#include <QListView>
+#include <QMessageBox>
 #include <QPointer>
 #include <QStandardPaths>
 #include <QWindow>
@@ -16,6 +20,38 @@ namespace {
 QString picturesFolder() {
     const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
     return QDir(pictures).exists() ? pictures : QDir::homePath();
+}
+
+bool isNamedPng(const QString& name) {
+    return name.endsWith(u".png", Qt::CaseInsensitive);
+}
+
+/// A dialog for a file whose name ends in .png, whatever else the user typed: what "a.b" lacks is added
+/// before the dialog asks about replacing a file.
+class SavePngDialog final : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+
+    void accept() override {
+        // The desktop's own dialog has no such field.
+        auto* field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        const QString chosen = field ? selectedFiles().value(0) : QString();
+        const QString typed = field ? field->text() : QString();
+        if (!typed.isEmpty() && !typed.endsWith(u'/') && !isNamedPng(typed) && !QFileInfo(chosen).isDir()) {
+            // A file that is selected in the list would count before what the field says.
+            if (auto* list = findChild<QListView*>(QStringLiteral("listView")))
+                list->selectionModel()->clearSelection();
+            field->setText(typed + QStringLiteral(".png"));
+        }
+        QFileDialog::accept();
+    }
+};
+
+bool mayReplace(const QString& path, const QString& title) {
+    return QMessageBox::warning(nullptr, title,
+                                QFileDialog::tr("%1 already exists.\nDo you want to replace it?")
+                                    .arg(QFileInfo(path).fileName()),
+                                QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
 }
 
 /// Runs the dialog over the window the user works in.
@@ -46,13 +82,22 @@ std::optional<QUrl> QtFilePanels::openFile(const QString& message, const QString
 }
 
 std::optional<QUrl> QtFilePanels::savePng(const QString& proposedName) {
-    QFileDialog dialog(nullptr, localized(QStringLiteral("save.title")), picturesFolder());
+    SavePngDialog dialog(nullptr, localized(QStringLiteral("save.title")), picturesFolder());
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);
     dialog.setMimeTypeFilters({QStringLiteral("image/png")});
     dialog.setDefaultSuffix(QStringLiteral("png"));
     dialog.selectFile(proposedName);
-    return run(dialog);
+    for (;;) {
+        const auto url = run(dialog);
+        if (!url || isNamedPng(url->path()))
+            return url;
+        // The desktop's own dialog asked about another name, if it asked at all.
+        const QString path = url->toLocalFile() + QStringLiteral(".png");
+        if (!QFileInfo::exists(path) || mayReplace(path, dialog.windowTitle()))
+            return QUrl::fromLocalFile(path);
+        dialog.selectFile(path);
+    }
 }
 
 } // namespace framora

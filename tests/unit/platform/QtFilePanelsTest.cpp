@@ -1,0 +1,116 @@
+#include "platform/desktop/QtFilePanels.h"
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+namespace framora {
+namespace {
+
+/// The save dialog as a user answers it.
+class SavePngTest : public testing::Test {
+protected:
+    static QFileDialog& dialog() {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (auto* found = qobject_cast<QFileDialog*>(widget); found && found->isVisible())
+                return *found;
+        throw std::runtime_error("no file dialog is open");
+    }
+    static QMessageBox* question() { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); }
+    static void typeName(const QString& name) {
+        dialog().findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(name);
+    }
+    static void pressSave() {
+        dialog().findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->click();
+    }
+    void touch(const QString& name) {
+        QFile file(folder.filePath(name));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+
+    /// Runs the dialog in the folder; `user` does what the user does while it is open.
+    QString answer(const std::function<void()>& user) {
+        QTimer::singleShot(0, [&] {
+            dialog().setDirectory(folder.path());
+            user();
+            if (dialogIsOpen())
+                dialog().reject();
+        });
+        const auto url = QtFilePanels().savePng(QStringLiteral("screenshot_1.png"));
+        return url ? QDir(folder.path()).relativeFilePath(url->toLocalFile()) : QString();
+    }
+    static bool dialogIsOpen() {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (qobject_cast<QFileDialog*>(widget) && widget->isVisible())
+                return true;
+        return false;
+    }
+
+    QTemporaryDir folder;
+};
+
+TEST_F(SavePngTest, theSuffixIsAddedUnlessItIsThere) {
+    const std::pair<const char*, const char*> names[] = {{"a", "a.png"},         {"a.b", "a.b.png"},
+                                                         {"a.jpg", "a.jpg.png"}, {"a.png", "a.png"},
+                                                         {"A.PNG", "A.PNG"},     {"v1.2.Png", "v1.2.Png"}};
+    for (const auto& [typed, saved] : names) {
+        const QString got = answer([&, name = typed] {
+            typeName(QString::fromLatin1(name));
+            pressSave();
+        });
+        EXPECT_EQ(got.toStdString(), saved) << typed;
+    }
+}
+
+TEST_F(SavePngTest, theFileUnderTheWholeNameIsAskedAbout) {
+    touch(QStringLiteral("a.b.png"));
+    bool asked = false;
+    const auto save = [&](QMessageBox::StandardButton reply) {
+        return answer([&, reply] {
+            typeName(QStringLiteral("a.b"));
+            QTimer::singleShot(0, [&, reply] {
+                asked = question() != nullptr;
+                if (asked)
+                    question()->button(reply)->click();
+            });
+            pressSave();
+        });
+    };
+    EXPECT_EQ(save(QMessageBox::No), QString());
+    EXPECT_TRUE(asked);
+    EXPECT_EQ(save(QMessageBox::Yes), QStringLiteral("a.b.png"));
+    EXPECT_TRUE(asked);
+}
+
+TEST_F(SavePngTest, aFileUnderTheTypedNameIsNotAskedAbout) {
+    touch(QStringLiteral("a.b"));
+    EXPECT_EQ(answer([&] {
+                  typeName(QStringLiteral("a.b"));
+                  pressSave();
+              }),
+              QStringLiteral("a.b.png"));
+}
+
+TEST_F(SavePngTest, theNameOfAFolderOpensIt) {
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("c.d")));
+    EXPECT_EQ(answer([&] {
+                  typeName(QStringLiteral("c.d"));
+                  pressSave();
+                  EXPECT_TRUE(dialogIsOpen());
+                  typeName(QStringLiteral("e"));
+                  pressSave();
+              }),
+              QStringLiteral("c.d/e.png"));
+}
+
+} // namespace
+} // namespace framora
