@@ -70,7 +70,8 @@ bool CaptureSession::begin() {
             m_connection.reply(xcb_query_pointer(m_connection, m_connection.root()), xcb_query_pointer_reply))
         at = {pointer->root_x, pointer->root_y};
     m_model.emplace(m_mode, m_monitors, at);
-    for (const uint8_t code : m_keyboard->heldAtStart())
+    // Asked now that the keyboard is held: what came up while it was not yet would never be told.
+    for (const uint8_t code : Keyboard::keysDown(m_connection))
         m_model->keyHeldAtStart(code);
     if (m_connection.hasRandr())
         xcb_randr_select_input(m_connection, m_connection.root(), XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE);
@@ -118,8 +119,10 @@ OverlayScene CaptureSession::scene() {
     OverlayScene scene;
     if (m_mode == CaptureMode::Window) {
         const TopLevel* window = m_clicked ? &*m_clicked : m_windows.at(m_model->pointer());
-        if (window)
+        if (window) {
             scene.highlight = window->visible.intersected(m_connection.rootRect());
+            scene.inView = m_windows.inView(*window);
+        }
         return scene;
     }
     const Rect monitor = m_model->monitorUnderPointer();

@@ -29,7 +29,8 @@ int leaveTheParent(int report) {
         return -1;
     for (int standard = 0; standard < kReport; ++standard)
         dup2(nothing, standard);
-    close_range(kReport + 1, ~0U, 0);
+    // The tool's connection among them, which would go on being the one open capture.
+    closefrom(kReport + 1);
     signal(SIGPIPE, SIG_IGN);
     signal(SIGHUP, SIG_IGN);
     return kReport;

@@ -56,7 +56,6 @@ Keyboard::Keyboard(const XConnection& c) {
     const int count = setup->max_keycode - first + 1;
     const auto mappingCookie =
         xcb_get_keyboard_mapping(c, static_cast<uint8_t>(first), static_cast<uint8_t>(count));
-    const auto downCookie = xcb_query_keymap(c);
     askForDetectableRepeat(c);
     if (const auto mapping = c.reply(mappingCookie, xcb_get_keyboard_mapping_reply)) {
         const auto* symbols = xcb_get_keyboard_mapping_keysyms(mapping.get());
@@ -64,10 +63,15 @@ Keyboard::Keyboard(const XConnection& c) {
         for (int i = 0; i < count; ++i)
             m_meanings[static_cast<std::size_t>(first + i)] = meaningOf(symbols + i * perKey, perKey);
     }
-    if (const auto down = c.reply(downCookie, xcb_query_keymap_reply))
-        for (int code = first; code < first + count; ++code)
+}
+
+std::vector<uint8_t> Keyboard::keysDown(const XConnection& c) {
+    std::vector<uint8_t> codes;
+    if (const auto down = c.reply(xcb_query_keymap(c), xcb_query_keymap_reply))
+        for (int code = 0; code < 256; ++code)
             if (down->keys[code / 8] >> (code % 8) & 1)
-                m_held.push_back(static_cast<uint8_t>(code));
+                codes.push_back(static_cast<uint8_t>(code));
+    return codes;
 }
 
 } // namespace framora

@@ -65,7 +65,7 @@ std::vector<Rect> OverlayPainter::difference(const OverlayScene& before, const O
             if (!selection.empty())
                 addRing(parts, selection, 2 * m_line, 2 * m_line);
     }
-    if (before.highlight != after.highlight) {
+    if (before.highlight != after.highlight || before.inView != after.inView) {
         const int glow = static_cast<int>(std::ceil(kGlow * m_ratio)) + 1;
         for (const Rect& highlight : {before.highlight, after.highlight})
             if (!highlight.empty())
@@ -103,7 +103,7 @@ void OverlayPainter::paint(const OverlayScene& scene, const Rect& asked) {
     if (scene.guides)
         paintGuides(cr, *scene.guides);
     if (!scene.highlight.empty())
-        paintHighlight(cr, scene.highlight);
+        paintHighlight(cr, scene);
     if (!scene.selection.empty())
         paintSelection(cr, scene.selection);
     if (scene.label && scene.label->box.intersects(part))
@@ -113,19 +113,18 @@ void OverlayPainter::paint(const OverlayScene& scene, const Rect& asked) {
 }
 
 void OverlayPainter::paintBase(const OverlayScene& scene, const Rect& part) {
-    const Rect& bright = scene.selection.empty() ? scene.highlight : scene.selection;
-    const Rect lit = part.intersected(bright);
-    for (int y = part.y; y < part.bottom(); ++y) {
-        const uint32_t* from = m_frozen.row(y);
-        uint32_t* to = m_frame.row(y);
-        if (lit.empty() || y < lit.y || y >= lit.bottom()) {
-            dimRow(from + part.x, to + part.x, part.width);
-            continue;
-        }
-        dimRow(from + part.x, to + part.x, lit.x - part.x);
-        std::memcpy(to + lit.x, from + lit.x, static_cast<std::size_t>(lit.width) * 4);
-        dimRow(from + lit.right(), to + lit.right(), part.right() - lit.right());
+    const auto& lit = scene.selection.empty() ? scene.inView : std::vector{scene.selection};
+    std::vector<Rect> dimmed{part};
+    for (const Rect& box : lit) {
+        dimmed = subtracted(dimmed, box);
+        const Rect bright = box.intersected(part);
+        for (int y = bright.y; y < bright.bottom(); ++y)
+            std::memcpy(m_frame.row(y) + bright.x, m_frozen.row(y) + bright.x,
+                        static_cast<std::size_t>(bright.width) * 4);
     }
+    for (const Rect& box : dimmed)
+        for (int y = box.y; y < box.bottom(); ++y)
+            dimRow(m_frozen.row(y) + box.x, m_frame.row(y) + box.x, box.width);
 }
 
 void OverlayPainter::paintSelection(cairo_t* cr, const Rect& selection) const {
@@ -139,10 +138,11 @@ void OverlayPainter::paintSelection(cairo_t* cr, const Rect& selection) const {
     frameBox(cr, white, m_line);
 }
 
-void OverlayPainter::paintHighlight(cairo_t* cr, const Rect& highlight) const {
-    const Rect shown = highlight.intersected(bounds());
+void OverlayPainter::paintHighlight(cairo_t* cr, const OverlayScene& scene) const {
+    const Rect shown = scene.highlight.intersected(bounds());
     cairo_set_source_rgba(cr, kAccent[0], kAccent[1], kAccent[2], 0.24);
-    cairo_rectangle(cr, shown.x, shown.y, shown.width, shown.height);
+    for (const Rect& part : scene.inView)
+        cairo_rectangle(cr, part.x, part.y, part.width, part.height);
     cairo_fill(cr);
     // The glow: rings that fade outwards.
     const int reach = static_cast<int>(std::lround(kGlow * m_ratio));
@@ -169,9 +169,9 @@ void OverlayPainter::paintGuides(cairo_t* cr, const OverlayScene::Guides& guides
     };
     cairo_rectangle(cr, m.x, m.y, m.width, m.height);
     cairo_clip(cr);
-    cairo_set_source_rgba(cr, 0, 0, 0, 0.16);
+    cairo_set_source_rgba(cr, 0, 0, 0, 0.42);
     lines(-m_line, 3 * m_line);
-    cairo_set_source_rgba(cr, 1, 1, 1, 0.45);
+    cairo_set_source_rgba(cr, 1, 1, 1, 0.82);
     lines(0, m_line);
 }
 

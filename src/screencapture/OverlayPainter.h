@@ -33,7 +33,7 @@ private:
 
     void paintBase(const OverlayScene& scene, const Rect& part);
     void paintSelection(cairo_t* cr, const Rect& selection) const;
-    void paintHighlight(cairo_t* cr, const Rect& highlight) const;
+    void paintHighlight(cairo_t* cr, const OverlayScene& scene) const;
     void paintGuides(cairo_t* cr, const OverlayScene::Guides& guides) const;
     Rect bounds() const { return {0, 0, m_frame.width(), m_frame.height()}; }
 

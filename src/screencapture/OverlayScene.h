@@ -3,6 +3,7 @@
 #include "screencapture/Geometry.h"
 
 #include <optional>
+#include <vector>
 
 namespace framora {
 
@@ -22,7 +23,8 @@ struct OverlayScene {
     };
 
     Rect selection;
-    Rect highlight; // the window that a click would take
+    Rect highlight;           // the window that a click would take
+    std::vector<Rect> inView; // what of it no other window covers; the boxes do not overlap
     std::optional<Guides> guides;
     std::optional<Label> label;
 

@@ -88,14 +88,25 @@ void SelectionModel::moveTo(Point corner) {
     m_corner = {m_corner.x + dx, m_corner.y + dy};
 }
 
+Point SelectionModel::held() {
+    const Point p = edgeAt(constrained(m_pointer));
+    return {p.x + m_grip.x, p.y + m_grip.y};
+}
+
+void SelectionModel::holdHere() {
+    const Point p = edgeAt(constrained(m_pointer));
+    m_grip = {m_corner.x - p.x, m_corner.y - p.y};
+}
+
 void SelectionModel::follow() {
     if (!m_dragging)
         return;
-    const Point p = edgeAt(constrained(m_pointer));
-    if (m_moveOffset)
-        moveTo({p.x + m_moveOffset->x, p.y + m_moveOffset->y});
+    const Point p = held();
+    if (m_moving)
+        moveTo(p);
     else
-        m_corner = p;
+        m_corner = {std::clamp(p.x, m_bounds.x, m_bounds.right()),
+                    std::clamp(p.y, m_bounds.y, m_bounds.bottom())};
 }
 
 SelectionModel::Outcome SelectionModel::pointerMoved(Point pointer) {
@@ -112,6 +123,7 @@ SelectionModel::Outcome SelectionModel::buttonPressed(Button button, Point point
         m_primaryDown = true;
         if (m_mode == CaptureMode::Area) {
             m_dragging = true;
+            m_grip = {};
             m_anchor = m_corner = edgeAt(pointer);
         }
     }
@@ -129,7 +141,7 @@ SelectionModel::Outcome SelectionModel::buttonReleased(Button button, Point poin
     if (m_mode == CaptureMode::Window)
         return Outcome::CaptureWindow;
     follow();
-    m_moveOffset.reset();
+    m_moving = false;
     m_lock.reset();
     // A drag stays readable through selection() when it is taken; one without an area is forgotten.
     if (!selection().empty())
@@ -145,12 +157,10 @@ SelectionModel::Outcome SelectionModel::keyPressed(Key key, int code) {
     case Key::Escape:
         return Outcome::Cancel;
     case Key::Space:
-        if (m_dragging) {
-            const Point p = edgeAt(constrained(m_pointer));
-            m_moveOffset = Point{m_corner.x - p.x, m_corner.y - p.y};
-        } else if (!m_primaryDown) {
+        if (m_dragging)
+            m_moving = true;
+        else if (!m_primaryDown)
             m_mode = m_mode == CaptureMode::Area ? CaptureMode::Window : CaptureMode::Area;
-        }
         break;
     case Key::Shift:
         if (m_dragging && !m_lock) {
@@ -166,8 +176,10 @@ SelectionModel::Outcome SelectionModel::keyPressed(Key key, int code) {
 
 SelectionModel::Outcome SelectionModel::keyReleased(Key key, int code) {
     m_keysDown.erase(code);
-    if (key == Key::Space && m_moveOffset) {
-        m_moveOffset.reset();
+    if (key == Key::Space && m_moving) {
+        // What was stopped at an edge stays there: the pointer holds the corner from where it is now.
+        m_moving = false;
+        holdHere();
     } else if (key == Key::Shift && m_lock && code == m_shiftCode) {
         m_lock.reset();
         follow();

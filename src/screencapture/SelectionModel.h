@@ -35,7 +35,7 @@ public:
 
     CaptureMode mode() const { return m_mode; }
     bool dragging() const { return m_dragging; }
-    bool moving() const { return m_moveOffset.has_value(); }
+    bool moving() const { return m_moving; }
     Point pointer() const { return m_pointer; }
     /// Empty while nothing is dragged, and while one of its sides is zero.
     Rect selection() const;
@@ -54,6 +54,8 @@ private:
 
     Point constrained(Point pointer);
     Point edgeAt(Point pointer) const;
+    Point held();
+    void holdHere();
     void follow();
     void moveTo(Point corner);
 
@@ -66,7 +68,8 @@ private:
     bool m_dragging = false;
     bool m_primaryDown = false;
     bool m_secondaryDown = false;
-    std::optional<Point> m_moveOffset; // from the pointer to the corner, while Space moves the selection
+    bool m_moving = false; // by Space
+    Point m_grip;          // from the pointer to the corner it holds
     std::optional<AxisLock> m_lock;
     int m_shiftCode = 0;
     std::set<int> m_keysDown;

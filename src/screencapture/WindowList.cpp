@@ -184,6 +184,21 @@ const TopLevel* WindowList::at(Point p) const {
     return found == m_windows.rend() ? nullptr : &*found;
 }
 
+std::vector<Rect> WindowList::inView(const TopLevel& window) const {
+    std::vector<Rect> parts;
+    for (const Rect& part : window.shape.empty() ? std::vector{window.visible} : window.shape)
+        if (const Rect seen = part.intersected(window.visible); !seen.empty())
+            parts.push_back(seen);
+    bool above = false;
+    for (const TopLevel& other : m_windows) {
+        if (above && other.selectable)
+            for (const Rect& cover : other.shape.empty() ? std::vector{other.visible} : other.shape)
+                parts = subtracted(parts, cover);
+        above = above || other.window == window.window;
+    }
+    return parts;
+}
+
 std::vector<Rect> WindowList::uncovered(const TopLevel& window, const Rect& screen) const {
     std::vector<Rect> parts{window.outer.intersected(screen)};
     bool above = false;

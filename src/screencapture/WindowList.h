@@ -39,6 +39,9 @@ public:
     const std::vector<TopLevel>& windows() const { return m_windows; }
     /// The topmost selectable window at a place; null over the desktop.
     const TopLevel* at(Point p) const;
+    /// The parts of a window that the eye sees: without those under other windows. What lets every click
+    /// through counts as glass.
+    std::vector<Rect> inView(const TopLevel& window) const;
     /// The parts of a window that lie on the screen with no other window above; shapes count as their outer
     /// box.
     std::vector<Rect> uncovered(const TopLevel& window, const Rect& screen) const;

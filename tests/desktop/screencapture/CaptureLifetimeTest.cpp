@@ -136,6 +136,42 @@ TEST_F(CaptureLifetimeTest, aGrabThatIsGivenUpSoonIsWaitedFor) {
     EXPECT_EQ(CaptureDesktop::exitCodeOf(tool), 1);
 }
 
+TEST_F(CaptureLifetimeTest, aKeyThatComesUpWhileAGrabIsWaitedForCountsWhenPressedAgain) {
+    CaptureDesktop capture;
+    const QImage wallpaper = capture.paperTheWall();
+    xcb_connection_t* c = capture.display().connection();
+    capture.display().keyDown("Shift_L");
+    free(xcb_grab_keyboard_reply(c, xcb_grab_keyboard(c, 0, capture.display().root(), XCB_CURRENT_TIME, 1, 1),
+                                 nullptr));
+    ChildProcess& tool = capture.launch(kArea);
+    // It holds the pointer by now, and asks for the keyboard.
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] {
+        auto* reply = xcb_grab_pointer_reply(
+            c, xcb_grab_pointer(c, 0, capture.display().root(), 0, 1, 1, 0, 0, XCB_CURRENT_TIME), nullptr);
+        const bool held = reply->status == XCB_GRAB_STATUS_ALREADY_GRABBED;
+        free(reply);
+        if (!held) {
+            xcb_ungrab_pointer(c, XCB_CURRENT_TIME);
+            xcb_flush(c);
+        }
+        return held;
+    }));
+    capture.display().keyUp("Shift_L");
+    xcb_ungrab_keyboard(c, XCB_CURRENT_TIME);
+    xcb_flush(c);
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return capture.overlayIsUp(); }));
+    capture.display().moveTo({100, 100});
+    capture.display().press();
+    capture.display().moveTo({200, 180});
+    capture.display().keyDown("Shift_L");
+    capture.display().moveTo({300, 184}); // wider only
+    capture.display().moveTo({300, 400});
+    capture.display().release();
+    capture.display().keyUp("Shift_L");
+    EXPECT_EQ(CaptureDesktop::exitCodeOf(tool), 0);
+    EXPECT_TRUE(samePixels(capture.desktop().clipboardImage(), wallpaper.copy(100, 100, 200, 80)));
+}
+
 TEST_F(CaptureLifetimeTest, aSecondToolEndsAtOnceAndTheFirstGoesOn) {
     CaptureDesktop capture;
     const QImage wallpaper = capture.paperTheWall();

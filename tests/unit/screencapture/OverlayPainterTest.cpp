@@ -49,6 +49,7 @@ OverlayScene randomScene(std::mt19937& random, SizeLabel& label) {
     switch (number(0, 3)) {
     case 0:
         scene.highlight = Rect::between(a, b);
+        scene.inView = subtracted({scene.highlight}, {number(0, kWidth), number(0, kHeight), 90, 70});
         break;
     case 1:
         scene.guides = OverlayScene::Guides{{a.x - 1, a.y - 1}, Rect{0, 0, 200, kHeight}};
@@ -90,6 +91,35 @@ TEST_F(OverlayPainterTest, theSelectionShowsTheScreenAsItWas) {
     for (int y = 30; y < 110; ++y)
         for (int x = 40; x < 160; ++x)
             ASSERT_EQ(frame->row(y)[x] & 0xffffff, frozen->row(y)[x] & 0xffffff) << x << "," << y;
+}
+
+TEST_F(OverlayPainterTest, whatCoversAHighlightedWindowStaysDimmed) {
+    OverlayPainter painter(*frozen, *frame, 1);
+    const auto dimmed = image();
+    OverlayPainter(*frozen, *dimmed, 1).paint({}, whole());
+    OverlayScene scene;
+    scene.highlight = {40, 30, 200, 150};
+    const Rect cover{100, 80, 180, 140};
+    scene.inView = subtracted({scene.highlight}, cover);
+    painter.paint(scene, whole());
+    for (int y = cover.y; y < 170; ++y)
+        for (int x = cover.x; x < 230; ++x)
+            ASSERT_EQ(frame->row(y)[x] & 0xffffff, dimmed->row(y)[x] & 0xffffff) << x << "," << y;
+    EXPECT_GT(frame->row(50)[60] & 0xff, frozen->row(50)[60] & 0xff) << "tinted where it is in view";
+}
+
+TEST_F(OverlayPainterTest, theGuidesStandOutFromEveryTone) {
+    OverlayPainter painter(*frozen, *frame, 1);
+    for (const uint32_t tone : {0U, 0x40U, 0x80U, 0xc0U, 0xffU}) {
+        for (int y = 0; y < kHeight; ++y)
+            std::fill_n(frozen->row(y), kWidth, tone * 0x010101U);
+        OverlayScene scene;
+        scene.guides = OverlayScene::Guides{{150, 100}, whole()};
+        painter.paint(scene, whole());
+        const auto green = [&](int x, int y) { return static_cast<int>(frame->row(y)[x] >> 8 & 255); };
+        for (const auto& [line, beside] : {std::pair{Point{20, 100}, Point{20, 99}}, {{150, 20}, {151, 20}}})
+            EXPECT_GT(green(line.x, line.y) - green(beside.x, beside.y), 120) << tone;
+    }
 }
 
 TEST_F(OverlayPainterTest, everythingElseIsDimmedAndStaysReadable) {

@@ -116,6 +116,33 @@ TEST_F(SelectionModelTest, aMovedSelectionStopsAtTheScreenEdge) {
     EXPECT_EQ(model.selection(), (Rect{1080, 700, 200, 100}));
 }
 
+TEST_F(SelectionModelTest, whatWasMovedAgainstAnEdgeIsTakenAsItIsShown) {
+    press(100, 100);
+    move(300, 200);
+    model.keyPressed(Key::Space, kSpaceCode);
+    move(120, 40); // 80 further than the edges let it go
+    model.keyReleased(Key::Space, kSpaceCode);
+    const Rect shown{0, 0, 200, 100};
+    EXPECT_EQ(model.selection(), shown);
+    move(125, 42);
+    EXPECT_EQ(model.selection(), (Rect{0, 0, 205, 102})) << "it grows from there, without a jump";
+    move(120, 40);
+    EXPECT_EQ(release(120, 40), Outcome::CaptureArea);
+    EXPECT_EQ(model.selection(), shown);
+}
+
+TEST_F(SelectionModelTest, aGripOfAnEarlierDragIsForgotten) {
+    press(100, 100);
+    move(300, 100); // no height yet
+    model.keyPressed(Key::Space, kSpaceCode);
+    move(100, 50);
+    model.keyReleased(Key::Space, kSpaceCode);
+    EXPECT_EQ(release(100, 50), Outcome::None);
+    press(400, 400);
+    EXPECT_EQ(release(500, 450), Outcome::CaptureArea);
+    EXPECT_EQ(model.selection(), (Rect{400, 400, 100, 50}));
+}
+
 TEST_F(SelectionModelTest, aSelectionReleasedWhileSpaceIsDownIsTaken) {
     press(100, 100);
     move(300, 200);
