@@ -1,4 +1,4 @@
-#include "comparison/CairoSide.h"
+#include "CairoSide.h"
 
 #ifdef FRAMORA_COMPARE_CAIRO
 

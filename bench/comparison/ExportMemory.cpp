@@ -1,4 +1,4 @@
-#include "comparison/ExportMemory.h"
+#include "ExportMemory.h"
 
 #include "editor/render/PictureFile.h"
 #include "editor/render/ScreenshotRenderer.h"

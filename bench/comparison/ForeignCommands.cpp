@@ -1,4 +1,4 @@
-#include "comparison/ForeignCommands.h"
+#include "ForeignCommands.h"
 
 #include "editor/render/ScreenshotRenderer.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "comparison/Workloads.h"
+#include "Workloads.h"
 
 #include <QStringList>
 

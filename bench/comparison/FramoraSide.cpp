@@ -1,4 +1,4 @@
-#include "comparison/FramoraSide.h"
+#include "FramoraSide.h"
 
 #include "editor/render/BackgroundDecoder.h"
 

@@ -1,6 +1,6 @@
-#include "comparison/Inputs.h"
+#include "Inputs.h"
 
-#include "comparison/Photograph.h"
+#include "Photograph.h"
 #include "editor/render/BackgroundDecoder.h"
 #include "editor/render/PictureFile.h"
 

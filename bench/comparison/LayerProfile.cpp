@@ -1,4 +1,4 @@
-#include "comparison/LayerProfile.h"
+#include "LayerProfile.h"
 
 #include <memory>
 

@@ -1,6 +1,6 @@
-#include "comparison/MachineSpeed.h"
+#include "MachineSpeed.h"
 
-#include "comparison/Workloads.h"
+#include "Workloads.h"
 #include "editor/render/raster/HugePages.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
-#include "comparison/OpenCvSide.h"
+#include "OpenCvSide.h"
 
 #ifdef FRAMORA_COMPARE_OPENCV
 
-#include "comparison/QPainterSide.h"
+#include "QPainterSide.h"
 #include "editor/render/ScreenshotRenderer.h"
 
 #include <memory>

@@ -1,4 +1,4 @@
-#include "comparison/Photograph.h"
+#include "Photograph.h"
 
 #include <algorithm>
 #include <cmath>

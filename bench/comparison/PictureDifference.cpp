@@ -1,4 +1,4 @@
-#include "comparison/PictureDifference.h"
+#include "PictureDifference.h"
 
 #include <cstdlib>
 

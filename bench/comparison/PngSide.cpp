@@ -1,6 +1,6 @@
-#include "comparison/PngSide.h"
+#include "PngSide.h"
 
-#include "comparison/UpFilterPng.h"
+#include "UpFilterPng.h"
 #include "editor/render/PictureFile.h"
 
 #include <QFile>
@@ -30,18 +30,26 @@ Contender writer(const QString& name, const QString& path, std::function<void(co
 
 } // namespace
 
+QString ownPngFile(const QString& folder) {
+    return folder + QStringLiteral("/framora.png");
+}
+
+QString defaultPngFile(const QString& folder) {
+    return folder + QStringLiteral("/qt.png");
+}
+
 QList<Contender> pngWriters(const QImage& picture, const QString& folder) {
     QList<Contender> writers;
-    writers << writer(
-        QStringLiteral("Framora"), folder + QStringLiteral("/framora.png"),
-        [picture](const QString& path) { writePlainly(path, encodePng(picture, dotsPerInch)); });
+    writers << writer(QStringLiteral("Framora"), ownPngFile(folder), [picture](const QString& path) {
+        writePlainly(path, encodePng(picture, dotsPerInch));
+    });
     writers << writer(QStringLiteral("Framora, as Save writes: synced and renamed"),
                       folder + QStringLiteral("/framora-saved.png"), [picture](const QString& path) {
                           writeFileAtomically(path, encodePng(picture, dotsPerInch));
                       });
     // Said to be opaque, so that Qt writes three channels, as the others do.
     const QImage opaque = picture.convertToFormat(QImage::Format_RGB32);
-    writers << writer(QStringLiteral("Qt's default"), folder + QStringLiteral("/qt.png"),
+    writers << writer(QStringLiteral("Qt's default"), defaultPngFile(folder),
                       [opaque](const QString& path) { opaque.save(path, "PNG"); });
     if (hasUpFilterPng())
         writers << writer(QStringLiteral("\"up\" and libdeflate 4, one thread"),

@@ -1,4 +1,4 @@
-#include "comparison/PreviewDrag.h"
+#include "PreviewDrag.h"
 
 #include <algorithm>
 

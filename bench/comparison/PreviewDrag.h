@@ -1,7 +1,7 @@
 #pragma once
 
-#include "comparison/Turns.h"
-#include "comparison/Workloads.h"
+#include "Turns.h"
+#include "Workloads.h"
 
 namespace framora::comparison {
 

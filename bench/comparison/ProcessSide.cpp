@@ -1,6 +1,6 @@
-#include "comparison/ProcessSide.h"
+#include "ProcessSide.h"
 
-#include "comparison/ForeignCommands.h"
+#include "ForeignCommands.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "comparison/Contender.h"
-#include "comparison/Workloads.h"
+#include "Contender.h"
+#include "Workloads.h"
 
 #include <QList>
 #include <QStringList>

@@ -1,8 +1,9 @@
-#include "comparison/QPainterSide.h"
+#include "QPainterSide.h"
 
 #include <QImageReader>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QPainterPath>
 #include <memory>
 
 namespace framora::comparison {
@@ -23,12 +24,14 @@ void drawGradient(QPainter& painter, const ScreenshotStyleConfig& style) {
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
 }
 
+/// Clipped and drawn as an image: quicker than a rounded rectangle filled with the picture.
 void drawPicture(QPainter& painter, const QImage& picture, const QTransform& map, double radius) {
     painter.setRenderHints(QPainter::SmoothPixmapTransform | QPainter::Antialiasing);
     painter.setTransform(map);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(QBrush(picture));
-    painter.drawRoundedRect(picture.rect(), radius, radius);
+    QPainterPath shape;
+    shape.addRoundedRect(picture.rect(), radius, radius);
+    painter.setClipPath(shape);
+    painter.drawImage(0, 0, picture);
 }
 
 } // namespace
@@ -38,7 +41,8 @@ Contender painterExport(Workload workload, const Inputs& inputs) {
     target->fill(Qt::black);
     const ScreenshotStyleConfig style = comparison::style(workload, inputs);
     const QTransform map = screenshotToOutput(workload, inputs);
-    const QImage screenshot = inputs.screenshot;
+    // Said to be opaque, which is quicker.
+    const QImage screenshot = inputs.screenshot.convertToFormat(QImage::Format_RGB32);
     return {
         .name = QStringLiteral("QPainter"),
         .run =

@@ -1,4 +1,4 @@
-#include "comparison/Report.h"
+#include "Report.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "comparison/ExportMemory.h"
-#include "comparison/Turns.h"
+#include "ExportMemory.h"
+#include "Turns.h"
 
 #include <QList>
 #include <QString>

@@ -1,6 +1,6 @@
-#include "comparison/Turns.h"
+#include "Turns.h"
 
-#include "comparison/PictureDifference.h"
+#include "PictureDifference.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "comparison/Contender.h"
+#include "Contender.h"
 
 #include <QList>
 #include <QString>

@@ -1,4 +1,4 @@
-#include "comparison/UpFilterPng.h"
+#include "UpFilterPng.h"
 
 #ifdef FRAMORA_COMPARE_LIBDEFLATE
 

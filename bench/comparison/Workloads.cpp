@@ -1,4 +1,4 @@
-#include "comparison/Workloads.h"
+#include "Workloads.h"
 
 #include "editor/render/ScreenshotRenderer.h"
 

@@ -1,20 +1,21 @@
 // The same picture made by other renderers and by Framora in turn, in one run. See bench/README.md.
 
-#include "comparison/CairoSide.h"
-#include "comparison/ExportMemory.h"
-#include "comparison/FramoraSide.h"
-#include "comparison/Inputs.h"
-#include "comparison/LayerProfile.h"
-#include "comparison/MachineSpeed.h"
-#include "comparison/OpenCvSide.h"
-#include "comparison/PngSide.h"
-#include "comparison/PreviewDrag.h"
-#include "comparison/ProcessSide.h"
-#include "comparison/QPainterSide.h"
-#include "comparison/Report.h"
-#include "comparison/UpFilterPng.h"
+#include "CairoSide.h"
+#include "ExportMemory.h"
+#include "FramoraSide.h"
+#include "Inputs.h"
+#include "LayerProfile.h"
+#include "MachineSpeed.h"
+#include "OpenCvSide.h"
+#include "PngSide.h"
+#include "PreviewDrag.h"
+#include "ProcessSide.h"
+#include "QPainterSide.h"
+#include "Report.h"
+#include "UpFilterPng.h"
 
 #include <QCommandLineParser>
+#include <QFileInfo>
 #include <QGuiApplication>
 #include <QThread>
 #include <algorithm>
@@ -135,6 +136,10 @@ private:
             CompositionRasterizer().draw(composition(Workload::gradient, m_inputs), exportViewport());
         const QList<Measurement> measurements = takeTurns(pngWriters(picture, m_inputs.folder), m_rounds);
         m_report.table(measurements, {{QStringLiteral("Qt's default"), 0.1}});
+        m_report.ratio(QStringLiteral("our file's size over that of Qt's default"),
+                       double(QFileInfo(ownPngFile(m_inputs.folder)).size()) /
+                           double(QFileInfo(defaultPngFile(m_inputs.folder)).size()),
+                       1);
     }
 
     void preview() {
