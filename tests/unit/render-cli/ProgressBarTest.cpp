@@ -51,11 +51,14 @@ std::string shownOnATerminal(bool isWanted) {
         bar.writeLine("a line");
         bar.setDone(2);
     }
-    char text[1000] = {};
-    const auto size = read(controller, text, sizeof text);
     std::fclose(terminal);
+    // A terminal hands over what was written piece by piece; its end is an error.
+    std::string shown;
+    char text[1000];
+    for (ssize_t size = 0; (size = read(controller, text, sizeof text)) > 0;)
+        shown.append(text, std::size_t(size));
     close(controller);
-    return std::string(text, std::size_t(std::max<ssize_t>(size, 0)));
+    return shown;
 }
 
 TEST(ProgressBar, ATerminalGetsABarThatGoesAgain) {
