@@ -1,5 +1,8 @@
 #include "editor/render/raster/GradientPaint.h"
 
+#include "editor/render/raster/GradientKernels.h"
+
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -22,6 +25,9 @@ GradientPaint::GradientPaint(Kind kind, double degrees, double width, double hei
     m_direction = {s / length, -c / length};
     m_radius = std::hypot(width, height) / 2;
     m_start = std::fmod(degrees, 360.0) / 360;
+    m_ramp.reserve(rampSize + 1);
+    for (int i = 0; i <= rampSize; ++i)
+        m_ramp.push_back(toMix(color(double(i) / rampSize)));
 }
 
 double GradientPaint::position(Vec2 point) const {
@@ -60,6 +66,39 @@ void GradientPaint::shade(int x, int y, int count, Float4* out) const {
     }
     for (int i = 0; i < count; ++i)
         out[i] = color(position(m_toLocal.map({x + i + 0.5, y + 0.5})));
+}
+
+void GradientPaint::mix(const TileRect& tile, MixPixel* out) const {
+    if (!m_toLocal.isAffine()) {
+        Paint::mix(tile, out);
+        return;
+    }
+    const Homography& map = m_toLocal;
+    const double scale = 1 / map(2, 2);
+    thread_local std::vector<std::int32_t> positions;
+    const auto count = std::size_t(tile.width);
+    positions.resize(std::max(positions.size(), count));
+    for (int y = tile.y; y < tile.y + tile.height; ++y, out += tile.width) {
+        const Vec2 first = map.map({tile.x + 0.5, y + 0.5});
+        const Vec2 step{map(0, 0) * scale, map(1, 0) * scale};
+        switch (m_kind) {
+        case Kind::linear:
+            linearPositions(
+                {float(position(first)), 0, float(step.x * m_direction.x + step.y * m_direction.y), 0}, count,
+                positions.data());
+            break;
+        case Kind::radial:
+            radialPositions({float(first.x / m_radius), float(first.y / m_radius), float(step.x / m_radius),
+                             float(step.y / m_radius)},
+                            count, positions.data());
+            break;
+        case Kind::angular:
+            angularPositions({float(first.x), float(first.y), float(step.x), float(step.y)}, float(m_start),
+                             count, positions.data());
+            break;
+        }
+        paintRamp(m_ramp.data(), positions.data(), tile.x, y, count, out);
+    }
 }
 
 } // namespace framora::raster

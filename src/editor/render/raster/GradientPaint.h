@@ -22,6 +22,7 @@ public:
                   const Homography& toLocal);
 
     void shade(int x, int y, int count, Float4* out) const override;
+    void mix(const TileRect& tile, MixPixel* out) const override;
     bool isOpaque() const override { return m_isOpaque; }
 
     /// Where a point lies between the first colour (0) and the last (1), before it is clamped.
@@ -32,7 +33,8 @@ private:
     Kind m_kind;
     Homography m_toLocal;
     std::vector<Float4> m_stops;
-    std::vector<Float4> m_steps; ///< From each stop to the next.
+    std::vector<Float4> m_steps;  ///< From each stop to the next.
+    std::vector<MixPixel> m_ramp; ///< For mix().
     bool m_isOpaque = true;
     Vec2 m_direction;    ///< Linear: position is its product with the point, plus a half.
     double m_radius = 1; ///< Radial.

@@ -36,7 +36,7 @@ using Vector = hn::Vec<Lanes>;
 constexpr Lanes lanes;
 constexpr std::size_t pixelLanes = 4;
 
-HWY_ATTR Vector alphas(Vector pixels) {
+HWY_INLINE Vector alphas(Vector pixels) {
     alignas(16) static constexpr std::uint8_t pattern[16] = {6,  7,  6,  7,  6,  7,  6,  7,
                                                              14, 15, 14, 15, 14, 15, 14, 15};
     const hn::Repartition<std::uint8_t, Lanes> bytes;
@@ -44,16 +44,16 @@ HWY_ATTR Vector alphas(Vector pixels) {
                        hn::TableLookupBytes(hn::BitCast(bytes, pixels), hn::LoadDup128(bytes, pattern)));
 }
 
-HWY_ATTR Vector factor(Vector mix) {
+HWY_INLINE Vector factor(Vector mix) {
     return hn::Add(mix, hn::ShiftRight<8>(mix));
 }
 
-HWY_ATTR Vector over(Vector under, Vector above) {
+HWY_INLINE Vector over(Vector under, Vector above) {
     const Vector through = factor(hn::Sub(hn::Set(lanes, mixOne), alphas(above)));
     return hn::Add(above, hn::MulFixedPoint15(under, through));
 }
 
-HWY_ATTR Vector overlay(Vector under, Vector above) {
+HWY_INLINE Vector overlay(Vector under, Vector above) {
     const Vector one = hn::Set(lanes, mixOne);
     const Vector underAlpha = alphas(under);
     const Vector overAlpha = alphas(above);
@@ -74,7 +74,7 @@ HWY_ATTR Vector overlay(Vector under, Vector above) {
 
 /// Calls body(offset, load, store) for `count` pixels, vector by vector; what is left at the end goes through
 /// a block of its own, so that nothing behind is touched.
-template <typename Body> HWY_ATTR void forEachVector(std::size_t count, const Body& body) {
+template <typename Body> HWY_INLINE void forEachVector(std::size_t count, const Body& body) {
     const std::size_t step = hn::Lanes(lanes) / pixelLanes;
     std::size_t i = 0;
     for (; i + step <= count; i += step)
@@ -83,7 +83,7 @@ template <typename Body> HWY_ATTR void forEachVector(std::size_t count, const Bo
         body(i, count - i);
 }
 
-HWY_ATTR Vector load(const MixPixel* from, std::size_t count) {
+HWY_INLINE Vector load(const MixPixel* from, std::size_t count) {
     const auto* data = reinterpret_cast<const std::int16_t*>(from);
     if (count * pixelLanes == hn::Lanes(lanes))
         return hn::LoadU(lanes, data);
@@ -92,7 +92,7 @@ HWY_ATTR Vector load(const MixPixel* from, std::size_t count) {
     return hn::Load(lanes, part);
 }
 
-HWY_ATTR void store(Vector pixels, MixPixel* to, std::size_t count) {
+HWY_INLINE void store(Vector pixels, MixPixel* to, std::size_t count) {
     auto* data = reinterpret_cast<std::int16_t*>(to);
     if (count * pixelLanes == hn::Lanes(lanes)) {
         hn::StoreU(pixels, lanes, data);
@@ -103,28 +103,27 @@ HWY_ATTR void store(Vector pixels, MixPixel* to, std::size_t count) {
     std::memcpy(data, part, count * sizeof(MixPixel));
 }
 
-HWY_ATTR void blendOverAll(MixPixel* under, const MixPixel* above, std::size_t count) {
+void blendOverAll(MixPixel* under, const MixPixel* above, std::size_t count) {
     forEachVector(count, [&](std::size_t i, std::size_t n)
                              HWY_ATTR { store(over(load(under + i, n), load(above + i, n)), under + i, n); });
 }
 
-HWY_ATTR void blendOverCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage,
-                               std::size_t count) {
+void blendOverCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage, std::size_t count) {
     forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
         const Vector part = hn::MulFixedPoint15(load(above + i, n), load(coverage + i, n));
         store(over(load(under + i, n), part), under + i, n);
     });
 }
 
-HWY_ATTR void blendOverlayCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage,
-                                  std::size_t count) {
+void blendOverlayCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage,
+                         std::size_t count) {
     forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
         const Vector part = hn::MulFixedPoint15(load(above + i, n), load(coverage + i, n));
         store(overlay(load(under + i, n), part), under + i, n);
     });
 }
 
-HWY_ATTR void packAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
+void packAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
     const hn::Rebind<std::uint8_t, Lanes> bytes;
     forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
         const Vector rounded =

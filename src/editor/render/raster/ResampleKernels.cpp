@@ -29,11 +29,11 @@ using Lanes = hn::CappedTag<std::int16_t, 32>;
 using Vector = hn::Vec<Lanes>;
 constexpr Lanes lanes;
 
-HWY_ATTR Vector loadPixels(const MixPixel* from) {
+HWY_INLINE Vector loadPixels(const MixPixel* from) {
     return hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(from));
 }
 
-HWY_ATTR Vector clamped(Vector sums) {
+HWY_INLINE Vector clamped(Vector sums) {
     alignas(16) static constexpr std::uint8_t pattern[16] = {6,  7,  6,  7,  6,  7,  6,  7,
                                                              14, 15, 14, 15, 14, 15, 14, 15};
     const hn::Repartition<std::uint8_t, Lanes> bytes;
@@ -45,7 +45,7 @@ HWY_ATTR Vector clamped(Vector sums) {
 }
 
 /// Stores the first `count` pixels of a vector.
-HWY_ATTR void storePixels(Vector pixels, MixPixel* to, std::size_t count) {
+HWY_INLINE void storePixels(Vector pixels, MixPixel* to, std::size_t count) {
     if (count * 4 >= hn::Lanes(lanes)) {
         hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(to));
         return;
@@ -55,14 +55,14 @@ HWY_ATTR void storePixels(Vector pixels, MixPixel* to, std::size_t count) {
     std::memcpy(to, part, count * sizeof(MixPixel));
 }
 
-HWY_ATTR Vector widened(const std::uint32_t* pixels) {
+HWY_INLINE Vector widened(const std::uint32_t* pixels) {
     const hn::Rebind<std::uint8_t, Lanes> bytes;
     return hn::ShiftLeft<sourceShift>(
         hn::PromoteTo(lanes, hn::LoadU(bytes, reinterpret_cast<const std::uint8_t*>(pixels))));
 }
 
-HWY_ATTR Vector weighed(const std::uint32_t* const* rows, const std::int16_t* weights, int taps,
-                        std::size_t i) {
+HWY_INLINE Vector weighed(const std::uint32_t* const* rows, const std::int16_t* weights, int taps,
+                          std::size_t i) {
     Vector sum = hn::MulFixedPoint15(widened(rows[0] + i), hn::Set(lanes, weights[0]));
     for (int tap = 1; tap < taps; ++tap)
         sum = hn::Add(sum, hn::MulFixedPoint15(widened(rows[tap] + i), hn::Set(lanes, weights[tap])));
@@ -84,32 +84,48 @@ void weighAllRows(const std::uint32_t* const* rows, const std::int16_t* weights,
         storePixels(weighed(rows, weights, taps, count - step), out + (count - step), step);
 }
 
-/// Neighbouring outputs read neighbouring sources: one load a tap, sorted to the outputs.
-void weighDenseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+/// One vector of outputs that read neighbouring sources: one load a tap, sorted to the outputs. `starts` are
+/// their sources, the first of which is at `from`. With `fixedTaps` above 0 that many, else `taps`.
+template <int fixedTaps>
+HWY_INLINE Vector weighedColumns(const MixPixel* from, const std::int64_t* starts, const MixPixel* weights,
+                                 std::size_t tapStride, int taps) {
     const hn::Repartition<std::uint64_t, Lanes> words;
     const hn::Repartition<std::int64_t, Lanes> offsets;
+    const auto order =
+        hn::IndicesFromVec(words, hn::Sub(hn::LoadU(offsets, starts), hn::Set(offsets, starts[0])));
+    Vector sum = hn::Zero(lanes);
+    const int count = fixedTaps > 0 ? fixedTaps : taps;
+    for (int tap = 0; tap < count; ++tap, weights += tapStride) {
+        const auto sources = hn::TableLookupLanes(hn::BitCast(words, loadPixels(from + tap)), order);
+        sum = hn::Add(sum, hn::MulFixedPoint15(hn::BitCast(lanes, sources), loadPixels(weights)));
+    }
+    return clamped(sum);
+}
+
+template <int fixedTaps>
+HWY_INLINE void weighDenseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count,
+                                  MixPixel* out) {
+    constexpr int mostLanes = 8;
     const int step = int(hn::Lanes(lanes) / 4);
     const std::int64_t* starts = taps.starts() + index;
-    const std::int64_t origin = starts[0];
-    alignas(64) std::int64_t lastStarts[8];
-    for (int i = 0; i < count; i += step) {
-        const std::int64_t* here = starts + i;
-        if (i + step > count) {
-            for (int lane = 0; lane < step; ++lane)
-                lastStarts[lane] = here[std::min(lane, count - i - 1)];
-            here = lastStarts;
-        }
-        const auto first = hn::Set(offsets, here[0]);
-        const auto order = hn::IndicesFromVec(words, hn::Sub(hn::LoadU(offsets, here), first));
-        const MixPixel* from = source + (here[0] - origin);
-        const MixPixel* weights = taps.spread(index + i);
-        Vector sum = hn::Zero(lanes);
-        for (int tap = 0; tap < taps.taps(); ++tap, weights += taps.tapStride()) {
-            const auto sources = hn::TableLookupLanes(hn::BitCast(words, loadPixels(from + tap)), order);
-            sum = hn::Add(sum, hn::MulFixedPoint15(hn::BitCast(lanes, sources), loadPixels(weights)));
-        }
-        storePixels(clamped(sum), out + i, std::size_t(count - i));
+    const MixPixel* origin = source - starts[0];
+    const std::size_t stride = taps.tapStride();
+    const int tapCount = taps.taps();
+    const MixPixel* weights = taps.spread(index);
+    int i = 0;
+    for (; i + step <= count; i += step) {
+        const Vector pixels =
+            weighedColumns<fixedTaps>(origin + starts[i], starts + i, weights + i, stride, tapCount);
+        hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(out + i));
     }
+    if (i == count)
+        return;
+    alignas(64) std::int64_t lastStarts[mostLanes];
+    for (int lane = 0; lane < step; ++lane)
+        lastStarts[lane] = starts[std::min(i + lane, count - 1)];
+    const Vector pixels =
+        weighedColumns<fixedTaps>(origin + starts[i], lastStarts, weights + i, stride, tapCount);
+    storePixels(pixels, out + i, std::size_t(count - i));
 }
 
 /// Many taps an output: they are summed across a vector.
@@ -137,8 +153,10 @@ void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index
 }
 
 void weighAllColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
-    if (taps.isDense())
-        weighDenseColumns(source, taps, index, count, out);
+    if (taps.isDense() && taps.taps() == 4)
+        weighDenseColumns<4>(source, taps, index, count, out);
+    else if (taps.isDense())
+        weighDenseColumns<0>(source, taps, index, count, out);
     else
         weighSparseColumns(source, taps, index, count, out);
 }

@@ -11,6 +11,9 @@ class SolidPaint : public Paint {
 public:
     explicit SolidPaint(Float4 color) : m_color(color) {}
     void shade(int, int, int count, Float4* out) const override { std::fill_n(out, count, m_color); }
+    void mix(const TileRect& tile, MixPixel* out) const override {
+        std::fill_n(out, tile.area(), toMix(m_color));
+    }
     bool isOpaque() const override { return m_color[3] == 1; }
 
 private:

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "editor/render/raster/MixTile.h"
+
+namespace framora::raster {
+
+/// Where the pixels of a row lie in a gradient. Each function has a plain twin in `plain`, which gives the
+/// same bytes.
+
+/// The point of the first pixel of a row and the step to the next, in the gradient's own units.
+struct GradientRow {
+    float x;
+    float y;
+    float stepX;
+    float stepY;
+};
+
+/// A ramp's first entry is its first colour and its last one its last.
+inline constexpr int rampSize = 4096;
+
+/// The arc tangent of 0...1 in turns, by rising odd powers; within a two-millionth of a turn.
+inline constexpr float arcTangent[] = {0.15915412f,   -0.05299177f, 0.031090375f,
+                                       -0.019169988f, 0.009006576f, -0.0020897652f};
+/// What stands for a distance of 0.
+inline constexpr float arcTangentLeast = 1e-30f;
+
+/// Along x: 0 is the first colour, 1 the last.
+void linearPositions(const GradientRow& row, std::size_t count, std::int32_t* out);
+/// By the distance from the origin.
+void radialPositions(const GradientRow& row, std::size_t count, std::int32_t* out);
+/// By the direction from the origin, clockwise from up, `start` turns later.
+void angularPositions(const GradientRow& row, float start, std::size_t count, std::int32_t* out);
+
+/// The ramp's entries 0...rampSize at `positions`, dithered for the pixels from (x, y): what lies between two
+/// steps of 255 becomes a fine pattern instead of a band.
+void paintRamp(const MixPixel* ramp, const std::int32_t* positions, int x, int y, std::size_t count,
+               MixPixel* out);
+
+namespace plain {
+void linearPositions(const GradientRow& row, std::size_t count, std::int32_t* out);
+void radialPositions(const GradientRow& row, std::size_t count, std::int32_t* out);
+void angularPositions(const GradientRow& row, float start, std::size_t count, std::int32_t* out);
+void paintRamp(const MixPixel* ramp, const std::int32_t* positions, int x, int y, std::size_t count,
+               MixPixel* out);
+} // namespace plain
+
+} // namespace framora::raster
