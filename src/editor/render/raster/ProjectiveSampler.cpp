@@ -1,5 +1,8 @@
 #include "editor/render/raster/ProjectiveSampler.h"
 
+#include "editor/render/raster/ProjectiveKernels.h"
+#include "editor/render/raster/ResampleKernels.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -62,6 +65,20 @@ int ceilToInt(double value) {
 
 double inside(double value, double size) {
     return value > -4 ? std::min(value, size + 4) : -4; // what is not a number goes to the edge
+}
+
+/// The box's pixels, from (firstColumn, firstRow) on, as the kernels read them; beyond the picture its edge
+/// repeats.
+void copyWidened(PixelView picture, int firstColumn, int firstRow, const SourceBox& box, MixPixel* out) {
+    const int left = std::clamp(-firstColumn, 0, box.width - 1);
+    const int from = std::clamp(firstColumn + left, 0, picture.width - 1);
+    const int count = std::clamp(picture.width - from, 1, box.width - left);
+    for (int y = 0; y < box.height; ++y, out += box.width) {
+        const std::uint32_t* row = picture.row(std::clamp(firstRow + y, 0, picture.height - 1)) + from;
+        widenRow(row, std::size_t(count), out + left);
+        std::fill_n(out, left, out[left]);
+        std::fill(out + left + count, out + box.width, out[left + count - 1]);
+    }
 }
 
 } // namespace
@@ -216,7 +233,57 @@ void ProjectiveSampler::read(int x, int y, int count, Float4* out) const {
     }
 }
 
+bool ProjectiveSampler::mixMagnified(const TileRect& tile, MixPixel* out) const {
+    const PixelView picture = m_pyramid.picture();
+    double left = picture.width;
+    double right = 0;
+    double top = picture.height;
+    double bottom = 0;
+    for (const int x : {tile.x, tile.x + tile.width})
+        for (const int y : {tile.y, tile.y + tile.height}) {
+            const Vec2 corner{double(x), double(y)};
+            const double depth = m_toSource.depth(corner);
+            if (!(depth > 0))
+                return false;
+            const Vec2 exact = m_toSource.map(corner);
+            if (!(footprint(exact, depth).longest() <= 1 + 1e-9))
+                return false;
+            left = std::min(left, inside(exact.x, picture.width));
+            right = std::max(right, inside(exact.x, picture.width));
+            top = std::min(top, inside(exact.y, picture.height));
+            bottom = std::max(bottom, inside(exact.y, picture.height));
+        }
+    // The neighbours of the pixels that lie between, and one more for rounding.
+    const int firstColumn = int(std::floor(std::min(left, right))) - 3;
+    const int firstRow = int(std::floor(std::min(top, bottom))) - 3;
+    SourceBox box{nullptr, int(std::ceil(std::max(left, right))) + 3 - firstColumn,
+                  int(std::ceil(std::max(top, bottom))) + 3 - firstRow};
+    thread_local std::vector<MixPixel> pixels;
+    thread_local std::vector<std::int32_t> places;
+    pixels.resize(std::max(pixels.size(), std::size_t(box.width) * std::size_t(box.height)));
+    places.resize(std::max(places.size(), 2 * std::size_t(tile.width)));
+    copyWidened(picture, firstColumn, firstRow, box, pixels.data());
+    box.pixels = pixels.data();
+
+    // From pixel centres to the first of the four by four neighbours, in the box.
+    const Homography map = Homography::translation(-1.5 - firstColumn, -1.5 - firstRow) * m_toSource *
+                           Homography::translation(tile.x + 0.5, tile.y + 0.5);
+    std::int32_t* columns = places.data();
+    std::int32_t* rows = columns + tile.width;
+    const double scale = 1 / map(2, 2);
+    for (int y = 0; y < tile.height; ++y, out += tile.width) {
+        const auto at = [&](int row) { return float((map(row, 1) * y + map(row, 2)) * scale); };
+        const auto step = [&](int row) { return float(map(row, 0) * scale); };
+        projectRow({at(0), at(1), at(2), step(0), step(1), step(2)}, box, std::size_t(tile.width), columns,
+                   rows);
+        interpolateRow(box, columns, rows, std::size_t(tile.width), out);
+    }
+    return true;
+}
+
 void ProjectiveSampler::mix(const TileRect& tile, MixPixel* out) const {
+    if (mixMagnified(tile, out))
+        return;
     thread_local std::vector<Float4> row;
     row.resize(std::max(row.size(), std::size_t(tile.width)));
     for (int y = 0; y < tile.height; ++y) {

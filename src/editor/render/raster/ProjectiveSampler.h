@@ -42,6 +42,8 @@ private:
         double reach; ///< Rows above and below.
     };
 
+    /// mix() where every pixel of the tile is magnified; false, and nothing done, elsewhere.
+    bool mixMagnified(const TileRect& tile, MixPixel* out) const;
     Footprint footprint(Vec2 source, double depth) const;
     Filter filter(const Footprint& footprint) const;
     Float4 interpolated(Vec2 source) const;

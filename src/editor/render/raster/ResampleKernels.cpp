@@ -13,6 +13,9 @@ namespace framora::raster::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
 // No vectors: the plain kernels.
+void widenAll(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
+    plain::widenRow(pixels, count, out);
+}
 void weighAllRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
                   MixPixel* out) {
     plain::weighRows(rows, weights, taps, count, out);
@@ -59,6 +62,14 @@ HWY_INLINE Vector widened(const std::uint32_t* pixels) {
     const hn::Rebind<std::uint8_t, Lanes> bytes;
     return hn::ShiftLeft<sourceShift>(
         hn::PromoteTo(lanes, hn::LoadU(bytes, reinterpret_cast<const std::uint8_t*>(pixels))));
+}
+
+void widenAll(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
+    const std::size_t step = hn::Lanes(lanes) / 4;
+    std::size_t i = 0;
+    for (; i + step <= count; i += step)
+        hn::StoreU(widened(pixels + i), lanes, reinterpret_cast<std::int16_t*>(out + i));
+    plain::widenRow(pixels + i, count - i, out + i);
 }
 
 HWY_INLINE Vector weighed(const std::uint32_t* const* rows, const std::int16_t* weights, int taps,
@@ -169,8 +180,13 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace framora::raster {
 
+HWY_EXPORT(widenAll);
 HWY_EXPORT(weighAllRows);
 HWY_EXPORT(weighAllColumns);
+
+void widenRow(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
+    HWY_DYNAMIC_DISPATCH(widenAll)(pixels, count, out);
+}
 
 void weighRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
                MixPixel* out) {

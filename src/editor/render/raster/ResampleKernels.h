@@ -15,6 +15,9 @@ inline constexpr int filterOne = 255 << (sourceShift - 2);
 /// Readable pixels that the second half wants behind the last one it uses.
 inline constexpr std::size_t filterSlack = 8;
 
+/// The channels of a picture's pixels as the kernels read them, 0...255 << sourceShift.
+void widenRow(const std::uint32_t* pixels, std::size_t count, MixPixel* out);
+
 /// out[i] = the sum of rows[t][i] * weights[t] over the taps, for `count` pixels. The rows are pixels of a
 /// picture.
 void weighRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
@@ -25,6 +28,7 @@ void weighRows(const std::uint32_t* const* rows, const std::int16_t* weights, in
 void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out);
 
 namespace plain {
+void widenRow(const std::uint32_t* pixels, std::size_t count, MixPixel* out);
 void weighRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
                MixPixel* out);
 void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out);

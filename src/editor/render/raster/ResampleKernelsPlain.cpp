@@ -5,6 +5,12 @@
 
 namespace framora::raster::plain {
 
+void widenRow(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
+    for (std::size_t i = 0; i < count; ++i)
+        for (int c = 0; c < 4; ++c)
+            out[i].channel[c] = std::int16_t((pixels[i] >> (8 * c) & 255) << sourceShift);
+}
+
 void weighRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
                MixPixel* out) {
     for (std::size_t i = 0; i < count; ++i)
