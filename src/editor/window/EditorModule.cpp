@@ -2,7 +2,6 @@
 
 #include "editor/window/ScreenshotEditorWindow.h"
 
-#include <QQuickView>
 #include <QQuickWindow>
 
 namespace framora {
@@ -28,13 +27,7 @@ public:
         editor.open(image);
     }
 
-    void raise() override {
-        if (auto* window = ScreenshotEditorWindow::shared().editorWindow()) {
-            window->show();
-            window->raise();
-            window->requestActivate();
-        }
-    }
+    void raise() override { ScreenshotEditorWindow::shared().raise(); }
 };
 
 } // namespace

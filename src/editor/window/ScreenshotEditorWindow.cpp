@@ -179,6 +179,15 @@ void ScreenshotEditorWindow::copy(const QImage& image) {
     });
 }
 
+void ScreenshotEditorWindow::raise() {
+    if (!m_editorWindow)
+        return;
+    m_editorWindow->setWindowStates(m_editorWindow->windowStates() & ~Qt::WindowMinimized);
+    m_editorWindow->show();
+    m_editorWindow->raise();
+    m_editorWindow->requestActivate();
+}
+
 void ScreenshotEditorWindow::close() {
     finishClosing(true);
 }

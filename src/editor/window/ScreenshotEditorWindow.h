@@ -53,6 +53,8 @@ public:
 
     /// Shows the editor for `image`. The caller has closed an open window and set isClosing to false.
     void open(const QImage& image);
+    /// Brings the open window forward, out of the task bar if it is minimised; nothing when none is open.
+    void raise();
     /// Puts the picture on the clipboard, closes the window, and says so 0.3 s later.
     void copy(const QImage& image);
     /// Closes the window once; nothing while a close is under way or when none is open.

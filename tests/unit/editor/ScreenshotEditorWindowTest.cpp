@@ -278,6 +278,17 @@ TEST_F(EditorWindow, ItsCommandsMinimiseAndZoomTheWindow) {
     EXPECT_EQ(window().visibility(), QWindow::Minimized);
 }
 
+TEST_F(EditorWindow, RaisedItComesOutOfTheTaskBarAsItWas) {
+    editor.raise(); // Nothing is open.
+    editor.open(picture(60, 40));
+    window().showMaximized();
+    notifications.post(notifications::editorMiniaturize);
+    ASSERT_TRUE(window().windowStates() & Qt::WindowMinimized);
+    editor.raise();
+    EXPECT_FALSE(window().windowStates() & Qt::WindowMinimized);
+    EXPECT_TRUE(window().isVisible());
+}
+
 TEST_F(EditorWindow, FollowsTheDesktopsAppearance) {
     editor.open(picture(60, 40));
     EXPECT_EQ(window().rootObject()->property("dark"), false);
