@@ -145,6 +145,11 @@ QImage ScreenshotEditorViewModel::wallpaperThumbnail(int index) const {
     return exists ? m_wallpaperImages[std::size_t(index)].second : QImage();
 }
 
+QString ScreenshotEditorViewModel::wallpaperName(int index) const {
+    const bool exists = index >= 0 && std::size_t(index) < m_wallpaperImages.size();
+    return exists ? m_wallpaperImages[std::size_t(index)].first.fileName(QUrl::FullyDecoded) : QString();
+}
+
 void ScreenshotEditorViewModel::setWallpaperImages(std::vector<Wallpaper> wallpapers) {
     m_wallpaperImages = std::move(wallpapers);
     Q_EMIT wallpaperImagesChanged();

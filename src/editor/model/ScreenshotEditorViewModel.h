@@ -94,6 +94,8 @@ public:
     Q_INVOKABLE bool set(const QString& field, const QVariant& value);
     /// Null when there is no such entry.
     Q_INVOKABLE QImage wallpaperThumbnail(int index) const;
+    /// The file's name as it is shown, whatever bytes it is made of. Empty when there is no such entry.
+    Q_INVOKABLE QString wallpaperName(int index) const;
     QString mockupStyle() const;
     QString borderStyle() const;
     QString backgroundType() const;

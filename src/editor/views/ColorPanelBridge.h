@@ -2,7 +2,6 @@
 
 #include <QColor>
 #include <QObject>
-#include <QPointer>
 #include <QtQml/qqmlregistration.h>
 
 namespace framora {

@@ -32,7 +32,7 @@ Column {
                 focusPolicy: Qt.TabFocus
                 Accessible.role: Accessible.RadioButton
                 Accessible.name: text
-                text: decodeURIComponent(modelData.split("/").pop())
+                text: editor.viewModel.wallpaperName(index)
                 onClicked: editor.viewModel.selectWallpaper(modelData)
                 background: Item {
                     Thumbnail {

@@ -297,6 +297,18 @@ TEST_F(ViewModel, AskingForNoFileWhenThereIsNothingToRender) {
     EXPECT_TRUE(toasts.isEmpty());
 }
 
+TEST_F(ViewModel, ShowsWallpapersByTheirFilesNamesAlsoWhereTheseAreNoText) {
+    auto model = makeModel(picture(20, 10));
+    model->mergeWallpapers({{QUrl(QStringLiteral("file:///a/b%20c%25.png")), picture(1, 1)},
+                            {QUrl(QStringLiteral("file:///a/d%FFe.png")), picture(1, 1)}});
+    const int first = int(model->wallpaperURLs().size()) - 2;
+    EXPECT_EQ(model->wallpaperName(first), QStringLiteral("b c%.png"));
+    const QString odd = model->wallpaperName(first + 1);
+    EXPECT_TRUE(odd.startsWith(u'd') && odd.endsWith(u"e.png")) << odd.toStdString();
+    EXPECT_EQ(model->wallpaperName(-1), QString());
+    EXPECT_EQ(model->wallpaperName(first + 2), QString());
+}
+
 TEST_F(ViewModel, MergingWallpapersAppendsWhatWasNotThere) {
     addTexture();
     const auto model = makeModel(picture(20, 10));
