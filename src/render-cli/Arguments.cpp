@@ -4,7 +4,7 @@
 #include "render-cli/StyleFieldSetter.h"
 #include "render-cli/StyleJson.h"
 
-#include <QHash>
+#include <QFileInfo>
 
 namespace framora {
 namespace {
@@ -13,6 +13,18 @@ const QStringList& optionNames() {
     static const QStringList names{"-o",        "--output-dir", "--set",   "--text", "--pixel-ratio",
                                    "--preview", "--jobs",       "--quiet", "--help", "--version"};
     return names;
+}
+
+/// Whether a file of that name would be taken for a picture in another format than PNG.
+bool namesAnotherFormat(const QString& path) {
+    static const QStringList others{
+        QStringLiteral("jpg"),  QStringLiteral("jpeg"), QStringLiteral("jpe"),  QStringLiteral("jfif"),
+        QStringLiteral("jp2"),  QStringLiteral("jxl"),  QStringLiteral("webp"), QStringLiteral("avif"),
+        QStringLiteral("heic"), QStringLiteral("heif"), QStringLiteral("tif"),  QStringLiteral("tiff"),
+        QStringLiteral("gif"),  QStringLiteral("bmp"),  QStringLiteral("ico"),  QStringLiteral("tga"),
+        QStringLiteral("ppm"),  QStringLiteral("pgm"),  QStringLiteral("pbm"),  QStringLiteral("psd"),
+        QStringLiteral("svg"),  QStringLiteral("pdf")};
+    return others.contains(QFileInfo(path).suffix().toLower());
 }
 
 /// Names between commas, on lines of at most 100 characters that start with two blanks but for the first.
@@ -178,6 +190,10 @@ private:
         else if (!m_arguments.output.isEmpty() && m_arguments.images.size() > 1)
             m_error =
                 QStringLiteral("-o takes one image; use --output-dir for %1").arg(m_arguments.images.size());
+        else if (namesAnotherFormat(m_arguments.output))
+            m_error =
+                QStringLiteral("-o: pictures are written as PNG only; give '%1' a name that ends in .png")
+                    .arg(m_arguments.output);
     }
 
     const QStringList& m_words;

@@ -97,6 +97,15 @@ TEST(Arguments, BadUsageIsNamed) {
     expectError({"a", "-o", "b", "--text", "{"}, "--text: not JSON");
 }
 
+TEST(Arguments, AnOutputNamedForAnotherFormatIsRefused) {
+    for (const char* name : {"x.jpg", "x.JPEG", "a/b.webp", "x.tif", "x.tiff", "x.gif", "x.bmp", "x.heic",
+                             "x.avif", ".jpg", "x.png.jpg"})
+        expectError({"a", "-o", name}, ".png");
+    for (const char* name :
+         {"x.png", "x.PNG", "x", "x.out", "jpg", "x.jpg.png", "x.jpg/y", "-", "/dev/stdout"})
+        EXPECT_EQ(parse({"a", "-o", name}).error, QString()) << name;
+}
+
 TEST(Arguments, TheHelpNamesEveryFieldAndOption) {
     const QString help = Arguments::helpText();
     for (const char* word :
