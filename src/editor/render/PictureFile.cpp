@@ -1,5 +1,6 @@
 #include "editor/render/PictureFile.h"
 
+#include "editor/render/NamelessFile.h"
 #include "editor/render/PictureCompleteness.h"
 #include "editor/render/raster/PngEncoder.h"
 #include "platform/PictureResolution.h"
@@ -127,6 +128,8 @@ QString writeFileAtomically(const QString& path, const QByteArray& bytes) {
             return device.errorString();
         return {};
     }
+    if (writeThroughNamelessFile(path, bytes))
+        return {};
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return file.errorString();

@@ -7,7 +7,11 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QtEndian>
+#include <csignal>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace framora {
 namespace {
@@ -174,6 +178,55 @@ TEST(PictureFile, AFileIsReplacedWholeAndAFailureLeavesItAlone) {
     EXPECT_FALSE(writeFileAtomically(path + QStringLiteral("/below.png"), "x").isEmpty());
     EXPECT_FALSE(writeFileAtomically(folder.path(), "x").isEmpty());
     EXPECT_FALSE(writeFileAtomically(folder.filePath(QStringLiteral("no/such/folder.png")), "x").isEmpty());
+}
+
+TEST(PictureFile, ReplacingKeepsTheFilesPermissionsAndItsLink) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.png"));
+    const QString link = folder.filePath(QStringLiteral("link.png"));
+    ASSERT_EQ(writeFileAtomically(path, "one"), QString());
+    const auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;
+    ASSERT_TRUE(QFile::setPermissions(path, permissions));
+    ASSERT_TRUE(QFile::link(path, link));
+    EXPECT_EQ(writeFileAtomically(link, "two"), QString());
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "two");
+    // The process sees a file of its own with the user's bits as well.
+    EXPECT_EQ(file.permissions() & ~(QFile::ReadUser | QFile::WriteUser), permissions);
+}
+
+/// Writes files of `size` bytes one after the other under new names until it is killed.
+[[noreturn]] void writeForEver(const QDir& folder, qsizetype size) {
+    for (int number = 0;; ++number)
+        writeFileAtomically(folder.filePath(QStringLiteral("%1.png").arg(number)),
+                            QByteArray(size, char('a' + number % 16)));
+}
+
+TEST(PictureFile, AKilledWriterLeavesWholeFilesAndNothingElse) {
+    const QTemporaryDir folder;
+    const int probe =
+        ::open(QFile::encodeName(folder.path()).constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0600);
+    if (probe < 0)
+        GTEST_SKIP() << "this file system has no files without a name";
+    close(probe);
+    constexpr qsizetype size = 3'000'000;
+    const QDir files(folder.path());
+    for (int round = 0; round < 60; ++round) {
+        const pid_t writer = fork();
+        if (writer == 0)
+            writeForEver(files, size);
+        usleep(useconds_t(500 + round * 331));
+        ASSERT_EQ(::kill(writer, SIGKILL), 0);
+        int status = 0;
+        ASSERT_EQ(waitpid(writer, &status, 0), writer);
+        for (const QFileInfo& info : files.entryInfoList(QDir::Files | QDir::Hidden)) {
+            EXPECT_EQ(info.suffix(), QStringLiteral("png")) << info.fileName().toStdString();
+            EXPECT_EQ(info.size(), size);
+            QFile::remove(info.filePath());
+        }
+    }
 }
 
 TEST(PictureFile, ADeviceIsWrittenToAndNotReplaced) {
