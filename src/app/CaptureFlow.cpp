@@ -26,7 +26,7 @@ const CaptureFlowRow& CaptureFlowRow::window() {
 void runCaptureFlow(const CaptureFlowRow& row, const CaptureServices& services) {
     const auto countBefore = services.pasteboard.changeCount();
     if (!services.captureTool.launch(row.toolArguments)) {
-        services.toasts.show(localized(QStringLiteral("error")), QStringLiteral("xmark.circle.fill"), false);
+        services.toasts.showError();
         return;
     }
     services.captureTool.waitUntilExit();

@@ -55,8 +55,12 @@ struct framora_App::Desktop {
                     // In a turn of its own: a capture that is just starting comes first, and the toast's
                     // own code does not wait while the editor loads.
                     mainQueue.async([this, image] {
-                        if (auto* opened = loadedEditor())
+                        if (auto* opened = loadedEditor()) {
                             opened->edit(image);
+                        } else {
+                            errorToast = std::make_unique<ToastManager>(toastServices());
+                            errorToast->showError();
+                        }
                     });
                 }};
     }
@@ -81,6 +85,7 @@ struct framora_App::Desktop {
     }
 
     std::unique_ptr<Editor> editor; ///< Loaded with the first picture to edit.
+    std::unique_ptr<ToastManager> errorToast;
 };
 
 framora_App::framora_App() : m_desktop(std::make_unique<Desktop>()) {

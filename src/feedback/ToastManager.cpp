@@ -28,6 +28,10 @@ void ToastManager::show(const QString& message, const QString& icon, bool succes
             std::make_unique<ToastView>(message, icon, success, ToastPalette::of(m_services.appearance)));
 }
 
+void ToastManager::showError() {
+    show(localized(QStringLiteral("error")), QStringLiteral("xmark.circle.fill"), false);
+}
+
 void ToastManager::showInteractive(const QString& message, const QString& icon, const QImage& image) {
     closeCurrent();
     auto onEdit = [manager = std::weak_ptr(m_self), openEditor = m_services.openEditor, image] {

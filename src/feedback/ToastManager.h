@@ -35,6 +35,8 @@ public:
 
     /// The plain toast. `message` is localised, `icon` a symbol's name; `success` is false for failures.
     void show(const QString& message, const QString& icon, bool success);
+    /// The plain toast that says that something could not be done.
+    void showError();
     /// The toast of a capture: a click on it opens `image` in the editor. The image is dropped with the
     /// toast.
     void showInteractive(const QString& message, const QString& icon, const QImage& image);

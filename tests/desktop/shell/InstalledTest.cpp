@@ -108,5 +108,28 @@ TEST_F(InstalledTest, theCommandStartsFromTheTreesTexture) {
     EXPECT_NE(plain, render({QStringLiteral("--set"), QStringLiteral("backgroundImageURL=none")}));
 }
 
+TEST_F(InstalledTest, aMissingEditorIsToldByAToast) {
+    const QString editor = module();
+    ASSERT_TRUE(QFile::rename(editor, editor + QStringLiteral(".away")));
+    framora = &desktop.start(path(programs, QStringLiteral("framora")));
+    const QRect card = capture({120, 80});
+    const auto interactive = driver.toast();
+    ASSERT_TRUE(interactive);
+    display().click(card.center());
+    // A plain toast takes no click.
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] {
+        const auto toast = driver.toast();
+        return toast && toast->id != interactive->id && display().inputArea(toast->id).isEmpty();
+    }));
+    EXPECT_FALSE(driver.editor());
+    EXPECT_TRUE(framora->isRunning());
+
+    // It is looked for anew with the next picture.
+    ASSERT_TRUE(QFile::rename(editor + QStringLiteral(".away"), editor));
+    driver.waitForNoToast();
+    display().click(capture({100, 60}).center());
+    driver.waitForEditor();
+}
+
 } // namespace
 } // namespace framora
