@@ -46,7 +46,12 @@ struct framora_App::Desktop {
     X11Permissions permissions{keyMonitors};
     X11Application application{connection, notifications};
     X11ToastPanels toastPanels{mainQueue};
-    ProcessCaptureTool captureTool{gate, ProcessCaptureTool::defaultExecutable()};
+    ProcessCaptureTool captureTool{gate, ProcessCaptureTool::defaultExecutable(), [this](bool screenIsTaken) {
+                                       if (screenIsTaken)
+                                           toastPanels.withdraw();
+                                       else // After the capture's own toast has replaced the earlier one.
+                                           mainQueue.async([this] { toastPanels.restore(); });
+                                   }};
     TrayStatusBar statusBar{gate, appearance, notifications};
     TerminationSignals terminationSignals;
 

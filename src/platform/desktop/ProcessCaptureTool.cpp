@@ -11,8 +11,9 @@ const QString toolName = QStringLiteral("framora-screencapture");
 constexpr int endingMilliseconds = 1000;
 } // namespace
 
-ProcessCaptureTool::ProcessCaptureTool(CommandGate& gate, QString executable)
-    : m_gate(gate), m_executable(std::move(executable)) {
+ProcessCaptureTool::ProcessCaptureTool(CommandGate& gate, QString executable,
+                                       std::function<void(bool)> onScreenTaken)
+    : m_gate(gate), m_executable(std::move(executable)), m_onScreenTaken(std::move(onScreenTaken)) {
     // No pipes: the tool leaves a process behind that serves the clipboard, and would keep them open.
     m_process.setProcessChannelMode(QProcess::ForwardedChannels);
     m_process.setInputChannelMode(QProcess::ForwardedInputChannel);
@@ -25,11 +26,22 @@ QString ProcessCaptureTool::defaultExecutable() {
 bool ProcessCaptureTool::launch(const QStringList& arguments) {
     if (m_process.state() != QProcess::NotRunning)
         return false;
+    if (m_onScreenTaken)
+        m_onScreenTaken(true);
     m_process.start(m_executable, arguments);
-    return m_process.waitForStarted();
+    const bool started = m_process.waitForStarted();
+    if (!started && m_onScreenTaken)
+        m_onScreenTaken(false);
+    return started;
 }
 
 void ProcessCaptureTool::waitUntilExit() {
+    runUntilExit();
+    if (m_onScreenTaken)
+        m_onScreenTaken(false);
+}
+
+void ProcessCaptureTool::runUntilExit() {
     const CommandGate::Closing closing(m_gate);
     QEventLoop loop;
     QObject::connect(&m_process, &QProcess::finished, &loop, &QEventLoop::quit);

@@ -175,6 +175,16 @@ void X11ToastConnection::flush() {
         Qt::QueuedConnection);
 }
 
+void X11ToastConnection::setWithdrawn(bool withdrawn) {
+    if (m_panels.empty())
+        return;
+    for (auto* panel : m_panels)
+        panel->setWithdrawn(withdrawn);
+    const XcbReply<xcb_get_input_focus_reply_t> done(
+        xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+    flush();
+}
+
 void X11ToastConnection::dispatch() {
     while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)})
         deliver(*event);

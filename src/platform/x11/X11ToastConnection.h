@@ -57,6 +57,9 @@ public:
     void add(X11ToastPanel& panel);
     void remove(X11ToastPanel& panel);
 
+    /// Takes all panels off the screen, or lets them show again; the server has done so when this returns.
+    void setWithdrawn(bool withdrawn);
+
     /// Sends what is buffered; events that were read meanwhile are delivered in a later turn of the event
     /// loop.
     void flush();

@@ -238,7 +238,7 @@ void X11ToastPanel::changeAlpha(double alpha) {
     // Without a compositor the window is either there or not; with one it stays mapped, so that a fade never
     // blinks.
     const bool goingAway = m_animation && m_animation->to <= 0;
-    const bool shown = m_ordered && (m_look != Look::opaque || (m_alpha > 0 && !goingAway));
+    const bool shown = m_ordered && !m_withdrawn && (m_look != Look::opaque || (m_alpha > 0 && !goingAway));
     if (shown && !m_mapped) {
         m_mapped = true;
         xcb_map_window(m_connection, m_window);
@@ -313,6 +313,14 @@ void X11ToastPanel::compositorChanged() {
     updateLook();
     changeAlpha(m_alpha);
     m_connection.flush();
+}
+
+void X11ToastPanel::setWithdrawn(bool withdrawn) {
+    if (m_withdrawn == withdrawn)
+        return;
+    m_withdrawn = withdrawn;
+    m_probes = 0;
+    changeAlpha(m_alpha);
 }
 
 void X11ToastPanel::keepAbove() {

@@ -32,6 +32,8 @@ public:
     void pointerIsOver(bool over);
     void pressed(int x, int y); ///< Pixels. The panel may have gone when this returns.
     void compositorChanged();
+    /// Not on the screen for a while, whatever else is asked of it.
+    void setWithdrawn(bool withdrawn);
     void keepAbove();
 
 private:
@@ -85,6 +87,7 @@ private:
     std::unique_ptr<WorkItem> m_probeTimer;
     bool m_ordered = false;
     bool m_mapped = false;
+    bool m_withdrawn = false;
     int m_raisesLeft;
     std::unique_ptr<Animation> m_animation;
 };

@@ -29,6 +29,16 @@ X11ToastPanels::X11ToastPanels(MainQueue& queue) : m_queue(queue) {}
 
 X11ToastPanels::~X11ToastPanels() = default;
 
+void X11ToastPanels::withdraw() {
+    if (m_connection && m_connection->isValid())
+        m_connection->setWithdrawn(true);
+}
+
+void X11ToastPanels::restore() {
+    if (m_connection && m_connection->isValid())
+        m_connection->setWithdrawn(false);
+}
+
 std::unique_ptr<ToastPanel> X11ToastPanels::makePanel(const Screen& screen, bool ignoresMouse,
                                                       std::unique_ptr<ToastContent> content) {
     if (!m_connection)

@@ -105,6 +105,28 @@ TEST_P(ToastDesktopTest, theWindowHasTheScreensWholeFrameAndStandsAboveAFullScre
     EXPECT_EQ(display().cardinals(window->id, "_NET_WM_DESKTOP"), std::vector<std::uint32_t>{0xffffffff});
 }
 
+TEST_P(ToastDesktopTest, withdrawnItIsOffTheScreenUntilItIsRestored) {
+    panels->withdraw(); // Nothing is there, and what comes later is not concerned.
+    showInteractive();
+    ASSERT_TRUE(waitUntilFullyShown());
+    panels->withdraw();
+    EXPECT_FALSE(toast()) << "gone when the call returns";
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return changedArea(display().screenshot()).isEmpty(); }));
+    panels->restore();
+    EXPECT_TRUE(waitUntilFullyShown());
+    EXPECT_TRUE(waitUntilGone());
+}
+
+TEST_P(ToastDesktopTest, aToastThatReplacesAWithdrawnOneIsShownAtOnce) {
+    showInteractive();
+    ASSERT_TRUE(waitUntilFullyShown());
+    panels->withdraw();
+    showPlain();
+    EXPECT_TRUE(waitUntilFullyShown());
+    panels->restore();
+    EXPECT_TRUE(waitUntilGone());
+}
+
 TEST_P(ToastDesktopTest, theFocusStaysWhereItWas) {
     const auto before = display().focusedWindow();
     showPlain();

@@ -76,6 +76,40 @@ TEST_F(StartTest, aSecondStartOpensThePreferencesWhenNothingIsOpen) {
     }));
 }
 
+TEST_F(StartTest, aCaptureShowsNothingOfAnEarlierToast) {
+    VirtualDesktop desktop;
+    FramoraDriver driver(desktop);
+    DesktopDisplay& display = driver.display();
+    // A window that has to draw again what the toast covered.
+    desktop.start(QStringLiteral("xterm"),
+                  {QStringLiteral("-xrm"), QStringLiteral("*wmTimeout: 100"), QStringLiteral("-title"),
+                   QStringLiteral("Beneath"), QStringLiteral("-geometry"), QStringLiteral("140x26+150+350"),
+                   QStringLiteral("-bg"), QStringLiteral("#1e8c5a")});
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] {
+        return display.pixelAt({640, 600}) == QColor(0x1e, 0x8c, 0x5a);
+    }));
+    driver.launch();
+    const QImage before = display.screenshot();
+    const QRect card = driver.capture(QRect(20, 20, 120, 80));
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return display.screenshot(card) != before.copy(card); }));
+
+    driver.pressAreaShortcut();
+    driver.waitForOverlay();
+    driver.selectArea(card);
+    const QImage taken = desktop.clipboardImage().convertToFormat(before.format());
+    EXPECT_EQ(taken.size(), card.size());
+    EXPECT_EQ(taken, before.copy(card));
+
+    // A cancelled capture brings it back.
+    const DesktopWindow toast = driver.waitForToast();
+    driver.pressAreaShortcut();
+    driver.waitForOverlay();
+    EXPECT_FALSE(driver.toast());
+    display.key({"Escape"});
+    driver.waitForNoOverlay();
+    EXPECT_EQ(driver.waitForToast().id, toast.id);
+}
+
 TEST_F(StartTest, aKilledFramoraDoesNotKeepTheNextFromStarting) {
     VirtualDesktop desktop;
     FramoraDriver driver(desktop);
