@@ -12,7 +12,8 @@ namespace framora::comparison {
 namespace {
 
 cv::Mat matrixOf(QImage& image) {
-    return {image.height(), image.width(), CV_8UC4, image.bits(), std::size_t(image.bytesPerLine())};
+    const int type = image.format() == QImage::Format_RGB888 ? CV_8UC3 : CV_8UC4;
+    return {image.height(), image.width(), type, image.bits(), std::size_t(image.bytesPerLine())};
 }
 
 } // namespace
@@ -38,11 +39,12 @@ std::optional<Contender> openCvWarp(const Inputs& inputs) {
 }
 
 std::optional<Contender> openCvBlur(const Inputs& inputs) {
-    const auto target = std::make_shared<QImage>(outputSize, QImage::Format_ARGB32_Premultiplied);
+    // Three channels: its Gaussian takes more than twice as long for four.
+    const auto target = std::make_shared<QImage>(outputSize, QImage::Format_RGB888);
     target->fill(Qt::black);
     const auto stretched = std::make_shared<QImage>(target->copy());
-    const auto photograph = std::make_shared<QImage>(inputs.photograph.copy());
-    const auto source = std::make_shared<Inputs>(inputs);
+    const auto photograph =
+        std::make_shared<QImage>(inputs.photograph.convertToFormat(QImage::Format_RGB888));
     return Contender{
         .name = QStringLiteral("OpenCV resize + Gaussian"),
         .run =
@@ -53,12 +55,7 @@ std::optional<Contender> openCvBlur(const Inputs& inputs) {
                 const double sigma = photoBlurRadius * exportScale;
                 cv::GaussianBlur(between, to, cv::Size(), sigma, sigma, cv::BORDER_REPLICATE);
             },
-        .picture =
-            [=] {
-                QImage picture = *target;
-                drawScreenshot(picture, Workload::blurredPhoto, *source);
-                return picture;
-            },
+        .picture = [=] { return *target; },
     };
 }
 

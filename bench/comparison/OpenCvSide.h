@@ -13,7 +13,7 @@ namespace framora::comparison {
 /// W2's screenshot alone: the cubic warp onto a target that holds the gradient already, corners not rounded.
 std::optional<Contender> openCvWarp(const Inputs& inputs);
 
-/// W3's background alone: stretched bilinearly and blurred. The screenshot is added for the comparison.
+/// W3's background alone: stretched bilinearly and blurred, in three channels.
 std::optional<Contender> openCvBlur(const Inputs& inputs);
 
 } // namespace framora::comparison

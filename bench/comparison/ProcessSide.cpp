@@ -52,7 +52,11 @@ Contender process(const QString& name, const QStringList& command, const QString
                 const QString memory = QStringLiteral("%1 MB at most").arg(last->peakMegabytes, 0, 'f', 0);
                 return last->status == 0 ? memory : QStringLiteral("FAILED with status %1").arg(last->status);
             },
-        .prepare = [file] { QFile::remove(file); },
+        .prepare =
+            [file] {
+                if (!file.isEmpty())
+                    QFile::remove(file);
+            },
     };
     if (isComparable)
         contender.picture = [file] { return QImage(file); };

@@ -70,12 +70,6 @@ Contender painterDecode(const Inputs& inputs) {
     };
 }
 
-void drawScreenshot(QImage& target, Workload workload, const Inputs& inputs) {
-    QPainter painter(&target);
-    drawPicture(painter, inputs.screenshot, screenshotToOutput(workload, inputs),
-                style(workload, inputs).borderRadius);
-}
-
 QImage gradientTarget(const Inputs& inputs) {
     QImage target(outputSize, QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&target);

@@ -3,8 +3,6 @@
 #include "Contender.h"
 #include "Workloads.h"
 
-#include <optional>
-
 namespace framora::comparison {
 
 /// W1 and W2 by QPainter on a target that is allocated and touched: bilinear, antialiased.
@@ -12,9 +10,6 @@ Contender painterExport(Workload workload, const Inputs& inputs);
 
 /// The photograph by Qt's own reader, to 32 bits a pixel.
 Contender painterDecode(const Inputs& inputs);
-
-/// Draws the screenshot with its rounded corners over what `target` holds.
-void drawScreenshot(QImage& target, Workload workload, const Inputs& inputs);
 
 /// A target filled with W1's gradient.
 QImage gradientTarget(const Inputs& inputs);

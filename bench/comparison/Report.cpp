@@ -7,6 +7,8 @@ namespace framora::comparison {
 namespace {
 
 constexpr int nameWidth = 46;
+/// Levels of 255 that the means of the same picture may differ by, through other filters and corners.
+constexpr double agreement = 1.5;
 
 } // namespace
 
@@ -36,10 +38,14 @@ void Report::table(const QList<Measurement>& measurements, const QList<Aim>& aim
         std::printf("  %s\n", qPrintable(measurement.note));
     }
     for (const Aim& aim : aims)
-        for (const Measurement& other : measurements)
-            if (other.name == aim.against)
-                ratio(QStringLiteral("our time over that of ") + other.name,
-                      measurements.first().median() / other.median(), aim.atMost);
+        for (const Measurement& other : measurements) {
+            if (other.name != aim.against)
+                continue;
+            ratio(QStringLiteral("our time over that of ") + other.name,
+                  measurements.first().median() / other.median(), aim.atMost);
+            if (other.meanDifference.value_or(0) > agreement)
+                line(QStringLiteral("  which does not count: the pictures do not agree"));
+        }
     std::fflush(stdout);
 }
 

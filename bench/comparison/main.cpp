@@ -119,6 +119,13 @@ private:
         QList<Contender> contenders = framoraExport(Workload::blurredPhoto, m_inputs);
         if (const auto blur = openCvBlur(m_inputs))
             contenders << *blur;
+        // The others make the background alone, so that alone is compared: below the screenshot, where the
+        // photograph has the most detail.
+        for (Contender& contender : contenders)
+            contender.picture = [whole = contender.picture] {
+                const int below = outputSize.height() / 40;
+                return whole().copy(0, outputSize.height() - below, outputSize.width(), below);
+            };
         // In the same turns, but another picture: it is not compared.
         Contender everything = framoraExport(Workload::everything, m_inputs).first();
         everything.name = QStringLiteral("W4: glass frame, text and shadow scene over W3");
