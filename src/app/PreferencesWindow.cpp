@@ -6,6 +6,7 @@
 #include <QEvent>
 #include <QFormLayout>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QScreen>
 #include <QTimer>
@@ -91,6 +92,10 @@ void PreferencesWindow::makeKeyAndOrderFront() {
 }
 
 bool PreferencesWindow::eventFilter(QObject*, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+        m_window->close();
+        return true;
+    }
     if (event->type() == QEvent::Close)
         QTimer::singleShot(0, this, [this] { m_onWillClose(); });
     return false;

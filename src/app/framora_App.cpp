@@ -110,6 +110,7 @@ framora_App::framora_App() : m_desktop(std::make_unique<Desktop>()) {
 framora_App::~framora_App() = default;
 
 void framora_App::launch() {
+    m_desktop->appearance.colorApplication();
     _appDelegate->applicationDidFinishLaunching();
 }
 

@@ -104,6 +104,11 @@ void DesktopAppearance::take(const QString& group, const QString& key, const QVa
     }
 }
 
+void DesktopAppearance::colorApplication() {
+    m_colorsApplication = true;
+    m_palette.apply(isDark(), accentColor());
+}
+
 bool DesktopAppearance::isDark() const {
     if (m_portalDark)
         return *m_portalDark;
@@ -116,13 +121,13 @@ bool DesktopAppearance::isDark() const {
         m_x11ThemeName = x11ThemeName();
     if (!m_x11ThemeName->isEmpty())
         return namesDarkTheme(*m_x11ThemeName);
-    return QGuiApplication::palette().color(QPalette::Window).lightness() < 128;
+    return m_palette.ofDesktop().color(QPalette::Window).lightness() < 128;
 }
 
 QColor DesktopAppearance::accentColor() const {
     if (m_portalAccent)
         return *m_portalAccent;
-    const QColor highlight = QGuiApplication::palette().color(QPalette::Active, QPalette::Highlight);
+    const QColor highlight = m_palette.ofDesktop().color(QPalette::Active, QPalette::Highlight);
     return highlight == builtInHighlight || highlight.saturation() < 40 ? ownAccent : highlight;
 }
 
@@ -138,6 +143,8 @@ bool DesktopAppearance::eventFilter(QObject*, QEvent* event) {
 
 void DesktopAppearance::announceChange() {
     m_x11ThemeName.reset();
+    if (m_colorsApplication)
+        m_palette.apply(isDark(), accentColor());
     const Look now = look();
     if (now == m_announced)
         return;

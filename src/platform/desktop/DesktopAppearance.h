@@ -2,6 +2,7 @@
 
 #include "platform/Appearance.h"
 #include "platform/NotificationCenter.h"
+#include "platform/desktop/ApplicationPalette.h"
 
 #include <QDBusConnection>
 #include <QDBusVariant>
@@ -21,6 +22,9 @@ public:
     /// The notification centre outlives this.
     explicit DesktopAppearance(NotificationCenter& notifications,
                                const QDBusConnection& bus = QDBusConnection::sessionBus());
+
+    /// From now on what the toolkit draws follows this appearance.
+    void colorApplication();
 
     bool isDark() const override;
     QColor accentColor() const override;
@@ -45,6 +49,8 @@ private:
     Look look() const { return {isDark(), accentColor(), prefersReducedMotion()}; }
 
     NotificationCenter& m_notifications;
+    ApplicationPalette m_palette;
+    bool m_colorsApplication = false;
     std::optional<bool> m_portalDark; ///< Nothing when the desktop has no preference.
     std::optional<QColor> m_portalAccent;
     std::optional<QString> m_themeName;

@@ -148,6 +148,55 @@ TEST_F(DesktopAppearanceTest, withoutAPortalThePaletteDecides) {
     QGuiApplication::setPalette(before);
 }
 
+TEST_F(DesktopAppearanceTest, whatTheToolkitDrawsFollowsTheDesktop) {
+    const QPalette before = QGuiApplication::palette();
+    const auto lightness = [](QPalette::ColorRole role) {
+        return QGuiApplication::palette().color(role).lightness();
+    };
+    portal.groups[appearanceGroup][scheme] = QVariant::fromValue(1u);
+    {
+        DesktopAppearance appearance(notifications, *client);
+        EXPECT_EQ(QGuiApplication::palette(), before) << "only on request";
+        appearance.colorApplication();
+        EXPECT_GT(lightness(QPalette::Window), 200);
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] { return lightness(QPalette::Window) < 60; }));
+        EXPECT_GT(lightness(QPalette::WindowText), 200);
+        EXPECT_LT(lightness(QPalette::Base), 60);
+        EXPECT_EQ(QGuiApplication::palette().color(QPalette::Highlight), appearance.accentColor());
+        Q_EMIT portal.SettingChanged(appearanceGroup, scheme, QDBusVariant(QVariant::fromValue(2u)));
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] { return lightness(QPalette::Window) > 200; }));
+        EXPECT_LT(lightness(QPalette::WindowText), 60);
+        Q_EMIT portal.SettingChanged(appearanceGroup, scheme, QDBusVariant(QVariant::fromValue(1u)));
+        ASSERT_TRUE(VirtualDesktop::waitFor([&] { return appearance.isDark(); }));
+        // Without a preference the desktop's own palette decides, not the one that was put over it.
+        Q_EMIT portal.SettingChanged(appearanceGroup, scheme, QDBusVariant(QVariant::fromValue(0u)));
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] { return !appearance.isDark(); }));
+        EXPECT_GT(lightness(QPalette::Window), 200);
+    }
+    QGuiApplication::setPalette(before);
+}
+
+TEST_F(DesktopAppearanceTest, aPaletteOfTheDesktopThatAgreesStays) {
+    const QPalette before = QGuiApplication::palette();
+    QPalette themed(QColor(50, 30, 60), QColor(50, 30, 60));
+    themed.setColor(QPalette::All, QPalette::Highlight, QColor(200, 60, 90));
+    QGuiApplication::setPalette(themed);
+    {
+        DesktopAppearance appearance(notifications, *client);
+        appearance.colorApplication();
+        ASSERT_TRUE(VirtualDesktop::waitFor([&] { return portal.reads == 1; }));
+        EXPECT_TRUE(appearance.isDark());
+        EXPECT_EQ(QGuiApplication::palette().color(QPalette::Window), QColor(50, 30, 60));
+        Q_EMIT portal.SettingChanged(appearanceGroup, scheme, QDBusVariant(QVariant::fromValue(2u)));
+        EXPECT_TRUE(VirtualDesktop::waitFor(
+            [&] { return QGuiApplication::palette().color(QPalette::Window).lightness() > 200; }));
+        Q_EMIT portal.SettingChanged(appearanceGroup, scheme, QDBusVariant(QVariant::fromValue(1u)));
+        EXPECT_TRUE(VirtualDesktop::waitFor(
+            [&] { return QGuiApplication::palette().color(QPalette::Window) == QColor(50, 30, 60); }));
+    }
+    QGuiApplication::setPalette(before);
+}
+
 } // namespace
 } // namespace framora
 
