@@ -2,6 +2,7 @@
 
 #include "screencapture/XConnection.h"
 
+#include <algorithm>
 #include <cairo.h>
 #include <cmath>
 #include <numbers>
@@ -11,28 +12,42 @@ namespace framora {
 
 namespace {
 
-// Points of the cursor's square; the middle is what it points at.
+// Points of the camera's square; the middle is what it points at.
 constexpr int kSide = 31;
 
-void drawCross(cairo_t* cr) {
-    constexpr double kMiddle = kSide / 2.0;
-    constexpr double kHole = 4;
-    constexpr double kArm = 14;
-    const auto arms = [cr] {
-        for (const auto& [dx, dy] : {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}}) {
-            cairo_move_to(cr, kMiddle + dx * kHole, kMiddle + dy * kHole);
-            cairo_line_to(cr, kMiddle + dx * kArm, kMiddle + dy * kArm);
+/// A cross of whole pixels, whose lines are as thick as those of the overlay and run on in them.
+struct Cross {
+    explicit Cross(double ratio)
+        : line(std::max(1, static_cast<int>(ratio))), hole(static_cast<int>(std::lround(4 * ratio))),
+          arm(static_cast<int>(std::lround(14 * ratio))) {}
+
+    /// The first pixel of its lines, which stands on what it points at.
+    int middle() const { return arm + line; }
+    int side() const { return 2 * middle() + line; }
+
+    void draw(cairo_t* cr) const {
+        cairo_set_source_rgba(cr, 0, 0, 0, 0.55);
+        arms(cr, line);
+        cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
+        cairo_set_source_rgb(cr, 1, 1, 1);
+        arms(cr, 0);
+    }
+
+    int line;
+    int hole; // from the lines that cross to where an arm begins
+    int arm;  // and to where it ends
+
+private:
+    void arms(cairo_t* cr, int grow) const {
+        const int thick = line + 2 * grow;
+        const int length = arm - hole + 2 * grow;
+        for (const int from : {middle() - arm - grow, middle() + line + hole - grow}) {
+            cairo_rectangle(cr, from, middle() - grow, length, thick);
+            cairo_rectangle(cr, middle() - grow, from, thick, length);
         }
-        cairo_stroke(cr);
-    };
-    cairo_set_line_cap(cr, CAIRO_LINE_CAP_SQUARE);
-    cairo_set_source_rgba(cr, 0, 0, 0, 0.55);
-    cairo_set_line_width(cr, 3);
-    arms();
-    cairo_set_source_rgb(cr, 1, 1, 1);
-    cairo_set_line_width(cr, 1);
-    arms();
-}
+        cairo_fill(cr);
+    }
+};
 
 void drawCamera(cairo_t* cr) {
     constexpr double kQuarter = std::numbers::pi / 2;
@@ -82,13 +97,19 @@ xcb_cursor_t CaptureCursor::forMode(CaptureMode mode) {
 }
 
 xcb_cursor_t CaptureCursor::drawn(CaptureMode mode) const {
-    const auto side = static_cast<uint16_t>(std::lround(kSide * m_ratio));
+    const bool area = mode == CaptureMode::Area;
+    const Cross cross(m_ratio);
+    const auto side = static_cast<uint16_t>(area ? cross.side() : std::lround(kSide * m_ratio));
     if (!m_format || xcb_get_setup(m_connection)->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST)
         return XCB_CURSOR_NONE;
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, side, side);
     cairo_t* cr = cairo_create(surface);
-    cairo_scale(cr, m_ratio, m_ratio);
-    mode == CaptureMode::Area ? drawCross(cr) : drawCamera(cr);
+    if (area) {
+        cross.draw(cr);
+    } else {
+        cairo_scale(cr, m_ratio, m_ratio);
+        drawCamera(cr);
+    }
     cairo_destroy(cr);
     cairo_surface_flush(surface);
 
@@ -104,7 +125,7 @@ xcb_cursor_t CaptureCursor::drawn(CaptureMode mode) const {
                       static_cast<uint32_t>(side) * side * 4, cairo_image_surface_get_data(surface));
         xcb_render_create_picture(m_connection, picture, pixmap, m_format, 0, nullptr);
         cursor = xcb_generate_id(m_connection);
-        const uint16_t middle = side / 2;
+        const auto middle = static_cast<uint16_t>(area ? cross.middle() : side / 2);
         if (!m_connection.succeeded(
                 xcb_render_create_cursor_checked(m_connection, cursor, picture, middle, middle)))
             cursor = XCB_CURSOR_NONE;
