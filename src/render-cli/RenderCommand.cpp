@@ -70,8 +70,8 @@ int RenderCommand::render(const Arguments& arguments) {
     const ScreenshotStyleConfig& style = arguments.style;
     if (style.backgroundType == BackgroundType::image && style.backgroundImageURL) {
         background = BackgroundDecoder::decode(*style.backgroundImageURL);
-        if (background.isNull() && !BackgroundDecoder::isVideo(*style.backgroundImageURL)) {
-            say(QStringLiteral("backgroundImageURL: '%1' is not a picture that can be read")
+        if (background.isNull()) {
+            say(QStringLiteral("backgroundImageURL: '%1' is not a picture or video that can be read")
                     .arg(style.backgroundImageURL->toLocalFile()));
             return badUsage;
         }

@@ -8,8 +8,10 @@ namespace framora {
 /// Turns the file of an image background into a picture. Safe on any thread.
 class BackgroundDecoder {
 public:
-    /// The picture, upright and in sRGB; null when the file is missing, is of no known format, is cut off or
-    /// claims a size beyond all reason. Videos give nothing.
+    /// The picture, upright and in sRGB; null when the file is missing, is no regular file, is of no known
+    /// format, is cut off or claims a size beyond all reason. Of a video it is the frame shown at one second,
+    /// or the first one of a shorter clip, scaled down into 3840 x 2160 where it is larger. Videos and HEIF
+    /// pictures are decoded by a process of their own, which ends after twenty seconds at the latest.
     static QImage decode(const QUrl& url);
     /// The same, and the next decode() of the unchanged file gets this picture without reading it: for a
     /// picture that two want one after the other. The last one is kept until then.

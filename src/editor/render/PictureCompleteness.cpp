@@ -1,5 +1,7 @@
 #include "editor/render/PictureCompleteness.h"
 
+#include "editor/render/TiffCompleteness.h"
+
 #include <QtEndian>
 
 namespace framora {
@@ -69,6 +71,13 @@ bool isCutOffBmp(QByteArrayView file) {
     return file.size() < 26 || qFromLittleEndian<quint32>(file.data() + 2) > quint64(file.size());
 }
 
+/// Up to the size that its header states.
+bool isCutOffWebp(QByteArrayView file) {
+    constexpr quint64 chunkHeader = 8;
+    return file.size() < 12 ||
+           qFromLittleEndian<quint32>(file.data() + 4) + chunkHeader > quint64(file.size());
+}
+
 } // namespace
 
 bool isCutOff(QByteArrayView file) {
@@ -80,7 +89,9 @@ bool isCutOff(QByteArrayView file) {
         return isCutOffGif(file);
     if (file.startsWith("BM"))
         return isCutOffBmp(file);
-    return false;
+    if (file.startsWith("RIFF"))
+        return isCutOffWebp(file);
+    return isCutOffTiff(file);
 }
 
 } // namespace framora

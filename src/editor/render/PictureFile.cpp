@@ -2,11 +2,11 @@
 
 #include "editor/render/NamelessFile.h"
 #include "editor/render/PictureCompleteness.h"
+#include "editor/render/SrgbPicture.h"
 #include "editor/render/raster/PngEncoder.h"
 #include "platform/PictureResolution.h"
 
 #include <QBuffer>
-#include <QColorSpace>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
@@ -69,12 +69,9 @@ LoadedPicture loadPicture(const QByteArray& encoded) {
         return failure(decodingError(reader));
     if (!isWithinBounds(image.size()))
         return failure(QStringLiteral("the picture has more pixels than can be drawn"));
-    if (image.colorSpace().isValid() && image.colorSpace() != QColorSpace(QColorSpace::SRgb))
-        image.convertToColorSpace(QColorSpace(QColorSpace::SRgb));
-    image.convertTo(QImage::Format_ARGB32_Premultiplied);
+    image = srgbPicture(std::move(image));
     if (image.isNull())
         return failure(QStringLiteral("not enough memory for the picture"));
-    image.setColorSpace(QColorSpace());
     image.setDevicePixelRatio(storedPixelRatio(encoded));
     return {.image = image, .error = QString()};
 }

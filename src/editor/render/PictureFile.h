@@ -1,5 +1,7 @@
 #pragma once
 
+#include "editor/render/decoders/DecodedPicture.h"
+
 #include <QByteArray>
 #include <QIODevice>
 #include <QImage>
@@ -15,9 +17,6 @@ struct LoadedPicture {
     explicit operator bool() const { return !image.isNull(); }
 };
 
-/// Pictures beyond these are refused before memory is taken for them.
-inline constexpr int maximumPictureSide = 32767;
-inline constexpr qint64 maximumPicturePixels = qint64(1) << 27;
 /// Files beyond this are not read at all; a pipe or a device may never end.
 inline constexpr qint64 maximumPictureBytes = qint64(1) << 28;
 

@@ -1,7 +1,9 @@
 #include "editor/views/ScreenshotPreviewCanvas.h"
 
 #include "editor/render/CompositionRasterizer.h"
+#include "support/MediaFiles.h"
 
+#include <QFile>
 #include <QQuickWindow>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -155,6 +157,42 @@ TEST_F(Canvas, APictureThatComesTooLateIsIgnored) {
     QTest::qWait(0);
     EXPECT_EQ(loaded.count(), 1);
     EXPECT_EQ(canvas->loadedBackgroundImage().pixelColor(3, 3), QColor(Qt::blue));
+}
+
+TEST_F(Canvas, LoadsHeifPicturesAndVideoStillsToo) {
+    QTemporaryDir folder;
+    const auto colored = [](QColor color) {
+        QImage picture(64, 48, QImage::Format_RGB32);
+        picture.fill(color);
+        return picture;
+    };
+    QFile heif(folder.filePath(u"still.heic"_qs));
+    ASSERT_TRUE(heif.open(QIODevice::WriteOnly));
+    heif.write(heifFile(colored(QColor(0, 200, 0))));
+    heif.close();
+    // Blue from the first second on; the short clip is over by then.
+    const auto clip = [&](int i) { return colored(i < 10 ? QColor(220, 0, 0) : QColor(0, 0, 220)); };
+    ASSERT_EQ(makeClip(folder.filePath(u"film.mp4"_qs), 15, u"10"_qs, clip), QString());
+    ASSERT_EQ(makeClip(folder.filePath(u"short.mp4"_qs), 4, u"10"_qs, clip), QString());
+
+    QSignalSpy loaded(canvas, &ScreenshotPreviewCanvas::backgroundLoaded);
+    const std::pair<QString, QColor> files[] = {{u"still.heic"_qs, QColor(0, 200, 0)},
+                                                {u"film.mp4"_qs, QColor(0, 0, 220)},
+                                                {u"short.mp4"_qs, QColor(220, 0, 0)}};
+    for (const auto& [name, color] : files) {
+        set([&, file = name](auto& style) {
+            style.backgroundType = BackgroundType::image;
+            style.backgroundImageURL = QUrl::fromLocalFile(folder.filePath(file));
+        });
+        EXPECT_TRUE(canvas->loadedBackgroundImage().isNull()) << "cleared at once";
+        ASSERT_TRUE(loaded.wait(30000)) << name.toStdString();
+        const QColor found = shown(170, 120);
+        EXPECT_NEAR(found.red(), color.red(), 6) << name.toStdString();
+        EXPECT_NEAR(found.green(), color.green(), 6) << name.toStdString();
+        EXPECT_NEAR(found.blue(), color.blue(), 6) << name.toStdString();
+    }
+    set([](auto& style) { style.backgroundImageURL.reset(); });
+    EXPECT_TRUE(canvas->loadedBackgroundImage().isNull());
 }
 
 TEST_F(Canvas, AMissingBackgroundLeavesItEmpty) {

@@ -1,0 +1,119 @@
+#include "editor/render/DecoderProcess.h"
+
+#include "editor/render/SrgbPicture.h"
+#include "editor/render/decoders/DecodedPicture.h"
+#include "platform/desktop/Installation.h"
+
+#include <QColorSpace>
+#include <QFile>
+#include <QScopeGuard>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace framora {
+namespace {
+
+/// Runs the program with these standard streams until it ends. In a process group of its own: an interrupt at
+/// the terminal is for the program that waits.
+bool runDecoder(const QByteArray& program, int input, int output) {
+    posix_spawn_file_actions_t streams;
+    posix_spawnattr_t attributes;
+    posix_spawn_file_actions_init(&streams);
+    posix_spawnattr_init(&attributes);
+    const auto destroy = qScopeGuard([&] {
+        posix_spawn_file_actions_destroy(&streams);
+        posix_spawnattr_destroy(&attributes);
+    });
+    posix_spawn_file_actions_adddup2(&streams, input, STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&streams, output, STDOUT_FILENO);
+    posix_spawn_file_actions_addopen(&streams, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
+
+    char* const arguments[] = {const_cast<char*>(program.constData()), nullptr};
+    pid_t child = 0;
+    const int error = posix_spawn(&child, program.constData(), &streams, &attributes, arguments, environ);
+    if (error != 0) {
+        qWarning("framora: %s: %s", program.constData(), std::strerror(error));
+        return false;
+    }
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0) // it ends itself in time
+        if (errno != EINTR)
+            return errno == ECHILD; // somebody else has collected it: what it left tells
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+struct Mapping {
+    void* memory;
+    std::size_t bytes;
+};
+
+void unmap(void* mapping) {
+    const std::unique_ptr<Mapping> owned(static_cast<Mapping*>(mapping));
+    munmap(owned->memory, owned->bytes);
+}
+
+/// The picture in the memory file, whose pages become the image's own.
+QImage takePicture(int descriptor) {
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0 || status.st_size < off_t(DecodedPicture::pixelsOffset))
+        return {};
+    const auto fileBytes = std::size_t(status.st_size);
+    void* memory =
+        mmap(nullptr, fileBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_POPULATE, descriptor, 0);
+    if (memory == MAP_FAILED)
+        return {};
+    auto mapping = std::make_unique<Mapping>(Mapping{memory, fileBytes});
+    auto unmapUnused = qScopeGuard([&] { unmap(mapping.release()); });
+
+    DecodedPicture picture{};
+    std::memcpy(&picture, memory, sizeof picture);
+    if (picture.state != DecodedPicture::finished || picture.width < 1 || picture.height < 1 ||
+        picture.width > maximumPictureSide || picture.height > maximumPictureSide ||
+        qint64(picture.width) * picture.height > maximumPicturePixels)
+        return {};
+    const std::size_t pixelsEnd =
+        DecodedPicture::pixelsOffset + DecodedPicture::pixelBytes(picture.width, picture.height);
+    if (pixelsEnd + picture.profileBytes != fileBytes)
+        return {};
+
+    auto* bytes = static_cast<uchar*>(memory);
+    const QByteArray profile(reinterpret_cast<const char*>(bytes + pixelsEnd), picture.profileBytes);
+    QImage image(
+        bytes + DecodedPicture::pixelsOffset, picture.width, picture.height, qsizetype(picture.width) * 4,
+        picture.hasAlpha ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32, unmap, mapping.get());
+    if (image.isNull())
+        return {};
+    unmapUnused.dismiss();
+    static_cast<void>(mapping.release()); // the image's
+    if (!profile.isEmpty())
+        image.setColorSpace(QColorSpace::fromIccProfile(profile));
+    return image;
+}
+
+} // namespace
+
+QImage decodeInProcess(const QString& decoder, int fileDescriptor) {
+    // Above the standard streams, which may be closed here: the decoder's are made of these.
+    const int input = fcntl(fileDescriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const int made = memfd_create("framora-picture", MFD_CLOEXEC);
+    const int output = made < 0 ? -1 : fcntl(made, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    const auto closeAll = qScopeGuard([=] {
+        for (const int descriptor : {input, made, output})
+            if (descriptor >= 0)
+                close(descriptor);
+    });
+    if (input < 0 || output < 0 || !runDecoder(QFile::encodeName(privateExecutable(decoder)), input, output))
+        return {};
+    return srgbPicture(takePicture(output));
+}
+
+} // namespace framora

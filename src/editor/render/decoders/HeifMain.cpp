@@ -1,0 +1,161 @@
+#include "editor/render/decoders/CodedColors.h"
+#include "editor/render/decoders/DecoderLimits.h"
+#include "editor/render/decoders/DecoderOutput.h"
+#include "editor/render/decoders/PixelPacking.h"
+
+#include <algorithm>
+#include <cstring>
+#include <libheif/heif.h>
+#include <memory>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+// framora-heif: the primary picture of the HEIF file in standard input, upright, as a DecodedPicture in
+// standard output. Exits with 1 when there is none.
+
+namespace framora {
+namespace {
+
+struct HeifFree {
+    void operator()(heif_context* context) const { heif_context_free(context); }
+    void operator()(const heif_image_handle* handle) const { heif_image_handle_release(handle); }
+    void operator()(const heif_image* image) const { heif_image_release(image); }
+    void operator()(heif_color_profile_nclx* profile) const { heif_nclx_color_profile_free(profile); }
+};
+template <typename T> using Heif = std::unique_ptr<T, HeifFree>;
+
+/// Decoded samples, interleaved.
+struct Samples {
+    const std::uint8_t* data = nullptr;
+    int stride = 0; ///< bytes
+    int channels = 3;
+    int bits = 8; ///< beyond 8 a sample takes two bytes
+    bool isPremultiplied = false;
+};
+
+/// One row as straight 16-bit red, green, blue, alpha.
+void widenRow(const Samples& samples, int y, std::span<std::uint16_t> rgba) {
+    const std::uint8_t* source = samples.data + std::ptrdiff_t(y) * samples.stride;
+    const std::uint32_t full = (1u << samples.bits) - 1;
+    const std::size_t width = rgba.size() / 4;
+    for (std::size_t x = 0; x < width; ++x) {
+        std::array<std::uint32_t, 4> pixel{0, 0, 0, 65535};
+        for (int channel = 0; channel < samples.channels; ++channel, ++source) {
+            std::uint32_t value = *source;
+            if (samples.bits > 8)
+                value |= std::uint32_t(*++source) << 8;
+            pixel[std::size_t(channel)] = (std::min(value, full) * 65535u + full / 2) / full;
+        }
+        for (std::size_t channel = 0; channel < 3; ++channel) {
+            if (samples.isPremultiplied && pixel[3] > 0)
+                pixel[channel] = std::min((pixel[channel] * 65535u + pixel[3] / 2) / pixel[3], 65535u);
+            rgba[x * 4 + channel] = std::uint16_t(pixel[channel]);
+        }
+        rgba[x * 4 + 3] = std::uint16_t(pixel[3]);
+    }
+}
+
+/// The common case, one row of straight bytes that are sRGB already or have a profile of their own.
+void packBytes(const Samples& samples, int y, int width, std::uint32_t* pixels) {
+    const std::uint8_t* source = samples.data + std::ptrdiff_t(y) * samples.stride;
+    for (int x = 0; x < width; ++x, source += samples.channels)
+        pixels[x] = packedPixel(source[0], source[1], source[2], samples.channels == 4 ? source[3] : 255);
+}
+
+std::vector<std::uint8_t> storedProfile(const heif_image_handle* handle) {
+    const heif_color_profile_type type = heif_image_handle_get_color_profile_type(handle);
+    if (type != heif_color_profile_type_prof && type != heif_color_profile_type_rICC)
+        return {};
+    const std::size_t size = heif_image_handle_get_raw_color_profile_size(handle);
+    constexpr std::size_t largest = 16 << 20;
+    std::vector<std::uint8_t> profile(size <= largest ? size : 0);
+    if (profile.empty() ||
+        heif_image_handle_get_raw_color_profile(handle, profile.data()).code != heif_error_Ok)
+        return {};
+    return profile;
+}
+
+CodedColors codedColors(const heif_image_handle* handle) {
+    heif_color_profile_nclx* stored = nullptr;
+    if (heif_image_handle_get_nclx_color_profile(handle, &stored).code != heif_error_Ok || !stored)
+        return {1, 13};
+    const Heif<heif_color_profile_nclx> profile(stored);
+    return {stored->color_primaries, stored->transfer_characteristics};
+}
+
+bool decode(std::span<const std::uint8_t> file) {
+    const Heif<heif_context> context(heif_context_alloc());
+    heif_context_set_maximum_image_size_limit(context.get(), maximumPictureSide);
+    heif_context_set_max_decoding_threads(context.get(), decoderThreads());
+    if (heif_context_read_from_memory_without_copy(context.get(), file.data(), file.size(), nullptr).code !=
+        heif_error_Ok)
+        return false;
+    heif_image_handle* primary = nullptr;
+    if (heif_context_get_primary_image_handle(context.get(), &primary).code != heif_error_Ok)
+        return false;
+    const Heif<heif_image_handle> handle(primary);
+    const int claimedWidth = heif_image_handle_get_width(primary);
+    const int claimedHeight = heif_image_handle_get_height(primary);
+    if (claimedWidth > maximumPictureSide || claimedHeight > maximumPictureSide ||
+        std::int64_t(claimedWidth) * claimedHeight > maximumPicturePixels)
+        return false;
+
+    const bool hasAlpha = heif_image_handle_has_alpha_channel(primary);
+    const bool isDeep = heif_image_handle_get_luma_bits_per_pixel(primary) > 8;
+    const heif_chroma layout =
+        isDeep ? (hasAlpha ? heif_chroma_interleaved_RRGGBBAA_LE : heif_chroma_interleaved_RRGGBB_LE)
+               : (hasAlpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB);
+    heif_image* decoded = nullptr;
+    if (heif_decode_image(primary, &decoded, heif_colorspace_RGB, layout, nullptr).code != heif_error_Ok ||
+        !decoded)
+        return false;
+    const Heif<heif_image> image(decoded);
+
+    Samples samples;
+    samples.data = heif_image_get_plane_readonly(decoded, heif_channel_interleaved, &samples.stride);
+    samples.channels = hasAlpha ? 4 : 3;
+    samples.bits = isDeep ? heif_image_get_bits_per_pixel_range(decoded, heif_channel_interleaved) : 8;
+    samples.isPremultiplied = hasAlpha && heif_image_handle_is_premultiplied_alpha(primary);
+    if (!samples.data || samples.bits < 8 || samples.bits > 16)
+        return false;
+
+    DecoderOutput output(STDOUT_FILENO, heif_image_get_width(decoded, heif_channel_interleaved),
+                         heif_image_get_height(decoded, heif_channel_interleaved));
+    if (!output.isOpen())
+        return false;
+    const std::vector<std::uint8_t> profile = storedProfile(primary);
+    const CodedColors colors = profile.empty() ? codedColors(primary) : CodedColors(1, 13);
+    std::vector<std::uint16_t> row(std::size_t(output.width()) * 4);
+    for (int y = 0; y < output.height(); ++y) {
+        if (samples.bits == 8 && !samples.isPremultiplied && colors.isSrgb()) {
+            packBytes(samples, y, output.width(), output.row(y));
+            continue;
+        }
+        widenRow(samples, y, row);
+        colors.toSrgb(row);
+        packRow(row, output.row(y));
+    }
+    return output.finish(hasAlpha, profile);
+}
+
+std::span<const std::uint8_t> mappedFile(int descriptor) {
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0 || status.st_size < 1)
+        return {};
+    void* memory = mmap(nullptr, std::size_t(status.st_size), PROT_READ, MAP_PRIVATE, descriptor, 0);
+    if (memory == MAP_FAILED)
+        return {};
+    return {static_cast<const std::uint8_t*>(memory), std::size_t(status.st_size)};
+}
+
+} // namespace
+} // namespace framora
+
+int main() {
+    framora::limitDecoder();
+    const auto file = framora::mappedFile(STDIN_FILENO);
+    const bool isDecoded = !file.empty() && framora::decode(file);
+    _exit(isDecoded ? 0 : 1); // nothing is worth taking down piece by piece
+}

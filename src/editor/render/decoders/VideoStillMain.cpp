@@ -1,0 +1,59 @@
+#include "editor/render/decoders/DecoderLimits.h"
+#include "editor/render/decoders/FrameConverter.h"
+#include "editor/render/decoders/VideoFile.h"
+
+#include <unistd.h>
+#include <utility>
+
+// framora-video-still: one frame of the video in standard input as a DecodedPicture in standard output: the
+// one that is shown at one second, else the first. Exits with 1 when there is none.
+
+namespace framora {
+namespace {
+
+constexpr std::int64_t stillTime = 1'000'000; // microseconds
+
+/// Reads on from where the video stands, up to the frame that is shown at the time; null when none is.
+/// `first`, when given, receives the first frame met where none is.
+Av<AVFrame> frameShownAt(std::int64_t time, VideoFile& video, Av<AVFrame>* first) {
+    Av<AVFrame> latest;
+    while (Av<AVFrame> frame = video.nextFrame()) {
+        if (video.compareStart(*frame, time) > 0) {
+            if (!latest && first && !*first)
+                *first = std::move(frame);
+            return latest;
+        }
+        if (first && !*first)
+            first->reset(av_frame_clone(frame.get()));
+        latest = std::move(frame);
+    }
+    return latest && video.compareEnd(*latest, time) > 0 ? std::move(latest) : nullptr;
+}
+
+bool decode() {
+    {
+        VideoFile video(STDIN_FILENO);
+        if (!video.isOpen())
+            return false;
+        if (video.seek(stillTime))
+            if (const Av<AVFrame> frame = frameShownAt(stillTime, video, nullptr))
+                return writeStill(video, *frame, STDOUT_FILENO);
+    }
+    // The clip is shorter, or its index leads astray: from the start.
+    VideoFile video(STDIN_FILENO);
+    Av<AVFrame> first;
+    if (!video.isOpen())
+        return false;
+    if (const Av<AVFrame> frame = frameShownAt(stillTime, video, &first))
+        return writeStill(video, *frame, STDOUT_FILENO);
+    return first && writeStill(video, *first, STDOUT_FILENO);
+}
+
+} // namespace
+} // namespace framora
+
+int main() {
+    framora::limitDecoder();
+    av_log_set_level(AV_LOG_QUIET);
+    _exit(framora::decode() ? 0 : 1); // nothing is worth taking down piece by piece
+}
