@@ -42,7 +42,7 @@ QVariantMap TrayMenuExport::properties(int id) const {
     const QAction& action = *m_menu->actions().at(id - 1);
     // One underline marks an access key, two are one.
     QVariantMap properties{
-        {QStringLiteral("label"), action.text().replace(u'_', QStringLiteral("__"))},
+        {QStringLiteral("label"), action.text().section(u'\t', 0, 0).replace(u'_', QStringLiteral("__"))},
         {QStringLiteral("enabled"), action.isEnabled()},
         {QStringLiteral("visible"), action.isVisible()},
     };

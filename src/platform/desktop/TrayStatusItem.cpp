@@ -93,8 +93,11 @@ void TrayStatusItem::setMenu(std::vector<MenuEntry> entries) {
     auto menu = std::make_unique<QMenu>();
     for (auto& entry : entries) {
         auto* action = menu->addAction(entry.title);
-        if (!entry.keyEquivalent.isEmpty())
+        if (!entry.keyEquivalent.isEmpty()) {
             action->setShortcut(QKeySequence(QStringLiteral("Meta+") + entry.keyEquivalent));
+            // What a menu shows beside the title in the place of Qt's own name of the key, "Meta".
+            action->setText(entry.title + QStringLiteral("\tSuper+") + entry.keyEquivalent.toUpper());
+        }
         connect(action, &QAction::triggered, this,
                 [this, run = std::move(entry.action)] { runAfterMenu(run); });
     }

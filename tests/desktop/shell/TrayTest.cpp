@@ -98,6 +98,7 @@ TEST_F(TrayTest, theMenuHasItsFourEntriesWithTheirKeyEquivalents) {
         callMenu(QStringLiteral("GetLayout"),
                  {QStringLiteral("--"), QStringLiteral("0"), QStringLiteral("-1"), QStringLiteral("[]")});
     EXPECT_EQ(layout.count(QStringLiteral("'label'")), 4) << layout.toStdString();
+    EXPECT_FALSE(layout.contains(QStringLiteral("Super+"))) << "the host shows the key itself";
     EXPECT_EQ(layout.count(QStringLiteral("'shortcut'")), 2) << layout.toStdString();
     EXPECT_TRUE(layout.contains(QStringLiteral("[['Super', ',']]"))) << layout.toStdString();
     EXPECT_TRUE(layout.contains(QStringLiteral("[['Super', 'q']]"))) << layout.toStdString();

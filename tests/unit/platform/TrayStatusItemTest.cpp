@@ -56,6 +56,16 @@ protected:
     TrayStatusItem item{gate, appearance, notifications};
 };
 
+TEST_F(TrayStatusItemTest, theKeyBesideATitleIsCalledSuper) {
+    item.setMenu({{QStringLiteral("Quit"), [] {}, QStringLiteral("q")}});
+    QStringList texts;
+    for (const QWidget* window : QApplication::topLevelWidgets())
+        if (qobject_cast<const QMenu*>(window))
+            for (const QAction* action : window->actions())
+                texts << action->text();
+    EXPECT_EQ(texts, QStringList{QStringLiteral("Quit\tSuper+Q")});
+}
+
 TEST_F(TrayStatusItemTest, aClickIsFollowedOnceTheMenuHasLetGo) {
     click(QStringLiteral("Window"));
     EXPECT_TRUE(started.empty()) << "the menu still holds pointer and keyboard";
