@@ -3,6 +3,7 @@
 #include "editor/render/NamelessFile.h"
 #include "editor/render/PictureCompleteness.h"
 #include "editor/render/SrgbPicture.h"
+#include "editor/render/raster/HugePages.h"
 #include "editor/render/raster/PngEncoder.h"
 #include "platform/PictureResolution.h"
 
@@ -30,6 +31,18 @@ bool isWithinBounds(QSize size) {
 void raiseDecoderLimit() {
     static std::once_flag once;
     std::call_once(once, [] { QImageReader::setAllocationLimit(int(maximumPicturePixels * 8 >> 20)); });
+}
+
+/// The reader's own picture beforehand, in large pages: most of what a decoder waits for is its memory. Null
+/// for formats that are small or whose reader may not take it.
+QImage roomFor(const QImageReader& reader, QSize size) {
+    if (reader.format() != "jpeg" && reader.format() != "png")
+        return {};
+    const QImage::Format format = reader.imageFormat();
+    QImage image = format == QImage::Format_Invalid ? QImage() : QImage(size, format);
+    if (!image.isNull())
+        raster::adviseHugePages(image.bits(), std::size_t(image.sizeInBytes()));
+    return image;
 }
 
 QString decodingError(const QImageReader& reader) {
@@ -64,7 +77,7 @@ LoadedPicture loadPicture(const QByteArray& encoded) {
     if (isCutOff(encoded))
         return failure(QStringLiteral("the picture is damaged or cut off"));
 
-    QImage image;
+    QImage image = roomFor(reader, claimed);
     if (!reader.read(&image) || image.isNull())
         return failure(decodingError(reader));
     if (!isWithinBounds(image.size()))
