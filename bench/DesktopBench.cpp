@@ -1,5 +1,5 @@
 // How long the whole path takes on a virtual desktop, step by step, as a person would see it:
-//     desktop_bench [ROUNDS]
+//     desktop_bench [ROUNDS [start|capture|editor]]
 // Prints medians. The aims are those of an ordinary machine; nothing here passes or fails.
 #include "desktop/path/DemoDesktop.h"
 #include "desktop/path/FramoraDriver.h"
@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <stdexcept>
+#include <string_view>
 #include <thread>
 
 namespace framora {
@@ -246,10 +247,14 @@ int main(int argc, char** argv) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QGuiApplication application(argc, argv);
     const int rounds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 9;
+    const std::string_view only = argc > 2 ? argv[2] : "";
     try {
-        framora::measureStart(rounds);
-        framora::measureCapture(rounds);
-        framora::measureEditor(std::max(1, rounds / 2));
+        if (only.empty() || only == "start")
+            framora::measureStart(rounds);
+        if (only.empty() || only == "capture")
+            framora::measureCapture(rounds);
+        if (only.empty() || only == "editor")
+            framora::measureEditor(only.empty() ? std::max(1, rounds / 2) : rounds);
         return 0;
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "desktop_bench stopped: %s\n", failure.what());
