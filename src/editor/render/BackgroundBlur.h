@@ -1,0 +1,65 @@
+#pragma once
+
+#include "editor/model/ScreenshotStyleConfig.h"
+#include "editor/render/raster/BlurGrid.h"
+#include "editor/render/raster/FineBlurredPaint.h"
+
+#include <QtGlobal>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace framora {
+
+/// The Gaussian blur of a background. It keeps the cells of the last one: while only what stands before it
+/// moves nothing is blurred again, and while the radius alone changes the background is rarely read again.
+class BackgroundBlur {
+public:
+    /// Where the canvas lies, in pixels.
+    struct Canvas {
+        double left = 0;
+        double top = 0;
+        double width = 0;
+        double height = 0;
+        int outputWidth = 0;
+        int outputHeight = 0;
+
+        /// The pixels whose middle lies on it, at least one.
+        raster::FineBlurredPaint::Canvas pixels() const;
+    };
+    /// What is blurred: equal identities have equal colours.
+    struct Identity {
+        ScreenshotStyleConfig style;
+        qint64 picture = 0;
+        bool operator==(const Identity&) const = default;
+
+        /// Of a colour or a gradient.
+        static Identity ofColors(const ScreenshotStyleConfig& config);
+    };
+    using Reduce = std::function<raster::BlurGrid(const raster::BlurAxis&, const raster::BlurAxis&)>;
+
+    /// The deviation in pixels of a radius in points; 0 where nothing is blurred. Radii beyond all proportion
+    /// are cut.
+    static double deviation(double radius, double pixelsPerPoint);
+    /// Whether wide() is for it, or else FineBlurredPaint with fineDeviation(), which cuts what would take
+    /// too long: that is of canvases only that are far beyond any output.
+    static bool isWide(const Canvas& canvas, double deviation);
+    static double fineDeviation(double deviation);
+
+    /// The background that `reduce` makes, blurred; null when memory is short.
+    std::shared_ptr<const raster::Paint> wide(const Identity& identity, const Reduce& reduce,
+                                              const Canvas& canvas, double deviation, bool isOpaque);
+
+private:
+    struct Kept {
+        Identity identity;
+        raster::BlurAxis columns;
+        raster::BlurAxis rows;
+        raster::BlurGrid reduced; ///< Empty when it is too large to keep.
+        double deviation = 0;
+        std::shared_ptr<const raster::BlurGrid> blurred;
+    };
+    std::optional<Kept> m_kept;
+};
+
+} // namespace framora

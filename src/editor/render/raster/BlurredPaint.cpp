@@ -1,0 +1,66 @@
+#include "editor/render/raster/BlurredPaint.h"
+
+#include "editor/render/raster/BlurKernels.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+namespace framora::raster {
+
+BlurredPaint::BlurredPaint(std::shared_ptr<const BlurGrid> blurred, const BlurAxis& columns,
+                           const BlurAxis& rows, double left, double top, int outputWidth, int outputHeight,
+                           bool isOpaque)
+    : m_grid(std::move(blurred)), m_columns(columns.restoring(left, outputWidth)),
+      m_rows(rows.restoring(top, outputHeight)), m_isOpaque(isOpaque) {}
+
+void BlurredPaint::shade(int x, int y, int count, Float4* out) const {
+    if (count <= 0)
+        return;
+    const auto toFloats = [](const MixPixel& cell) {
+        return Float4{float(cell.channel[0]), float(cell.channel[1]), float(cell.channel[2]),
+                      float(cell.channel[3])};
+    };
+    const BlurTaps::Taps down = m_rows.taps(y);
+    const int first = m_columns.taps(x).first;
+    const int end = m_columns.taps(x + count - 1).first + m_columns.taps(x + count - 1).count;
+    thread_local std::vector<Float4> lowered;
+    lowered.assign(std::size_t(end - first), splat(0));
+    for (int tap = 0; tap < down.count; ++tap)
+        for (int cell = first; cell < end; ++cell)
+            lowered[std::size_t(cell - first)] +=
+                toFloats(m_grid->row(down.first + tap)[cell]) * splat(float(down.weights[tap]));
+    const float one = float(1 << m_columns.shift()) * float(1 << m_rows.shift()) * float(mixOne);
+    for (int i = 0; i < count; ++i) {
+        const BlurTaps::Taps across = m_columns.taps(x + i);
+        Float4 sum = splat(0);
+        for (int tap = 0; tap < across.count; ++tap)
+            sum += lowered[std::size_t(across.first - first + tap)] * splat(float(across.weights[tap]));
+        out[i] = clampPremultiplied(sum * splat(1 / one), 1);
+    }
+}
+
+void BlurredPaint::mix(const TileRect& tile, MixPixel* out) const {
+    if (tile.area() == 0)
+        return;
+    // Across first: a row of cells serves many rows of pixels.
+    const int first = m_rows.taps(tile.y).first;
+    const BlurTaps::Taps last = m_rows.taps(tile.y + tile.height - 1);
+    const int end = last.first + last.count;
+    const auto width = std::size_t(tile.width);
+    thread_local std::vector<MixPixel> widened;
+    widened.resize(std::max(widened.size(), std::size_t(end - first) * width));
+    for (int row = first; row < end; ++row)
+        sumRuns(m_grid->row(row), m_columns, tile.x, tile.width,
+                widened.data() + std::size_t(row - first) * width);
+    for (int y = tile.y; y < tile.y + tile.height; ++y, out += tile.width) {
+        const BlurTaps::Taps taps = m_rows.taps(y);
+        std::array<const MixPixel*, 4> rows;
+        for (std::size_t tap = 0; tap < rows.size(); ++tap)
+            rows[tap] = widened.data() + std::size_t(taps.first + int(tap) - first) * width;
+        sumRows(rows.data(), taps.weights, taps.count, m_rows.shift(), width, out);
+        ditherPixels(out, tile.x, y, width);
+    }
+}
+
+} // namespace framora::raster
