@@ -1,9 +1,13 @@
 #include "render-cli/RenderCommand.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <fcntl.h>
+#include <memory>
+#include <string_view>
 #include <unistd.h>
 
 namespace {
@@ -39,6 +43,18 @@ std::FILE* takeErrorStream() {
 #endif
 }
 
+/// Fonts come with a graphical application, which costs start-up time: only where there is a text to draw. It
+/// needs no display.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
+    const bool drawsText = std::any_of(argv, argv + argc, [](const char* argument) {
+        return std::string_view(argument).starts_with("--text");
+    });
+    if (!drawsText)
+        return std::make_unique<QCoreApplication>(argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    return std::make_unique<QGuiApplication>(argc, argv);
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -48,7 +64,7 @@ int main(int argc, char** argv) {
     std::FILE* const messages = takeErrorStream();
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
 
-    QCoreApplication application(argc, argv);
+    const auto application = makeApplication(argc, argv);
     QCoreApplication::setApplicationVersion(QStringLiteral(FRAMORA_VERSION));
     framora::RenderCommand command(QCoreApplication::applicationDirPath(), messages,
                                    [] { return interrupted != 0; });

@@ -6,8 +6,11 @@
 #include "editor/render/MockupLayers.h"
 #include "editor/render/NoiseOverlayModifier.h"
 #include "editor/render/RasterView.h"
+#include "editor/render/SceneLayer.h"
+#include "editor/render/raster/AdjustedPaint.h"
 #include "editor/render/raster/HugePages.h"
 #include "editor/render/raster/PicturePaint.h"
+#include "editor/render/raster/SolidPaint.h"
 
 #include <cmath>
 
@@ -25,6 +28,22 @@ raster::Placement onViewport(raster::Placement placement, QPointF offset, const 
     placement.move(viewport.canvasCentre.x() + offset.x() * scale,
                    viewport.canvasCentre.y() + offset.y() * scale);
     return placement;
+}
+
+ColorAdjustmentsModifier adjustments(const ScreenshotStyleConfig& config) {
+    return {config.gradientConfig.saturation / 100, (config.gradientConfig.brightness - 100) / 100};
+}
+
+/// A `color` or `gradient` background, not adjusted; null for none.
+std::shared_ptr<const raster::Paint> coloredPaint(const ScreenshotStyleConfig& config, QSizeF size,
+                                                  const Homography& toCanvas) {
+    return config.backgroundType == BackgroundType::color
+               ? colorBackgroundPaint(config, size, toCanvas)
+               : gradientBackgroundPaint(config.gradientConfig, size, toCanvas);
+}
+
+bool isSize(QSizeF size) {
+    return std::isfinite(size.width()) && std::isfinite(size.height()) && size.width() > 0 && size.height() > 0;
 }
 
 bool isDrawable(const Viewport& viewport) {
@@ -60,7 +79,13 @@ bool CompositionRasterizer::drawInto(QImage& target, const Composition& composit
     target.setDevicePixelRatio(1);
     std::vector<Layer> layers;
     appendBackground(layers, composition, viewport);
+    const bool isSceneOver = composition.config.shadowSceneMode == ShadowSceneMode::overlay;
+    if (!isSceneOver)
+        appendScene(layers, composition, viewport);
     appendScreenshot(layers, composition, viewport);
+    if (isSceneOver)
+        appendScene(layers, composition, viewport);
+    appendTexts(layers, composition, viewport);
     raster::compose(mutableRasterView(target), layers);
     return true;
 }
@@ -109,11 +134,10 @@ void CompositionRasterizer::appendBackground(std::vector<Layer>& layers, const C
         return;
     const Homography reverse = placement.toLocal();
     Layer layer{{size.width(), size.height(), 0}, {}, placement, nullptr, {}, {}};
-    if (!(std::isfinite(size.width()) && std::isfinite(size.height()) && size.width() > 0 &&
-          size.height() > 0))
+    if (!isSize(size))
         return;
-    const ColorAdjustmentsModifier adjustments{config.gradientConfig.saturation / 100,
-                                               (config.gradientConfig.brightness - 100) / 100};
+    const double deviation =
+        BackgroundBlur::deviation(config.gradientConfig.blurAmount, viewport.pixelsPerPoint);
     switch (config.backgroundType) {
     case BackgroundType::transparent:
         if (!composition.isRendering)
@@ -121,17 +145,19 @@ void CompositionRasterizer::appendBackground(std::vector<Layer>& layers, const C
                 Homography::translation(size.width() / 2, size.height() / 2) * reverse);
         break;
     case BackgroundType::color:
-        layer.paint = colorBackgroundPaint(config, size, reverse);
-        adjustments.apply(layer);
-        break;
     case BackgroundType::gradient:
-        layer.paint = gradientBackgroundPaint(config.gradientConfig, size, reverse);
-        adjustments.apply(layer);
+        layer.paint = coloredPaint(config, size, reverse);
+        if (deviation > 0 && layer.paint && !dynamic_cast<const raster::SolidPaint*>(layer.paint.get()))
+            layer.paint = blurredBackground(composition, viewport, deviation);
+        else
+            adjustments(config).apply(layer);
         break;
     case BackgroundType::image:
-        if (!composition.backgroundImage().isNull())
-            layer.paint =
-                picturePaint(backgroundSlot, composition.backgroundImage(), size, placement, viewport);
+        if (composition.backgroundImage().isNull())
+            break;
+        layer.paint = deviation > 0 ? blurredBackground(composition, viewport, deviation)
+                                    : picturePaint(backgroundSlot, composition.backgroundImage(), size,
+                                                   placement, viewport);
         break;
     }
     if (!layer.paint)
@@ -140,6 +166,88 @@ void CompositionRasterizer::appendBackground(std::vector<Layer>& layers, const C
         NoiseOverlayModifier{config.gradientConfig.noiseAmount / 100}.apply(layer, placement.originX,
                                                                             placement.originY);
     layers.push_back(std::move(layer));
+}
+
+std::shared_ptr<const raster::Paint> CompositionRasterizer::blurredBackground(const Composition& composition,
+                                                                              const Viewport& viewport,
+                                                                              double deviation) {
+    const ScreenshotStyleConfig& config = composition.config;
+    const QSizeF size = canvasSize(pointSize(composition.image), config);
+    const double scale = viewport.pixelsPerPoint;
+    const BackgroundBlur::Canvas canvas{viewport.canvasCentre.x() - size.width() * scale / 2,
+                                        viewport.canvasCentre.y() - size.height() * scale / 2,
+                                        size.width() * scale,
+                                        size.height() * scale,
+                                        viewport.pixelSize.width(),
+                                        viewport.pixelSize.height()};
+    const double fine = BackgroundBlur::fineDeviation(deviation);
+    const auto finely = [&](std::shared_ptr<const raster::Paint> paint, int margin) {
+        return std::make_shared<raster::FineBlurredPaint>(std::move(paint), margin, fine, canvas.pixels());
+    };
+    if (config.backgroundType == BackgroundType::image) {
+        const QImage& image = composition.backgroundImage();
+        const Prepared& picture = prepared(backgroundSlot, image);
+        if (!picture.pyramid)
+            return nullptr;
+        if (BackgroundBlur::isWide(canvas, deviation)) {
+            const auto reduce = [&](const raster::BlurAxis& columns, const raster::BlurAxis& rows) {
+                return raster::BlurGrid::reduced(picture.pyramid->picture(), columns, rows);
+            };
+            return m_blur.wide({{}, image.cacheKey()}, reduce, canvas, deviation,
+                               picture.pyramid->isOpaque());
+        }
+        // What lies beyond the output is blurred into it.
+        const int margin = raster::gaussianRadius(fine);
+        raster::Placement placement = onViewport({}, {}, viewport);
+        placement.move(margin, margin);
+        return finely(std::make_shared<raster::PicturePaint>(
+                          picture.pyramid, size.width(), size.height(), placement,
+                          viewport.pixelSize.width() + 2 * margin, viewport.pixelSize.height() + 2 * margin),
+                      margin);
+    }
+    const auto adjusted = [&](const Homography& toCanvas) -> std::shared_ptr<const raster::Paint> {
+        auto paint = coloredPaint(config, size, toCanvas);
+        const ColorAdjustmentsModifier modifier = adjustments(config);
+        if (!modifier.isActive())
+            return paint;
+        return std::make_shared<raster::AdjustedPaint>(
+            std::move(paint),
+            raster::Layer::Adjustment{float(modifier.saturation), float(modifier.brightness)});
+    };
+    const auto plain = adjusted(onViewport({}, {}, viewport).toLocal());
+    if (!BackgroundBlur::isWide(canvas, deviation))
+        return finely(plain, 0);
+    const auto reduce = [&](const raster::BlurAxis& columns, const raster::BlurAxis& rows) {
+        const Homography toCanvas =
+            Homography::scaling(size.width() / columns.samples(), size.height() / rows.samples()) *
+            Homography::translation(-columns.samples() / 2.0, -rows.samples() / 2.0);
+        return raster::BlurGrid::reduced(*adjusted(toCanvas), columns, rows);
+    };
+    return m_blur.wide(BackgroundBlur::Identity::ofColors(config), reduce, canvas, deviation,
+                       plain->isOpaque());
+}
+
+void CompositionRasterizer::appendScene(std::vector<Layer>& layers, const Composition& composition,
+                                        const Viewport& viewport) {
+    const QSizeF size = canvasSize(pointSize(composition.image), composition.config);
+    const raster::Placement placement = onViewport({}, {}, viewport);
+    if (!isSize(size) || !placement.toOutput.isFinite())
+        return;
+    if (auto layer = sceneLayer(composition.config, size, placement, viewport.pixelSize))
+        layers.push_back(std::move(*layer));
+}
+
+void CompositionRasterizer::appendTexts(std::vector<Layer>& layers, const Composition& composition,
+                                        const Viewport& viewport) {
+    const QSizeF size = canvasSize(pointSize(composition.image), composition.config);
+    if (!isSize(size))
+        return;
+    const double scale = viewport.pixelsPerPoint;
+    const QPointF origin =
+        viewport.canvasCentre - QPointF(size.width() * scale / 2, size.height() * scale / 2);
+    for (Layer& layer :
+         m_texts.layers(composition.config.textOverlays, {origin, scale, viewport.pixelSize}))
+        layers.push_back(std::move(layer));
 }
 
 void CompositionRasterizer::appendScreenshot(std::vector<Layer>& layers, const Composition& composition,
@@ -159,8 +267,7 @@ void CompositionRasterizer::appendScreenshot(std::vector<Layer>& layers, const C
     auto paint = picturePaint(screenshotSlot, composition.image, size, placement, viewport);
     if (!paint)
         return;
-    for (Layer& layer : mockupLayers(size, config, std::move(paint), placement))
-        layers.push_back(std::move(layer));
+    appendMockup(layers, size, config, std::move(paint), placement, viewport.pixelSize);
 }
 
 } // namespace framora

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "editor/render/BackgroundBlur.h"
 #include "editor/render/Composition.h"
+#include "editor/render/TextLayers.h"
 #include "editor/render/raster/Compositor.h"
 #include "editor/render/raster/PicturePyramid.h"
 #include "editor/render/raster/ShadeCache.h"
@@ -61,10 +63,20 @@ private:
                                                       const Viewport& viewport);
     void appendBackground(std::vector<raster::Layer>& layers, const Composition& composition,
                           const Viewport& viewport);
+    /// The background's paint, blurred by `deviation` pixels; null when memory is short. Not for a
+    /// transparent background.
+    std::shared_ptr<const raster::Paint> blurredBackground(const Composition& composition,
+                                                           const Viewport& viewport, double deviation);
+    void appendScene(std::vector<raster::Layer>& layers, const Composition& composition,
+                     const Viewport& viewport);
+    void appendTexts(std::vector<raster::Layer>& layers, const Composition& composition,
+                     const Viewport& viewport);
     void appendScreenshot(std::vector<raster::Layer>& layers, const Composition& composition,
                           const Viewport& viewport);
 
     std::array<Prepared, slotCount> m_prepared;
+    TextLayers m_texts;
+    BackgroundBlur m_blur;
 };
 
 } // namespace framora

@@ -1,8 +1,8 @@
 #include "editor/render/MockupLayers.h"
 
 #include "editor/render/Composition.h"
+#include "editor/render/GlassEffectModifier.h"
 #include "editor/render/RasterColor.h"
-#include "editor/render/raster/GradientPaint.h"
 #include "editor/render/raster/SolidPaint.h"
 
 #include <algorithm>
@@ -24,28 +24,17 @@ RoundedRect card(QSizeF imageSize, double padding, double radius) {
     return {imageSize.width() + 2 * padding, imageSize.height() + 2 * padding, radius};
 }
 
-/// A clear card: a faint white body and a hairline that is brighter at the top left.
-void appendGlass(std::vector<Layer>& layers, const RoundedRect& shape, const raster::Placement& placement) {
-    constexpr double body = 0.2;
-    constexpr double hairline = 1; // points
-    layers.push_back({shape,
-                      {},
-                      placement,
-                      std::make_shared<raster::SolidPaint>(raster::premultiplied(1, 1, 1, body)),
-                      {},
-                      {}});
-    const RoundedRect inner{shape.width - 2 * hairline, shape.height - 2 * hairline,
-                            std::max(0.0, shape.radius - hairline)};
-    const std::vector<raster::Float4> stops = {raster::premultiplied(1, 1, 1, 0.3),
-                                               raster::premultiplied(1, 1, 1, 0.1)};
-    layers.push_back(
-        {shape,
-         inner,
-         placement,
-         std::make_shared<raster::GradientPaint>(raster::GradientPaint::Kind::linear, 135, shape.width,
-                                                 shape.height, stops, placement.toLocal()),
-         {},
-         {}});
+/// The card of glass around the screenshot. What an opaque picture covers of it is never seen.
+void appendGlass(std::vector<Layer>& layers, QSizeF imageSize, const ScreenshotStyleConfig& config,
+                 const raster::Paint& picture, const raster::Placement& placement, QSize output) {
+    const double padding = mockupPadding(config);
+    const GlassEffectModifier glass{GlassMaterial::clear, config.borderRadius + padding};
+    GlassEffectModifier::Card around;
+    around.size = QSizeF(imageSize.width() + 2 * padding, imageSize.height() + 2 * padding);
+    around.placement = placement;
+    if (picture.isOpaque())
+        around.hidden = card(imageSize, 0, config.borderRadius);
+    glass.append(layers, around, output);
 }
 
 } // namespace
@@ -75,11 +64,10 @@ std::optional<raster::Placement> screenshotPlacement(QSizeF imageSize, const Scr
     return placement;
 }
 
-std::vector<Layer> mockupLayers(QSizeF imageSize, const ScreenshotStyleConfig& config,
-                                std::shared_ptr<const raster::Paint> picture,
-                                const raster::Placement& placement) {
+void appendMockup(std::vector<Layer>& layers, QSizeF imageSize, const ScreenshotStyleConfig& config,
+                  std::shared_ptr<const raster::Paint> picture, const raster::Placement& placement,
+                  QSize output) {
     const double padding = mockupPadding(config);
-    std::vector<Layer> layers;
     if (config.showMockup && config.mockupStyle == MockupStyle::border)
         layers.push_back({card(imageSize, padding, config.borderRadius + padding / 2),
                           {},
@@ -88,10 +76,9 @@ std::vector<Layer> mockupLayers(QSizeF imageSize, const ScreenshotStyleConfig& c
                           {},
                           {}});
     if (config.showMockup && config.mockupStyle == MockupStyle::glassEffect)
-        appendGlass(layers, card(imageSize, padding, config.borderRadius + padding), placement);
+        appendGlass(layers, imageSize, config, *picture, placement, output);
     const double radius = config.showMockup ? config.borderRadius : 0;
     layers.push_back({card(imageSize, 0, radius), {}, placement, std::move(picture), {}, {}});
-    return layers;
 }
 
 } // namespace framora

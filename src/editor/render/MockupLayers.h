@@ -3,6 +3,7 @@
 #include "editor/model/ScreenshotStyleConfig.h"
 #include "editor/render/raster/Compositor.h"
 
+#include <QSize>
 #include <QSizeF>
 #include <optional>
 #include <vector>
@@ -14,10 +15,11 @@ namespace framora {
 /// The style's offset is not in it.
 std::optional<raster::Placement> screenshotPlacement(QSizeF imageSize, const ScreenshotStyleConfig& config);
 
-/// The screenshot of `imageSize` points, painted with `picture`, and what frames it, from back to front.
-/// `placement` maps its points to output pixels.
-std::vector<raster::Layer> mockupLayers(QSizeF imageSize, const ScreenshotStyleConfig& config,
-                                        std::shared_ptr<const raster::Paint> picture,
-                                        const raster::Placement& placement);
+/// Adds the screenshot of `imageSize` points, painted with `picture`, and what frames it to the layers that
+/// it lies on; these are seen through a frame of glass. `placement` maps its points to pixels of the output,
+/// whose size is `output`.
+void appendMockup(std::vector<raster::Layer>& layers, QSizeF imageSize, const ScreenshotStyleConfig& config,
+                  std::shared_ptr<const raster::Paint> picture, const raster::Placement& placement,
+                  QSize output);
 
 } // namespace framora

@@ -4,7 +4,6 @@
 #include "editor/render/PictureCompleteness.h"
 #include "editor/render/SrgbPicture.h"
 #include "editor/render/raster/HugePages.h"
-#include "editor/render/raster/PngEncoder.h"
 #include "platform/PictureResolution.h"
 
 #include <QBuffer>
@@ -118,14 +117,18 @@ LoadedPicture loadPicture(QIODevice& device) {
     return loadPicture(encoded);
 }
 
-QByteArray encodePng(const QImage& image, double dotsPerInch) {
+QByteArray encodePng(const QImage& image, double dotsPerInch, raster::PngSpeed speed) {
     const QImage pixels = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     if (pixels.isNull())
         return {};
     const raster::PixelView view{reinterpret_cast<const std::byte*>(pixels.constBits()), pixels.width(),
                                  pixels.height(), pixels.bytesPerLine()};
-    const std::vector<std::uint8_t> file = raster::encodePng(view, raster::pixelsPerMetre(dotsPerInch));
-    return QByteArray(reinterpret_cast<const char*>(file.data()), qsizetype(file.size()));
+    QByteArray file;
+    const bool complete = raster::writePng(
+        view, raster::pixelsPerMetre(dotsPerInch), speed, [&](std::span<const std::uint8_t> bytes) {
+            file.append(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size()));
+        });
+    return complete ? file : QByteArray();
 }
 
 QString writeFileAtomically(const QString& path, const QByteArray& bytes) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/render/decoders/DecodedPicture.h"
+#include "editor/render/raster/PngEncoder.h"
 
 #include <QByteArray>
 #include <QIODevice>
@@ -27,7 +28,8 @@ LoadedPicture loadPicture(QIODevice& openDevice);
 LoadedPicture loadPicture(const QByteArray& encoded);
 
 /// `image` as a PNG file of that resolution; empty when the image is null or memory is short.
-QByteArray encodePng(const QImage& image, double dotsPerInch);
+QByteArray encodePng(const QImage& image, double dotsPerInch,
+                     raster::PngSpeed speed = raster::PngSpeed::compact);
 
 /// Puts `bytes` where `path` says, whole or not at all; an existing file stays until the new one is complete.
 /// Gives one line on failure, nothing on success.

@@ -16,6 +16,7 @@ namespace {
 constexpr TileRect longTile{0, 0, 128, 16};
 constexpr TileRect squareTile{0, 0, 64, 32};
 static_assert(longTile.width * longTile.height == squareTile.width * squareTile.height);
+static_assert(longTile.height % tileGrain == 0 && squareTile.width % tileGrain == 0);
 constexpr std::size_t tileArea = std::size_t(longTile.width) * longTile.height;
 
 struct LayerShape {
@@ -139,6 +140,8 @@ void blendLayer(const Layer& layer, const LayerShape& shape, const Share& share,
         const std::size_t row = std::size_t(y) * width;
         if (!needsCoverage)
             blendOver(under, scratch.shaded.data() + row, width);
+        else if (layer.blend == Layer::Blend::replace)
+            blendInstead(under, scratch.shaded.data() + row, scratch.coverage.data() + row, width);
         else if (layer.blend == Layer::Blend::overlay)
             blendOverlay(under, scratch.shaded.data() + row, scratch.coverage.data() + row, width);
         else
@@ -146,8 +149,9 @@ void blendLayer(const Layer& layer, const LayerShape& shape, const Share& share,
     }
 }
 
-void drawTile(MutablePixelView output, const std::vector<Layer>& layers,
-              const std::vector<LayerShape>& shapes, const TileRect& tile, int bandTop, Scratch& scratch) {
+/// Mixes a tile into scratch.mixed. False when no layer touches it; then nothing is written.
+bool mixTile(const std::vector<Layer>& layers, const std::vector<LayerShape>& shapes, const TileRect& tile,
+             int bandTop, Scratch& scratch) {
     std::vector<Share>& shares = scratch.shares;
     // What lies under an opaque layer that fills the tile is not seen.
     std::size_t first = 0;
@@ -160,11 +164,8 @@ void drawTile(MutablePixelView output, const std::vector<Layer>& layers,
     }
     while (first < layers.size() && shares[first].kind == Share::none)
         ++first;
-    if (first == layers.size()) {
-        for (int y = tile.y; y < tile.y + tile.height; ++y)
-            std::memset(output.row(y) + tile.x, 0, std::size_t(tile.width) * sizeof(std::uint32_t));
-        return;
-    }
+    if (first == layers.size())
+        return false;
     if (shares[first].kind == Share::whole && layers[first].opacity == 1) {
         mixLayer(layers[first], tile, scratch.mixed.data());
         ++first;
@@ -174,53 +175,78 @@ void drawTile(MutablePixelView output, const std::vector<Layer>& layers,
     for (std::size_t i = first; i < layers.size(); ++i)
         if (shares[i].kind != Share::none)
             blendLayer(layers[i], shapes[i], shares[i], tile, scratch);
-    for (int y = 0; y < tile.height; ++y)
-        packPixels(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width, std::size_t(tile.width),
-                   output.row(tile.y + y) + tile.x);
+    return true;
 }
 
-} // namespace
-
-bool hidesWhatLiesUnder(const Layer& layer) {
-    return layer.paint->isOpaque() && layer.opacity == 1 && layer.blend == Layer::Blend::normal;
-}
-
-void compose(MutablePixelView output, const std::vector<Layer>& layers) {
-    if (output.isEmpty())
-        return;
+/// Calls draw(tile, bandTop, shapes, scratch) for every tile of the output: each row of tiles by one thread.
+template <typename Draw>
+void forEachTile(int width, int height, const std::vector<Layer>& layers, const Draw& draw) {
     std::vector<LayerShape> shapes;
     shapes.reserve(layers.size());
     bool isSquare = false;
     for (const Layer& layer : layers) {
         LayerShape& shape = shapes.emplace_back();
         shape.shape = Coverage(layer.shape.outline(layer.placement));
-        shape.shape.index(output.height);
+        shape.shape.index(height);
         if (layer.hole) {
             shape.hole = Coverage(layer.hole->outline(layer.placement));
-            shape.hole.index(output.height);
+            shape.hole.index(height);
             shape.hasHole = true;
         }
         isSquare = isSquare || layer.paint->prefersSquareTiles();
     }
     const TileRect size = isSquare ? squareTile : longTile;
-    parallelFor((output.height + size.height - 1) / size.height, [&](int band) {
+    parallelFor((height + size.height - 1) / size.height, [&](int band) {
         thread_local Scratch scratch;
         const int top = band * size.height;
-        const int height = std::min(size.height, output.height - top);
+        const int rows = std::min(size.height, height - top);
         scratch.shares.resize(layers.size());
         scratch.runs.resize(std::max(scratch.runs.size(), layers.size()));
         for (std::size_t i = 0; i < layers.size(); ++i)
             for (std::size_t part = 0; part < (shapes[i].hasHole ? 2 : 1); ++part) {
                 const Coverage& coverage = part == 0 ? shapes[i].shape : shapes[i].hole;
                 std::vector<Coverage::Run>& runs = scratch.runs[i][part];
-                runs.resize(std::size_t(height));
-                for (int y = 0; y < height; ++y)
-                    runs[std::size_t(y)] = coverage.extent(top + y, output.width);
+                runs.resize(std::size_t(rows));
+                for (int y = 0; y < rows; ++y)
+                    runs[std::size_t(y)] = coverage.extent(top + y, width);
             }
-        for (int x = 0; x < output.width; x += size.width)
-            drawTile(output, layers, shapes, {x, top, std::min(size.width, output.width - x), height}, top,
-                     scratch);
+        for (int x = 0; x < width; x += size.width)
+            draw(TileRect{x, top, std::min(size.width, width - x), rows}, top, shapes, scratch);
     });
+}
+
+} // namespace
+
+bool hidesWhatLiesUnder(const Layer& layer) {
+    return layer.opacity == 1 && (layer.blend == Layer::Blend::replace ||
+                                  (layer.blend == Layer::Blend::normal && layer.paint->isOpaque()));
+}
+
+void compose(MutablePixelView output, const std::vector<Layer>& layers) {
+    if (output.isEmpty())
+        return;
+    forEachTile(output.width, output.height, layers,
+                [&](const TileRect& tile, int top, const std::vector<LayerShape>& shapes, Scratch& scratch) {
+                    const bool isDrawn = mixTile(layers, shapes, tile, top, scratch);
+                    for (int y = 0; y < tile.height; ++y) {
+                        std::uint32_t* out = output.row(tile.y + y) + tile.x;
+                        if (isDrawn)
+                            packPixels(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width,
+                                       std::size_t(tile.width), out);
+                        else
+                            std::memset(out, 0, std::size_t(tile.width) * sizeof *out);
+                    }
+                });
+}
+
+void composeTiles(int width, int height, const std::vector<Layer>& layers,
+                  const std::function<bool(const TileRect&)>& isWanted,
+                  const std::function<void(const TileRect&, const MixPixel*)>& take) {
+    forEachTile(width, height, layers,
+                [&](const TileRect& tile, int top, const std::vector<LayerShape>& shapes, Scratch& scratch) {
+                    if (isWanted(tile) && mixTile(layers, shapes, tile, top, scratch))
+                        take(tile, scratch.mixed.data());
+                });
 }
 
 } // namespace framora::raster

@@ -5,6 +5,7 @@
 #include "editor/render/raster/Placement.h"
 #include "editor/render/raster/RoundedRect.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -35,7 +36,8 @@ struct Layer {
 
     enum class Blend {
         normal,
-        overlay ///< Darkens what is dark under it and lightens what is light.
+        overlay, ///< Darkens what is dark under it and lightens what is light.
+        replace  ///< Takes the place of what lies under it, also where it is not opaque.
     };
     Blend blend = Blend::normal;
 };
@@ -48,9 +50,18 @@ bool hidesWhatLiesUnder(const Layer& layer);
 /// the kind of vector unit.
 void compose(MutablePixelView output, const std::vector<Layer>& layers);
 
+/// Where tiles start is a multiple of this.
+inline constexpr int tileGrain = 16;
+/// Mixes the layers as compose() does, tile by tile, without rounding them to a picture: take(tile, pixels)
+/// gets those tiles that are wanted and that a layer touches. The tiles of a row come one after the other,
+/// those of different rows from different threads.
+void composeTiles(int width, int height, const std::vector<Layer>& layers,
+                  const std::function<bool(const TileRect&)>& isWanted,
+                  const std::function<void(const TileRect&, const MixPixel*)>& take);
+
 namespace plain {
-/// The same in floats, row by row, from what Paint::shade() gives: what compose() is held to, within one step
-/// of 255.
+/// compose() in floats, row by row, from what Paint::shade() gives: what compose() is held to, within one
+/// step of 255.
 void compose(MutablePixelView output, const std::vector<Layer>& layers);
 } // namespace plain
 

@@ -81,10 +81,20 @@ void drawChunk(const std::vector<Layer>& layers, int x, int y, int count, std::u
         shade(layers[i], from, y, to - from, shaded);
         const float* coverage = scratch.coverage[i].data();
         for (int column = from; column < to; ++column) {
-            const Float4 source = shaded[column - from] * splat(coverage[column] * layers[i].opacity);
+            const float part = coverage[column] * layers[i].opacity;
+            const Float4 source = shaded[column - from] * splat(part);
             Float4& under = mixed[column - x];
-            under = layers[i].blend == Layer::Blend::overlay ? overlay(under, source)
-                                                             : source + under * splat(1 - source[3]);
+            switch (layers[i].blend) {
+            case Layer::Blend::normal:
+                under = source + under * splat(1 - source[3]);
+                break;
+            case Layer::Blend::overlay:
+                under = overlay(under, source);
+                break;
+            case Layer::Blend::replace:
+                under = source + under * splat(1 - part);
+                break;
+            }
         }
     }
     for (int i = 0; i < count; ++i)

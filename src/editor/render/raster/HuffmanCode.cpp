@@ -28,7 +28,8 @@ std::array<int, maximumLength + 1> countDepths(std::span<const Leaf> leaves, int
     std::size_t inner = 0;
     for (std::size_t made = 0; made < innerCount; ++made)
         for (int child = 0; child < 2; ++child) {
-            const bool takeLeaf = leaf < leaves.size() && (inner == made || leaves[leaf].frequency <= weight[inner]);
+            const bool takeLeaf =
+                leaf < leaves.size() && (inner == made || leaves[leaf].frequency <= weight[inner]);
             weight[made] += takeLeaf ? leaves[leaf].frequency : weight[inner];
             (takeLeaf ? leafParent[leaf++] : innerParent[inner++]) = made;
         }

@@ -22,6 +22,10 @@ void blendOverlayCovered(MixPixel* under, const MixPixel* above, const MixPixel*
                          std::size_t count) {
     plain::blendOverlay(under, above, coverage, count);
 }
+void blendInsteadCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage,
+                         std::size_t count) {
+    plain::blendInstead(under, above, coverage, count);
+}
 void packAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
     plain::packPixels(pixels, count, out);
 }
@@ -123,6 +127,17 @@ void blendOverlayCovered(MixPixel* under, const MixPixel* above, const MixPixel*
     });
 }
 
+void blendInsteadCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage,
+                         std::size_t count) {
+    forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
+        const Vector part = load(coverage + i, n);
+        const Vector rest = hn::Sub(hn::Set(lanes, coverageOne), part);
+        store(hn::Add(hn::MulFixedPoint15(load(above + i, n), part),
+                      hn::MulFixedPoint15(load(under + i, n), rest)),
+              under + i, n);
+    });
+}
+
 void packAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
     const hn::Rebind<std::uint8_t, Lanes> bytes;
     forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
@@ -150,6 +165,7 @@ namespace framora::raster {
 HWY_EXPORT(blendOverAll);
 HWY_EXPORT(blendOverCovered);
 HWY_EXPORT(blendOverlayCovered);
+HWY_EXPORT(blendInsteadCovered);
 HWY_EXPORT(packAll);
 
 void blendOver(MixPixel* under, const MixPixel* over, std::size_t count) {
@@ -162,6 +178,10 @@ void blendOver(MixPixel* under, const MixPixel* over, const MixPixel* coverage, 
 
 void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count) {
     HWY_DYNAMIC_DISPATCH(blendOverlayCovered)(under, over, coverage, count);
+}
+
+void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(blendInsteadCovered)(under, over, coverage, count);
 }
 
 void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {

@@ -17,6 +17,8 @@ void blendOver(MixPixel* under, const MixPixel* over, const MixPixel* coverage, 
 /// `over` on `under`, where it covers, dark where `under` is dark and light where it is light (the overlay
 /// mode of compositing).
 void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
+/// `over` in the place of `under`, where it covers.
+void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
 /// Rounds to pixels of a picture.
 void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out);
 
@@ -24,6 +26,7 @@ namespace plain {
 void blendOver(MixPixel* under, const MixPixel* over, std::size_t count);
 void blendOver(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
 void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
+void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
 void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out);
 } // namespace plain
 

@@ -53,6 +53,16 @@ void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverag
     }
 }
 
+void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        for (int c = 0; c < 4; ++c) {
+            const std::int16_t part = coverage[i].channel[c];
+            under[i].channel[c] =
+                std::int16_t(covered(over[i].channel[c], part) +
+                             mulFixed(under[i].channel[c], std::int16_t(coverageOne - part)));
+        }
+}
+
 void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
     for (std::size_t i = 0; i < count; ++i) {
         std::uint32_t pixel = 0;

@@ -1,15 +1,18 @@
 #include "editor/render/raster/PngEncoder.h"
 
+#include "editor/render/raster/Deflater.h"
 #include "editor/render/raster/ParallelFor.h"
+#include "editor/render/raster/PngRows.h"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <cmath>
-#include <cstring>
 #include <isa-l.h>
 #include <limits>
 #include <memory>
+#include <mutex>
+#include <new>
 #include <string_view>
 
 namespace framora::raster {
@@ -20,6 +23,15 @@ using Bytes = std::vector<std::uint8_t>;
 // Rows are filtered and compressed in stripes of about this many bytes, each a chunk of its own, on all
 // threads. The size is fixed so that the file does not depend on how many there are.
 constexpr std::size_t stripeBytes = 1 << 20;
+
+// Pictures up to this many bytes get the better and slower search for matches.
+constexpr std::size_t thoroughBytes = 8u << 20;
+
+// A large picture's filtering is tried on this many strips of it, half a stripe together.
+constexpr int sampledStrips = 4;
+
+// The colour space is said in pictures of this many pixels; below, the words would weigh too much.
+constexpr std::int64_t taggedPixels = 1 << 15;
 
 void append32(Bytes& bytes, std::uint32_t value) {
     for (int shift = 24; shift >= 0; shift -= 8)
@@ -59,79 +71,13 @@ bool isOpaque(PixelView picture) {
     return opaque;
 }
 
-/// round(255 c / a) = (c * reciprocal[a] + half) >> 24 for every c <= a; the tests try them all.
-struct Reciprocals {
-    std::array<std::uint32_t, 256> value{};
-    constexpr Reciprocals() {
-        for (std::uint32_t a = 1; a < 256; ++a)
-            value[a] = ((255u << 24) + a - 1) / a;
-    }
-};
-constexpr Reciprocals reciprocals;
-
-std::uint8_t unpremultiplied(std::uint32_t colour, std::uint32_t alpha) {
-    // A colour above its alpha is no valid pixel; it saturates.
-    const std::uint64_t scaled =
-        std::uint64_t(std::min(colour, alpha)) * reciprocals.value[alpha] + (1u << 23);
-    return std::uint8_t(std::min<std::uint64_t>(scaled >> 24, 255));
-}
-
-void writeRgb(const std::uint32_t* row, int width, std::uint8_t* out) {
-    for (int x = 0; x < width; ++x, out += 3) {
-        const std::uint32_t pixel = row[x];
-        out[0] = std::uint8_t(pixel >> 16);
-        out[1] = std::uint8_t(pixel >> 8);
-        out[2] = std::uint8_t(pixel);
-    }
-}
-
-void writeRgba(const std::uint32_t* row, int width, std::uint8_t* out) {
-    for (int x = 0; x < width; ++x, out += 4) {
-        const std::uint32_t pixel = row[x];
-        const std::uint32_t alpha = pixel >> 24;
-        if (alpha == 255) {
-            out[0] = std::uint8_t(pixel >> 16);
-            out[1] = std::uint8_t(pixel >> 8);
-            out[2] = std::uint8_t(pixel);
-        } else {
-            out[0] = unpremultiplied(pixel >> 16 & 255, alpha);
-            out[1] = unpremultiplied(pixel >> 8 & 255, alpha);
-            out[2] = unpremultiplied(pixel & 255, alpha);
-        }
-        out[3] = std::uint8_t(alpha);
-    }
-}
-
 struct Stripe {
-    Bytes chunk; ///< The whole IDAT chunk; empty when memory was short.
+    Bytes chunk; ///< The IDAT chunk, whole but for the last stripe's checksums; empty when memory was short.
     std::uint32_t adler = 1;
     std::size_t length = 0; ///< Filtered bytes.
 };
 
-/// The rows [firstRow, endRow), filtered with "up": a byte less the byte above it.
-Bytes filteredRows(PixelView picture, bool opaque, int firstRow, int endRow) {
-    const std::size_t rowBytes = std::size_t(picture.width) * (opaque ? 3 : 4);
-    const auto write = opaque ? writeRgb : writeRgba;
-    Bytes above(rowBytes, 0);
-    Bytes current(rowBytes);
-    if (firstRow > 0)
-        write(picture.row(firstRow - 1), picture.width, above.data());
-    Bytes filtered(std::size_t(endRow - firstRow) * (rowBytes + 1));
-    std::uint8_t* out = filtered.data();
-    for (int y = firstRow; y < endRow; ++y) {
-        write(picture.row(y), picture.width, current.data());
-        *out++ = 2;
-        const std::uint8_t* now = current.data();
-        const std::uint8_t* up = above.data();
-        for (std::size_t i = 0; i < rowBytes; ++i)
-            out[i] = std::uint8_t(now[i] - up[i]);
-        out += rowBytes;
-        current.swap(above);
-    }
-    return filtered;
-}
-
-bool deflateStripe(const Bytes& filtered, bool isLast, Bytes& out) {
+bool deflateFast(std::span<const std::uint8_t> filtered, bool isLast, Bytes& out) {
     // What cannot be compressed is stored, with a few bytes a block of 64 KB.
     const std::size_t capacity = filtered.size() + filtered.size() / 1024 + 1024;
     const auto compressed = std::make_unique_for_overwrite<std::uint8_t[]>(capacity);
@@ -155,10 +101,24 @@ bool deflateStripe(const Bytes& filtered, bool isLast, Bytes& out) {
     return true;
 }
 
-Stripe encodeStripe(PixelView picture, bool opaque, int firstRow, int endRow) {
+/// A small picture takes little time either way.
+DeflateEffort effortFor(PixelView picture, PngRowFormat format) {
+    return format.rowBytes(picture.width) * std::size_t(picture.height) <= thoroughBytes
+               ? DeflateEffort::thorough
+               : DeflateEffort::quick;
+}
+
+Stripe encodeStripe(PixelView picture, PngRowFormat format, PngSpeed speed, int firstRow, int endRow) {
+    const std::size_t rowBytes = format.rowBytes(picture.width);
+    // The compact stream goes on from the stripe before, so the rows in its window are filtered once more.
+    const std::size_t windowRows = (std::size_t(deflate::windowSize) + rowBytes - 1) / rowBytes;
+    const int rowsBefore = speed == PngSpeed::compact ? std::min(firstRow, int(windowRows)) : 0;
+    const Bytes rows = filteredPngRows(picture, format, firstRow - rowsBefore, endRow);
+    const std::size_t begin = std::size_t(rowsBefore) * rowBytes;
+    const std::span<const std::uint8_t> filtered = std::span(rows).subspan(begin);
     const bool isLast = endRow == picture.height;
+
     Stripe stripe;
-    const Bytes filtered = filteredRows(picture, opaque, firstRow, endRow);
     stripe.length = filtered.size();
     stripe.adler = isal_adler32(1, filtered.data(), filtered.size());
     const std::size_t start = startChunk(stripe.chunk, "IDAT");
@@ -166,10 +126,47 @@ Stripe encodeStripe(PixelView picture, bool opaque, int firstRow, int endRow) {
         stripe.chunk.push_back(0x78); // zlib header: deflate, 32 KB window, fastest
         stripe.chunk.push_back(0x01);
     }
-    if (!deflateStripe(filtered, isLast, stripe.chunk))
+    if (speed == PngSpeed::compact)
+        Deflater(effortFor(picture, format)).compress(rows, begin, isLast, stripe.chunk);
+    else if (!deflateFast(filtered, isLast, stripe.chunk))
         return {};
-    finishChunk(stripe.chunk, start);
+    if (!isLast)
+        finishChunk(stripe.chunk, start);
     return stripe;
+}
+
+/// What compresses better, tried on the whole of a small picture and on a few strips of a large one.
+PngFiltering chooseFiltering(PixelView picture, PngRowFormat format) {
+    const std::size_t rowBytes = format.rowBytes(picture.width);
+    const int affordable = int(std::max<std::size_t>(1, stripeBytes / rowBytes));
+    const bool isSmall = format.rowBytes(picture.width) * std::size_t(picture.height) <= thoroughBytes;
+    const int strips = isSmall ? 1 : sampledStrips;
+    const int rows = isSmall ? picture.height : std::max(1, affordable / (2 * sampledStrips));
+    constexpr std::array tried = {PngFiltering::cheapest, PngFiltering::none, PngFiltering::leastSum};
+    const int candidates = isSmall ? int(tried.size()) : 2;
+    std::array<std::atomic<std::size_t>, tried.size()> sizes{};
+    std::atomic<bool> failed = false;
+    parallelFor(strips * candidates, [&](int i) {
+        const std::size_t which = std::size_t(i % candidates);
+        const int strip = i / candidates;
+        const int first = int(std::int64_t(picture.height - rows) * (2 * strip + 1) / (2 * strips));
+        PngRowFormat candidate = format;
+        candidate.filtering = tried[which];
+        try {
+            Bytes out;
+            Deflater(effortFor(picture, format))
+                .compress(filteredPngRows(picture, candidate, first, first + rows), 0, true, out);
+            sizes[which] += out.size();
+        } catch (const std::bad_alloc&) {
+            failed = true;
+        }
+    });
+    if (failed)
+        throw std::bad_alloc();
+    // In strips by themselves rows without a filter look better than they are.
+    if (!isSmall)
+        return sizes[1] < sizes[0] - sizes[0] / 32 ? tried[1] : tried[0];
+    return tried[std::size_t(std::min_element(sizes.begin(), sizes.begin() + candidates) - sizes.begin())];
 }
 
 /// The checksum of two pieces in a row from the pieces' own.
@@ -191,9 +188,11 @@ Bytes header(PixelView picture, bool opaque, std::uint32_t resolution) {
     bytes.push_back(opaque ? 2 : 6);
     bytes.insert(bytes.end(), {0, 0, 0});
     finishChunk(bytes, start);
-    start = startChunk(bytes, "sRGB");
-    bytes.push_back(0);
-    finishChunk(bytes, start);
+    if (std::int64_t(picture.width) * picture.height >= taggedPixels) {
+        start = startChunk(bytes, "sRGB");
+        bytes.push_back(0);
+        finishChunk(bytes, start);
+    }
     if (resolution > 0) {
         start = startChunk(bytes, "pHYs");
         append32(bytes, resolution);
@@ -204,6 +203,36 @@ Bytes header(PixelView picture, bool opaque, std::uint32_t resolution) {
     return bytes;
 }
 
+/// Hands finished stripes on in their order; one that comes too early waits, compressed.
+class StripeQueue {
+public:
+    StripeQueue(std::size_t count, const PngSink& sink) : m_waiting(count), m_sink(sink) {}
+
+    void add(std::size_t index, Stripe stripe) {
+        const std::lock_guard lock(m_mutex);
+        m_waiting[index] = std::move(stripe);
+        for (; m_next < m_waiting.size() && !m_waiting[m_next].chunk.empty(); ++m_next) {
+            Stripe& next = m_waiting[m_next];
+            m_adler = joinedAdler(m_adler, next.adler, next.length);
+            if (m_next + 1 == m_waiting.size()) {
+                append32(next.chunk, m_adler);
+                finishChunk(next.chunk, 0);
+                finishChunk(next.chunk, startChunk(next.chunk, "IEND"));
+            }
+            m_sink(next.chunk);
+            next.chunk = {};
+        }
+    }
+    bool isComplete() const { return m_next == m_waiting.size(); }
+
+private:
+    std::mutex m_mutex;
+    std::vector<Stripe> m_waiting;
+    std::size_t m_next = 0;
+    std::uint32_t m_adler = 1;
+    const PngSink& m_sink;
+};
+
 } // namespace
 
 std::uint32_t pixelsPerMetre(double dotsPerInch) {
@@ -211,38 +240,40 @@ std::uint32_t pixelsPerMetre(double dotsPerInch) {
     return value >= 1 && value <= std::numeric_limits<std::int32_t>::max() ? std::uint32_t(value) : 0;
 }
 
-std::vector<std::uint8_t> encodePng(PixelView picture, std::uint32_t pixelsPerMetre) {
+bool writePng(PixelView picture, std::uint32_t pixelsPerMetre, PngSpeed speed, const PngSink& sink) try {
     if (picture.isEmpty())
-        return {};
-    const bool opaque = isOpaque(picture);
-    const std::size_t rowBytes = std::size_t(picture.width) * (opaque ? 3 : 4) + 1;
-    const int rowsPerStripe =
-        int(std::clamp<std::size_t>(stripeBytes / rowBytes, 1, std::size_t(picture.height)));
+        return false;
+    PngRowFormat format{.isOpaque = isOpaque(picture), .filtering = PngFiltering::up};
+    if (speed == PngSpeed::compact)
+        format.filtering = chooseFiltering(picture, format);
+    const int rowsPerStripe = int(std::clamp<std::size_t>(stripeBytes / format.rowBytes(picture.width), 1,
+                                                          std::size_t(picture.height)));
     const int count = (picture.height + rowsPerStripe - 1) / rowsPerStripe;
-    std::vector<Stripe> stripes(static_cast<std::size_t>(count));
+    sink(header(picture, format.isOpaque, pixelsPerMetre));
+    StripeQueue queue(std::size_t(count), sink);
+    std::atomic<bool> failed = false;
     parallelFor(count, [&](int i) {
+        if (failed)
+            return;
         const int firstRow = i * rowsPerStripe;
         const int endRow = std::min(picture.height - firstRow, rowsPerStripe) + firstRow;
-        stripes[std::size_t(i)] = encodeStripe(picture, opaque, firstRow, endRow);
+        try {
+            queue.add(std::size_t(i), encodeStripe(picture, format, speed, firstRow, endRow));
+        } catch (const std::bad_alloc&) {
+            failed = true;
+        }
     });
+    return !failed && queue.isComplete();
+} catch (const std::bad_alloc&) {
+    return false;
+}
 
-    Bytes png = header(picture, opaque, pixelsPerMetre);
-    std::size_t size = png.size() + 64;
-    for (const Stripe& stripe : stripes)
-        size += stripe.chunk.size();
-    png.reserve(size);
-    std::uint32_t adler = 1;
-    for (const Stripe& stripe : stripes) {
-        if (stripe.chunk.empty())
-            return {};
-        png.insert(png.end(), stripe.chunk.begin(), stripe.chunk.end());
-        adler = joinedAdler(adler, stripe.adler, stripe.length);
-    }
-    const std::size_t tail = startChunk(png, "IDAT");
-    append32(png, adler);
-    finishChunk(png, tail);
-    finishChunk(png, startChunk(png, "IEND"));
-    return png;
+std::vector<std::uint8_t> encodePng(PixelView picture, std::uint32_t pixelsPerMetre, PngSpeed speed) {
+    Bytes png;
+    const bool complete = writePng(picture, pixelsPerMetre, speed, [&](std::span<const std::uint8_t> bytes) {
+        png.insert(png.end(), bytes.begin(), bytes.end());
+    });
+    return complete ? png : Bytes();
 }
 
 } // namespace framora::raster

@@ -1,0 +1,162 @@
+#include "editor/render/GlassEffectModifier.h"
+
+#include "editor/render/raster/GlassPaint.h"
+#include "editor/render/raster/GradientPaint.h"
+#include "editor/render/raster/ShadowPaint.h"
+#include "editor/render/raster/SolidPaint.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace framora {
+namespace {
+
+using raster::Coverage;
+using raster::GlassBackdrop;
+using raster::GlassPaint;
+using raster::GlassWindow;
+using raster::Homography;
+using raster::Layer;
+using raster::Placement;
+using raster::RoundedRect;
+using raster::Vec2;
+
+struct Material {
+    double blurRadius; ///< Points: the deviation.
+    double veil;       ///< White, 0...1.
+    bool isPolished;
+};
+
+Material properties(GlassMaterial material) {
+    switch (material) {
+    case GlassMaterial::clear:
+        return {2.5, 0.08, true};
+    case GlassMaterial::ultraThin:
+        return {8, 0.2, false};
+    case GlassMaterial::thin:
+        return {12, 0.35, false};
+    case GlassMaterial::regular:
+        return {16, 0.5, false};
+    case GlassMaterial::thick:
+        return {20, 0.65, false};
+    }
+    return {0, 0, false};
+}
+
+/// How many pixels a point of the card is long in its middle, and at most at its corners.
+struct Scale {
+    double middle;
+    double most;
+};
+
+Scale pixelsPerPoint(const RoundedRect& card, const Homography& map) {
+    constexpr double nearest = 1e-3; // depth
+    const auto at = [&](Vec2 p) {
+        const double w = std::max(map.depth(p), nearest);
+        const double x = (map(0, 0) * p.x + map(0, 1) * p.y + map(0, 2)) / w;
+        const double y = (map(1, 0) * p.x + map(1, 1) * p.y + map(1, 2)) / w;
+        return std::max(std::hypot(map(0, 0) - x * map(2, 0), map(1, 0) - y * map(2, 0)) / w,
+                        std::hypot(map(0, 1) - x * map(2, 1), map(1, 1) - y * map(2, 1)) / w);
+    };
+    Scale scale{at({0, 0}), 0};
+    for (const double x : {-card.width / 2, card.width / 2})
+        for (const double y : {-card.height / 2, card.height / 2})
+            scale.most = std::max(scale.most, at({x, y}));
+    return scale;
+}
+
+/// A paint that turns the line from the top left to the bottom right corner into a gradient.
+std::shared_ptr<const raster::Paint> hairlinePaint(const RoundedRect& card, const Placement& placement) {
+    constexpr double bright = 0.3;
+    constexpr double faint = 0.1;
+    const double diagonal = std::atan2(card.width, -card.height) * 180 / std::numbers::pi;
+    return std::make_shared<raster::GradientPaint>(
+        raster::GradientPaint::Kind::linear, diagonal, card.width, card.height,
+        std::vector<raster::Float4>{raster::premultiplied(1, 1, 1, bright),
+                                    raster::premultiplied(1, 1, 1, faint)},
+        placement.toLocal());
+}
+
+Placement moved(const Placement& placement, double x, double y) {
+    Placement result = placement;
+    const Homography move = Homography::translation(x, y);
+    result.toOutput = result.toOutput * move;
+    for (Homography& projection : result.projections)
+        projection = projection * move;
+    return result;
+}
+
+/// The bevel of a polished card whose frame is `frame` points wide.
+GlassPaint::Look polished(double frame, double veil) {
+    GlassPaint::Look look;
+    look.rim = std::clamp(0.8 * frame, 3.0, 14.0);
+    look.bend = 1.4 * look.rim;
+    look.veil = raster::premultiplied(1, 1, 1, veil);
+    look.glow = 0.35;
+    look.shade = 0.12;
+    return look;
+}
+
+} // namespace
+
+void GlassEffectModifier::append(std::vector<Layer>& layers, const Card& card, QSize output) const {
+    const RoundedRect shape{card.size.width(), card.size.height(), cornerRadius};
+    const std::vector<Vec2> outline = shape.outline(card.placement);
+    if (outline.empty() || output.isEmpty() || !card.placement.toLocal().isFinite() ||
+        std::isnan(cornerRadius))
+        return;
+    const Material made = properties(material);
+    const auto seen = float(opacity > 0 ? std::min(opacity, 1.0) : 0);
+
+    double frame = 12; // of a card that shows all over
+    Coverage hidden;
+    if (card.hidden) {
+        hidden = Coverage(card.hidden->outline(card.placement));
+        frame = std::min(shape.width - card.hidden->width, shape.height - card.hidden->height) / 2;
+    }
+    const auto window = std::make_shared<const GlassWindow>(Coverage(outline), std::move(hidden),
+                                                            output.width(), output.height());
+    GlassPaint::Look look;
+    look.veil = raster::premultiplied(1, 1, 1, made.veil);
+    if (made.isPolished)
+        look = polished(frame, made.veil);
+    constexpr double leastDeviation = 0.5; // pixels
+    constexpr double largestDeviation = 200;
+    constexpr double farthest = 1 << 20;
+    const Scale scale = pixelsPerPoint(shape, card.placement.toOutput);
+    const double deviation = std::clamp(made.blurRadius * scale.middle, leastDeviation, largestDeviation);
+    const auto backdrop = GlassBackdrop::make(layers, *window, deviation,
+                                              int(std::min(std::ceil(look.bend * scale.most), farthest)));
+
+    const Placement dropped = moved(card.placement, 0, shadowOffset);
+    const double margin = 2 * raster::ShadowPaint::reach * shadowRadius;
+    Layer shadow{{shape.width + margin, shape.height + margin, 0},
+                 {},
+                 dropped,
+                 std::make_shared<raster::ShadowPaint>(shape, shadowRadius, shadowOpacity, dropped),
+                 {},
+                 {}};
+    layers.push_back(std::move(shadow));
+
+    Layer pane{shape, {}, card.placement, nullptr, {}, {}, seen};
+    if (backdrop) {
+        pane.paint = std::make_shared<GlassPaint>(backdrop, window, shape, card.placement, look);
+        pane.blend = Layer::Blend::replace;
+    } else {
+        pane.paint = std::make_shared<raster::SolidPaint>(look.veil);
+    }
+    layers.push_back(std::move(pane));
+
+    const RoundedRect inner{shape.width - hairlineWidth, shape.height - hairlineWidth,
+                            std::max(0.0, shape.radius - hairlineWidth / 2)};
+    const bool isThick = inner.width > 0 && inner.height > 0;
+    layers.push_back({shape,
+                      isThick ? std::optional(inner) : std::nullopt,
+                      card.placement,
+                      hairlinePaint(shape, card.placement),
+                      {},
+                      {}});
+}
+
+} // namespace framora

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "editor/render/raster/Compositor.h"
+
+#include <QSize>
+#include <QSizeF>
+#include <optional>
+#include <vector>
+
+namespace framora {
+
+/// What a card of glass is made of.
+enum class GlassMaterial {
+    clear,     ///< Polished: what lies behind is gently blurred, and bent by a bevelled rim.
+    ultraThin, ///< The other ones are frosted, flat, and more and more white.
+    thin,
+    regular,
+    thick
+};
+
+/// A card of glass around a content: a soft shadow, what lies behind seen through the material, and a bright
+/// hairline. Lengths are in points of the card.
+struct GlassEffectModifier {
+    GlassMaterial material = GlassMaterial::regular;
+    double cornerRadius = 0;
+    double opacity = 1; ///< 0...1, of the material.
+
+    static constexpr double hairlineWidth = 1; ///< Half of it lies outside of the card and is cut off.
+    static constexpr double shadowOpacity = 0.2;
+    static constexpr double shadowRadius = 10; ///< The deviation of its blur.
+    static constexpr double shadowOffset = 5;  ///< Downwards.
+
+    /// The card, and what of it cannot be seen because its content is opaque.
+    struct Card {
+        QSizeF size; ///< Points, about the origin of `placement`.
+        raster::Placement placement;
+        std::optional<raster::RoundedRect> hidden;
+    };
+    /// Adds the card to `layers`, which it is seen over; its content is to follow. `output` is the whole
+    /// picture in pixels. A card of no size adds nothing, nor does one whose numbers are not finite; when
+    /// memory is short it is a plain veil.
+    void append(std::vector<raster::Layer>& layers, const Card& card, QSize output) const;
+};
+
+} // namespace framora

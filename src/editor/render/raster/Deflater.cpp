@@ -1,0 +1,298 @@
+#include "editor/render/raster/Deflater.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+
+namespace framora::raster {
+namespace {
+
+using namespace deflate;
+
+constexpr int hashBits = 15;
+constexpr int pricedLength = 12; ///< Up to this a match is held against its literals.
+constexpr int densePart = 16;    ///< Positions at both ends of a match that later ones can find.
+constexpr std::size_t chunkTokens = 2048;
+constexpr std::size_t longestBlock = 32768; ///< Tokens.
+constexpr double blockOverheadBits = 480;   ///< What the description of one more code takes, about.
+
+const DeflateSearch quickSearch = {.depth = 24,
+                                   .lazyDepth = 8,
+                                   .missedDepth = 4,
+                                   .niceLength = 66,
+                                   .lazyLength = 32,
+                                   .sureRepeat = 24,
+                                   .hashedBytes = 6};
+const DeflateSearch thoroughSearch = {.depth = 128,
+                                      .lazyDepth = 64,
+                                      .missedDepth = 64,
+                                      .niceLength = 258,
+                                      .lazyLength = 128,
+                                      .sureRepeat = 128,
+                                      .hashedBytes = 3};
+constexpr std::size_t twiceParsed = 1 << 14; ///< Bytes.
+constexpr int fewMisses = 4;
+
+constexpr int readAhead = 8; ///< A hash reads this far.
+
+std::uint32_t load32(const std::uint8_t* bytes) {
+    std::uint32_t value;
+    std::memcpy(&value, bytes, 4);
+    return value;
+}
+
+std::uint64_t load64(const std::uint8_t* bytes) {
+    std::uint64_t value;
+    std::memcpy(&value, bytes, 8);
+    return value;
+}
+
+int commonLength(const std::uint8_t* a, const std::uint8_t* b, int limit) {
+    int length = 0;
+    for (; length + 8 <= limit; length += 8) {
+        const std::uint64_t difference = load64(a + length) ^ load64(b + length);
+        if (difference != 0)
+            return length + std::countr_zero(difference) / 8;
+    }
+    while (length < limit && a[length] == b[length])
+        ++length;
+    return length;
+}
+
+} // namespace
+
+Deflater::Deflater(DeflateEffort effort)
+    : m_search(effort == DeflateEffort::quick ? quickSearch : thoroughSearch),
+      m_head(std::size_t(1) << hashBits), m_previous(windowSize) {
+    m_tokens.reserve(longestBlock + 2 * chunkTokens);
+}
+
+std::size_t Deflater::hashOf(const std::uint8_t* bytes) const {
+    return (load64(bytes) << (64 - 8 * m_search.hashedBytes)) * 0x9e3779b97f4a7c15u >> (64 - hashBits);
+}
+
+void Deflater::compress(std::span<const std::uint8_t> data, std::size_t begin, bool isLast,
+                        std::vector<std::uint8_t>& out) {
+    start(data, begin);
+    if (data.size() - begin > twiceParsed || m_search.depth == quickSearch.depth) {
+        writeAll(isLast, out);
+        return;
+    }
+    // There is only one block, whose prices were guessed; the second time they are known.
+    std::vector<std::uint8_t> first;
+    writeAll(isLast, first);
+    const DeflateCode prices = m_prices;
+    start(data, begin);
+    m_prices = prices;
+    std::vector<std::uint8_t> second;
+    writeAll(isLast, second);
+    const std::vector<std::uint8_t>& smaller = second.size() < first.size() ? second : first;
+    out.insert(out.end(), smaller.begin(), smaller.end());
+}
+
+void Deflater::writeAll(bool isLast, std::vector<std::uint8_t>& out) {
+    BitWriter writer(out);
+    parse(writer);
+    endChunk(writer, m_end);
+    writeBlock(writer, isLast);
+    writer.reserve(16);
+    if (!isLast) { // an empty stored block brings the next piece to a byte boundary
+        writer.put(0, 3);
+        writer.alignToByte();
+        writer.put(0xffff0000u, 32);
+    }
+    writer.alignToByte();
+}
+
+void Deflater::start(std::span<const std::uint8_t> data, std::size_t begin) {
+    m_data = data.data();
+    m_end = int(data.size());
+    std::ranges::fill(m_head, -1);
+    const int first = int(begin);
+    for (int i = std::max(0, first - windowSize); i < std::min(first, m_end - readAhead + 1); ++i)
+        insert(i);
+    m_tokens.clear();
+    m_blockTokens = 0;
+    m_block = m_chunk = {};
+    m_blockEntropy = 0;
+    m_blockBegin = m_chunkBegin = first;
+    // The first prices: the bytes at the start, and matches of all kinds.
+    DeflateSymbols guess;
+    guess.literals.fill(1);
+    guess.distances.fill(1);
+    for (int i = first; i < std::min(m_end, first + 16384); ++i)
+        guess.literals[m_data[i]] += 4;
+    for (std::size_t i = endOfBlock + 1; i < literalSymbols; ++i)
+        guess.literals[i] += 64;
+    m_prices = DeflateCode::forSymbols(guess);
+}
+
+void Deflater::insert(int position) {
+    int& head = m_head[hashOf(m_data + position)];
+    m_previous[std::size_t(position) % windowSize] = head;
+    head = position;
+}
+
+void Deflater::insertMatched(int first, int end) {
+    const int limit = std::min(end, m_end - readAhead + 1);
+    if (end - first <= 2 * densePart) {
+        for (int i = first; i < limit; ++i)
+            insert(i);
+        return;
+    }
+    for (int i = first; i < std::min(first + densePart, limit); ++i)
+        insert(i);
+    for (int i = end - densePart; i < limit; ++i)
+        insert(i);
+}
+
+Deflater::Match Deflater::findMatch(int position, int longerThan, int depth) {
+    const std::uint8_t* here = m_data + position;
+    const int limit = std::min(longestMatch, m_end - position);
+    Match best{.length = std::max(longerThan, std::min(m_search.hashedBytes, 4) - 1), .distance = 0};
+    if (limit <= best.length)
+        return {};
+    const std::uint32_t compared = m_search.hashedBytes == 3 ? 0xffffffu : 0xffffffffu;
+    const std::uint32_t start = load32(here) & compared;
+    int candidate = m_head[hashOf(here)];
+    const int oldest = std::max(0, position - windowSize);
+    while (candidate >= oldest && depth-- > 0) {
+        const std::uint8_t* there = m_data + candidate;
+        if ((load32(there) & compared) == start &&
+            (best.length < 3 || load32(there + best.length - 3) == load32(here + best.length - 3))) {
+            const int length = commonLength(here, there, limit);
+            if (length > best.length) {
+                best = {.length = length, .distance = position - candidate};
+                if (length >= m_search.niceLength || length == limit)
+                    break;
+            }
+        }
+        candidate = m_previous[std::size_t(candidate) % windowSize];
+    }
+    return best.distance > 0 ? best : Match{};
+}
+
+bool Deflater::isWorthwhile(int position, Match match) const {
+    if (match.length > pricedLength)
+        return true;
+    const auto price = [](unsigned length) { return length > 0 ? length : 14u; };
+    const Slot length = lengthSlots[std::size_t(match.length)];
+    const Slot distance = distanceSlot(unsigned(match.distance));
+    const unsigned cost = price(m_prices.literals[length.symbol]) + length.extraBits +
+                          price(m_prices.distances[distance.symbol]) + distance.extraBits;
+    unsigned literals = 0;
+    for (int i = 0; i < match.length; ++i)
+        literals += price(m_prices.literals[m_data[position + i]]);
+    return cost < literals;
+}
+
+void Deflater::addLiteral(int position) {
+    const std::uint8_t value = m_data[position];
+    m_tokens.push_back(value);
+    ++m_chunk.literals[value];
+}
+
+void Deflater::addMatch(Match match) {
+    m_tokens.push_back(std::uint32_t(match.length) << 16 | std::uint32_t(match.distance - 1));
+    ++m_chunk.literals[lengthSlots[std::size_t(match.length)].symbol];
+    ++m_chunk.distances[distanceSlot(unsigned(match.distance)).symbol];
+}
+
+void Deflater::parse(BitWriter& writer) {
+    int position = m_blockBegin;
+    const int shortest = std::min(m_search.hashedBytes, 4);
+    int lastDistance = 0;
+    int misses = 0;
+    while (position < m_end) {
+        if (m_tokens.size() - m_blockTokens >= chunkTokens)
+            endChunk(writer, position);
+        // Runs of one byte, above all of zeros, and then what repeats at the distance of the last match.
+        const int limit = std::min(longestMatch, m_end - position);
+        Match repeat;
+        for (const int distance : {1, lastDistance}) {
+            if (distance == 0 || distance > position)
+                continue;
+            const int length = commonLength(m_data + position, m_data + position - distance, limit);
+            if (length > repeat.length && length >= shortest)
+                repeat = {.length = length, .distance = distance};
+            if (repeat.length == limit)
+                break;
+        }
+        const bool nearEnd = m_end - position <= readAhead;
+        if (repeat.length >= m_search.sureRepeat ||
+            (nearEnd && repeat.length > 0 && isWorthwhile(position, repeat))) {
+            addMatch(repeat);
+            insertMatched(position, position + repeat.length);
+            position += repeat.length;
+            lastDistance = repeat.distance > 1 ? repeat.distance : lastDistance;
+            misses = 0;
+            continue;
+        }
+        if (nearEnd) {
+            addLiteral(position++);
+            continue;
+        }
+        // A repeat's distance is cheap, so another match has to be longer by two.
+        Match match = findMatch(position, repeat.length > 0 ? repeat.length + 1 : 0,
+                                misses > fewMisses ? m_search.missedDepth : m_search.depth);
+        if (match.length == 0)
+            match = repeat;
+        insert(position);
+        if (match.length == 0 || !isWorthwhile(position, match)) {
+            // Where nothing repeats, as in noise, ever fewer places are tried.
+            ++misses;
+            const int literals = std::min(1 + (misses >> 8), std::min(8, m_end - position));
+            for (int i = 0; i < literals; ++i)
+                addLiteral(position++);
+            continue;
+        }
+        misses = 0;
+        while (match.length < m_search.lazyLength && m_end - position > readAhead) {
+            const Match next = findMatch(position + 1, match.length, m_search.lazyDepth);
+            if (next.length == 0)
+                break;
+            const int gain = 4 * (next.length - match.length) + std::bit_width(unsigned(match.distance)) -
+                             std::bit_width(unsigned(next.distance));
+            if (gain <= 2)
+                break;
+            addLiteral(position++);
+            insert(position);
+            match = next;
+        }
+        addMatch(match);
+        insertMatched(position + 1, position + match.length);
+        position += match.length;
+        lastDistance = match.distance > 1 ? match.distance : lastDistance;
+    }
+}
+
+void Deflater::endChunk(BitWriter& writer, int position) {
+    // The chunk goes on with the block when one code for both is no dearer than two.
+    const double chunkEntropy = m_chunk.entropy();
+    DeflateSymbols joined = m_block;
+    joined.add(m_chunk);
+    double joinedEntropy = joined.entropy();
+    if (m_blockTokens > 0 && (m_blockTokens >= longestBlock ||
+                              joinedEntropy > m_blockEntropy + chunkEntropy + blockOverheadBits)) {
+        const std::vector<DeflateToken> chunk(m_tokens.begin() + std::ptrdiff_t(m_blockTokens),
+                                              m_tokens.end());
+        writeBlock(writer, false);
+        m_tokens.assign(chunk.begin(), chunk.end());
+        joined = m_chunk;
+        joinedEntropy = chunkEntropy;
+    }
+    m_block = joined;
+    m_blockEntropy = joinedEntropy;
+    m_blockTokens = m_tokens.size();
+    m_chunk = {};
+    m_chunkBegin = position;
+}
+
+void Deflater::writeBlock(BitWriter& writer, bool isLast) {
+    const std::span<const std::uint8_t> bytes(m_data + m_blockBegin,
+                                              std::size_t(m_chunkBegin - m_blockBegin));
+    m_prices = writeDeflateBlock(writer, std::span(m_tokens).first(m_blockTokens), m_block, bytes, isLast);
+    m_blockBegin = m_chunkBegin;
+}
+
+} // namespace framora::raster

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "editor/render/raster/DeflateBlock.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace framora::raster {
+
+/// How hard matches are looked for.
+enum class DeflateEffort : std::uint8_t {
+    quick,    ///< Matches of six bytes and more, few places.
+    thorough, ///< Matches of four bytes and more, many places: several times slower, a few percent smaller.
+};
+
+/// The numbers behind an effort.
+struct DeflateSearch {
+    int depth;       ///< Earlier places looked at,
+    int lazyDepth;   ///< for a better match one byte later,
+    int missedDepth; ///< and where the last positions had no match worth taking.
+    int niceLength;  ///< From this on no better match is looked for.
+    int lazyLength;  ///< Below this the next position is tried too.
+    int sureRepeat;  ///< A run, or a repeat of the last distance, of this length is taken unseen.
+    int hashedBytes; ///< The shortest match that is looked for, repeats aside.
+};
+
+/// A deflate encoder for filtered picture rows, made so that pieces of one stream can be compressed on
+/// different threads: every piece sees the bytes before it, and ends on a byte boundary. What it does
+/// otherwise than a general encoder: it passes over the long runs that filtered rows are made of without
+/// entering them into its tables, takes a short match only where it is cheaper than the literals in the
+/// code of the block before, and starts a block wherever the statistics change.
+///
+/// It holds 600 KB of tables and may be used for many pieces in turn; the bytes depend only on the piece.
+class Deflater {
+public:
+    explicit Deflater(DeflateEffort effort = DeflateEffort::quick);
+
+    /// Appends the blocks for data[begin, size) to `out`; the up to 32 KB before `begin` are what the stream
+    /// already holds. At most 2^30 bytes.
+    void compress(std::span<const std::uint8_t> data, std::size_t begin, bool isLast,
+                  std::vector<std::uint8_t>& out);
+
+private:
+    struct Match {
+        int length = 0;
+        int distance = 0;
+    };
+
+    std::size_t hashOf(const std::uint8_t* bytes) const;
+    void start(std::span<const std::uint8_t> data, std::size_t begin);
+    void writeAll(bool isLast, std::vector<std::uint8_t>& out);
+    void parse(BitWriter& writer);
+    void insert(int position);
+    void insertMatched(int first, int end);
+    Match findMatch(int position, int longerThan, int depth);
+    bool isWorthwhile(int position, Match match) const;
+    void addLiteral(int position);
+    void addMatch(Match match);
+    void endChunk(BitWriter& writer, int position);
+    void writeBlock(BitWriter& writer, bool isLast);
+
+    DeflateSearch m_search;
+    const std::uint8_t* m_data = nullptr;
+    int m_end = 0;
+    std::vector<int> m_head;     ///< The last position with this hash, or -1.
+    std::vector<int> m_previous; ///< By position modulo the window: the one before with the same hash.
+
+    // The block so far, and the chunk that is about to join it or to start the next one.
+    std::vector<DeflateToken> m_tokens;
+    std::size_t m_blockTokens = 0;
+    DeflateSymbols m_block;
+    DeflateSymbols m_chunk;
+    double m_blockEntropy = 0;
+    int m_blockBegin = 0;
+    int m_chunkBegin = 0;
+    DeflateCode m_prices;
+};
+
+} // namespace framora::raster

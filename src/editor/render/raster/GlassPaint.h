@@ -1,0 +1,56 @@
+#pragma once
+
+#include "editor/render/raster/GlassBackdrop.h"
+#include "editor/render/raster/Paint.h"
+#include "editor/render/raster/Placement.h"
+#include "editor/render/raster/RoundedRect.h"
+
+#include <memory>
+
+namespace framora::raster {
+
+/// A card of glass: what lies behind it, seen through a pane whose rim is bevelled. To be mixed as a layer
+/// that replaces what lies under it.
+class GlassPaint : public Paint {
+public:
+    /// Lengths are in points of the card.
+    struct Look {
+        double rim = 0;   ///< How far the bevel reaches in from the edge.
+        double bend = 0;  ///< How far inside the edge itself sees; it fades towards the end of the rim.
+        Float4 veil = {}; ///< A colour over everything, premultiplied.
+        double glow = 0;  ///< White on the rim where it faces the light at the top left, 0...1.
+        double shade = 0; ///< Black on the rim where it faces away, 0...1.
+    };
+
+    /// Where a point lies below the edge of the card.
+    struct Edge {
+        double depth; ///< To the edge, in points; exact on the straight sides, close to it in the corners.
+        Vec2 outward; ///< Of length 1.
+    };
+    /// Of a point inside `card`.
+    static Edge edge(const RoundedRect& card, Vec2 point);
+
+    /// `window` says where `card` is seen.
+    GlassPaint(std::shared_ptr<const GlassBackdrop> backdrop, std::shared_ptr<const GlassWindow> window,
+               const RoundedRect& card, const Placement& placement, const Look& look);
+
+    /// Transparent where nothing is seen of the card.
+    void shade(int x, int y, int count, Float4* out) const override;
+    /// Dithered: a blurred picture has steps of less than one of 255.
+    void mix(const TileRect& tile, MixPixel* out) const override;
+    bool isOpaque() const override { return false; }
+
+private:
+    Float4 color(Vec2 pixel, Vec2 point) const;
+
+    std::shared_ptr<const GlassBackdrop> m_backdrop;
+    std::shared_ptr<const GlassWindow> m_window;
+    RoundedRect m_card;
+    double m_cornerExtent;
+    double m_cornerExponent;
+    Homography m_toLocal;
+    Homography m_toOutput;
+    Look m_look;
+};
+
+} // namespace framora::raster

@@ -1,0 +1,67 @@
+#include "editor/render/raster/PngFilters.h"
+
+#include <cstdlib>
+
+namespace framora::raster::plain {
+namespace {
+
+std::uint8_t paethPredictor(int left, int up, int upLeft) {
+    const int estimate = left + up - upLeft;
+    const int toLeft = std::abs(estimate - left);
+    const int toUp = std::abs(estimate - up);
+    const int toUpLeft = std::abs(estimate - upLeft);
+    if (toLeft <= toUp && toLeft <= toUpLeft)
+        return std::uint8_t(left);
+    return std::uint8_t(toUp <= toUpLeft ? up : upLeft);
+}
+
+std::uint8_t residual(PngFilter filter, const PngRow& row, std::size_t i) {
+    const std::uint8_t value = row.data[i];
+    const std::uint8_t left = *(row.data + i - row.pixelBytes);
+    const std::uint8_t up = row.above[i];
+    switch (filter) {
+    case PngFilter::none:
+        return value;
+    case PngFilter::sub:
+        return std::uint8_t(value - left);
+    case PngFilter::up:
+        return std::uint8_t(value - up);
+    case PngFilter::average:
+        return std::uint8_t(value - (left + up) / 2);
+    case PngFilter::paeth:
+        return std::uint8_t(value - paethPredictor(left, up, *(row.above + i - row.pixelBytes)));
+    }
+    return 0;
+}
+
+std::uint64_t bits(std::uint8_t value) {
+    const int size = value < 128 ? value : 256 - value;
+    if (size < 2)
+        return size == 0 ? 0 : 3;
+    return size < 4 ? 4 : size < 8 ? 5 : size < 16 ? 6 : size < 32 ? 7 : 8;
+}
+
+} // namespace
+
+std::array<std::uint64_t, pngFilterCount> pngFilterCosts(const PngRow& row) {
+    std::array<std::uint64_t, pngFilterCount> costs{};
+    for (std::size_t filter = 0; filter < costs.size(); ++filter)
+        for (std::size_t i = 0; i < row.size; ++i)
+            costs[filter] += bits(residual(PngFilter(filter), row, i));
+    return costs;
+}
+
+void applyPngFilter(PngFilter filter, const PngRow& row, std::uint8_t* out) {
+    for (std::size_t i = 0; i < row.size; ++i)
+        out[i] = residual(filter, row, i);
+}
+
+void packRgb(const std::uint32_t* pixels, std::size_t count, std::uint8_t* out) {
+    for (std::size_t i = 0; i < count; ++i, out += 3) {
+        out[0] = std::uint8_t(pixels[i] >> 16);
+        out[1] = std::uint8_t(pixels[i] >> 8);
+        out[2] = std::uint8_t(pixels[i]);
+    }
+}
+
+} // namespace framora::raster::plain
