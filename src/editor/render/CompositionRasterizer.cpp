@@ -6,6 +6,7 @@
 #include "editor/render/MockupLayers.h"
 #include "editor/render/NoiseOverlayModifier.h"
 #include "editor/render/RasterView.h"
+#include "editor/render/SceneLayer.h"
 #include "editor/render/raster/AdjustedPaint.h"
 #include "editor/render/raster/HugePages.h"
 #include "editor/render/raster/PicturePaint.h"
@@ -41,6 +42,10 @@ std::shared_ptr<const raster::Paint> coloredPaint(const ScreenshotStyleConfig& c
                : gradientBackgroundPaint(config.gradientConfig, size, toCanvas);
 }
 
+bool isSize(QSizeF size) {
+    return std::isfinite(size.width()) && std::isfinite(size.height()) && size.width() > 0 && size.height() > 0;
+}
+
 bool isDrawable(const Viewport& viewport) {
     const QSize size = viewport.pixelSize;
     return size.width() > 0 && size.height() > 0 && size.width() <= CompositionRasterizer::longestSide &&
@@ -74,7 +79,13 @@ bool CompositionRasterizer::drawInto(QImage& target, const Composition& composit
     target.setDevicePixelRatio(1);
     std::vector<Layer> layers;
     appendBackground(layers, composition, viewport);
+    const bool isSceneOver = composition.config.shadowSceneMode == ShadowSceneMode::overlay;
+    if (!isSceneOver)
+        appendScene(layers, composition, viewport);
     appendScreenshot(layers, composition, viewport);
+    if (isSceneOver)
+        appendScene(layers, composition, viewport);
+    appendTexts(layers, composition, viewport);
     raster::compose(mutableRasterView(target), layers);
     return true;
 }
@@ -123,8 +134,7 @@ void CompositionRasterizer::appendBackground(std::vector<Layer>& layers, const C
         return;
     const Homography reverse = placement.toLocal();
     Layer layer{{size.width(), size.height(), 0}, {}, placement, nullptr, {}, {}};
-    if (!(std::isfinite(size.width()) && std::isfinite(size.height()) && size.width() > 0 &&
-          size.height() > 0))
+    if (!isSize(size))
         return;
     const double deviation =
         BackgroundBlur::deviation(config.gradientConfig.blurAmount, viewport.pixelsPerPoint);
@@ -217,6 +227,29 @@ std::shared_ptr<const raster::Paint> CompositionRasterizer::blurredBackground(co
                        plain->isOpaque());
 }
 
+void CompositionRasterizer::appendScene(std::vector<Layer>& layers, const Composition& composition,
+                                        const Viewport& viewport) {
+    const QSizeF size = canvasSize(pointSize(composition.image), composition.config);
+    const raster::Placement placement = onViewport({}, {}, viewport);
+    if (!isSize(size) || !placement.toOutput.isFinite())
+        return;
+    if (auto layer = sceneLayer(composition.config, size, placement, viewport.pixelSize))
+        layers.push_back(std::move(*layer));
+}
+
+void CompositionRasterizer::appendTexts(std::vector<Layer>& layers, const Composition& composition,
+                                        const Viewport& viewport) {
+    const QSizeF size = canvasSize(pointSize(composition.image), composition.config);
+    if (!isSize(size))
+        return;
+    const double scale = viewport.pixelsPerPoint;
+    const QPointF origin =
+        viewport.canvasCentre - QPointF(size.width() * scale / 2, size.height() * scale / 2);
+    for (Layer& layer :
+         m_texts.layers(composition.config.textOverlays, {origin, scale, viewport.pixelSize}))
+        layers.push_back(std::move(layer));
+}
+
 void CompositionRasterizer::appendScreenshot(std::vector<Layer>& layers, const Composition& composition,
                                              const Viewport& viewport) {
     if (composition.image.isNull())
@@ -234,8 +267,7 @@ void CompositionRasterizer::appendScreenshot(std::vector<Layer>& layers, const C
     auto paint = picturePaint(screenshotSlot, composition.image, size, placement, viewport);
     if (!paint)
         return;
-    for (Layer& layer : mockupLayers(size, config, std::move(paint), placement))
-        layers.push_back(std::move(layer));
+    appendMockup(layers, size, config, std::move(paint), placement, viewport.pixelSize);
 }
 
 } // namespace framora

@@ -2,6 +2,7 @@
 
 #include "editor/render/BackgroundBlur.h"
 #include "editor/render/Composition.h"
+#include "editor/render/TextLayers.h"
 #include "editor/render/raster/Compositor.h"
 #include "editor/render/raster/PicturePyramid.h"
 #include "editor/render/raster/ShadeCache.h"
@@ -66,10 +67,15 @@ private:
     /// transparent background.
     std::shared_ptr<const raster::Paint> blurredBackground(const Composition& composition,
                                                            const Viewport& viewport, double deviation);
+    void appendScene(std::vector<raster::Layer>& layers, const Composition& composition,
+                     const Viewport& viewport);
+    void appendTexts(std::vector<raster::Layer>& layers, const Composition& composition,
+                     const Viewport& viewport);
     void appendScreenshot(std::vector<raster::Layer>& layers, const Composition& composition,
                           const Viewport& viewport);
 
     std::array<Prepared, slotCount> m_prepared;
+    TextLayers m_texts;
     BackgroundBlur m_blur;
 };
 
