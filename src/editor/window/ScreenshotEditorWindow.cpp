@@ -171,7 +171,7 @@ void ScreenshotEditorWindow::applyAppearance() {
 }
 
 void ScreenshotEditorWindow::copy(const QImage& image) {
-    m_services.pasteboard.writePng(encodePng(image, exportDotsPerInch));
+    m_services.pasteboard.writePng(encodePng(image, exportDotsPerInch, raster::PngSpeed::fastest));
     close();
     m_copiedToastDelay = m_services.mainQueue.after(0.3, [this] {
         m_copiedToast = m_services.makeToastManager();

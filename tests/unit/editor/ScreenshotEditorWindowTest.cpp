@@ -151,7 +151,8 @@ TEST_F(EditorWindow, EachToolbarActionPostsItsNotification) {
 
 TEST_F(EditorWindow, CopyWritesThePictureClosesTheWindowAndSaysSoLater) {
     editor.open(picture(60, 40));
-    const QByteArray expected = encodePng(session().viewModel()->renderFinalImage(), 144.0);
+    const QByteArray expected =
+        encodePng(session().viewModel()->renderFinalImage(), 144.0, raster::PngSpeed::fastest);
     QSignalSpy closed(&editor, &ScreenshotEditorWindow::closed);
     const int managersBefore = toastManagerCount;
     editor.toolbarCopyAction();

@@ -10,6 +10,7 @@ namespace {
 using namespace deflate;
 
 constexpr int hashBits = 15;
+constexpr int shortestMatch = 4;
 constexpr int pricedLength = 12; ///< Up to this a match is held against its literals.
 constexpr int densePart = 16;    ///< Positions at both ends of a match that later ones can find.
 constexpr std::size_t chunkTokens = 2048;
@@ -29,8 +30,7 @@ const DeflateSearch thoroughSearch = {.depth = 128,
                                       .niceLength = 258,
                                       .lazyLength = 128,
                                       .sureRepeat = 128,
-                                      .hashedBytes = 3};
-constexpr std::size_t twiceParsed = 1 << 14; ///< Bytes.
+                                      .hashedBytes = 4};
 constexpr int fewMisses = 4;
 
 constexpr int readAhead = 8; ///< A hash reads this far.
@@ -74,23 +74,6 @@ std::size_t Deflater::hashOf(const std::uint8_t* bytes) const {
 void Deflater::compress(std::span<const std::uint8_t> data, std::size_t begin, bool isLast,
                         std::vector<std::uint8_t>& out) {
     start(data, begin);
-    if (data.size() - begin > twiceParsed || m_search.depth == quickSearch.depth) {
-        writeAll(isLast, out);
-        return;
-    }
-    // There is only one block, whose prices were guessed; the second time they are known.
-    std::vector<std::uint8_t> first;
-    writeAll(isLast, first);
-    const DeflateCode prices = m_prices;
-    start(data, begin);
-    m_prices = prices;
-    std::vector<std::uint8_t> second;
-    writeAll(isLast, second);
-    const std::vector<std::uint8_t>& smaller = second.size() < first.size() ? second : first;
-    out.insert(out.end(), smaller.begin(), smaller.end());
-}
-
-void Deflater::writeAll(bool isLast, std::vector<std::uint8_t>& out) {
     BitWriter writer(out);
     parse(writer);
     endChunk(writer, m_end);
@@ -149,17 +132,15 @@ void Deflater::insertMatched(int first, int end) {
 Deflater::Match Deflater::findMatch(int position, int longerThan, int depth) {
     const std::uint8_t* here = m_data + position;
     const int limit = std::min(longestMatch, m_end - position);
-    Match best{.length = std::max(longerThan, std::min(m_search.hashedBytes, 4) - 1), .distance = 0};
+    Match best{.length = std::max(longerThan, shortestMatch - 1), .distance = 0};
     if (limit <= best.length)
         return {};
-    const std::uint32_t compared = m_search.hashedBytes == 3 ? 0xffffffu : 0xffffffffu;
-    const std::uint32_t start = load32(here) & compared;
+    const std::uint32_t start = load32(here);
     int candidate = m_head[hashOf(here)];
     const int oldest = std::max(0, position - windowSize);
     while (candidate >= oldest && depth-- > 0) {
         const std::uint8_t* there = m_data + candidate;
-        if ((load32(there) & compared) == start &&
-            (best.length < 3 || load32(there + best.length - 3) == load32(here + best.length - 3))) {
+        if (load32(there + best.length - 3) == load32(here + best.length - 3) && load32(there) == start) {
             const int length = commonLength(here, there, limit);
             if (length > best.length) {
                 best = {.length = length, .distance = position - candidate};
@@ -200,7 +181,6 @@ void Deflater::addMatch(Match match) {
 
 void Deflater::parse(BitWriter& writer) {
     int position = m_blockBegin;
-    const int shortest = std::min(m_search.hashedBytes, 4);
     int lastDistance = 0;
     int misses = 0;
     while (position < m_end) {
@@ -213,7 +193,7 @@ void Deflater::parse(BitWriter& writer) {
             if (distance == 0 || distance > position)
                 continue;
             const int length = commonLength(m_data + position, m_data + position - distance, limit);
-            if (length > repeat.length && length >= shortest)
+            if (length > repeat.length && length >= shortestMatch)
                 repeat = {.length = length, .distance = distance};
             if (repeat.length == limit)
                 break;

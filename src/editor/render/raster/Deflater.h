@@ -50,7 +50,6 @@ private:
 
     std::size_t hashOf(const std::uint8_t* bytes) const;
     void start(std::span<const std::uint8_t> data, std::size_t begin);
-    void writeAll(bool isLast, std::vector<std::uint8_t>& out);
     void parse(BitWriter& writer);
     void insert(int position);
     void insertMatched(int first, int end);
