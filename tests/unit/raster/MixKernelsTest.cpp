@@ -2,6 +2,7 @@
 
 #include "unit/raster/EachTarget.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <random>
 #include <vector>
@@ -60,6 +61,14 @@ TEST(MixKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
             packPixels(over.data(), count, fast.data());
             plain::packPixels(over.data(), count, slow.data());
             EXPECT_EQ(fast, slow);
+            std::vector<std::uint32_t> streamed(count + 3, 0x12345678u);
+            for (std::size_t start = 0; start < 3; ++start) {
+                streamPixels(over.data(), count, streamed.data() + start);
+                flushPixels();
+                EXPECT_TRUE(
+                    std::equal(slow.begin(), slow.end() - 1, streamed.begin() + std::ptrdiff_t(start)));
+                EXPECT_EQ(streamed[count + start], 0x12345678u) << "what lies behind";
+            }
         }
     });
 }

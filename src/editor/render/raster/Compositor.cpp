@@ -17,6 +17,8 @@ constexpr TileRect longTile{0, 0, 128, 16};
 constexpr TileRect squareTile{0, 0, 64, 32};
 static_assert(longTile.width * longTile.height == squareTile.width * squareTile.height);
 static_assert(longTile.height % tileGrain == 0 && squareTile.width % tileGrain == 0);
+// A larger picture is out of the caches before anybody reads it.
+constexpr std::size_t cachedBytes = std::size_t(16) << 20;
 constexpr std::size_t tileArea = std::size_t(longTile.width) * longTile.height;
 
 struct LayerShape {
@@ -225,17 +227,21 @@ bool hidesWhatLiesUnder(const Layer& layer) {
 void compose(MutablePixelView output, const std::vector<Layer>& layers) {
     if (output.isEmpty())
         return;
+    const bool isLarge = std::size_t(output.height) * std::size_t(output.stride) > cachedBytes;
+    const auto pack = isLarge ? streamPixels : packPixels;
     forEachTile(output.width, output.height, layers,
                 [&](const TileRect& tile, int top, const std::vector<LayerShape>& shapes, Scratch& scratch) {
                     const bool isDrawn = mixTile(layers, shapes, tile, top, scratch);
                     for (int y = 0; y < tile.height; ++y) {
                         std::uint32_t* out = output.row(tile.y + y) + tile.x;
                         if (isDrawn)
-                            packPixels(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width,
-                                       std::size_t(tile.width), out);
+                            pack(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width,
+                                 std::size_t(tile.width), out);
                         else
                             std::memset(out, 0, std::size_t(tile.width) * sizeof *out);
                     }
+                    if (isLarge && tile.x + tile.width == output.width)
+                        flushPixels();
                 });
 }
 

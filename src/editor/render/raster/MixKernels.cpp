@@ -1,6 +1,8 @@
 #include "editor/render/raster/MixKernels.h"
 
+#include <algorithm>
 #include <cstring>
+#include <hwy/cache_control.h>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "editor/render/raster/MixKernels.cpp"
@@ -27,6 +29,9 @@ void blendInsteadCovered(MixPixel* under, const MixPixel* above, const MixPixel*
     plain::blendInstead(under, above, coverage, count);
 }
 void packAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
+    plain::packPixels(pixels, count, out);
+}
+void streamAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
     plain::packPixels(pixels, count, out);
 }
 
@@ -138,20 +143,41 @@ void blendInsteadCovered(MixPixel* under, const MixPixel* above, const MixPixel*
     });
 }
 
+HWY_INLINE auto packed(Vector pixels) {
+    const hn::Rebind<std::uint8_t, Lanes> bytes;
+    return hn::DemoteTo(bytes, hn::ShiftRight<7>(hn::SaturatedAdd(pixels, hn::Set(lanes, mixStep / 2))));
+}
+
 void packAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
     const hn::Rebind<std::uint8_t, Lanes> bytes;
     forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
-        const Vector rounded =
-            hn::ShiftRight<7>(hn::SaturatedAdd(load(pixels + i, n), hn::Set(lanes, mixStep / 2)));
-        const auto packed = hn::DemoteTo(bytes, rounded);
+        const auto rounded = packed(load(pixels + i, n));
         if (n * pixelLanes == hn::Lanes(lanes)) {
-            hn::StoreU(packed, bytes, reinterpret_cast<std::uint8_t*>(out + i));
+            hn::StoreU(rounded, bytes, reinterpret_cast<std::uint8_t*>(out + i));
             return;
         }
         alignas(64) std::uint8_t part[32];
-        hn::Store(packed, bytes, part);
+        hn::Store(rounded, bytes, part);
         std::memcpy(out + i, part, n * sizeof(std::uint32_t));
     });
+}
+
+void streamAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
+#if HWY_MAX_BYTES < 32
+    packAll(pixels, count, out); // a packed vector would be too short for a store past the caches
+#else
+    const hn::Rebind<std::uint8_t, Lanes> bytes;
+    const std::size_t step = hn::Lanes(lanes) / pixelLanes;
+    // Whole lines of the cache go out at once.
+    constexpr std::size_t line = 64;
+    const std::size_t head =
+        std::min(count, (line - reinterpret_cast<std::uintptr_t>(out) % line) % line / sizeof(std::uint32_t));
+    packAll(pixels, head, out);
+    std::size_t i = head;
+    for (; i + step <= count; i += step)
+        hn::Stream(packed(load(pixels + i, step)), bytes, reinterpret_cast<std::uint8_t*>(out + i));
+    packAll(pixels + i, count - i, out + i);
+#endif
 }
 
 #endif
@@ -167,6 +193,7 @@ HWY_EXPORT(blendOverCovered);
 HWY_EXPORT(blendOverlayCovered);
 HWY_EXPORT(blendInsteadCovered);
 HWY_EXPORT(packAll);
+HWY_EXPORT(streamAll);
 
 void blendOver(MixPixel* under, const MixPixel* over, std::size_t count) {
     HWY_DYNAMIC_DISPATCH(blendOverAll)(under, over, count);
@@ -186,6 +213,14 @@ void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverag
 
 void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
     HWY_DYNAMIC_DISPATCH(packAll)(pixels, count, out);
+}
+
+void streamPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
+    HWY_DYNAMIC_DISPATCH(streamAll)(pixels, count, out);
+}
+
+void flushPixels() {
+    hwy::FlushStream();
 }
 
 } // namespace framora::raster

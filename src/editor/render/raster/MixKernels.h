@@ -21,6 +21,9 @@ void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverag
 void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
 /// Rounds to pixels of a picture.
 void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out);
+/// The same past the caches, for pictures too large for them. flushPixels() ends a thread's run of calls.
+void streamPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out);
+void flushPixels();
 
 namespace plain {
 void blendOver(MixPixel* under, const MixPixel* over, std::size_t count);
