@@ -10,6 +10,24 @@ namespace {
 
 constexpr unsigned fineSamples = 256;
 constexpr unsigned coarseSamples = 16;
+constexpr unsigned firstSamples = 4;
+
+struct Mean {
+    Sample color{0.0, 0.0, 0.0, 0.0};
+    unsigned layers = 0; ///< that any of the points lies in
+    bool isEven = false; ///< no outline passes, and the colour hardly changes
+};
+
+template <class Row> void forEachRow(int rows, const Row& row) {
+    const int threads = std::max(1, int(std::thread::hardware_concurrency()));
+    std::vector<std::jthread> workers;
+    workers.reserve(std::size_t(threads));
+    for (int start = 0; start < threads; ++start)
+        workers.emplace_back([&row, start, rows, threads] {
+            for (int y = start; y < rows; y += threads)
+                row(y);
+        });
+}
 
 /// The places of a pixel's points, 0...1. No two lie in one row or column, so that an upright edge is met as
 /// exactly as a slanted one.
@@ -108,6 +126,29 @@ Color adjusted(const Color& color, const SimpleGradientConfig& adjustment) {
     return {component(color.red), component(color.green), component(color.blue), color.alpha};
 }
 
+/// Of `top` over `below`, both premultiplied, with the overlay mode: where both are, the lower colour decides
+/// whether they multiply or screen.
+Sample overlaid(const Sample& top, const Sample& below) {
+    Sample result;
+    result[3] = top[3] + below[3] - top[3] * below[3];
+    for (std::size_t i = 0; i < 3; ++i) {
+        const double source = top[3] > 0.0 ? top[i] / top[3] : 0.0;
+        const double backdrop = below[3] > 0.0 ? below[i] / below[3] : 0.0;
+        const double both =
+            backdrop <= 0.5 ? 2.0 * backdrop * source : 1.0 - 2.0 * (1.0 - backdrop) * (1.0 - source);
+        result[i] = top[i] * (1.0 - below[3]) + below[i] * (1.0 - top[3]) + top[3] * below[3] * both;
+    }
+    return result;
+}
+
+/// Whether a point of the canvas, from its top left corner, lies in a stripe: a line 20 wide that falls at 45
+/// degrees. They meet a horizontal 40 apart, the first one in the bottom left corner.
+bool isInStripe(double x, double y, double height) {
+    const double along = x - y + height;
+    const double nearest = 40.0 * std::round(along / 40.0);
+    return std::abs(along - nearest) / std::numbers::sqrt2 <= 10.0;
+}
+
 } // namespace
 
 ReferenceComposition::ReferenceComposition(ScreenshotStyleConfig style, SmoothPicture screenshot,
@@ -127,6 +168,80 @@ ReferenceComposition::ReferenceComposition(ScreenshotStyleConfig style, SmoothPi
         m_canvasHeight = m_style.selectedSocialPreset->height;
         m_factor *= std::min({(m_canvasWidth - 40.0) / width, (m_canvasHeight - 40.0) / height, 1.0});
     }
+    if (m_style.gradientConfig.blurAmount > 0.0 && m_style.backgroundType != BackgroundType::transparent)
+        blurBackground(m_style.gradientConfig.blurAmount);
+}
+
+/// The Gaussian is a sum over points much closer than its deviation; beyond the canvas the point on its edge
+/// that is nearest stands for all. A picture ends with the middles of its outermost pixels: nothing is known
+/// of it further out. Between the points of the result there is nothing left but slopes.
+void ReferenceComposition::blurBackground(double deviation) {
+    constexpr int pointsInDeviation = 8;
+    constexpr int reach = 5 * pointsInDeviation;
+    constexpr int subSamples = 2; // a side: what has edges is met where they are
+    Lattice& lattice = m_blurred;
+    lattice.step = deviation / pointsInDeviation;
+    lattice.width = int(std::ceil(m_canvasWidth / lattice.step)) + 1;
+    lattice.height = int(std::ceil(m_canvasHeight / lattice.step)) + 1;
+    const auto wide = std::size_t(lattice.width + 2 * reach);
+    const auto high = std::size_t(lattice.height + 2 * reach);
+
+    const bool isPicture = m_style.backgroundType == BackgroundType::image && m_background;
+    const double insetX = isPicture ? m_canvasWidth / (2.0 * m_background->widthInPixels()) : 0.0;
+    const double insetY = isPicture ? m_canvasHeight / (2.0 * m_background->heightInPixels()) : 0.0;
+    std::vector<Sample> around(wide * high, Sample{0.0, 0.0, 0.0, 0.0});
+    for (std::size_t row = 0; row < high; ++row)
+        for (std::size_t column = 0; column < wide; ++column)
+            for (int part = 0; part < subSamples * subSamples; ++part) {
+                const double dx = (part % subSamples + 0.5) / subSamples - 0.5;
+                const double dy = (part / subSamples + 0.5) / subSamples - 0.5;
+                const double x = (double(column) - reach + dx) * lattice.step;
+                const double y = (double(row) - reach + dy) * lattice.step;
+                const Sample sample =
+                    background(std::clamp(x, insetX, m_canvasWidth - insetX) - m_canvasWidth / 2.0,
+                               std::clamp(y, insetY, m_canvasHeight - insetY) - m_canvasHeight / 2.0);
+                for (std::size_t c = 0; c < 4; ++c)
+                    around[row * wide + column][c] += sample[c] / (subSamples * subSamples);
+            }
+
+    std::vector<double> weights;
+    double total = 0.0;
+    for (int i = -reach; i <= reach; ++i) {
+        weights.push_back(std::exp(-0.5 * i * i / double(pointsInDeviation * pointsInDeviation)));
+        total += weights.back();
+    }
+    const auto blurredAt = [&](const std::vector<Sample>& from, std::size_t first, std::size_t stride) {
+        Sample sum{0.0, 0.0, 0.0, 0.0};
+        for (std::size_t i = 0; i < weights.size(); ++i)
+            for (std::size_t c = 0; c < 4; ++c)
+                sum[c] += from[first + i * stride][c] * weights[i] / total;
+        return sum;
+    };
+    std::vector<Sample> across;
+    for (std::size_t row = 0; row < high; ++row)
+        for (std::size_t column = 0; column < std::size_t(lattice.width); ++column)
+            across.push_back(blurredAt(around, row * wide + column, 1));
+    for (std::size_t row = 0; row < std::size_t(lattice.height); ++row)
+        for (std::size_t column = 0; column < std::size_t(lattice.width); ++column)
+            lattice.samples.push_back(
+                blurredAt(across, row * std::size_t(lattice.width) + column, std::size_t(lattice.width)));
+}
+
+Sample ReferenceComposition::blurredBackground(double x, double y) const {
+    const double column =
+        std::clamp((x + m_canvasWidth / 2.0) / m_blurred.step, 0.0, m_blurred.width - 1.001);
+    const double row = std::clamp((y + m_canvasHeight / 2.0) / m_blurred.step, 0.0, m_blurred.height - 1.001);
+    const std::size_t first = std::size_t(row) * std::size_t(m_blurred.width) + std::size_t(column);
+    const double right = column - std::floor(column);
+    const double down = row - std::floor(row);
+    const auto width = std::size_t(m_blurred.width);
+    Sample sample;
+    for (std::size_t c = 0; c < 4; ++c) {
+        const auto value = [&](std::size_t offset) { return m_blurred.samples[first + offset][c]; };
+        sample[c] = (value(0) * (1.0 - right) + value(1) * right) * (1.0 - down) +
+                    (value(width) * (1.0 - right) + value(width + 1) * right) * down;
+    }
+    return sample;
 }
 
 std::optional<std::pair<double, double>> ReferenceComposition::toScreenshot(double x, double y) const {
@@ -186,15 +301,52 @@ Sample ReferenceComposition::background(double x, double y) const {
     return {0.0, 0.0, 0.0, 0.0};
 }
 
+void ReferenceComposition::addScene(Hit& hit, double x, double y) const {
+    if (!m_style.selectedShadowScene || !isOnCanvas(x, y))
+        return;
+    const double right = x + m_canvasWidth / 2.0;
+    const double down = y + m_canvasHeight / 2.0;
+    Sample scene{0.0, 0.0, 0.0, 0.0};
+    if (isInStripe(right, down, m_canvasHeight)) {
+        scene = {1.0, 1.0, 1.0, 1.0};
+        hit.layers |= 8;
+    } else if (const QList<Color>& colors = m_style.selectedShadowScene->colors; !colors.isEmpty()) {
+        // How far along the line from the top left to the bottom right corner.
+        const double place = (right * m_canvasWidth + down * m_canvasHeight) /
+                             (m_canvasWidth * m_canvasWidth + m_canvasHeight * m_canvasHeight);
+        std::vector<Color> faint(colors.begin(), colors.end());
+        for (Color& color : faint)
+            color.alpha *= 0.3;
+        scene = premultiplied(atStop(faint, place));
+    }
+    for (double& component : scene)
+        component *= m_style.shadowSceneOpacity / 100.0;
+    hit.color = m_style.shadowSceneMode == ShadowSceneMode::overlay ? overlaid(scene, hit.color)
+                                                                    : over(scene, hit.color);
+}
+
+bool ReferenceComposition::isOnCanvas(double x, double y) const {
+    return std::abs(x) <= m_canvasWidth / 2.0 && std::abs(y) <= m_canvasHeight / 2.0;
+}
+
 ReferenceComposition::Hit ReferenceComposition::at(double x, double y) const {
     Hit hit{{0.0, 0.0, 0.0, 0.0}, 0};
-    if (std::abs(x) <= m_canvasWidth / 2.0 && std::abs(y) <= m_canvasHeight / 2.0) {
-        hit.color = background(x, y);
+    if (isOnCanvas(x, y)) {
+        hit.color = m_blurred.samples.empty() ? background(x, y) : blurredBackground(x, y);
         hit.layers |= 1;
     }
+    if (m_style.shadowSceneMode == ShadowSceneMode::underlay)
+        addScene(hit, x, y);
+    addScreenshot(hit, x, y);
+    if (m_style.shadowSceneMode == ShadowSceneMode::overlay)
+        addScene(hit, x, y);
+    return hit;
+}
+
+void ReferenceComposition::addScreenshot(Hit& hit, double x, double y) const {
     const auto place = toScreenshot(x, y);
     if (!place)
-        return hit;
+        return;
     const auto [u, v] = *place;
     const double width = m_screenshot.widthInPoints();
     const double height = m_screenshot.heightInPoints();
@@ -208,7 +360,6 @@ ReferenceComposition::Hit ReferenceComposition::at(double x, double y) const {
         hit.color = over(m_screenshot.at(u / width + 0.5, v / height + 0.5), hit.color);
         hit.layers |= 4;
     }
-    return hit;
 }
 
 ReferenceComposition::Picture ReferenceComposition::frame(double pixelsPerPoint) const {
@@ -225,12 +376,12 @@ ReferenceComposition::Picture ReferenceComposition::frame(double pixelsPerPoint)
                          int(std::lround((width * sine + height * cosine) * scale)));
     picture.pixels.resize(std::size_t(picture.size.width()) * std::size_t(picture.size.height()));
 
-    const auto mean = [&](int px, int py, unsigned samples, bool& isEven) {
-        Sample sum{0.0, 0.0, 0.0, 0.0};
-        Sample least{1.0, 1.0, 1.0, 1.0};
-        Sample most{0.0, 0.0, 0.0, 0.0};
+    const auto mean = [&](int px, int py, unsigned samples) {
+        Mean result;
         unsigned seen = 0;
         unsigned common = ~0u;
+        Sample least{1.0, 1.0, 1.0, 1.0};
+        Sample most{0.0, 0.0, 0.0, 0.0};
         for (unsigned i = 0; i < samples; ++i) {
             const auto [u, v] = samplePlace(i, samples);
             const Hit hit = at((px + u - picture.size.width() / 2.0) / pixelsPerPoint,
@@ -238,36 +389,43 @@ ReferenceComposition::Picture ReferenceComposition::frame(double pixelsPerPoint)
             seen |= hit.layers;
             common &= hit.layers;
             for (std::size_t c = 0; c < 4; ++c) {
-                sum[c] += hit.color[c] * 255.0 / samples;
+                result.color[c] += hit.color[c] * 255.0 / samples;
                 least[c] = std::min(least[c], hit.color[c]);
                 most[c] = std::max(most[c], hit.color[c]);
             }
         }
-        isEven = seen == common;
+        result.layers = seen;
+        result.isEven = seen == common;
         for (std::size_t c = 0; c < 4; ++c)
-            isEven = isEven && most[c] - least[c] < 8.0 / 255.0;
-        return sum;
-    };
-    const auto row = [&](int py) {
-        for (int px = 0; px < picture.size.width(); ++px) {
-            Sample& pixel =
-                picture.pixels[std::size_t(py) * std::size_t(picture.size.width()) + std::size_t(px)];
-            bool isEven = false;
-            pixel = mean(px, py, coarseSamples, isEven);
-            if (!isEven)
-                pixel = mean(px, py, fineSamples, isEven);
-        }
+            result.isEven = result.isEven && most[c] - least[c] < 8.0 / 255.0;
+        return result;
     };
 
-    const int threads = std::max(1, int(std::thread::hardware_concurrency()));
-    std::vector<std::jthread> workers;
-    workers.reserve(std::size_t(threads));
-    for (int first = 0; first < threads; ++first)
-        workers.emplace_back([&, first] {
-            for (int py = first; py < picture.size.height(); py += threads)
-                row(py);
-        });
-    workers.clear();
+    // A first look tells where outlines pass: between a pixel's own points or to a neighbour's.
+    const int wide = picture.size.width();
+    const int high = picture.size.height();
+    std::vector<Mean> first(picture.pixels.size());
+    const auto looked = [&](int px, int py) -> Mean& {
+        return first[std::size_t(py) * std::size_t(wide) + std::size_t(px)];
+    };
+    forEachRow(high, [&](int py) {
+        for (int px = 0; px < wide; ++px)
+            looked(px, py) = mean(px, py, firstSamples);
+    });
+    forEachRow(high, [&](int py) {
+        for (int px = 0; px < wide; ++px) {
+            Mean pixel = looked(px, py);
+            bool isAlone = pixel.isEven;
+            for (int y = std::max(py - 1, 0); y <= std::min(py + 1, high - 1); ++y)
+                for (int x = std::max(px - 1, 0); x <= std::min(px + 1, wide - 1); ++x)
+                    isAlone = isAlone && looked(x, y).layers == pixel.layers;
+            if (!isAlone)
+                pixel = mean(px, py, coarseSamples);
+            if (!isAlone && !pixel.isEven)
+                pixel = mean(px, py, fineSamples);
+            picture.pixels[std::size_t(py) * std::size_t(wide) + std::size_t(px)] = pixel.color;
+        }
+    });
     return picture;
 }
 

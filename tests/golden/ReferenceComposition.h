@@ -29,11 +29,16 @@ public:
 private:
     struct Hit {
         Sample color;
-        unsigned layers = 0; ///< one bit for each outline that holds the point
+        unsigned layers = 0; ///< one bit for each outline that holds the point, and one for a scene's stripes
     };
 
     Hit at(double x, double y) const;
+    bool isOnCanvas(double x, double y) const;
+    void addScene(Hit& hit, double x, double y) const;
+    void addScreenshot(Hit& hit, double x, double y) const;
     Sample background(double x, double y) const;
+    void blurBackground(double deviation);
+    Sample blurredBackground(double x, double y) const;
     std::optional<std::pair<double, double>> toScreenshot(double x, double y) const;
 
     ScreenshotStyleConfig m_style;
@@ -43,6 +48,15 @@ private:
     double m_canvasHeight;
     double m_mockupPadding;
     double m_factor; ///< of the screenshot, `scale` included
+
+    /// The blurred background at points `step` apart, from the canvas's top left corner.
+    struct Lattice {
+        double step = 0.0;
+        int width = 0;
+        int height = 0;
+        std::vector<Sample> samples;
+    };
+    Lattice m_blurred; ///< empty where nothing is blurred
 };
 
 } // namespace framora::golden

@@ -95,5 +95,47 @@ TEST(Reference, CornersPassThroughTheMiddleOfTheirArc) {
     EXPECT_LT(pixel(picture, 15, 0)[3], 128.0);
 }
 
+ReferenceComposition::Picture sceneFrame(ShadowSceneMode mode, const QList<Color>& colors) {
+    ScreenshotStyleConfig style;
+    style.padding = 50.0;
+    style.imageScale = 1.0;
+    style.screenshotOffset = {1000.0, 1000.0};
+    style.backgroundType = BackgroundType::color;
+    style.customColor = {0.25, 0.25, 0.25, 1.0};
+    style.shadowSceneMode = mode;
+    style.shadowSceneOpacity = 50.0;
+    style.selectedShadowScene = ShadowScene{.name = {}, .colors = colors, .isTexture = false};
+    return ReferenceComposition(style, SmoothPicture(20, 20, 1.0, 0.0), std::nullopt).frame(1.0);
+}
+
+TEST(Reference, AScenesStripesFallEveryFortyPoints) {
+    // A canvas of 120 x 120: the stripe from the bottom left corner runs out of sight, those after it start
+    // at 40, 80, ... right of it, and reach 10 to each side: 14.1 along a row.
+    const auto picture = sceneFrame(ShadowSceneMode::underlay, {});
+    const auto isWhite = [&](int x, int y) { return pixel(picture, x, y)[0] > 150.0; };
+    for (const int x : {0, 13, 27, 53, 67, 93, 107})
+        EXPECT_TRUE(isWhite(x, 0)) << x;
+    for (const int x : {15, 20, 25, 55, 65, 95, 105})
+        EXPECT_FALSE(isWhite(x, 0)) << x;
+    EXPECT_TRUE(isWhite(47, 47)) << "the middle of a stripe";
+    EXPECT_FALSE(isWhite(67, 47));
+    EXPECT_TRUE(isWhite(0, 119)) << "the first one";
+}
+
+TEST(Reference, AScenesColoursRunFromCornerToCorner) {
+    const auto picture = sceneFrame(ShadowSceneMode::underlay, {{1.0, 0.0, 0.0, 1.0}, {0.0, 0.0, 1.0, 1.0}});
+    // Half of 0.3 of the first and of the last colour over a quarter.
+    EXPECT_NEAR(pixel(picture, 20, 0)[0], 255.0 * (0.85 * 0.25 + 0.15 * 11.0 / 12.0), 1.0);
+    EXPECT_NEAR(pixel(picture, 119, 99)[2], 255.0 * (0.85 * 0.25 + 0.15 * 11.0 / 12.0), 1.0);
+    EXPECT_NEAR(pixel(picture, 119, 99)[1], 255.0 * 0.85 * 0.25, 0.1);
+}
+
+TEST(Reference, ASceneOverItLightensAndDarkens) {
+    const auto picture = sceneFrame(ShadowSceneMode::overlay, {{1.0, 0.0, 0.0, 1.0}});
+    EXPECT_NEAR(pixel(picture, 40, 40)[1], 255.0 * (0.5 * 0.25 + 0.5 * 0.5), 0.1) << "white twice as light";
+    EXPECT_NEAR(pixel(picture, 20, 0)[0], 255.0 * (0.85 * 0.25 + 0.15 * 0.5), 0.1);
+    EXPECT_NEAR(pixel(picture, 20, 0)[1], 255.0 * 0.85 * 0.25, 0.1) << "with nothing, nothing";
+}
+
 } // namespace
 } // namespace framora::golden

@@ -17,6 +17,8 @@ public:
 
     double widthInPoints() const { return m_width / m_pixelRatio; }
     double heightInPoints() const { return m_height / m_pixelRatio; }
+    int widthInPixels() const { return m_width; }
+    int heightInPixels() const { return m_height; }
 
     /// `u` and `v` run 0...1 from the top left corner.
     Sample at(double u, double v) const;
