@@ -12,7 +12,7 @@ namespace {
 
 QString firstOnPath(std::initializer_list<const char*> names) {
     for (const char* name : names)
-        if (const QString path = QStandardPaths::findExecutable(QLatin1String(name)); !path.isEmpty())
+        if (QString path = QStandardPaths::findExecutable(QLatin1String(name)); !path.isEmpty())
             return path;
     return {};
 }

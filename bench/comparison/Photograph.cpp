@@ -88,7 +88,7 @@ QImage makePhotograph(QSize size) {
             const Shade shade = landscape(x, float(row) * unit, ridges);
             const float grain = (chance(column, row, 5) + chance(column, row, 6) - 1) * 0.025f;
             const auto level = [grain](float value) {
-                return int(std::clamp(value + grain, 0.0f, 1.0f) * 255 + 0.5f);
+                return int(std::lround(std::clamp(value + grain, 0.0f, 1.0f) * 255));
             };
             image.setPixel(column, row, qRgb(level(shade.red), level(shade.green), level(shade.blue)));
         }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 
 namespace framora::comparison {
 
@@ -19,7 +20,7 @@ double Measurement::percentile(double share) const {
     if (milliseconds.empty())
         return 0;
     const double last = double(milliseconds.size() - 1);
-    return milliseconds[std::size_t(std::clamp(share, 0.0, 1.0) * last + 0.5)];
+    return milliseconds[std::size_t(std::lround(std::clamp(share, 0.0, 1.0) * last))];
 }
 
 double timed(const std::function<void()>& run) {
