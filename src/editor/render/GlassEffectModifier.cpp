@@ -31,7 +31,7 @@ struct Material {
 Material properties(GlassMaterial material) {
     switch (material) {
     case GlassMaterial::clear:
-        return {2.5, 0.08, true};
+        return {1.75, 0.07, true};
     case GlassMaterial::ultraThin:
         return {8, 0.2, false};
     case GlassMaterial::thin:
@@ -93,8 +93,8 @@ GlassPaint::Look polished(double frame, double veil) {
     look.rim = std::clamp(0.8 * frame, 3.0, 14.0);
     look.bend = 1.4 * look.rim;
     look.veil = raster::premultiplied(1, 1, 1, veil);
-    look.glow = 0.35;
-    look.shade = 0.12;
+    look.glow = 0.45;
+    look.shade = 0.14;
     return look;
 }
 

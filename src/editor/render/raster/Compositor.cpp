@@ -180,9 +180,9 @@ bool mixTile(const std::vector<Layer>& layers, const std::vector<LayerShape>& sh
     return true;
 }
 
-/// Calls draw(tile, bandTop, shapes, scratch) for every tile of the output: each row of tiles by one thread.
+/// Calls draw(band, tileWidth, shapes, scratch) for every row of tiles, each by one thread.
 template <typename Draw>
-void forEachTile(int width, int height, const std::vector<Layer>& layers, const Draw& draw) {
+void forEachBand(int width, int height, const std::vector<Layer>& layers, const Draw& draw) {
     std::vector<LayerShape> shapes;
     shapes.reserve(layers.size());
     bool isSquare = false;
@@ -212,8 +212,7 @@ void forEachTile(int width, int height, const std::vector<Layer>& layers, const 
                 for (int y = 0; y < rows; ++y)
                     runs[std::size_t(y)] = coverage.extent(top + y, width);
             }
-        for (int x = 0; x < width; x += size.width)
-            draw(TileRect{x, top, std::min(size.width, width - x), rows}, top, shapes, scratch);
+        draw(TileRect{0, top, width, rows}, size.width, shapes, scratch);
     });
 }
 
@@ -227,32 +226,47 @@ bool hidesWhatLiesUnder(const Layer& layer) {
 void compose(MutablePixelView output, const std::vector<Layer>& layers) {
     if (output.isEmpty())
         return;
-    const bool isLarge = std::size_t(output.height) * std::size_t(output.stride) > cachedBytes;
-    const auto pack = isLarge ? streamPixels : packPixels;
-    forEachTile(output.width, output.height, layers,
-                [&](const TileRect& tile, int top, const std::vector<LayerShape>& shapes, Scratch& scratch) {
-                    const bool isDrawn = mixTile(layers, shapes, tile, top, scratch);
-                    for (int y = 0; y < tile.height; ++y) {
-                        std::uint32_t* out = output.row(tile.y + y) + tile.x;
-                        if (isDrawn)
-                            pack(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width,
-                                 std::size_t(tile.width), out);
-                        else
-                            std::memset(out, 0, std::size_t(tile.width) * sizeof *out);
-                    }
-                    if (isLarge && tile.x + tile.width == output.width)
-                        flushPixels();
-                });
+    forEachBand(
+        output.width, output.height, layers,
+        [&](const TileRect& band, int tileWidth, const std::vector<LayerShape>& shapes, Scratch& scratch) {
+            for (int x = 0; x < band.width; x += tileWidth) {
+                const TileRect tile{x, band.y, std::min(tileWidth, band.width - x), band.height};
+                const bool isDrawn = mixTile(layers, shapes, tile, band.y, scratch);
+                for (int y = 0; y < tile.height; ++y) {
+                    std::uint32_t* out = output.row(tile.y + y) + tile.x;
+                    if (isDrawn)
+                        packPixels(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width,
+                                   std::size_t(tile.width), out);
+                    else
+                        std::memset(out, 0, std::size_t(tile.width) * sizeof *out);
+                }
+            }
+        });
 }
 
 void composeTiles(int width, int height, const std::vector<Layer>& layers,
                   const std::function<bool(const TileRect&)>& isWanted,
                   const std::function<void(const TileRect&, const MixPixel*)>& take) {
-    forEachTile(width, height, layers,
-                [&](const TileRect& tile, int top, const std::vector<LayerShape>& shapes, Scratch& scratch) {
-                    if (isWanted(tile) && mixTile(layers, shapes, tile, top, scratch))
-                        take(tile, scratch.mixed.data());
-                });
+    forEachBand(
+        width, height, layers,
+        [&](const TileRect& band, int tileWidth, const std::vector<LayerShape>& shapes, Scratch& scratch) {
+            const auto wanted = [&](int x) {
+                return isWanted({x, band.y, std::min(tileGrain, width - x), band.height});
+            };
+            for (int x = 0; x < width;) {
+                if (!wanted(x)) {
+                    x += tileGrain;
+                    continue;
+                }
+                int end = x + tileGrain;
+                while (end < width && end - x < tileWidth && wanted(end))
+                    end += tileGrain;
+                const TileRect tile{x, band.y, std::min(end, width) - x, band.height};
+                if (mixTile(layers, shapes, tile, band.y, scratch))
+                    take(tile, scratch.mixed.data());
+                x = end;
+            }
+        });
 }
 
 } // namespace framora::raster

@@ -52,9 +52,9 @@ void compose(MutablePixelView output, const std::vector<Layer>& layers);
 
 /// Where tiles start is a multiple of this.
 inline constexpr int tileGrain = 16;
-/// Mixes the layers as compose() does, tile by tile, without rounding them to a picture: take(tile, pixels)
-/// gets those tiles that are wanted and that a layer touches. The tiles of a row come one after the other,
-/// those of different rows from different threads.
+/// Mixes the layers as compose() does, without rounding them to a picture, where isWanted() says so of a
+/// piece tileGrain pixels wide: take(tile, pixels) gets tiles of such pieces, unless no layer touches them.
+/// The tiles of a row come one after the other, those of different rows from different threads.
 void composeTiles(int width, int height, const std::vector<Layer>& layers,
                   const std::function<bool(const TileRect&)>& isWanted,
                   const std::function<void(const TileRect&, const MixPixel*)>& take);

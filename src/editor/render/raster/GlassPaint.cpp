@@ -9,6 +9,7 @@ namespace {
 
 // Towards the light: the upper left, more from above.
 constexpr Vec2 light{-0.6, -0.8};
+constexpr double weaker = 0.4;
 
 GlassPaint::Edge edgeOf(const RoundedRect& card, double extent, double exponent, Vec2 point) {
     const double side = card.width / 2 - std::abs(point.x);
@@ -58,10 +59,14 @@ Float4 GlassPaint::color(Vec2 pixel, Vec2 point) const {
     const Vec2 seen = m_toOutput.map({point.x - edge.outward.x * bend, point.y - edge.outward.y * bend});
     Float4 color = m_backdrop->at(seen.x, seen.y);
     color = m_look.veil + color * splat(1 - m_look.veil[3]);
+    // The far side shows less of the light, the near side less of the dark; the dark lies further in.
     const double facing = edge.outward.x * light.x + edge.outward.y * light.y;
-    const auto strength = float((facing > 0 ? m_look.glow : m_look.shade) * std::abs(facing) * steep * steep);
-    const float bright = facing > 0 ? strength : 0;
-    return color * splat(1 - strength) + Float4{bright, bright, bright, strength};
+    const double toLight = facing > 0 ? facing : weaker * -facing;
+    const double fromLight = facing < 0 ? -facing : weaker * facing;
+    const auto dark = float(m_look.shade * fromLight * 4 * steep * (1 - steep));
+    const auto bright = float(m_look.glow * toLight * steep * steep * steep);
+    color = color * splat(1 - dark) + Float4{0, 0, 0, dark};
+    return color * splat(1 - bright) + splat(bright);
 }
 
 void GlassPaint::shade(int x, int y, int count, Float4* out) const {

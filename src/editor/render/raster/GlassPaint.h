@@ -18,8 +18,8 @@ public:
         double rim = 0;   ///< How far the bevel reaches in from the edge.
         double bend = 0;  ///< How far inside the edge itself sees; it fades towards the end of the rim.
         Float4 veil = {}; ///< A colour over everything, premultiplied.
-        double glow = 0;  ///< White on the rim where it faces the light at the top left, 0...1.
-        double shade = 0; ///< Black on the rim where it faces away, 0...1.
+        double glow = 0;  ///< White at the edge where it faces the light at the top left, 0...1.
+        double shade = 0; ///< Black on the bevel where it faces away, 0...1.
     };
 
     /// Where a point lies below the edge of the card.
