@@ -12,6 +12,11 @@ using raster::BlurGrid;
 
 namespace {
 
+double fineDeviation(double deviation) {
+    constexpr double largest = 32;
+    return std::min(deviation, largest);
+}
+
 double cellCount(const BackgroundBlur::Canvas& canvas, double deviation) {
     const double cell = deviation / 4; // the least
     return (canvas.width / cell + 5) * (canvas.height / cell + 5);
@@ -61,11 +66,6 @@ bool BackgroundBlur::isWide(const Canvas& canvas, double deviation) {
            cellCount(canvas, deviation) < mostCells;
 }
 
-double BackgroundBlur::fineDeviation(double deviation) {
-    constexpr double largest = 32;
-    return std::min(deviation, largest);
-}
-
 std::shared_ptr<const raster::Paint> BackgroundBlur::wide(const Identity& identity, const Reduce& reduce,
                                                           const Canvas& canvas, double deviation,
                                                           bool isOpaque) {
@@ -90,6 +90,27 @@ std::shared_ptr<const raster::Paint> BackgroundBlur::wide(const Identity& identi
     }
     return std::make_shared<raster::BlurredPaint>(m_kept->blurred, columns, rows, canvas.left, canvas.top,
                                                   canvas.outputWidth, canvas.outputHeight, isOpaque);
+}
+
+int BackgroundBlur::fineMargin(double deviation) {
+    return raster::gaussianRadius(fineDeviation(deviation));
+}
+
+std::shared_ptr<const raster::Paint> BackgroundBlur::fine(const Identity& identity,
+                                                          std::shared_ptr<const raster::Paint> paint,
+                                                          int margin, const Canvas& canvas,
+                                                          double deviation) {
+    if (identity != m_fineIdentity) {
+        m_fineIdentity = identity;
+        m_fineShades = {};
+    }
+    // No map, but what tells one place of the canvas and one blur from another as well as a map does.
+    const raster::ShadeCache::Key key{
+        raster::Homography({canvas.left, canvas.top, canvas.width, canvas.height, deviation, 0, 0, 0, 1}), 0,
+        0, canvas.outputWidth, canvas.outputHeight};
+    raster::ShadeCache* cache = m_fineShades.begin(key) ? &m_fineShades : nullptr;
+    return std::make_shared<raster::FineBlurredPaint>(std::move(paint), margin, fineDeviation(deviation),
+                                                      canvas.pixels(), cache);
 }
 
 } // namespace framora

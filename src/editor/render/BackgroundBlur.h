@@ -41,14 +41,20 @@ public:
     /// The deviation in pixels of a radius in points; 0 where nothing is blurred. Radii beyond all proportion
     /// are cut.
     static double deviation(double radius, double pixelsPerPoint);
-    /// Whether wide() is for it, or else FineBlurredPaint with fineDeviation(), which cuts what would take
-    /// too long: that is of canvases only that are far beyond any output.
+    /// Whether wide() is for it, or else fine().
     static bool isWide(const Canvas& canvas, double deviation);
-    static double fineDeviation(double deviation);
+    /// How many pixels beyond the output fine() wants to know.
+    static int fineMargin(double deviation);
 
     /// The background that `reduce` makes, blurred; null when memory is short.
     std::shared_ptr<const raster::Paint> wide(const Identity& identity, const Reduce& reduce,
                                               const Canvas& canvas, double deviation, bool isOpaque);
+
+    /// `paint`, whose pixel (margin, margin) is the output's first, blurred. Deviations that would take too
+    /// long are cut: those of canvases far beyond any output.
+    std::shared_ptr<const raster::Paint> fine(const Identity& identity,
+                                              std::shared_ptr<const raster::Paint> paint, int margin,
+                                              const Canvas& canvas, double deviation);
 
 private:
     struct Kept {
@@ -60,6 +66,8 @@ private:
         std::shared_ptr<const raster::BlurGrid> blurred;
     };
     std::optional<Kept> m_kept;
+    Identity m_fineIdentity;
+    raster::ShadeCache m_fineShades;
 };
 
 } // namespace framora

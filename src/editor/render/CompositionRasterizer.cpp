@@ -43,7 +43,8 @@ std::shared_ptr<const raster::Paint> coloredPaint(const ScreenshotStyleConfig& c
 }
 
 bool isSize(QSizeF size) {
-    return std::isfinite(size.width()) && std::isfinite(size.height()) && size.width() > 0 && size.height() > 0;
+    return std::isfinite(size.width()) && std::isfinite(size.height()) && size.width() > 0 &&
+           size.height() > 0;
 }
 
 bool isDrawable(const Viewport& viewport) {
@@ -77,7 +78,14 @@ bool CompositionRasterizer::drawInto(QImage& target, const Composition& composit
         raster::adviseHugePages(target.bits(), std::size_t(target.sizeInBytes()));
     }
     target.setDevicePixelRatio(1);
+    raster::compose(mutableRasterView(target), layers(composition, viewport));
+    return true;
+}
+
+std::vector<Layer> CompositionRasterizer::layers(const Composition& composition, const Viewport& viewport) {
     std::vector<Layer> layers;
+    if (!isDrawable(viewport))
+        return layers;
     appendBackground(layers, composition, viewport);
     const bool isSceneOver = composition.config.shadowSceneMode == ShadowSceneMode::overlay;
     if (!isSceneOver)
@@ -86,8 +94,7 @@ bool CompositionRasterizer::drawInto(QImage& target, const Composition& composit
     if (isSceneOver)
         appendScene(layers, composition, viewport);
     appendTexts(layers, composition, viewport);
-    raster::compose(mutableRasterView(target), layers);
-    return true;
+    return layers;
 }
 
 QImage CompositionRasterizer::drawFrame(const Composition& composition, QSizeF size, double scale) {
@@ -180,10 +187,6 @@ std::shared_ptr<const raster::Paint> CompositionRasterizer::blurredBackground(co
                                         size.height() * scale,
                                         viewport.pixelSize.width(),
                                         viewport.pixelSize.height()};
-    const double fine = BackgroundBlur::fineDeviation(deviation);
-    const auto finely = [&](std::shared_ptr<const raster::Paint> paint, int margin) {
-        return std::make_shared<raster::FineBlurredPaint>(std::move(paint), margin, fine, canvas.pixels());
-    };
     if (config.backgroundType == BackgroundType::image) {
         const QImage& image = composition.backgroundImage();
         const Prepared& picture = prepared(backgroundSlot, image);
@@ -197,13 +200,13 @@ std::shared_ptr<const raster::Paint> CompositionRasterizer::blurredBackground(co
                                picture.pyramid->isOpaque());
         }
         // What lies beyond the output is blurred into it.
-        const int margin = raster::gaussianRadius(fine);
+        const int margin = BackgroundBlur::fineMargin(deviation);
         raster::Placement placement = onViewport({}, {}, viewport);
         placement.move(margin, margin);
-        return finely(std::make_shared<raster::PicturePaint>(
-                          picture.pyramid, size.width(), size.height(), placement,
-                          viewport.pixelSize.width() + 2 * margin, viewport.pixelSize.height() + 2 * margin),
-                      margin);
+        auto sharp = std::make_shared<raster::PicturePaint>(
+            picture.pyramid, size.width(), size.height(), placement, viewport.pixelSize.width() + 2 * margin,
+            viewport.pixelSize.height() + 2 * margin);
+        return m_blur.fine({{}, image.cacheKey()}, std::move(sharp), margin, canvas, deviation);
     }
     const auto adjusted = [&](const Homography& toCanvas) -> std::shared_ptr<const raster::Paint> {
         auto paint = coloredPaint(config, size, toCanvas);
@@ -216,7 +219,7 @@ std::shared_ptr<const raster::Paint> CompositionRasterizer::blurredBackground(co
     };
     const auto plain = adjusted(onViewport({}, {}, viewport).toLocal());
     if (!BackgroundBlur::isWide(canvas, deviation))
-        return finely(plain, 0);
+        return m_blur.fine(BackgroundBlur::Identity::ofColors(config), plain, 0, canvas, deviation);
     const auto reduce = [&](const raster::BlurAxis& columns, const raster::BlurAxis& rows) {
         const Homography toCanvas =
             Homography::scaling(size.width() / columns.samples(), size.height() / rows.samples()) *
@@ -245,8 +248,7 @@ void CompositionRasterizer::appendTexts(std::vector<Layer>& layers, const Compos
     const double scale = viewport.pixelsPerPoint;
     const QPointF origin =
         viewport.canvasCentre - QPointF(size.width() * scale / 2, size.height() * scale / 2);
-    for (Layer& layer :
-         m_texts.layers(composition.config.textOverlays, {origin, scale, viewport.pixelSize}))
+    for (Layer& layer : m_texts.layers(composition.config.textOverlays, {origin, scale, viewport.pixelSize}))
         layers.push_back(std::move(layer));
 }
 

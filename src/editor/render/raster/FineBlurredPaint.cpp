@@ -8,9 +8,9 @@
 namespace framora::raster {
 
 FineBlurredPaint::FineBlurredPaint(std::shared_ptr<const Paint> paint, int margin, double deviation,
-                                   const Canvas& canvas)
-    : m_paint(std::move(paint)), m_margin(margin), m_canvas(canvas), m_radius(gaussianRadius(deviation)),
-      m_half(gaussianHalf(deviation, m_radius)) {
+                                   const Canvas& canvas, ShadeCache* cache)
+    : m_paint(std::move(paint)), m_cache(cache), m_margin(margin), m_canvas(canvas),
+      m_radius(gaussianRadius(deviation)), m_half(gaussianHalf(deviation, m_radius)) {
     std::vector<double> row(std::size_t(2 * m_radius + 1));
     for (int i = -m_radius; i <= m_radius; ++i)
         row[std::size_t(i + m_radius)] = m_half[std::size_t(std::abs(i))];
@@ -47,6 +47,13 @@ void FineBlurredPaint::shade(int x, int y, int count, Float4* out) const {
 }
 
 void FineBlurredPaint::mix(const TileRect& tile, MixPixel* out) const {
+    if (m_cache)
+        m_cache->read(tile, out, [this](const TileRect& part, MixPixel* colors) { filter(part, colors); });
+    else
+        filter(tile, out);
+}
+
+void FineBlurredPaint::filter(const TileRect& tile, MixPixel* out) const {
     if (tile.area() == 0)
         return;
     const int left = std::clamp(tile.x - m_radius, m_canvas.left, m_canvas.right - 1);

@@ -2,6 +2,7 @@
 
 #include "editor/render/raster/BlurTaps.h"
 #include "editor/render/raster/Paint.h"
+#include "editor/render/raster/ShadeCache.h"
 
 #include <memory>
 
@@ -22,8 +23,10 @@ public:
         int bottom;
     };
     /// `paint` is asked for each pixel of the canvas within gaussianRadius(deviation) of the output's. Its
-    /// pixel (margin, margin) is the output's (0, 0).
-    FineBlurredPaint(std::shared_ptr<const Paint> paint, int margin, double deviation, const Canvas& canvas);
+    /// pixel (margin, margin) is the output's (0, 0). A `cache`, if any, has begun a frame of the same blur
+    /// and lives as long as this; then each row is shaded by one thread at a time.
+    FineBlurredPaint(std::shared_ptr<const Paint> paint, int margin, double deviation, const Canvas& canvas,
+                     ShadeCache* cache = nullptr);
 
     void shade(int x, int y, int count, Float4* out) const override;
     /// Dithered as a wide blur is.
@@ -32,7 +35,10 @@ public:
     bool prefersSquareTiles() const override { return true; }
 
 private:
+    void filter(const TileRect& tile, MixPixel* out) const;
+
     std::shared_ptr<const Paint> m_paint;
+    ShadeCache* m_cache;
     int m_margin;
     Canvas m_canvas;
     int m_radius;
