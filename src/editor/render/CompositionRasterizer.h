@@ -12,6 +12,7 @@
 #include <QSize>
 #include <array>
 #include <memory>
+#include <vector>
 
 namespace framora {
 
@@ -45,6 +46,10 @@ public:
     /// round(size x scale) pixels and `scale` as its devicePixelRatio. Null when that is nothing, not finite
     /// or too large.
     QImage drawFrame(const Composition& composition, QSizeF size, double scale);
+
+    /// What draw() composes, the first layer undermost; nothing where it gives null. The layers use what this
+    /// object keeps: they are good until it is asked for anything again.
+    std::vector<raster::Layer> layers(const Composition& composition, const Viewport& viewport);
 
 private:
     /// A picture in the kernels' format, its reductions, and its colours in the last frame.
