@@ -17,20 +17,31 @@ constexpr std::size_t chunkTokens = 2048;
 constexpr std::size_t longestBlock = 32768; ///< Tokens.
 constexpr double blockOverheadBits = 480;   ///< What the description of one more code takes, about.
 
-const DeflateSearch quickSearch = {.depth = 24,
-                                   .lazyDepth = 8,
-                                   .missedDepth = 4,
-                                   .niceLength = 66,
-                                   .lazyLength = 32,
-                                   .sureRepeat = 24,
-                                   .hashedBytes = 6};
-const DeflateSearch thoroughSearch = {.depth = 128,
-                                      .lazyDepth = 64,
-                                      .missedDepth = 64,
-                                      .niceLength = 258,
-                                      .lazyLength = 128,
-                                      .sureRepeat = 128,
-                                      .hashedBytes = 4};
+/// The numbers behind an effort.
+struct Search {
+    int depth;       ///< Earlier places looked at,
+    int lazyDepth;   ///< for a better match one byte later,
+    int missedDepth; ///< and where the last positions had no match worth taking.
+    int niceLength;  ///< From this on no better match is looked for.
+    int lazyLength;  ///< Below this the next position is tried too.
+    int sureRepeat;  ///< A run, or a repeat of the last distance, of this length is taken unseen.
+    int hashedBytes; ///< The shortest match that is looked for, repeats aside.
+};
+template <DeflateEffort effort>
+constexpr Search search = effort == DeflateEffort::quick ? Search{.depth = 24,
+                                                                  .lazyDepth = 8,
+                                                                  .missedDepth = 4,
+                                                                  .niceLength = 66,
+                                                                  .lazyLength = 32,
+                                                                  .sureRepeat = 24,
+                                                                  .hashedBytes = 6}
+                                                         : Search{.depth = 128,
+                                                                  .lazyDepth = 64,
+                                                                  .missedDepth = 64,
+                                                                  .niceLength = 258,
+                                                                  .lazyLength = 128,
+                                                                  .sureRepeat = 128,
+                                                                  .hashedBytes = 4};
 constexpr int fewMisses = 4;
 
 constexpr int readAhead = 8; ///< A hash reads this far.
@@ -45,6 +56,10 @@ std::uint64_t load64(const std::uint8_t* bytes) {
     std::uint64_t value;
     std::memcpy(&value, bytes, 8);
     return value;
+}
+
+template <DeflateEffort effort> std::size_t hashOf(const std::uint8_t* bytes) {
+    return (load64(bytes) << (64 - 8 * search<effort>.hashedBytes)) * 0x9e3779b97f4a7c15u >> (64 - hashBits);
 }
 
 int commonLength(const std::uint8_t* a, const std::uint8_t* b, int limit) {
@@ -62,38 +77,17 @@ int commonLength(const std::uint8_t* a, const std::uint8_t* b, int limit) {
 } // namespace
 
 Deflater::Deflater(DeflateEffort effort)
-    : m_search(effort == DeflateEffort::quick ? quickSearch : thoroughSearch),
-      m_head(std::size_t(1) << hashBits), m_previous(windowSize) {
+    : m_effort(effort), m_head(std::size_t(1) << hashBits), m_previous(windowSize) {
     m_tokens.reserve(longestBlock + 2 * chunkTokens);
 }
 
-std::size_t Deflater::hashOf(const std::uint8_t* bytes) const {
-    return (load64(bytes) << (64 - 8 * m_search.hashedBytes)) * 0x9e3779b97f4a7c15u >> (64 - hashBits);
-}
-
-void Deflater::compress(std::span<const std::uint8_t> data, std::size_t begin, bool isLast,
-                        std::vector<std::uint8_t>& out) {
-    start(data, begin);
-    BitWriter writer(out);
-    parse(writer);
-    endChunk(writer, m_end);
-    writeBlock(writer, isLast);
-    writer.reserve(16);
-    if (!isLast) { // an empty stored block brings the next piece to a byte boundary
-        writer.put(0, 3);
-        writer.alignToByte();
-        writer.put(0xffff0000u, 32);
-    }
-    writer.alignToByte();
-}
-
-void Deflater::start(std::span<const std::uint8_t> data, std::size_t begin) {
+template <DeflateEffort effort> void Deflater::start(std::span<const std::uint8_t> data, std::size_t begin) {
     m_data = data.data();
     m_end = int(data.size());
     std::ranges::fill(m_head, -1);
     const int first = int(begin);
     for (int i = std::max(0, first - windowSize); i < std::min(first, m_end - readAhead + 1); ++i)
-        insert(i);
+        insert<effort>(i);
     m_tokens.clear();
     m_blockTokens = 0;
     m_block = m_chunk = {};
@@ -110,33 +104,33 @@ void Deflater::start(std::span<const std::uint8_t> data, std::size_t begin) {
     m_prices = DeflateCode::forSymbols(guess);
 }
 
-void Deflater::insert(int position) {
-    int& head = m_head[hashOf(m_data + position)];
+template <DeflateEffort effort> void Deflater::insert(int position) {
+    int& head = m_head[hashOf<effort>(m_data + position)];
     m_previous[std::size_t(position) % windowSize] = head;
     head = position;
 }
 
-void Deflater::insertMatched(int first, int end) {
+template <DeflateEffort effort> void Deflater::insertMatched(int first, int end) {
     const int limit = std::min(end, m_end - readAhead + 1);
     if (end - first <= 2 * densePart) {
         for (int i = first; i < limit; ++i)
-            insert(i);
+            insert<effort>(i);
         return;
     }
     for (int i = first; i < std::min(first + densePart, limit); ++i)
-        insert(i);
+        insert<effort>(i);
     for (int i = end - densePart; i < limit; ++i)
-        insert(i);
+        insert<effort>(i);
 }
 
-Deflater::Match Deflater::findMatch(int position, int longerThan, int depth) {
+template <DeflateEffort effort> Deflater::Match Deflater::findMatch(int position, int longerThan, int depth) {
     const std::uint8_t* here = m_data + position;
     const int limit = std::min(longestMatch, m_end - position);
     Match best{.length = std::max(longerThan, shortestMatch - 1), .distance = 0};
     if (limit <= best.length)
         return {};
     const std::uint32_t start = load32(here);
-    int candidate = m_head[hashOf(here)];
+    int candidate = m_head[hashOf<effort>(here)];
     const int oldest = std::max(0, position - windowSize);
     while (candidate >= oldest && depth-- > 0) {
         const std::uint8_t* there = m_data + candidate;
@@ -144,7 +138,7 @@ Deflater::Match Deflater::findMatch(int position, int longerThan, int depth) {
             const int length = commonLength(here, there, limit);
             if (length > best.length) {
                 best = {.length = length, .distance = position - candidate};
-                if (length >= m_search.niceLength || length == limit)
+                if (length >= search<effort>.niceLength || length == limit)
                     break;
             }
         }
@@ -179,7 +173,7 @@ void Deflater::addMatch(Match match) {
     ++m_chunk.distances[distanceSlot(unsigned(match.distance)).symbol];
 }
 
-void Deflater::parse(BitWriter& writer) {
+template <DeflateEffort effort> void Deflater::parse(BitWriter& writer) {
     int position = m_blockBegin;
     int lastDistance = 0;
     int misses = 0;
@@ -199,10 +193,10 @@ void Deflater::parse(BitWriter& writer) {
                 break;
         }
         const bool nearEnd = m_end - position <= readAhead;
-        if (repeat.length >= m_search.sureRepeat ||
+        if (repeat.length >= search<effort>.sureRepeat ||
             (nearEnd && repeat.length > 0 && isWorthwhile(position, repeat))) {
             addMatch(repeat);
-            insertMatched(position, position + repeat.length);
+            insertMatched<effort>(position, position + repeat.length);
             position += repeat.length;
             lastDistance = repeat.distance > 1 ? repeat.distance : lastDistance;
             misses = 0;
@@ -213,22 +207,23 @@ void Deflater::parse(BitWriter& writer) {
             continue;
         }
         // A repeat's distance is cheap, so another match has to be longer by two.
-        Match match = findMatch(position, repeat.length > 0 ? repeat.length + 1 : 0,
-                                misses > fewMisses ? m_search.missedDepth : m_search.depth);
+        Match match =
+            findMatch<effort>(position, repeat.length > 0 ? repeat.length + 1 : 0,
+                              misses > fewMisses ? search<effort>.missedDepth : search<effort>.depth);
         if (match.length == 0)
             match = repeat;
-        insert(position);
+        insert<effort>(position);
         if (match.length == 0 || !isWorthwhile(position, match)) {
             // Where nothing repeats, as in noise, ever fewer places are tried.
             ++misses;
-            const int literals = std::min(1 + (misses >> 8), std::min(8, m_end - position));
+            const int literals = std::min(1 + (misses >> 6), std::min(8, m_end - position));
             for (int i = 0; i < literals; ++i)
                 addLiteral(position++);
             continue;
         }
         misses = 0;
-        while (match.length < m_search.lazyLength && m_end - position > readAhead) {
-            const Match next = findMatch(position + 1, match.length, m_search.lazyDepth);
+        while (match.length < search<effort>.lazyLength && m_end - position > readAhead) {
+            const Match next = findMatch<effort>(position + 1, match.length, search<effort>.lazyDepth);
             if (next.length == 0)
                 break;
             const int gain = 4 * (next.length - match.length) + std::bit_width(unsigned(match.distance)) -
@@ -236,14 +231,38 @@ void Deflater::parse(BitWriter& writer) {
             if (gain <= 2)
                 break;
             addLiteral(position++);
-            insert(position);
+            insert<effort>(position);
             match = next;
         }
         addMatch(match);
-        insertMatched(position + 1, position + match.length);
+        insertMatched<effort>(position + 1, position + match.length);
         position += match.length;
         lastDistance = match.distance > 1 ? match.distance : lastDistance;
     }
+}
+
+template <DeflateEffort effort>
+void Deflater::run(std::span<const std::uint8_t> data, std::size_t begin, BitWriter& writer) {
+    start<effort>(data, begin);
+    parse<effort>(writer);
+}
+
+void Deflater::compress(std::span<const std::uint8_t> data, std::size_t begin, bool isLast,
+                        std::vector<std::uint8_t>& out) {
+    BitWriter writer(out);
+    if (m_effort == DeflateEffort::quick)
+        run<DeflateEffort::quick>(data, begin, writer);
+    else
+        run<DeflateEffort::thorough>(data, begin, writer);
+    endChunk(writer, m_end);
+    writeBlock(writer, isLast);
+    writer.reserve(16);
+    if (!isLast) { // an empty stored block brings the next piece to a byte boundary
+        writer.put(0, 3);
+        writer.alignToByte();
+        writer.put(0xffff0000u, 32);
+    }
+    writer.alignToByte();
 }
 
 void Deflater::endChunk(BitWriter& writer, int position) {

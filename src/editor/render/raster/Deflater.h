@@ -15,17 +15,6 @@ enum class DeflateEffort : std::uint8_t {
     thorough, ///< Matches of four bytes and more, many places: several times slower, a few percent smaller.
 };
 
-/// The numbers behind an effort.
-struct DeflateSearch {
-    int depth;       ///< Earlier places looked at,
-    int lazyDepth;   ///< for a better match one byte later,
-    int missedDepth; ///< and where the last positions had no match worth taking.
-    int niceLength;  ///< From this on no better match is looked for.
-    int lazyLength;  ///< Below this the next position is tried too.
-    int sureRepeat;  ///< A run, or a repeat of the last distance, of this length is taken unseen.
-    int hashedBytes; ///< The shortest match that is looked for, repeats aside.
-};
-
 /// A deflate encoder for filtered picture rows, made so that pieces of one stream can be compressed on
 /// different threads: every piece sees the bytes before it, and ends on a byte boundary. What it does
 /// otherwise than a general encoder: it passes over the long runs that filtered rows are made of without
@@ -48,19 +37,21 @@ private:
         int distance = 0;
     };
 
-    std::size_t hashOf(const std::uint8_t* bytes) const;
-    void start(std::span<const std::uint8_t> data, std::size_t begin);
-    void parse(BitWriter& writer);
-    void insert(int position);
-    void insertMatched(int first, int end);
-    Match findMatch(int position, int longerThan, int depth);
+    // The search is compiled for each effort.
+    template <DeflateEffort effort>
+    void run(std::span<const std::uint8_t> data, std::size_t begin, BitWriter& writer);
+    template <DeflateEffort effort> void start(std::span<const std::uint8_t> data, std::size_t begin);
+    template <DeflateEffort effort> void parse(BitWriter& writer);
+    template <DeflateEffort effort> void insert(int position);
+    template <DeflateEffort effort> void insertMatched(int first, int end);
+    template <DeflateEffort effort> Match findMatch(int position, int longerThan, int depth);
     bool isWorthwhile(int position, Match match) const;
     void addLiteral(int position);
     void addMatch(Match match);
     void endChunk(BitWriter& writer, int position);
     void writeBlock(BitWriter& writer, bool isLast);
 
-    DeflateSearch m_search;
+    DeflateEffort m_effort;
     const std::uint8_t* m_data = nullptr;
     int m_end = 0;
     std::vector<int> m_head;     ///< The last position with this hash, or -1.
