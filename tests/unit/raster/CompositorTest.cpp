@@ -1,6 +1,7 @@
 #include "editor/render/raster/Compositor.h"
 
 #include "editor/render/raster/GradientPaint.h"
+#include "editor/render/raster/MixKernels.h"
 #include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/PixelBuffer.h"
 #include "editor/render/raster/SolidPaint.h"
@@ -90,6 +91,49 @@ TEST(Compositor, WritesInsideTheViewOnly) {
         for (int x = 0; x < 40; ++x) {
             const bool isInside = x >= 10 && x < 30 && y >= 10 && y < 30;
             ASSERT_EQ(buffer.view().row(y)[x], isInside ? 0xffffffffu : 0x12345678u) << x << "," << y;
+        }
+}
+
+TEST(Compositor, ReplacesWhatLiesUnderAlsoWhereItIsNotOpaque) {
+    const Homography here = Homography::translation(2, 2);
+    Layer pane = solid({3, 10, 0}, here, premultiplied(0, 0, 1, 0.25));
+    pane.blend = Layer::Blend::replace;
+    const std::vector<Layer> layers = {solid({10, 10, 0}, here, premultiplied(1, 0, 0, 1)), pane};
+    // Half of the first pixel is covered, then two whole ones, then half again.
+    const auto pixels = composed(4, 1, layers);
+    EXPECT_EQ(pixels, (std::vector<std::uint32_t>{0x9f7f0020u, 0x40000040u, 0x40000040u, 0x9f7f0020u}));
+    PixelBuffer plainly = PixelBuffer::create(4, 1);
+    plain::compose(plainly.mutableView(), layers);
+    for (int x = 0; x < 4; ++x)
+        for (int shift = 0; shift < 32; shift += 8)
+            EXPECT_NEAR(int(pixels[std::size_t(x)] >> shift & 255),
+                        int(plainly.view().row(0)[x] >> shift & 255), 1);
+}
+
+TEST(Compositor, HandsOverWantedTilesAsTheyAreMixed) {
+    std::vector<Layer> layers;
+    for (int i = 0; i < 5; ++i)
+        layers.push_back(solid({90.0 + 7 * i, 60, 9},
+                               Homography::translation(150, 60) * Homography::rotation(13 * i),
+                               premultiplied(0.2 * i, 0.5, 1 - 0.2 * i, 0.7)));
+    const int width = 301;
+    const int height = 131;
+    const auto whole = composed(width, height, layers);
+    std::vector<std::uint32_t> pieces(whole.size());
+    composeTiles(
+        width, height, layers, [](const TileRect& piece) { return piece.x >= 96 && piece.x < 208; },
+        [&](const TileRect& tile, const MixPixel* pixels) {
+            for (int y = 0; y < tile.height; ++y)
+                packPixels(pixels + std::ptrdiff_t(y) * tile.width, std::size_t(tile.width),
+                           pieces.data() + std::ptrdiff_t(tile.y + y) * width + tile.x);
+        });
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const std::size_t i = std::size_t(y) * width + std::size_t(x);
+            const std::uint32_t expected = x >= 96 && x < 208 ? whole[i] : 0u;
+            // A row's coverage is summed up from where its tile starts: the last bit may round elsewhere.
+            for (int shift = 0; shift < 32; shift += 8)
+                ASSERT_NEAR(int(pieces[i] >> shift & 255), int(expected >> shift & 255), 1) << x << "," << y;
         }
 }
 

@@ -56,6 +56,8 @@ TEST(MixKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
                  [&](auto& p) { plain::blendOver(p.data(), over.data(), coverage.data(), count); });
             same([&](auto& p) { blendOverlay(p.data(), over.data(), coverage.data(), count); },
                  [&](auto& p) { plain::blendOverlay(p.data(), over.data(), coverage.data(), count); });
+            same([&](auto& p) { blendInstead(p.data(), over.data(), coverage.data(), count); },
+                 [&](auto& p) { plain::blendInstead(p.data(), over.data(), coverage.data(), count); });
             std::vector<std::uint32_t> fast(count + 1, 0x12345678u);
             std::vector<std::uint32_t> slow = fast;
             packPixels(over.data(), count, fast.data());

@@ -138,20 +138,6 @@ TEST(CompositionRasterizer, FramesTheScreenshotWithTheBorder) {
     EXPECT_EQ(result.pixel(30 + 5, 30 + 5), qRgb(0, 0, 255));
 }
 
-TEST(CompositionRasterizer, DrawsAGlassCardAroundTheScreenshot) {
-    ScreenshotStyleConfig config = bareStyle();
-    config.showMockup = true;
-    config.mockupStyle = MockupStyle::glassEffect;
-    config.mockupBorderSize = 4; // a card of 6 points on each side
-    const QImage result = drawn(compositionOf(flatPicture(100, 60), config));
-    const int middle = result.height() / 2;
-    const int left = (result.width() - 100) / 2;
-    EXPECT_EQ(result.pixel(left, middle), qRgb(255, 0, 0));
-    EXPECT_GT(qAlpha(result.pixel(left - 3, middle)), 10);
-    EXPECT_LT(qAlpha(result.pixel(left - 3, middle)), 200);
-    EXPECT_EQ(result.pixel(left - 7, middle), 0u);
-}
-
 TEST(CompositionRasterizer, ShowsThePlainImageWithoutAMockup) {
     ScreenshotStyleConfig config = bareStyle();
     config.borderRadius = 50;
