@@ -113,10 +113,17 @@ CompositionRasterizer::Prepared& CompositionRasterizer::prepared(Slot slot, cons
     if (kept.pyramid && kept.key == image.cacheKey())
         return kept;
     kept = {};
-    kept.pixels = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
     kept.key = image.cacheKey();
-    if (!kept.pixels.isNull())
+    // Opaque pictures are as the kernels want them already; a copy of a large one would be felt.
+    if (image.format() == QImage::Format_RGB32) {
+        kept.pixels = image;
         kept.pyramid = std::make_shared<raster::PicturePyramid>(rasterView(kept.pixels));
+        if (kept.pyramid->isOpaque())
+            return kept;
+    }
+    kept.pixels = image.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    kept.pyramid =
+        kept.pixels.isNull() ? nullptr : std::make_shared<raster::PicturePyramid>(rasterView(kept.pixels));
     return kept;
 }
 

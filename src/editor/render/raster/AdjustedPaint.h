@@ -17,6 +17,14 @@ public:
         m_paint->shade(x, y, count, out);
         adjustColors(out, count, m_adjustment.saturation, m_adjustment.brightness);
     }
+    void mix(const TileRect& tile, MixPixel* out) const override {
+        if (!m_adjustment.isUsual()) {
+            Paint::mix(tile, out);
+            return;
+        }
+        m_paint->mix(tile, out);
+        adjustPixels(out, tile.area(), m_adjustment.saturation, m_adjustment.brightness);
+    }
     bool isOpaque() const override { return m_paint->isOpaque(); }
 
 private:

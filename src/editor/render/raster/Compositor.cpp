@@ -106,8 +106,10 @@ void cover(const LayerShape& shape, float opacity, const TileRect& block, Scratc
 }
 
 void mixLayer(const Layer& layer, const TileRect& block, MixPixel* out) {
-    if (!layer.adjustment && !layer.noise) {
+    if (!layer.noise && (!layer.adjustment || layer.adjustment->isUsual())) {
         layer.paint->mix(block, out);
+        if (layer.adjustment)
+            adjustPixels(out, block.area(), layer.adjustment->saturation, layer.adjustment->brightness);
         return;
     }
     std::array<Float4, longTile.width> colors;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editor/render/raster/EffectKernels.h"
 #include "editor/render/raster/Paint.h"
 #include "editor/render/raster/PixelView.h"
 #include "editor/render/raster/Placement.h"
@@ -22,6 +23,10 @@ struct Layer {
     struct Adjustment {
         float saturation = 1;
         float brightness = 0;
+        /// Whether adjustPixels() does it.
+        bool isUsual() const {
+            return saturation >= 0 && saturation <= mostSaturation && brightness >= -1 && brightness <= 1;
+        }
     };
     std::optional<Adjustment> adjustment; ///< Of the paint's colours.
 

@@ -1,19 +1,28 @@
 #include "editor/render/raster/PicturePyramid.h"
 
+#include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/Resample.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 
 namespace framora::raster {
 PicturePyramid::PicturePyramid(PixelView picture) : m_picture(picture) {
-    std::uint32_t all = 0xff000000u;
-    for (int y = 0; y < picture.height && all == 0xff000000u; ++y) {
-        const std::uint32_t* row = picture.row(y);
-        for (int x = 0; x < picture.width; ++x)
-            all &= row[x];
-    }
-    m_isOpaque = all == 0xff000000u;
+    std::atomic<bool> isOpaque = true;
+    constexpr int rowsAtOnce = 32;
+    parallelFor((picture.height + rowsAtOnce - 1) / rowsAtOnce, [&](int band) {
+        const int end = std::min(picture.height, (band + 1) * rowsAtOnce);
+        for (int y = band * rowsAtOnce; y < end && isOpaque.load(std::memory_order_relaxed); ++y) {
+            const std::uint32_t* row = picture.row(y);
+            std::uint32_t all = 0xff000000u;
+            for (int x = 0; x < picture.width; ++x)
+                all &= row[x];
+            if (all != 0xff000000u)
+                isOpaque.store(false, std::memory_order_relaxed);
+        }
+    });
+    m_isOpaque = isOpaque;
 }
 
 PixelView PicturePyramid::level(int level) const {
