@@ -63,6 +63,14 @@ int ceilToInt(double value) {
     return whole + (value > whole);
 }
 
+// Blocks on a grid from the layer's origin are read by one rule each.
+constexpr int blockWidth = 64;
+constexpr int blockHeight = 32;
+
+int floorToMultiple(int value, int size) {
+    return value >= 0 ? value / size * size : -((-value + size - 1) / size) * size;
+}
+
 double inside(double value, double size) {
     return value > -4 ? std::min(value, size + 4) : -4; // what is not a number goes to the edge
 }
@@ -233,63 +241,95 @@ void ProjectiveSampler::read(int x, int y, int count, Float4* out) const {
     }
 }
 
-bool ProjectiveSampler::mixMagnified(const TileRect& tile, MixPixel* out) const {
+std::optional<TileRect> ProjectiveSampler::magnifiedSource(const TileRect& block) const {
     const PixelView picture = m_pyramid.picture();
-    double left = picture.width;
-    double right = 0;
-    double top = picture.height;
-    double bottom = 0;
-    for (const int x : {tile.x, tile.x + tile.width})
-        for (const int y : {tile.y, tile.y + tile.height}) {
+    double left = picture.width + 4;
+    double right = -4;
+    double top = picture.height + 4;
+    double bottom = -4;
+    for (const int x : {block.x, block.x + block.width})
+        for (const int y : {block.y, block.y + block.height}) {
             const Vec2 corner{double(x), double(y)};
             const double depth = m_toSource.depth(corner);
             if (!(depth > 0))
-                return false;
+                return std::nullopt;
             const Vec2 exact = m_toSource.map(corner);
             if (!(footprint(exact, depth).longest() <= 1 + 1e-9))
-                return false;
+                return std::nullopt;
             left = std::min(left, inside(exact.x, picture.width));
             right = std::max(right, inside(exact.x, picture.width));
             top = std::min(top, inside(exact.y, picture.height));
             bottom = std::max(bottom, inside(exact.y, picture.height));
         }
     // The neighbours of the pixels that lie between, and one more for rounding.
-    const int firstColumn = int(std::floor(std::min(left, right))) - 3;
-    const int firstRow = int(std::floor(std::min(top, bottom))) - 3;
-    SourceBox box{nullptr, int(std::ceil(std::max(left, right))) + 3 - firstColumn,
-                  int(std::ceil(std::max(top, bottom))) + 3 - firstRow};
+    const int firstColumn = int(std::floor(left)) - 3;
+    const int firstRow = int(std::floor(top)) - 3;
+    return TileRect{firstColumn, firstRow, int(std::ceil(right)) + 3 - firstColumn,
+                    int(std::ceil(bottom)) + 3 - firstRow};
+}
+
+bool ProjectiveSampler::mixMagnified(const TileRect& block, const TileRect& part, MixPixel* out,
+                                     int stride) const {
+    const std::optional<TileRect> whole = magnifiedSource(block);
+    const std::optional<TileRect> read = whole ? magnifiedSource(part) : std::nullopt;
+    if (!read)
+        return false;
+    SourceBox box{nullptr, read->width, read->height};
     thread_local std::vector<MixPixel> pixels;
-    thread_local std::vector<std::int32_t> places;
     pixels.resize(std::max(pixels.size(), std::size_t(box.width) * std::size_t(box.height)));
-    places.resize(std::max(places.size(), 2 * std::size_t(tile.width)));
-    copyWidened(picture, firstColumn, firstRow, box, pixels.data());
+    copyWidened(m_pyramid.picture(), read->x, read->y, box, pixels.data());
     box.pixels = pixels.data();
 
-    // From pixel centres to the first of the four by four neighbours, in the box.
-    const Homography map = Homography::translation(-1.5 - firstColumn, -1.5 - firstRow) * m_toSource *
-                           Homography::translation(tile.x + 0.5, tile.y + 0.5);
-    std::int32_t* columns = places.data();
-    std::int32_t* rows = columns + tile.width;
+    // From pixel centres to the first of the four by four neighbours. The places are told from the block's
+    // corner in what the whole block reads, so that they come out alike for any part of it.
+    const SourceBox wholeBox{nullptr, whole->width, whole->height};
+    const Homography map = Homography::translation(-1.5 - whole->x, -1.5 - whole->y) * m_toSource *
+                           Homography::translation(block.x + 0.5, block.y + 0.5);
+    const int columnShift = (read->x - whole->x) << positionBits;
+    const int rowShift = (read->y - whole->y) << positionBits;
+    const int lastColumn = ((box.width - 3) << positionBits) - 1;
+    const int lastRow = ((box.height - 3) << positionBits) - 1;
+    std::array<std::int32_t, blockWidth> columns;
+    std::array<std::int32_t, blockWidth> rows;
+    const int skipped = part.x - block.x;
+    const int end = skipped + part.width;
     const double scale = 1 / map(2, 2);
-    for (int y = 0; y < tile.height; ++y, out += tile.width) {
+    for (int y = part.y - block.y; y < part.y - block.y + part.height; ++y, out += stride) {
         const auto at = [&](int row) { return float((map(row, 1) * y + map(row, 2)) * scale); };
         const auto step = [&](int row) { return float(map(row, 0) * scale); };
-        projectRow({at(0), at(1), at(2), step(0), step(1), step(2)}, box, std::size_t(tile.width), columns,
-                   rows);
-        interpolateRow(box, columns, rows, std::size_t(tile.width), out);
+        projectRow({at(0), at(1), at(2), step(0), step(1), step(2)}, wholeBox, std::size_t(end),
+                   columns.data(), rows.data());
+        for (std::size_t i = std::size_t(skipped); i < std::size_t(end); ++i) {
+            columns[i] = std::clamp(columns[i] - columnShift, 0, lastColumn);
+            rows[i] = std::clamp(rows[i] - rowShift, 0, lastRow);
+        }
+        interpolateRow(box, columns.data() + skipped, rows.data() + skipped, std::size_t(part.width), out);
     }
     return true;
 }
 
 void ProjectiveSampler::mix(const TileRect& tile, MixPixel* out) const {
-    if (mixMagnified(tile, out))
-        return;
     thread_local std::vector<Float4> row;
-    row.resize(std::max(row.size(), std::size_t(tile.width)));
-    for (int y = 0; y < tile.height; ++y) {
-        read(tile.x, tile.y + y, tile.width, row.data());
-        for (int x = 0; x < tile.width; ++x)
-            *out++ = toMix(row[std::size_t(x)] * splat(1.0f / 255));
+    const int right = tile.x + tile.width;
+    const int bottom = tile.y + tile.height;
+    for (int top = tile.y; top < bottom;) {
+        const int blockTop = floorToMultiple(top, blockHeight);
+        const int height = std::min(bottom, blockTop + blockHeight) - top;
+        for (int left = tile.x; left < right;) {
+            const int blockLeft = floorToMultiple(left, blockWidth);
+            const TileRect part{left, top, std::min(right, blockLeft + blockWidth) - left, height};
+            MixPixel* to = out + std::ptrdiff_t(top - tile.y) * tile.width + (left - tile.x);
+            left += part.width;
+            if (mixMagnified({blockLeft, blockTop, blockWidth, blockHeight}, part, to, tile.width))
+                continue;
+            row.resize(std::max(row.size(), std::size_t(part.width)));
+            for (int y = part.y; y < part.y + height; ++y, to += tile.width) {
+                read(part.x, y, part.width, row.data());
+                for (int x = 0; x < part.width; ++x)
+                    to[x] = toMix(row[std::size_t(x)] * splat(1.0f / 255));
+            }
+        }
+        top += height;
     }
 }
 

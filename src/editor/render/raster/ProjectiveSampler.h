@@ -5,6 +5,8 @@
 #include "editor/render/raster/MixTile.h"
 #include "editor/render/raster/PicturePyramid.h"
 
+#include <optional>
+
 namespace framora::raster {
 
 /// Reads a picture under any projective map. Where it is magnified it interpolates with a cubic; where one
@@ -17,7 +19,7 @@ public:
 
     /// The premultiplied colours of `count` output pixels from (x, y), 0...255.
     void read(int x, int y, int count, Float4* out) const;
-    /// The same for a block, 0...mixOne.
+    /// The same for a block, 0...mixOne. A pixel's colour does not depend on the block that asks for it.
     void mix(const TileRect& tile, MixPixel* out) const;
 
 private:
@@ -42,8 +44,12 @@ private:
         double reach; ///< Rows above and below.
     };
 
-    /// mix() where every pixel of the tile is magnified; false, and nothing done, elsewhere.
-    bool mixMagnified(const TileRect& tile, MixPixel* out) const;
+    /// mix() of a part of a block where every pixel of the block is magnified; false, and nothing done,
+    /// elsewhere. The rows of `out` are `stride` pixels apart.
+    bool mixMagnified(const TileRect& block, const TileRect& part, MixPixel* out, int stride) const;
+    /// The source columns and rows around a block and the neighbours that it reads; none where not every
+    /// pixel of the block is magnified.
+    std::optional<TileRect> magnifiedSource(const TileRect& block) const;
     Footprint footprint(Vec2 source, double depth) const;
     Filter filter(const Footprint& footprint) const;
     Float4 interpolated(Vec2 source) const;
