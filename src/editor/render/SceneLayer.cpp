@@ -40,6 +40,7 @@ std::optional<raster::Layer> sceneLayer(const ScreenshotStyleConfig& config, QSi
         tint(config.selectedShadowScene->colors, size, toCanvas), size.width(), size.height(), toCanvas,
         output.width(), output.height());
     layer.opacity = float(std::min(opacity, 1.0));
+    layer.sharesEdge = true; // the canvas's
     if (config.shadowSceneMode == ShadowSceneMode::overlay)
         layer.blend = raster::Layer::Blend::overlay;
     return layer;

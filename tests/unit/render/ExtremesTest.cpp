@@ -2,9 +2,15 @@
 #include "editor/render/ScreenshotRenderer.h"
 #include "unit/render/TestPictures.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
+#include <memory>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace framora {
 namespace {
@@ -161,6 +167,110 @@ TEST(Extremes, AFrameBeyondAllReasonIsNothing) {
     config.padding = 15000; // 60020 pixels a side: each is allowed, all of them are not
     EXPECT_TRUE(renderComposition(flatPicture(10, 10), config).isNull());
 }
+
+/// Styles with everything that there is, for pictures and maps of any kind.
+std::vector<ScreenshotStyleConfig> richStyles() {
+    std::vector<ScreenshotStyleConfig> styles;
+    for (const MockupStyle mockup : allCases<MockupStyle>())
+        for (const BackgroundType background : allCases<BackgroundType>()) {
+            ScreenshotStyleConfig style;
+            style.mockupStyle = mockup;
+            style.backgroundType = background;
+            style.gradientConfig.blurAmount = 6;
+            style.selectedShadowScene =
+                ShadowScene{.name = {}, .colors = {{1, 0, 0, 1}, {0, 0, 1, 1}}, .isTexture = false};
+            style.shadowSceneMode =
+                mockup == MockupStyle::border ? ShadowSceneMode::underlay : ShadowSceneMode::overlay;
+            TextOverlay text;
+            text.text = QStringLiteral("Text");
+            text.position = {10, 10};
+            style.textOverlays = {text};
+            style.padding = 9;
+            styles.push_back(style);
+        }
+    return styles;
+}
+
+TEST(Extremes, EveryMockupComesThroughTheEyesPlane) {
+    for (ScreenshotStyleConfig style : richStyles())
+        for (const double tilt : {60.0, -80.0, 89.999})
+            for (const bool isAboutX : {true, false}) {
+                (isAboutX ? style.rotationX : style.rotationY) = tilt;
+                (isAboutX ? style.rotationY : style.rotationX) = 0;
+                style.imageScale = 400;
+                drawBoth(style);
+            }
+}
+
+TEST(Extremes, TheSmallestPictureTakesEveryStyle) {
+    for (ScreenshotStyleConfig style : richStyles())
+        for (const double padding : {0.0, 1.0})
+            for (const double scale : {0.1, 1.0, 3.0}) {
+                style.padding = padding;
+                style.scale = scale;
+                const QSizeF frame = outputFrame(QSizeF(1, 1), style);
+                const QSize expected(int(std::round(2 * frame.width())), int(std::round(2 * frame.height())));
+                EXPECT_EQ(renderComposition(flatPicture(1, 1), style).size(),
+                          expected.isEmpty() ? QSize(0, 0) : expected)
+                    << padding << ", " << scale;
+            }
+}
+
+TEST(Extremes, TheLargestPictureIsDrawnSmall) {
+    constexpr int side = 16384;
+    // Rows that nobody wrote take no memory.
+    const std::unique_ptr<void, decltype(&std::free)> memory(std::calloc(std::size_t(side) * side, 4),
+                                                             &std::free);
+    ASSERT_TRUE(memory);
+    QImage large(static_cast<uchar*>(memory.get()), side, side, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < side / 4; ++y)
+        std::fill_n(reinterpret_cast<quint32*>(large.scanLine(y)), side, 0xffff0000u);
+    const QImage preview = CompositionRasterizer().draw({large, bareStyle(), true},
+                                                        {QSize(64, 64), 64.0 / side, QPointF(32, 32)});
+    EXPECT_EQ(preview.pixel(1, 1), qRgb(255, 0, 0));
+    EXPECT_EQ(preview.pixel(63, 14), qRgb(255, 0, 0));
+    EXPECT_EQ(preview.pixel(31, 18), 0u);
+    EXPECT_EQ(preview.pixel(63, 63), 0u);
+    EXPECT_TRUE(renderComposition(large, bareStyle()).isNull()) << "32768 pixels a side";
+}
+
+TEST(Extremes, TheLargestFrameIsDrawnWhole) {
+    ScreenshotStyleConfig style;
+    style.backgroundType = BackgroundType::color;
+    style.customColor = {0, 0, 1, 1};
+    style.padding = 8191.5;
+    const QImage result = CompositionRasterizer().draw({flatPicture(1, 1), style, true},
+                                                       {QSize(16384, 16384), 1, QPointF(8192, 8192)});
+    ASSERT_EQ(result.size(), QSize(16384, 16384));
+    EXPECT_EQ(result.pixel(0, 0), qRgb(0, 0, 255));
+    EXPECT_EQ(result.pixel(16383, 16383), qRgb(0, 0, 255));
+    EXPECT_NE(result.pixel(8192, 8192), qRgb(0, 0, 255));
+}
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // they take more than all memory
+TEST(ExtremesDeathTest, AFrameThatMemoryDoesNotHoldIsNothing) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto draw = [] {
+        // A gigabyte is asked for where half of one is to be had.
+        rlimit limit{};
+        std::ifstream pages("/proc/self/statm");
+        rlim_t used = 0;
+        pages >> used;
+        limit.rlim_cur = limit.rlim_max = used * rlim_t(sysconf(_SC_PAGESIZE)) + (rlim_t(512) << 20);
+        setrlimit(RLIMIT_AS, &limit);
+        const bool isNull =
+            CompositionRasterizer()
+                .draw({flatPicture(1, 1), bareStyle(), true}, {QSize(16384, 16384), 1, QPointF(8192, 8192)})
+                .isNull();
+        const bool isDrawn =
+            !CompositionRasterizer()
+                 .draw({flatPicture(1, 1), bareStyle(), true}, {QSize(1024, 1024), 1, QPointF(512, 512)})
+                 .isNull();
+        std::_Exit(isNull && isDrawn ? 0 : 1);
+    };
+    EXPECT_EXIT(draw(), testing::ExitedWithCode(0), "");
+}
+#endif
 
 } // namespace
 } // namespace framora

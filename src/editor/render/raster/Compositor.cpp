@@ -4,6 +4,7 @@
 #include "editor/render/raster/MixKernels.h"
 #include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/PixelEffects.h"
+#include "editor/render/raster/SharedEdge.h"
 
 #include <algorithm>
 #include <array>
@@ -126,6 +127,30 @@ void mixLayer(const Layer& layer, const TileRect& block, MixPixel* out) {
     }
 }
 
+Float4 toFloats(const MixPixel& pixel) {
+    return Float4{float(pixel.channel[0]), float(pixel.channel[1]), float(pixel.channel[2]),
+                  float(pixel.channel[3])} *
+           splat(1.0f / mixOne);
+}
+
+/// Mixes a layer that shares its edge onto the pixels on it, and takes their coverage away.
+void mixEdge(const Layer& layer, const TileRect& block, const TileRect& tile, Scratch& scratch) {
+    const auto most = std::int16_t(replicated(layer.opacity).channel[0]);
+    for (int y = 0; y < block.height; ++y)
+        for (int x = 0; x < block.width; ++x) {
+            const std::size_t i = std::size_t(y) * std::size_t(block.width) + std::size_t(x);
+            MixPixel& coverage = scratch.coverage[i];
+            if (coverage.channel[0] <= 0 || coverage.channel[0] >= most)
+                continue;
+            MixPixel& under = scratch.mixed[std::size_t(block.y - tile.y + y) * std::size_t(tile.width) +
+                                            std::size_t(block.x - tile.x + x)];
+            under = toMix(mixedInside(toFloats(under), toFloats(scratch.shaded[i]) * splat(layer.opacity),
+                                      float(coverage.channel[0]) / float(most),
+                                      layer.blend == Layer::Blend::overlay));
+            coverage = {};
+        }
+}
+
 /// Mixes a layer onto the tile where it touches it.
 void blendLayer(const Layer& layer, const LayerShape& shape, const Share& share, const TileRect& tile,
                 Scratch& scratch) {
@@ -137,6 +162,8 @@ void blendLayer(const Layer& layer, const LayerShape& shape, const Share& share,
         cover(shape, layer.opacity, block, scratch);
     else if (needsCoverage)
         std::fill_n(scratch.coverage.data(), block.area(), replicated(layer.opacity));
+    if (share.kind == Share::partly && layer.sharesEdge)
+        mixEdge(layer, block, tile, scratch);
     const auto width = std::size_t(block.width);
     for (int y = 0; y < block.height; ++y) {
         MixPixel* under =

@@ -45,6 +45,9 @@ struct Layer {
         replace  ///< Takes the place of what lies under it, also where it is not opaque.
     };
     Blend blend = Blend::normal;
+    /// Whether a layer further down has the same outline: then no fringe of it shows at the edge. Not for
+    /// Blend::replace.
+    bool sharesEdge = false;
 };
 
 /// Whether nothing shows through where the layer covers a pixel whole.

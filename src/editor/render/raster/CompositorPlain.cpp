@@ -3,6 +3,7 @@
 #include "editor/render/raster/Coverage.h"
 #include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/PixelEffects.h"
+#include "editor/render/raster/SharedEdge.h"
 
 #include <algorithm>
 
@@ -49,16 +50,6 @@ void shade(const Layer& layer, int x, int y, int count, Float4* out) {
         addNoise(out, count, x - layer.noise->originX, y - layer.noise->originY, layer.noise->intensity);
 }
 
-Float4 overlay(Float4 under, Float4 over) {
-    const Float4 dark = splat(2) * over * under;
-    const Float4 light =
-        splat(over[3] * under[3]) - splat(2) * (splat(under[3]) - under) * (splat(over[3]) - over);
-    Float4 result = over * splat(1 - under[3]) + under * splat(1 - over[3]);
-    result += splat(2) * under <= splat(under[3]) ? dark : light;
-    result[3] = over[3] + under[3] * (1 - over[3]);
-    return result;
-}
-
 void drawChunk(const std::vector<Layer>& layers, int x, int y, int count, std::uint32_t* out,
                Scratch& scratch) {
     // What lies under an opaque layer that fills the chunk is not seen.
@@ -84,12 +75,17 @@ void drawChunk(const std::vector<Layer>& layers, int x, int y, int count, std::u
             const float part = coverage[column] * layers[i].opacity;
             const Float4 source = shaded[column - from] * splat(part);
             Float4& under = mixed[column - x];
+            if (layers[i].sharesEdge && coverage[column] > 0 && coverage[column] < 1) {
+                under = mixedInside(under, shaded[column - from] * splat(layers[i].opacity), coverage[column],
+                                    layers[i].blend == Layer::Blend::overlay);
+                continue;
+            }
             switch (layers[i].blend) {
             case Layer::Blend::normal:
                 under = source + under * splat(1 - source[3]);
                 break;
             case Layer::Blend::overlay:
-                under = overlay(under, source);
+                under = overlaid(under, source);
                 break;
             case Layer::Blend::replace:
                 under = source + under * splat(1 - part);
