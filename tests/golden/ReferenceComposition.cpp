@@ -415,7 +415,8 @@ ReferenceComposition::Picture ReferenceComposition::frame(double pixelsPerPoint)
     forEachRow(high, [&](int py) {
         for (int px = 0; px < wide; ++px) {
             Mean pixel = looked(px, py);
-            bool isAlone = pixel.isEven;
+            // At the frame's own edge there is no neighbour to tell of an outline.
+            bool isAlone = pixel.isEven && px > 0 && py > 0 && px < wide - 1 && py < high - 1;
             for (int y = std::max(py - 1, 0); y <= std::min(py + 1, high - 1); ++y)
                 for (int x = std::max(px - 1, 0); x <= std::min(px + 1, wide - 1); ++x)
                     isAlone = isAlone && looked(x, y).layers == pixel.layers;
