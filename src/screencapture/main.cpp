@@ -38,8 +38,8 @@ int capture(CaptureMode mode) {
                                      static_cast<std::ptrdiff_t>(picture.part.x) * 4,
                                  picture.part.width, picture.part.height,
                                  static_cast<std::ptrdiff_t>(picture.image->strideBytes())};
-    auto png = raster::encodePng(view, raster::pixelsPerMetre(72 * session.pixelRatio()),
-                                 raster::PngSpeed::fastest);
+    auto png =
+        raster::encodePng(view, raster::pixelsPerMetre(72 * session.pixelRatio()), raster::PngSpeed::fastest);
     if (png.empty())
         return failed("the picture is too large for the memory there is");
     if (!leaveOnClipboard(std::move(png), picture))
