@@ -1,5 +1,7 @@
 #include "editor/render/raster/EffectKernels.h"
 
+#include "editor/render/raster/AlphaBytes.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "editor/render/raster/EffectKernels.cpp"
 #include <hwy/foreach_target.h>
@@ -33,8 +35,6 @@ void adjustAll(MixPixel* pixels, std::size_t count, float saturation, float brig
                                                            10, 11, 12, 13, 14, 15, 8, 9};
     alignas(16) static constexpr std::uint8_t byTwo[16] = {4,  5,  6,  7,  0, 1, 2,  3,
                                                            12, 13, 14, 15, 8, 9, 10, 11};
-    alignas(16) static constexpr std::uint8_t ofAlpha[16] = {6,  7,  6,  7,  6,  7,  6,  7,
-                                                             14, 15, 14, 15, 14, 15, 14, 15};
     alignas(16) static constexpr std::int16_t luma[8] = {lumaWeights[0], lumaWeights[1], lumaWeights[2],
                                                          lumaWeights[3], lumaWeights[0], lumaWeights[1],
                                                          lumaWeights[2], lumaWeights[3]};
@@ -50,7 +50,7 @@ void adjustAll(MixPixel* pixels, std::size_t count, float saturation, float brig
     for (; i + step <= count; i += step) {
         auto* data = reinterpret_cast<std::int16_t*>(pixels + i);
         const Vector pixel = hn::LoadU(lanes, data);
-        const Vector alpha = shuffled(pixel, ofAlpha);
+        const Vector alpha = shuffled(pixel, alphaBytes);
         const Vector parts = hn::MulFixedPoint15(pixel, weights);
         const Vector pairs = hn::Add(parts, shuffled(parts, byOne));
         const Vector grey = hn::Add(pairs, shuffled(pairs, byTwo));

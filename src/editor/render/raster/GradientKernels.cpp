@@ -1,5 +1,6 @@
 #include "editor/render/raster/GradientKernels.h"
 
+#include "editor/render/raster/AlphaBytes.h"
 #include "editor/render/raster/Dither.h"
 
 #include <cstring>
@@ -98,8 +99,6 @@ void angularRow(const GradientRow& row, float start, std::size_t count, std::int
 
 void rampRow(const MixPixel* ramp, const std::int32_t* positions, int x, int y, std::size_t count,
              MixPixel* out) {
-    alignas(16) static constexpr std::uint8_t pattern[16] = {6,  7,  6,  7,  6,  7,  6,  7,
-                                                             14, 15, 14, 15, 14, 15, 14, 15};
     const hn::Repartition<std::uint8_t, Lanes> bytes;
     const std::size_t step = hn::Lanes(lanes) / 4;
     // All are fetched before the first is read back as a part of a vector.
@@ -110,7 +109,7 @@ void rampRow(const MixPixel* ramp, const std::int32_t* positions, int x, int y, 
         auto* pixels = reinterpret_cast<std::int16_t*>(out + i);
         const auto color = hn::LoadU(lanes, pixels);
         const auto alpha = hn::BitCast(
-            lanes, hn::TableLookupBytes(hn::BitCast(bytes, color), hn::LoadDup128(bytes, pattern)));
+            lanes, hn::TableLookupBytes(hn::BitCast(bytes, color), hn::LoadDup128(bytes, alphaBytes)));
         const auto offset =
             hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(Dither::row(x + int(i), y)));
         hn::StoreU(hn::Min(hn::Max(hn::Add(color, offset), hn::Zero(lanes)), alpha), lanes, pixels);

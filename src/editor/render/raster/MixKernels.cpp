@@ -1,5 +1,7 @@
 #include "editor/render/raster/MixKernels.h"
 
+#include "editor/render/raster/AlphaBytes.h"
+
 #include <algorithm>
 #include <cstring>
 #include <hwy/cache_control.h>
@@ -46,11 +48,9 @@ constexpr Lanes lanes;
 constexpr std::size_t pixelLanes = 4;
 
 HWY_INLINE Vector alphas(Vector pixels) {
-    alignas(16) static constexpr std::uint8_t pattern[16] = {6,  7,  6,  7,  6,  7,  6,  7,
-                                                             14, 15, 14, 15, 14, 15, 14, 15};
     const hn::Repartition<std::uint8_t, Lanes> bytes;
     return hn::BitCast(lanes,
-                       hn::TableLookupBytes(hn::BitCast(bytes, pixels), hn::LoadDup128(bytes, pattern)));
+                       hn::TableLookupBytes(hn::BitCast(bytes, pixels), hn::LoadDup128(bytes, alphaBytes)));
 }
 
 HWY_INLINE Vector factor(Vector mix) {

@@ -1,5 +1,7 @@
 #include "editor/render/raster/ResampleKernels.h"
 
+#include "editor/render/raster/AlphaBytes.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -37,12 +39,10 @@ HWY_INLINE Vector loadPixels(const MixPixel* from) {
 }
 
 HWY_INLINE Vector clamped(Vector sums) {
-    alignas(16) static constexpr std::uint8_t pattern[16] = {6,  7,  6,  7,  6,  7,  6,  7,
-                                                             14, 15, 14, 15, 14, 15, 14, 15};
     const hn::Repartition<std::uint8_t, Lanes> bytes;
     const Vector positive = hn::Max(sums, hn::Zero(lanes));
     const Vector alpha = hn::BitCast(
-        lanes, hn::TableLookupBytes(hn::BitCast(bytes, positive), hn::LoadDup128(bytes, pattern)));
+        lanes, hn::TableLookupBytes(hn::BitCast(bytes, positive), hn::LoadDup128(bytes, alphaBytes)));
     const Vector valid = hn::Min(positive, hn::Min(alpha, hn::Set(lanes, filterOne)));
     return hn::ShiftLeft<2>(valid);
 }
