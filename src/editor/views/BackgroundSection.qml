@@ -1,5 +1,6 @@
 // qmllint disable unqualified
 import QtQuick
+import Framora.Controls
 import Framora.Editor
 
 /// The kind of background, and what that kind offers.

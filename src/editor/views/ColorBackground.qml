@@ -1,5 +1,6 @@
 // qmllint disable unqualified
 import QtQuick
+import Framora.Controls
 import Framora.Editor
 
 /// One colour: the user's own, or one of the presets.

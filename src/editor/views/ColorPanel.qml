@@ -1,6 +1,7 @@
 // qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
+import Framora.Controls
 import Framora.Editor
 
 /// The one colour panel. It stays open beside the sidebar while other controls are used, and reports every change

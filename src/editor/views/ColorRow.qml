@@ -1,4 +1,5 @@
 import QtQuick
+import Framora.Controls
 import Framora.Editor
 
 /// A caption with the well of one colour field.

@@ -1,5 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
+import Framora.Controls
 import Framora.Editor
 
 /// A colour that opens the colour panel when it is clicked; a ring marks the one being edited.

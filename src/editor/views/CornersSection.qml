@@ -1,4 +1,5 @@
 import QtQuick
+import Framora.Controls
 import Framora.Editor
 
 /// The corners of the screenshot: a family, and the radius that refines it.

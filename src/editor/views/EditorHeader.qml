@@ -1,5 +1,6 @@
 // qmllint disable unqualified
 import QtQuick
+import Framora.Controls
 import Framora.Editor
 
 /// The window's one header: its own buttons, the view's commands, and the toolbar. Everything else of it moves the

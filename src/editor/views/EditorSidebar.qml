@@ -1,5 +1,6 @@
 // qmllint disable unqualified
 import QtQuick
+import Framora.Controls
 import Framora.Editor
 
 /// The style's controls on three tabs. A tab is made when it is first shown.

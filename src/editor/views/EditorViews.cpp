@@ -1,5 +1,7 @@
 #include "editor/views/EditorViews.h"
 
+#include "controls/Controls.h"
+
 #include <QQmlEngine>
 
 // Made by the module's build; without a plugin nobody else refers to them.
@@ -13,13 +15,13 @@ static void initializeResources() {
 namespace framora {
 
 void registerEditorViews(QQmlEngine& engine) {
+    registerControls(engine);
     static const bool registered = [] {
         initializeResources();
         qml_register_types_Framora_Editor();
         return true;
     }();
     Q_UNUSED(registered)
-    engine.addImportPath(QStringLiteral("qrc:/framora/qml"));
 }
 
 } // namespace framora

@@ -4,7 +4,7 @@ class QQmlEngine;
 
 namespace framora {
 
-/// Makes the module Framora.Editor known to `engine`.
+/// Makes the module Framora.Editor, and the controls it is made of, known to `engine`.
 void registerEditorViews(QQmlEngine& engine);
 
 } // namespace framora

@@ -1,4 +1,5 @@
 import QtQuick
+import Framora.Controls
 import Framora.Editor
 
 /// What is done to the background after it is drawn.

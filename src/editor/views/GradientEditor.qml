@@ -1,5 +1,6 @@
 // qmllint disable unqualified
 import QtQuick
+import Framora.Controls
 import Framora.Editor
 
 /// The procedural gradient: its kind, its colours, its angle, and the named ones to start from.

@@ -1,4 +1,5 @@
 import QtQuick
+import Framora.Controls
 import Framora.Editor
 
 /// Where the screenshot stands in its canvas.

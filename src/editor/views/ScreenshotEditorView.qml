@@ -1,5 +1,6 @@
 // qmllint disable unqualified
 import QtQuick
+import Framora.Controls
 import Framora.Editor
 
 /// The root of an editor window: the sidebar's controls beside the live preview, under one header.

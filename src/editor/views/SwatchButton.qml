@@ -1,6 +1,7 @@
 // qmllint disable deferred-property-id
 import QtQuick
 import QtQuick.Templates as T
+import Framora.Controls
 import Framora.Editor
 
 /// A preset's colours to choose from; a ring marks the chosen one.

@@ -1,4 +1,5 @@
 import QtQuick
+import Framora.Controls
 import Framora.Editor
 
 /// A tilt's slider with the small button that lays the screenshot flat again.

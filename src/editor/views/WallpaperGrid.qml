@@ -1,6 +1,7 @@
 // qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
+import Framora.Controls
 import Framora.Editor
 
 /// The background images on offer, and the button that imports another.

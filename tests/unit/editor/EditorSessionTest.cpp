@@ -2,7 +2,6 @@
 
 #include "editor/views/EditorSession.h"
 #include "editor/views/Presets.h"
-#include "editor/views/SliderValueText.h"
 #include "platform/Notifications.h"
 
 #include <QSignalSpy>
@@ -146,20 +145,6 @@ TEST_F(Session, AGreyKeepsThePanelsHue) {
     panel.setColor(QColor(80, 80, 80));
     EXPECT_NEAR(panel.hue(), 0.6, 1e-9);
     EXPECT_EQ(model().borderColor(), QColor(80, 80, 80));
-}
-
-TEST(SliderValueText, ShowsDecimalsRounded) {
-    EXPECT_EQ(SliderValueText::text(3.0, 1, {}), u"3.0"_qs);
-    EXPECT_EQ(SliderValueText::text(1.25, 2, {}), u"1.25"_qs);
-    EXPECT_EQ(SliderValueText::text(0.999, 2, u"x"_qs), u"1.00x"_qs);
-}
-
-TEST(SliderValueText, CutsOffAPercentageAndRoundsAnythingElse) {
-    EXPECT_EQ(SliderValueText::text(99.9, 0, u"%"_qs), u"99%"_qs);
-    EXPECT_EQ(SliderValueText::text(-0.9, 0, u"%"_qs), u"0%"_qs);
-    EXPECT_EQ(SliderValueText::text(99.9, 0, {}), u"100"_qs);
-    EXPECT_EQ(SliderValueText::text(99.9, 0, u"°"_qs), u"100°"_qs);
-    EXPECT_EQ(SliderValueText::text(-89.7, 0, {}), u"-90"_qs);
 }
 
 TEST(Presets, GroupTheExportSizesByPlatformInTheirOrder) {

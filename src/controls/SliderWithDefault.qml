@@ -1,6 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
-import Framora.Editor
+import Framora.Controls
 
 /// A captioned slider that knows its default: a double click, or Delete, goes back to it.
 Item {

@@ -1,4 +1,4 @@
-#include "editor/views/SymbolIcon.h"
+#include "controls/SymbolIcon.h"
 
 #include "platform/Symbols.h"
 

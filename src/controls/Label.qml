@@ -1,5 +1,5 @@
 import QtQuick
-import Framora.Editor
+import Framora.Controls
 
 /// A control's caption.
 Text {

@@ -1,7 +1,7 @@
 // qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
-import Framora.Editor
+import Framora.Controls
 
 /// A square button that shows a symbol; `bordered` gives it a ground of its own at rest.
 T.AbstractButton {

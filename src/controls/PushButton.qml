@@ -1,7 +1,7 @@
 // qmllint disable unqualified deferred-property-id
 import QtQuick
 import QtQuick.Templates as T
-import Framora.Editor
+import Framora.Controls
 
 /// A button with an optional symbol and a caption; `primary` is the one that carries the accent.
 T.AbstractButton {

@@ -1,4 +1,4 @@
-#include "editor/views/SliderValueText.h"
+#include "controls/SliderValueText.h"
 
 namespace framora {
 

@@ -1,7 +1,7 @@
 // qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
-import Framora.Editor
+import Framora.Controls
 
 /// One choice of a few, side by side. Each option is { value, label, symbol }; label or symbol may be absent.
 /// With `stacked` the symbol stands above its label.

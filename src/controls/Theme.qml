@@ -1,7 +1,7 @@
 pragma Singleton
 import QtQuick
 
-/// The editor's palette and measures. The view sets `dark` and `accent`; everything else follows.
+/// The palette and measures of every window. A window's root view sets `dark` and `accent`; everything else follows.
 QtObject {
     property bool dark: false
     property color accent: "#3d6df2"

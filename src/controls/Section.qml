@@ -1,5 +1,5 @@
 import QtQuick
-import Framora.Editor
+import Framora.Controls
 
 /// A titled card of controls, one below the other.
 Item {

@@ -1,5 +1,5 @@
 import QtQuick
-import Framora.Editor
+import Framora.Controls
 
 /// The ring around a control that the keyboard has reached.
 Rectangle {

@@ -1,4 +1,4 @@
-#include "editor/views/Strings.h"
+#include "controls/Strings.h"
 
 #include "platform/Localized.h"
 

@@ -1,6 +1,6 @@
 import QtQuick
 import QtQuick.Templates as T
-import Framora.Editor
+import Framora.Controls
 
 /// A small help text under the control that it is declared in.
 T.ToolTip {

@@ -1,0 +1,40 @@
+import QtQuick
+import QtQuick.Templates as T
+import Framora.Controls
+
+/// On or off. `text` is its accessible name; a caption stands beside it, in its row.
+T.Switch {
+    id: control
+
+    implicitWidth: 40
+    implicitHeight: 24
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+    opacity: enabled ? 1 : 0.4
+    Accessible.role: Accessible.CheckBox
+    Accessible.name: text
+
+    indicator: Rectangle {
+        width: 40
+        height: 24
+        radius: 12
+        color: control.checked ? (control.hovered ? Qt.darker(Theme.accent, 1.07) : Theme.accent)
+                               : control.hovered ? Theme.hoverFill : Theme.pressedFill
+        Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
+
+        Rectangle {
+            // Wider while it is held, towards the other side.
+            readonly property real stretch: control.pressed ? 3 : 0
+            x: control.checked ? 18 - stretch : 2
+            y: 2
+            width: 20 + stretch
+            height: 20
+            radius: 10
+            color: Theme.knob
+            border.color: Theme.dark ? "transparent" : "#14000000"
+            Behavior on x { NumberAnimation { duration: Theme.motion; easing.type: Easing.OutCubic } }
+            Behavior on width { NumberAnimation { duration: Theme.shortMotion } }
+        }
+        FocusRing { radius: 15; shown: control.visualFocus }
+    }
+}
