@@ -1,7 +1,7 @@
 #include "editor/model/ScreenshotEditorViewModel.h"
 
 #include "editor/model/ColorConversion.h"
-#include "editor/model/RandomSource.h"
+#include "editor/model/GradientRandomizer.h"
 #include "editor/model/StyleFieldWriter.h"
 #include "editor/render/BackgroundDecoder.h"
 #include "editor/render/ImageResampler.h"
@@ -14,7 +14,6 @@
 #include <QPointer>
 #include <algorithm>
 #include <cmath>
-#include <tuple>
 #include <utility>
 
 namespace framora {
@@ -25,24 +24,15 @@ constexpr double maximumZoom = 300.0;
 constexpr double zoomFactor = 1.2;
 constexpr double sidebarWidth = 344.0;
 
-/// All in 0...1; the hue runs once round the circle.
-Color hsb(double hue, double saturation, double brightness) {
-    const auto component = [&](double shift) {
-        const double sector = std::fmod(shift + hue * 6.0, 6.0);
-        return brightness * (1.0 - saturation * std::clamp(std::min(sector, 4.0 - sector), 0.0, 1.0));
-    };
-    return {component(5.0), component(3.0), component(1.0), 1.0};
+/// Whether a control that writes the field does so many times in one go. Quarter turns are presses.
+bool comesInBursts(const QString& field, const QVariant& value) {
+    return field != u"rotation" && value.typeId() != QMetaType::Bool &&
+           (value.canConvert<double>() || value.typeId() == QMetaType::QColor) &&
+           value.typeId() != QMetaType::QString;
 }
 
 QImage makeThumbnail(const QImage& image) {
     return resizedImage(image, 400, 300);
-}
-
-template <class Preset> int indexOf(const std::optional<Preset>& selected, const QList<Preset>& catalogue) {
-    const auto found = std::find_if(catalogue.begin(), catalogue.end(), [&](const Preset& preset) {
-        return selected && preset.id == selected->id;
-    });
-    return found == catalogue.end() ? -1 : int(found - catalogue.begin());
 }
 
 } // namespace
@@ -66,67 +56,68 @@ void ScreenshotEditorViewModel::useStartupTexture() {
     m_wallpaperImages = {{texture->url, texture->thumbnail}};
 }
 
-void ScreenshotEditorViewModel::setConfig(const ScreenshotStyleConfig& config) {
+StyleHistory::State ScreenshotEditorViewModel::state() const {
+    return {m_config, m_selectedWallpaperURL, m_lastOffset};
+}
+
+void ScreenshotEditorViewModel::storeConfig(const ScreenshotStyleConfig& config) {
     if (m_config == config)
         return;
+    m_followsFit = m_followsFit && config.zoom == m_config.zoom;
     m_config = config;
     Q_EMIT configChanged();
+}
+
+void ScreenshotEditorViewModel::apply(const StyleHistory::State& next, const QString& field) {
+    m_history.record(state(), next, field, m_services.clock.secondsSince1970());
+    // Highlight first: whoever is told of the new style finds both.
+    setSelectedWallpaperURL(next.selectedWallpaperURL);
+    storeConfig(next.config);
+    Q_EMIT historyChanged();
+}
+
+void ScreenshotEditorViewModel::apply(const ScreenshotStyleConfig& config, const QString& field) {
+    if (config != m_config)
+        apply({config, m_selectedWallpaperURL, m_lastOffset}, field);
+}
+
+void ScreenshotEditorViewModel::setConfig(const ScreenshotStyleConfig& config) {
+    apply(config);
 }
 
 bool ScreenshotEditorViewModel::set(const QString& field, const QVariant& value) {
     ScreenshotStyleConfig config = m_config;
     if (!writeStyleField(config, field, value))
         return false;
-    setConfig(config);
+    apply(config, m_history.isEditing(field) || comesInBursts(field, value) ? field : QString());
     return true;
 }
 
-QString ScreenshotEditorViewModel::mockupStyle() const {
-    return rawValue(m_config.mockupStyle);
-}
-QString ScreenshotEditorViewModel::borderStyle() const {
-    return rawValue(m_config.borderStyle);
-}
-QString ScreenshotEditorViewModel::backgroundType() const {
-    return rawValue(m_config.backgroundType);
-}
-QString ScreenshotEditorViewModel::gradientStyle() const {
-    return rawValue(m_config.gradientConfig.style);
-}
-QColor ScreenshotEditorViewModel::borderColor() const {
-    return toQColor(m_config.borderColor);
-}
-QColor ScreenshotEditorViewModel::customColor() const {
-    return toQColor(m_config.customColor);
-}
-QColor ScreenshotEditorViewModel::gradientColor1() const {
-    return toQColor(m_config.gradientConfig.color1);
-}
-QColor ScreenshotEditorViewModel::gradientColor2() const {
-    return toQColor(m_config.gradientConfig.color2);
-}
-QColor ScreenshotEditorViewModel::gradientColor3() const {
-    return toQColor(m_config.gradientConfig.color3);
+void ScreenshotEditorViewModel::beginEdit(const QString& field) {
+    m_history.beginEdit(field);
 }
 
-int ScreenshotEditorViewModel::magicPresetIndex() const {
-    return indexOf(m_config.selectedMagicPreset, PresetCatalogues::magicPresets());
+void ScreenshotEditorViewModel::endEdit() {
+    m_history.endEdit();
 }
 
-int ScreenshotEditorViewModel::gradientPresetIndex() const {
-    // A gradient that was edited since still comes from its preset, but does not look like it any more.
-    const auto& selected = m_config.selectedGradientPreset;
-    const auto looks = [](const SimpleGradientConfig& gradient) {
-        return std::tuple(gradient.style, gradient.color1, gradient.color2, gradient.useThreeColors,
-                          gradient.angle);
-    };
-    if (!selected || looks(selected->config) != looks(m_config.gradientConfig))
-        return -1;
-    return indexOf(selected, PresetCatalogues::simpleGradientPresets());
+void ScreenshotEditorViewModel::undo() {
+    restore(m_history.undo(state()));
 }
 
-int ScreenshotEditorViewModel::socialPresetIndex() const {
-    return indexOf(m_config.selectedSocialPreset, PresetCatalogues::socialMediaPresets());
+void ScreenshotEditorViewModel::redo() {
+    restore(m_history.redo(state()));
+}
+
+void ScreenshotEditorViewModel::restore(std::optional<StyleHistory::State> state) {
+    if (!state)
+        return;
+    state->config.zoom = m_config.zoom;
+    setSelectedWallpaperURL(state->selectedWallpaperURL);
+    setOffset(state->lastOffset);
+    setLastOffset(state->lastOffset);
+    storeConfig(state->config);
+    Q_EMIT historyChanged();
 }
 
 QSizeF ScreenshotEditorViewModel::imageSize() const {
@@ -160,6 +151,12 @@ void ScreenshotEditorViewModel::setCanvasSize(QSizeF size) {
         return;
     m_canvasSize = size;
     Q_EMIT canvasSizeChanged();
+    // A window that is being resized comes here many times; only the last size is fitted to.
+    if (m_followsFit)
+        m_pendingRefit = m_services.mainQueue.after(0.1, [this] {
+            if (m_followsFit)
+                fitNow();
+        });
 }
 
 void ScreenshotEditorViewModel::setOffset(QSizeF offset) {
@@ -183,20 +180,20 @@ void ScreenshotEditorViewModel::setSelectedWallpaperURL(const QUrl& url) {
     Q_EMIT selectedWallpaperURLChanged();
 }
 
-void ScreenshotEditorViewModel::setZoom(double zoom) {
+void ScreenshotEditorViewModel::zoomTo(double percent) {
+    m_followsFit = false;
     ScreenshotStyleConfig config = m_config;
-    config.zoom = zoom;
-    setConfig(config);
+    config.zoom = std::clamp(percent, minimumZoom, maximumZoom);
+    storeConfig(config);
 }
-
 void ScreenshotEditorViewModel::zoomIn() {
-    setZoom(std::min(m_config.zoom * zoomFactor, maximumZoom));
+    zoomTo(m_config.zoom * zoomFactor);
 }
 void ScreenshotEditorViewModel::zoomOut() {
-    setZoom(std::max(m_config.zoom / zoomFactor, minimumZoom));
+    zoomTo(m_config.zoom / zoomFactor);
 }
 void ScreenshotEditorViewModel::zoomToActualSize() {
-    setZoom(100.0);
+    zoomTo(100.0);
 }
 
 void ScreenshotEditorViewModel::fitToWindow() {
@@ -210,44 +207,28 @@ void ScreenshotEditorViewModel::fitNow() {
     const double contentWidth = imageSize().width() + 2.0 * m_config.padding;
     const double contentHeight = imageSize().height() + 2.0 * m_config.padding;
     const double factor = std::min({availableWidth / contentWidth, availableHeight / contentHeight, 1.0});
-    setZoom(factor * 100.0);
+    ScreenshotStyleConfig config = m_config;
+    config.zoom = factor * 100.0;
+    storeConfig(config);
     setOffset({0, 0});
     setLastOffset({0, 0});
+    m_followsFit = true;
+    Q_EMIT fitted();
 }
 
 void ScreenshotEditorViewModel::resetDisposition() {
-    setOffset({0, 0});
-    setLastOffset({0, 0});
     ScreenshotStyleConfig config = m_config;
     config.rotation = 0;
-    setConfig(config);
+    apply(config);
+    setOffset({0, 0});
+    setLastOffset({0, 0});
 }
 
 void ScreenshotEditorViewModel::randomizeGradient() {
-    // Each draw on a line of its own: the order is part of the behaviour.
-    RandomSource& random = m_services.random;
-    const auto fraction = [](double x) { return x - std::floor(x); };
     ScreenshotStyleConfig config = m_config;
-    SimpleGradientConfig& gradient = config.gradientConfig;
-
-    const double hue1 = random.real(0.0, 1.0);
-    const double saturation1 = random.real(0.6, 1.0);
-    const double brightness1 = random.real(0.7, 0.95);
-    gradient.color1 = hsb(hue1, saturation1, brightness1);
-
-    const double hue2 = fraction(hue1 + random.real(0.08, 0.2));
-    const double saturation2 = random.real(0.5, 0.9);
-    const double brightness2 = random.real(0.6, 0.9);
-    gradient.color2 = hsb(hue2, saturation2, brightness2);
-
-    const double hue3 = fraction(hue1 + random.real(0.25, 0.5));
-    const double saturation3 = random.real(0.5, 0.95);
-    const double brightness3 = random.real(0.65, 0.95);
-    gradient.color3 = hsb(hue3, saturation3, brightness3);
-
-    gradient.angle = 45.0 * random.integer(0, 7);
+    framora::randomizeGradient(config.gradientConfig, m_services.random);
     config.selectedGradientPreset.reset();
-    setConfig(config);
+    apply(config);
 }
 
 void ScreenshotEditorViewModel::useBackgroundImage(ScreenshotStyleConfig& config, const QUrl& url) {
@@ -264,25 +245,51 @@ void ScreenshotEditorViewModel::chooseBackgroundImage() {
     const QPointer self(this);
     const auto url = m_services.filePanels.openFile(QStringLiteral("Select an image for background"), types);
     // The panel serves the program's other windows, so the editor may have been closed meanwhile.
-    if (!self || !url)
-        return;
-    const QImage image = BackgroundDecoder::decode(*url);
+    if (self && url)
+        importBackgroundImage(*url);
+}
+
+bool ScreenshotEditorViewModel::addBackgroundImage(const QUrl& url) {
+    const QImage image = BackgroundDecoder::decode(url);
     if (image.isNull())
-        return;
-    const Wallpaper wallpaper{*url, makeThumbnail(image)};
+        return false;
+    const Wallpaper wallpaper{url, makeThumbnail(image)};
     std::vector<Wallpaper> wallpapers = m_wallpaperImages;
     wallpapers.insert(wallpapers.begin(), wallpaper);
     setWallpaperImages(std::move(wallpapers));
     if (m_services.shareWallpaper)
         m_services.shareWallpaper(wallpaper);
-    selectWallpaper(*url);
+    return true;
+}
+
+bool ScreenshotEditorViewModel::importBackgroundImage(const QUrl& url) {
+    if (!addBackgroundImage(url))
+        return false;
+    selectWallpaper(url);
+    return true;
+}
+
+bool ScreenshotEditorViewModel::dropBackgroundImages(const QList<QUrl>& urls) {
+    const auto taken = std::find_if(urls.begin(), urls.end(), [this](const QUrl& url) {
+        return url.isLocalFile() && addBackgroundImage(url);
+    });
+    if (taken == urls.end())
+        return false;
+    chooseWallpaper(*taken, true);
+    return true;
 }
 
 void ScreenshotEditorViewModel::selectWallpaper(const QUrl& url) {
-    setSelectedWallpaperURL(url);
-    ScreenshotStyleConfig config = m_config;
-    useBackgroundImage(config, url);
-    setConfig(config);
+    chooseWallpaper(url, false);
+}
+
+void ScreenshotEditorViewModel::chooseWallpaper(const QUrl& url, bool showImages) {
+    StyleHistory::State next = state();
+    next.selectedWallpaperURL = url;
+    useBackgroundImage(next.config, url);
+    if (showImages)
+        next.config.backgroundType = BackgroundType::image;
+    apply(next);
 }
 
 void ScreenshotEditorViewModel::selectMagicPreset(int index) {
@@ -295,7 +302,7 @@ void ScreenshotEditorViewModel::selectMagicPreset(int index) {
     config.selectedSolidColor.reset();
     config.backgroundImageURL.reset();
     config.customColor = Color::clear();
-    setConfig(config);
+    apply(config);
 }
 
 void ScreenshotEditorViewModel::selectGradientPreset(int index) {
@@ -305,7 +312,7 @@ void ScreenshotEditorViewModel::selectGradientPreset(int index) {
     ScreenshotStyleConfig config = m_config;
     config.gradientConfig = presets[index].config;
     config.selectedGradientPreset = presets[index];
-    setConfig(config);
+    apply(config);
 }
 
 void ScreenshotEditorViewModel::selectSocialPreset(int index) {
@@ -314,7 +321,7 @@ void ScreenshotEditorViewModel::selectSocialPreset(int index) {
     config.selectedSocialPreset.reset();
     if (index >= 0 && index < presets.size())
         config.selectedSocialPreset = presets[index];
-    setConfig(config);
+    apply(config);
 }
 
 void ScreenshotEditorViewModel::selectBorderStyle(const QString& raw) {
@@ -324,13 +331,22 @@ void ScreenshotEditorViewModel::selectBorderStyle(const QString& raw) {
     ScreenshotStyleConfig config = m_config;
     config.borderStyle = *style;
     config.borderRadius = *style == BorderStyle::sharp ? 0.0 : *style == BorderStyle::curved ? 20.0 : 40.0;
-    setConfig(config);
+    apply(config);
 }
 
 void ScreenshotEditorViewModel::setScreenshotOffset(QSizeF offset) {
     ScreenshotStyleConfig config = m_config;
     config.screenshotOffset = {offset.width(), offset.height()};
-    setConfig(config);
+    apply(config);
+}
+
+void ScreenshotEditorViewModel::nudgeScreenshot(QSizeF distance) {
+    ScreenshotStyleConfig config = m_config;
+    config.screenshotOffset.width += distance.width();
+    config.screenshotOffset.height += distance.height();
+    apply(config, QStringLiteral("screenshotOffset"));
+    setLastOffset(m_lastOffset + distance);
+    setOffset(m_lastOffset);
 }
 
 void ScreenshotEditorViewModel::pickCustomColor(const QColor& color) {
@@ -342,7 +358,7 @@ void ScreenshotEditorViewModel::pickCustomColor(const QColor& color) {
         config.selectedSolidColor.reset();
         config.backgroundImageURL.reset();
     }
-    setConfig(config);
+    apply(config, QStringLiteral("customColor"));
 }
 
 QImage ScreenshotEditorViewModel::renderFinalImage() const {

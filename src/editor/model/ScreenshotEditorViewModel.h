@@ -2,6 +2,7 @@
 
 #include "editor/model/ScreenshotStyleConfig.h"
 #include "editor/model/StartupTexture.h"
+#include "editor/model/StyleHistory.h"
 
 #include <QByteArray>
 #include <QColor>
@@ -59,6 +60,8 @@ class ScreenshotEditorViewModel final : public QObject {
     Q_PROPERTY(int gradientPresetIndex READ gradientPresetIndex NOTIFY configChanged)
     Q_PROPERTY(int socialPresetIndex READ socialPresetIndex NOTIFY configChanged)
     Q_PROPERTY(bool hasBackgroundImage READ hasBackgroundImage NOTIFY configChanged)
+    Q_PROPERTY(bool canUndo READ canUndo NOTIFY historyChanged)
+    Q_PROPERTY(bool canRedo READ canRedo NOTIFY historyChanged)
 
 public:
     /// A background image on offer: its file and a thumbnail of at most 400 x 300 pixels.
@@ -87,11 +90,23 @@ public:
     ~ScreenshotEditorViewModel() override;
 
     const ScreenshotStyleConfig& config() const { return m_config; }
+    /// A step of its own for undo, unless nothing but the zoom differs.
     void setConfig(const ScreenshotStyleConfig& config);
     /// Writes one field of the style by its name, "gradientConfig.angle" for a nested one. Enumerations take
     /// their raw value, colours a QColor, an absent value clears an optional field. False, and nothing
     /// written, when there is no such field or the value does not convert.
+    ///
+    /// Numbers and colours that follow each other quickly in one field make one step for undo; a rotation by
+    /// quarter turns is a step each.
     Q_INVOKABLE bool set(const QString& field, const QVariant& value);
+    /// A control holds `field` from press to release, and all its writes make one step for undo.
+    Q_INVOKABLE void beginEdit(const QString& field);
+    Q_INVOKABLE void endEdit();
+    bool canUndo() const { return m_history.canUndo(); }
+    bool canRedo() const { return m_history.canRedo(); }
+    /// Nothing when there is no step. The zoom stays as it is.
+    Q_INVOKABLE void undo();
+    Q_INVOKABLE void redo();
     /// Null when there is no such entry.
     Q_INVOKABLE QImage wallpaperThumbnail(int index) const;
     /// The file's name as it is shown, whatever bytes it is made of. Empty when there is no such entry.
@@ -131,11 +146,20 @@ public:
     Q_INVOKABLE void zoomIn();
     Q_INVOKABLE void zoomOut();
     Q_INVOKABLE void zoomToActualSize();
-    /// Takes effect 0.1 s later, when the canvas has been measured.
+    /// Any percentage, held to the limits of zoomIn() and zoomOut().
+    Q_INVOKABLE void zoomTo(double percent);
+    /// Takes effect 0.1 s later, when the canvas has been measured. From then on it is repeated whenever the
+    /// canvas gets another size, until the zoom is changed otherwise.
     Q_INVOKABLE void fitToWindow();
     Q_INVOKABLE void resetDisposition();
     Q_INVOKABLE void randomizeGradient();
     Q_INVOKABLE void chooseBackgroundImage();
+    /// Puts the file in front of the wallpapers and chooses it. False, and nothing changed, when no picture
+    /// can be read from it.
+    Q_INVOKABLE bool importBackgroundImage(const QUrl& url);
+    /// The first local file of a drop that is a picture, which also becomes the kind of background shown.
+    /// False, and nothing changed, when there is none.
+    Q_INVOKABLE bool dropBackgroundImages(const QList<QUrl>& urls);
     Q_INVOKABLE void selectWallpaper(const QUrl& url);
     /// `index` counts in the catalogue; out of range does nothing.
     Q_INVOKABLE void selectMagicPreset(int index);
@@ -146,6 +170,8 @@ public:
     Q_INVOKABLE void selectBorderStyle(const QString& rawValue);
     /// Where the screenshot stands after a drag in the canvas.
     Q_INVOKABLE void setScreenshotOffset(QSizeF offset);
+    /// Moves the screenshot by so many points; quick repeats make one step for undo.
+    Q_INVOKABLE void nudgeScreenshot(QSizeF distance);
     /// The user's own colour for the colour background; any colour that is not fully clear takes over from
     /// presets.
     Q_INVOKABLE void pickCustomColor(const QColor& color);
@@ -157,6 +183,9 @@ public:
 
 Q_SIGNALS:
     void configChanged();
+    void historyChanged();
+    /// The content was fitted and belongs in the middle of the view, even if the zoom is what it was.
+    void fitted();
     void wallpaperImagesChanged();
     void canvasSizeChanged();
     void offsetChanged();
@@ -171,7 +200,15 @@ Q_SIGNALS:
 private:
     void useStartupTexture();
     void useBackgroundImage(ScreenshotStyleConfig& config, const QUrl& url);
-    void setZoom(double zoom);
+    /// The state as undo knows it.
+    StyleHistory::State state() const;
+    /// Every change of the style goes through here. `field` as in StyleHistory::record().
+    void apply(const StyleHistory::State& next, const QString& field = {});
+    void apply(const ScreenshotStyleConfig& config, const QString& field = {});
+    void restore(std::optional<StyleHistory::State> state);
+    void storeConfig(const ScreenshotStyleConfig& config);
+    bool addBackgroundImage(const QUrl& url);
+    void chooseWallpaper(const QUrl& url, bool showImages);
     void setSelectedWallpaperURL(const QUrl& url);
     void setWallpaperImages(std::vector<Wallpaper> wallpapers);
     void fitNow();
@@ -189,7 +226,10 @@ private:
     QColor m_newTextColor = Qt::white;
     QVariant m_currentRedactStart;
     QVariant m_currentRedactEnd;
+    StyleHistory m_history;
+    bool m_followsFit = false; ///< The zoom in force is the one that fits.
     std::unique_ptr<WorkItem> m_pendingFit;
+    std::unique_ptr<WorkItem> m_pendingRefit; ///< After a resize, unless the zoom changes before.
 };
 
 } // namespace framora

@@ -116,6 +116,50 @@ TEST_F(ViewModel, FittingMeasuresThePictureInPoints) {
     EXPECT_NEAR(model->config().zoom, 1016.0 / 3160.0 * 100.0, 1e-9);
 }
 
+TEST_F(ViewModel, AFitFollowsTheWindowsSizeUntilTheUserZooms) {
+    const auto model = makeModel(picture(3000, 2000));
+    model->setCanvasSize({1400, 900});
+    queue.advance(0.2);
+    EXPECT_EQ(model->config().zoom, 100.0) << "nothing was fitted yet";
+    model->fitToWindow();
+    queue.advance(0.1);
+    for (const double width : {1200.0, 1100.0, 1000.0})
+        model->setCanvasSize({width, 900});
+    EXPECT_EQ(queue.waitingCount(), 1U) << "only the last size counts";
+    queue.advance(0.1);
+    EXPECT_NEAR(model->config().zoom, 616.0 / 3160.0 * 100.0, 1e-9);
+
+    model->setCanvasSize({1300, 900});
+    model->zoomIn();
+    const double chosen = model->config().zoom;
+    queue.advance(0.2);
+    EXPECT_EQ(model->config().zoom, chosen) << "the user was faster";
+    model->setCanvasSize({900, 900});
+    queue.advance(0.2);
+    EXPECT_EQ(model->config().zoom, chosen);
+    model->fitToWindow();
+    queue.advance(0.1);
+    EXPECT_NEAR(model->config().zoom, 516.0 / 3160.0 * 100.0, 1e-9);
+}
+
+TEST_F(ViewModel, SaysThatItFittedAlsoWhereTheZoomStays) {
+    const auto model = makeModel(picture(20, 10));
+    model->setCanvasSize({1400, 900});
+    QSignalSpy fitted(model.get(), &ScreenshotEditorViewModel::fitted);
+    model->fitToWindow();
+    EXPECT_EQ(fitted.count(), 0);
+    queue.advance(0.1);
+    EXPECT_EQ(fitted.count(), 1);
+}
+
+TEST_F(ViewModel, ZoomsToAnyPercentageWithinItsLimits) {
+    const auto model = makeModel(picture(20, 10));
+    for (const auto& [asked, given] : {std::pair(123.4, 123.4), {9.0, 10.0}, {301.0, 300.0}}) {
+        model->zoomTo(asked);
+        EXPECT_EQ(model->config().zoom, given);
+    }
+}
+
 TEST_F(ViewModel, AFitThatWaitsEndsWithItsModel) {
     auto model = makeModel(picture(20, 10));
     model->fitToWindow();
