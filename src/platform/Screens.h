@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRect>
+#include <QString>
 #include <vector>
 
 namespace framora {
@@ -9,6 +10,7 @@ namespace framora {
 struct Screen {
     QRect pixelFrame;
     double pixelRatio = 1.0; ///< Device pixels a point.
+    QString name = {};       ///< Of the output, "HDMI-1"; empty where it is not known.
 
     friend bool operator==(const Screen&, const Screen&) = default;
 };

@@ -6,6 +6,18 @@
 
 namespace framora {
 
+namespace {
+
+QString atomName(xcb_connection_t* connection, xcb_atom_t atom) {
+    const XcbReply<xcb_get_atom_name_reply_t> reply(
+        xcb_get_atom_name_reply(connection, xcb_get_atom_name(connection, atom), nullptr));
+    return reply ? QString::fromLatin1(xcb_get_atom_name_name(reply.get()),
+                                       xcb_get_atom_name_name_length(reply.get()))
+                 : QString();
+}
+
+} // namespace
+
 std::vector<Screen> X11Screens::screens() {
     const double ratio = qGuiApp->devicePixelRatio();
     std::vector<Screen> screens;
@@ -18,7 +30,8 @@ std::vector<Screen> X11Screens::screens() {
                  xcb_randr_monitor_info_next(&it)) {
                 const QRect frame(it.data->x, it.data->y, it.data->width, it.data->height);
                 if (!frame.isEmpty())
-                    screens.insert(it.data->primary ? screens.begin() : screens.end(), Screen{frame, ratio});
+                    screens.insert(it.data->primary ? screens.begin() : screens.end(),
+                                   Screen{frame, ratio, atomName(m_connection, it.data->name)});
             }
         }
     }
@@ -26,7 +39,7 @@ std::vector<Screen> X11Screens::screens() {
         for (const QScreen* screen : QGuiApplication::screens()) {
             const double own = screen->devicePixelRatio();
             const QSize pixels(qRound(screen->size().width() * own), qRound(screen->size().height() * own));
-            screens.push_back({QRect(screen->geometry().topLeft(), pixels), own});
+            screens.push_back({QRect(screen->geometry().topLeft(), pixels), own, screen->name()});
         }
     }
     return screens;

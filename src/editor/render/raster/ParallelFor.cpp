@@ -12,6 +12,7 @@ namespace framora::raster {
 namespace {
 
 std::atomic<int> threadLimit = 0;
+thread_local int serialScopes = 0;
 
 struct Job {
     const std::function<void(int)>* body;
@@ -89,7 +90,7 @@ void parallelFor(int count, const std::function<void(int)>& body) {
     if (threads <= 0)
         threads = int(std::max(1u, std::thread::hardware_concurrency()));
     threads = std::min(threads, count);
-    if (threads <= 1) {
+    if (threads <= 1 || serialScopes > 0) {
         for (int i = 0; i < count; ++i)
             body(i);
         return;
@@ -101,6 +102,14 @@ void parallelFor(int count, const std::function<void(int)>& body) {
 
 void setParallelThreadLimit(int threads) {
     threadLimit.store(threads);
+}
+
+SerialScope::SerialScope() {
+    ++serialScopes;
+}
+
+SerialScope::~SerialScope() {
+    --serialScopes;
 }
 
 } // namespace framora::raster
