@@ -3,6 +3,7 @@
 #include "app/AppDelegate.h"
 #include "app/ApplicationIcon.h"
 #include "app/PreferencesWindow.h"
+#include "editor/render/PictureFile.h"
 #include "editor/window/EditorModule.h"
 #include "editor/window/EditorServices.h"
 #include "feedback/SoundManager.h"
@@ -41,7 +42,7 @@ struct framora_App::Desktop {
     LazySoundOutput soundOutput;
     X11Connection connection;
     X11KeyMonitors keyMonitors{connection, gate};
-    X11Pasteboard pasteboard{connection};
+    X11Pasteboard pasteboard{connection, [](const QByteArray& file) { return loadPicture(file).image; }};
     X11Screens screens{connection};
     X11Permissions permissions{keyMonitors};
     X11Application application{connection, notifications};

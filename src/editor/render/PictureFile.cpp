@@ -4,6 +4,7 @@
 #include "editor/render/PictureCompleteness.h"
 #include "editor/render/SrgbPicture.h"
 #include "editor/render/raster/HugePages.h"
+#include "editor/render/raster/PngReader.h"
 #include "platform/PictureResolution.h"
 
 #include <QBuffer>
@@ -44,6 +45,22 @@ QImage roomFor(const QImageReader& reader, QSize size) {
     return image;
 }
 
+/// A PNG of the usual kind, several times faster than by the reader for all kinds. Null for everything that
+/// it does not take: the other reader knows what it is, or what is wrong with it.
+QImage readPlainPng(const QByteArray& encoded) {
+    const auto png = raster::plainPng(
+        {reinterpret_cast<const std::uint8_t*>(encoded.constData()), std::size_t(encoded.size())});
+    if (!png || !isWithinBounds({png->width, png->height}))
+        return {};
+    QImage image(png->width, png->height, QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        return {};
+    raster::adviseHugePages(image.bits(), std::size_t(image.sizeInBytes()));
+    const bool decoded = raster::decodePlainPng(*png, {reinterpret_cast<std::byte*>(image.bits()),
+                                                       image.width(), image.height(), image.bytesPerLine()});
+    return decoded ? image : QImage();
+}
+
 QString decodingError(const QImageReader& reader) {
     switch (reader.error()) {
     case QImageReader::UnsupportedFormatError:
@@ -59,6 +76,10 @@ QString decodingError(const QImageReader& reader) {
 LoadedPicture loadPicture(const QByteArray& encoded) {
     if (encoded.isEmpty())
         return failure(QStringLiteral("the file is empty"));
+    if (QImage image = readPlainPng(encoded); !image.isNull()) {
+        image.setDevicePixelRatio(storedPixelRatio(encoded));
+        return {.image = image, .error = QString()};
+    }
     raiseDecoderLimit();
     QBuffer buffer;
     buffer.setData(encoded);

@@ -1,17 +1,15 @@
 #include "platform/x11/X11Pasteboard.h"
 
-#include "platform/PictureResolution.h"
 #include "platform/desktop/Installation.h"
 
-#include <QBuffer>
 #include <QClipboard>
 #include <QDeadlineTimer>
 #include <QGuiApplication>
-#include <QImageReader>
 #include <QMimeData>
 #include <QProcess>
 #include <algorithm>
 #include <string>
+#include <utility>
 #include <xcb/xfixes.h>
 
 namespace framora {
@@ -25,15 +23,6 @@ constexpr std::size_t answerPlaces = 8;
 constexpr qsizetype maximumBytes = qsizetype(512) << 20;
 const QString pngType = QStringLiteral("image/png");
 const QString keeperName = QStringLiteral("framora-clipboard");
-
-QImage decode(const QByteArray& bytes) {
-    QBuffer buffer(const_cast<QByteArray*>(&bytes));
-    QImageReader reader(&buffer);
-    reader.setDecideFormatFromContent(true);
-    QImage image = reader.read();
-    image.setDevicePixelRatio(storedPixelRatio(bytes));
-    return image;
-}
 
 /// Whether the clipboard's owner is Qt's clipboard at this moment. What Qt itself believes is as old as the
 /// last event that it has taken.
@@ -61,7 +50,8 @@ void syncWithServer() {
 
 } // namespace
 
-X11Pasteboard::X11Pasteboard(X11Connection& connection) : m_connection(connection) {
+X11Pasteboard::X11Pasteboard(X11Connection& connection, DecodePicture decodePicture)
+    : m_connection(connection), m_decodePicture(std::move(decodePicture)) {
     if (!connection.isValid())
         return;
     m_clipboard = connection.atom("CLIPBOARD");
@@ -119,7 +109,7 @@ QImage X11Pasteboard::readImage() {
     // Our own content must not be asked for over the wire: nobody would answer while this thread waits.
     if (isOwnedByQt(m_clipboard)) {
         const auto* data = QGuiApplication::clipboard()->mimeData();
-        return data ? decode(data->data(pngType)) : QImage();
+        return data ? m_decodePicture(data->data(pngType)) : QImage();
     }
     if (!m_connection.isValid() || m_window == 0)
         return {};
@@ -129,7 +119,7 @@ QImage X11Pasteboard::readImage() {
         const auto target = m_connection.atom(type);
         if (std::find(targets.begin(), targets.end(), target) == targets.end())
             continue;
-        if (QImage image = decode(readTarget(target)); !image.isNull())
+        if (QImage image = m_decodePicture(readTarget(target)); !image.isNull())
             return image;
     }
     return {};

@@ -3,6 +3,9 @@
 #include "platform/Pasteboard.h"
 #include "platform/x11/X11Connection.h"
 
+#include <QByteArray>
+#include <QImage>
+#include <functional>
 #include <vector>
 
 namespace framora {
@@ -12,7 +15,10 @@ namespace framora {
 /// and serves it until somebody else copies something.
 class X11Pasteboard final : public Pasteboard {
 public:
-    explicit X11Pasteboard(X11Connection& connection);
+    /// A file's picture with its pixel ratio; null when it cannot be read.
+    using DecodePicture = std::function<QImage(const QByteArray& file)>;
+
+    X11Pasteboard(X11Connection& connection, DecodePicture decodePicture);
 
     std::int64_t changeCount() override;
     QImage readImage() override;
@@ -32,6 +38,7 @@ private:
     std::vector<xcb_atom_t> offeredTargets();
 
     X11Connection& m_connection;
+    DecodePicture m_decodePicture;
     std::unique_ptr<QObject> m_untilQuit; ///< Context of what waits for the program's end.
     xcb_window_t m_window = 0;
     std::uint8_t m_xfixesFirstEvent = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editor/render/PictureFile.h"
 #include "editor/window/ScreenshotEditorWindow.h"
 #include "feedback/ToastManager.h"
 #include "platform/CommandGate.h"
@@ -26,7 +27,7 @@ struct EditorHostServices {
     FileResourceBundle resources;
     NotificationCenter notifications;
     X11Connection connection;
-    X11Pasteboard pasteboard{connection};
+    X11Pasteboard pasteboard{connection, [](const QByteArray& file) { return loadPicture(file).image; }};
     X11Application application{connection, notifications};
     X11Screens screens{connection};
     X11ToastPanels panels{queue};

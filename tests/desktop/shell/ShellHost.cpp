@@ -16,6 +16,7 @@
 //   gate close|open
 //   busy-quit FILE         quits without having served the event loop from now until FILE exists
 //   quit
+#include "editor/render/PictureFile.h"
 #include "platform/CommandGate.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Notifications.h"
@@ -176,7 +177,7 @@ private:
     X11Connection m_connection;
     X11KeyMonitors m_monitors{m_connection, m_gate};
     X11Permissions m_permissions{m_monitors};
-    X11Pasteboard m_pasteboard{m_connection};
+    X11Pasteboard m_pasteboard{m_connection, [](const QByteArray& file) { return loadPicture(file).image; }};
     X11Application m_application{m_connection, m_notifications};
     KeyMonitors::Token m_global = 0;
     KeyMonitors::Token m_local = 0;

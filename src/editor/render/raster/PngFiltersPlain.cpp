@@ -1,19 +1,8 @@
+#include "editor/render/raster/PaethPredictor.h"
 #include "editor/render/raster/PngFilters.h"
-
-#include <cstdlib>
 
 namespace framora::raster::plain {
 namespace {
-
-std::uint8_t paethPredictor(int left, int up, int upLeft) {
-    const int estimate = left + up - upLeft;
-    const int toLeft = std::abs(estimate - left);
-    const int toUp = std::abs(estimate - up);
-    const int toUpLeft = std::abs(estimate - upLeft);
-    if (toLeft <= toUp && toLeft <= toUpLeft)
-        return std::uint8_t(left);
-    return std::uint8_t(toUp <= toUpLeft ? up : upLeft);
-}
 
 std::uint8_t residual(PngFilter filter, const PngRow& row, std::size_t i) {
     const std::uint8_t value = row.data[i];

@@ -1,0 +1,184 @@
+#include "editor/render/raster/PngReader.h"
+
+#include "editor/render/raster/PngUnfilter.h"
+
+#include <algorithm>
+#include <isa-l.h>
+#include <limits>
+#include <memory>
+#include <string_view>
+
+namespace framora::raster {
+namespace {
+
+using namespace std::string_view_literals;
+using Span = std::span<const std::uint8_t>;
+
+constexpr std::uint8_t signature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
+
+// What programs write for sRGB into gAMA and cHRM, with sRGB itself or instead of it.
+constexpr std::uint8_t srgbGamma[] = {0x00, 0x00, 0xb1, 0x8f};
+constexpr std::uint8_t srgbPrimaries[] = {0,    0,    0x7a, 0x26, 0,    0,    0x80, 0x84, 0,    0,   0xfa,
+                                          0,    0,    0,    0x80, 0xe8, 0,    0,    0x75, 0x30, 0,   0,
+                                          0xea, 0x60, 0,    0,    0x3a, 0x98, 0,    0,    0x17, 0x70};
+
+// So many bytes of rows are decompressed at a time: they stay in the second-level cache.
+constexpr std::size_t bandBytes = 256 << 10;
+
+std::uint32_t read32(const std::uint8_t* bytes) {
+    return std::uint32_t(bytes[0]) << 24 | std::uint32_t(bytes[1]) << 16 | std::uint32_t(bytes[2]) << 8 |
+           bytes[3];
+}
+
+struct Chunk {
+    std::string_view type;
+    Span content;
+};
+
+/// Takes the next chunk off the front of `rest`. Nothing when it is cut off or its checksum is wrong.
+std::optional<Chunk> takeChunk(Span& rest) {
+    constexpr std::size_t frame = 12;
+    if (rest.size() < frame)
+        return {};
+    const std::size_t length = read32(rest.data());
+    if (length > rest.size() - frame)
+        return {};
+    const Span covered = rest.subspan(4, length + 4);
+    if (crc32_gzip_refl(0, covered.data(), covered.size()) != read32(rest.data() + 8 + length))
+        return {};
+    rest = rest.subspan(frame + length);
+    return Chunk{{reinterpret_cast<const char*>(covered.data()), 4}, covered.subspan(4)};
+}
+
+/// Reads IHDR. False for a kind of picture that is not plain.
+bool readHeader(const Chunk& chunk, PlainPng& png) {
+    if (chunk.type != "IHDR"sv || chunk.content.size() != 13)
+        return false;
+    const std::uint8_t* header = chunk.content.data();
+    const std::uint32_t width = read32(header);
+    const std::uint32_t height = read32(header + 4);
+    constexpr std::uint32_t most = std::numeric_limits<int>::max();
+    if (width == 0 || height == 0 || width > most || height > most)
+        return false;
+    png.width = int(width);
+    png.height = int(height);
+    png.hasAlpha = header[9] == 6;
+    const bool hasColours = header[9] == 2 || header[9] == 6;
+    return header[8] == 8 && hasColours && header[10] == 0 && header[11] == 0 && header[12] == 0;
+}
+
+/// The compressed rows as one stream.
+class RowStream {
+public:
+    explicit RowStream(const std::vector<Span>& pieces) : m_pieces(pieces) {
+        isal_inflate_init(&m_state);
+        m_state.crc_flag = ISAL_ZLIB;
+    }
+
+    /// Fills `out`. False when the data is damaged or ends before.
+    bool read(std::span<std::uint8_t> out) {
+        m_state.next_out = out.data();
+        m_state.avail_out = std::uint32_t(out.size());
+        while (m_state.avail_out > 0)
+            if (!step())
+                return false;
+        return true;
+    }
+
+    /// Whether nothing but the stream's own end follows, with the right checksum.
+    bool isAtEnd() {
+        std::uint8_t more;
+        m_state.next_out = &more;
+        m_state.avail_out = 1;
+        while (m_state.block_state != ISAL_BLOCK_FINISH)
+            if (!step() || m_state.avail_out == 0)
+                return false;
+        return m_state.avail_out == 1;
+    }
+
+private:
+    bool step() {
+        if (m_state.block_state == ISAL_BLOCK_FINISH)
+            return false;
+        if (m_state.avail_in == 0) {
+            if (m_next == m_pieces.size())
+                return false;
+            const Span piece = m_pieces[m_next++];
+            m_state.next_in = const_cast<std::uint8_t*>(piece.data()); // the interface's; it only reads
+            m_state.avail_in = std::uint32_t(piece.size());
+        }
+        return isal_inflate(&m_state) == ISAL_DECOMP_OK;
+    }
+
+    const std::vector<Span>& m_pieces;
+    std::size_t m_next = 0;
+    inflate_state m_state{};
+};
+
+} // namespace
+
+std::optional<PlainPng> plainPng(std::span<const std::uint8_t> file) {
+    if (file.size() < sizeof signature ||
+        !std::equal(std::begin(signature), std::end(signature), file.begin()))
+        return {};
+    Span rest = file.subspan(sizeof signature);
+    PlainPng png;
+    std::optional<Chunk> chunk = takeChunk(rest);
+    if (!chunk || !readHeader(*chunk, png))
+        return {};
+    bool isSrgb = false;
+    bool hasOtherColours = false; // unless sRGB overrules them
+    bool dataHasEnded = false;
+    while ((chunk = takeChunk(rest))) {
+        const std::string_view type = chunk->type;
+        if (type == "IEND"sv)
+            return png.data.empty() || (hasOtherColours && !isSrgb) ? std::nullopt : std::optional(png);
+        if (type == "IDAT"sv) {
+            if (dataHasEnded)
+                return {};
+            png.data.push_back(chunk->content);
+            continue;
+        }
+        dataHasEnded = !png.data.empty();
+        isSrgb = isSrgb || type == "sRGB"sv;
+        hasOtherColours = hasOtherColours ||
+                          (type == "gAMA"sv && !std::ranges::equal(chunk->content, srgbGamma)) ||
+                          (type == "cHRM"sv && !std::ranges::equal(chunk->content, srgbPrimaries));
+        // What changes the pixels' meaning, and whatever a reader must know.
+        const bool isCritical = type[0] >= 'A' && type[0] <= 'Z';
+        if (isCritical || type == "tRNS"sv || type == "iCCP"sv || type == "cICP"sv || type == "eXIf"sv)
+            return {};
+    }
+    return {};
+}
+
+bool decodePlainPng(const PlainPng& png, MutablePixelView out) {
+    if (out.width != png.width || out.height != png.height)
+        return false;
+    const std::size_t pixelBytes = png.hasAlpha ? 4 : 3;
+    const std::size_t rowBytes = std::size_t(png.width) * pixelBytes;
+    const std::size_t filteredBytes = rowBytes + 1;
+    const int bandRows = int(std::clamp<std::size_t>(bandBytes / filteredBytes, 1, std::size_t(png.height)));
+    std::vector<std::uint8_t> band(filteredBytes * std::size_t(bandRows) + pngRowPadding);
+    std::vector<std::uint8_t> above(rowBytes + pngRowPadding);
+    std::vector<std::uint8_t> now(rowBytes + pngRowPadding);
+    const auto stream = std::make_unique<RowStream>(png.data);
+    for (int first = 0; first < png.height; first += bandRows) {
+        const int rows = std::min(bandRows, png.height - first);
+        if (!stream->read({band.data(), filteredBytes * std::size_t(rows)}))
+            return false;
+        for (int y = 0; y < rows; ++y) {
+            const std::uint8_t* filtered = band.data() + filteredBytes * std::size_t(y);
+            if (filtered[0] >= pngFilterCount)
+                return false;
+            undoPngFilter(PngFilter(filtered[0]),
+                          {filtered + 1, above.data(), now.data(), rowBytes, pixelBytes});
+            const auto unpack = png.hasAlpha ? unpackRgba : unpackRgb;
+            unpack(now.data(), std::size_t(png.width), out.row(first + y));
+            above.swap(now);
+        }
+    }
+    return stream->isAtEnd();
+}
+
+} // namespace framora::raster
