@@ -2,16 +2,13 @@
 
 #include "editor/render/DecoderProcess.h"
 #include "editor/render/PictureFile.h"
+#include "editor/render/RegularFile.h"
 
 #include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QMutex>
 #include <QMutexLocker>
-#include <array>
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <utility>
 
 namespace framora {
@@ -30,26 +27,6 @@ KeptPicture kept;
 
 QDateTime modificationTime(const QUrl& url) {
     return QFileInfo(url.toLocalFile()).lastModified();
-}
-
-/// Opens a regular file only, and never waits for the other end of a pipe.
-bool openRegularFile(QFile& file, const QString& path) {
-    const int descriptor = open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    struct stat status {};
-    if (descriptor < 0)
-        return false;
-    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
-        file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle))
-        return true;
-    close(descriptor);
-    return false;
-}
-
-/// HEIF files are ISO media files, whatever their name; no other still picture is.
-bool isHeif(int descriptor) {
-    std::array<char, 8> start{};
-    return pread(descriptor, start.data(), start.size(), 0) == ssize_t(start.size()) &&
-           QByteArrayView(start).sliced(4) == "ftyp";
 }
 
 QImage decodeFile(const QUrl& url) {

@@ -2,12 +2,15 @@
 
 #include "editor/render/SrgbPicture.h"
 #include "editor/render/decoders/DecodedPicture.h"
+#include "editor/render/decoders/DecoderRequest.h"
 #include "platform/desktop/Installation.h"
 
 #include <QColorSpace>
 #include <QFile>
 #include <QScopeGuard>
+#include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <spawn.h>
@@ -23,7 +26,7 @@ namespace {
 
 /// Runs the program with these standard streams until it ends. In a process group of its own: an interrupt at
 /// the terminal is for the program that waits.
-bool runDecoder(const QByteArray& program, int input, int output) {
+bool runDecoder(const QByteArray& program, int input, int output, const DecoderOrder& order) {
     posix_spawn_file_actions_t streams;
     posix_spawnattr_t attributes;
     posix_spawn_file_actions_init(&streams);
@@ -37,12 +40,27 @@ bool runDecoder(const QByteArray& program, int input, int output) {
     posix_spawn_file_actions_addopen(&streams, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP);
 
-    char* const arguments[] = {const_cast<char*>(program.constData()), nullptr};
+    const DecoderRequest whole;
+    const QByteArray texts[] = {QByteArray::number(std::max(order.box.width(), 0)),
+                                QByteArray::number(std::max(order.box.height(), 0)),
+                                QByteArray::number(order.seconds > 0 ? order.seconds : whole.seconds),
+                                QByteArray::number(order.threads)};
+    char* const arguments[] = {
+        const_cast<char*>(program.constData()),  const_cast<char*>(texts[0].constData()),
+        const_cast<char*>(texts[1].constData()), const_cast<char*>(texts[2].constData()),
+        const_cast<char*>(texts[3].constData()), nullptr};
     pid_t child = 0;
     const int error = posix_spawn(&child, program.constData(), &streams, &attributes, arguments, environ);
     if (error != 0) {
         qWarning("framora: %s: %s", program.constData(), std::strerror(error));
         return false;
+    }
+    {
+        // Only while its number is its own: until it is collected below.
+        const std::stop_callback ending(order.stop, [child] { kill(child, SIGKILL); });
+        siginfo_t ended{};
+        while (waitid(P_PID, id_t(child), &ended, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
+        }
     }
     int status = 0;
     while (waitpid(child, &status, 0) < 0) // it ends itself in time
@@ -101,7 +119,7 @@ QImage takePicture(int descriptor) {
 
 } // namespace
 
-QImage decodeInProcess(const QString& decoder, int fileDescriptor) {
+QImage decodeInProcess(const QString& decoder, int fileDescriptor, const DecoderOrder& order) {
     // Above the standard streams, which may be closed here: the decoder's are made of these.
     const int input = fcntl(fileDescriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     const int made = memfd_create("framora-picture", MFD_CLOEXEC);
@@ -111,7 +129,8 @@ QImage decodeInProcess(const QString& decoder, int fileDescriptor) {
             if (descriptor >= 0)
                 close(descriptor);
     });
-    if (input < 0 || output < 0 || !runDecoder(QFile::encodeName(privateExecutable(decoder)), input, output))
+    if (input < 0 || output < 0 ||
+        !runDecoder(QFile::encodeName(privateExecutable(decoder)), input, output, order))
         return {};
     return srgbPicture(takePicture(output));
 }

@@ -47,8 +47,8 @@ Orientation orientation(const AVStream* stream) {
     return {false, matrix[0] < 0, matrix[4] < 0};
 }
 
-/// The size before it is turned, in square pixels, such that the turned one is within the maximum.
-Size stillSize(const VideoFile& video, AVFrame& frame, bool exchangesAxes) {
+/// The size before it is turned, in square pixels, such that the turned one is within the box.
+Size stillSize(const VideoFile& video, AVFrame& frame, bool exchangesAxes, Size box) {
     double width = frame.width;
     const double height = frame.height;
     const AVRational aspect = av_guess_sample_aspect_ratio(video.format(), video.stream(), &frame);
@@ -56,11 +56,11 @@ Size stillSize(const VideoFile& video, AVFrame& frame, bool exchangesAxes) {
     const double stretch = aspect.num > 0 && aspect.den > 0 ? av_q2d(aspect) : 1.0;
     if (stretch <= mostStretched && stretch >= 1.0 / mostStretched)
         width *= stretch;
-    const double fit = exchangesAxes ? std::min(maximumStillWidth / height, maximumStillHeight / width)
-                                     : std::min(maximumStillWidth / width, maximumStillHeight / height);
+    const double fit = exchangesAxes ? std::min(box.width / height, box.height / width)
+                                     : std::min(box.width / width, box.height / height);
     const double scale = std::min(fit, 1.0);
-    const int bound = exchangesAxes ? maximumStillHeight : maximumStillWidth;
-    const int otherBound = exchangesAxes ? maximumStillWidth : maximumStillHeight;
+    const int bound = exchangesAxes ? box.height : box.width;
+    const int otherBound = exchangesAxes ? box.width : box.height;
     return {std::clamp(int(std::lround(width * scale)), 1, bound),
             std::clamp(int(std::lround(height * scale)), 1, otherBound)};
 }
@@ -133,11 +133,11 @@ void turnInto(DecoderOutput& output, const std::vector<std::uint32_t>& pixels, S
 
 } // namespace
 
-bool writeStill(const VideoFile& video, AVFrame& frame, int descriptor) {
+bool writeStill(const VideoFile& video, AVFrame& frame, int descriptor, int boxWidth, int boxHeight) {
     const Orientation turn = orientation(video.stream());
     if (frame.width < 1 || frame.height < 1)
         return false;
-    const Size size = stillSize(video, frame, turn.exchangesAxes);
+    const Size size = stillSize(video, frame, turn.exchangesAxes, {boxWidth, boxHeight});
     std::vector<std::uint16_t> rgba = scaledRgba(frame, size);
     if (rgba.empty())
         return false;

@@ -1,9 +1,12 @@
 #include "editor/render/decoders/CodedColors.h"
 #include "editor/render/decoders/DecoderLimits.h"
 #include "editor/render/decoders/DecoderOutput.h"
+#include "editor/render/decoders/DecoderRequest.h"
 #include "editor/render/decoders/PixelPacking.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdlib>
 #include <cstring>
 #include <libheif/heif.h>
 #include <memory>
@@ -12,8 +15,9 @@
 #include <unistd.h>
 #include <vector>
 
-// framora-heif: the primary picture of the HEIF file in standard input, upright, as a DecodedPicture in
-// standard output. Exits with 1 when there is none.
+// framora-heif [BOXWIDTH BOXHEIGHT SECONDS THREADS]: the primary picture of the HEIF file in standard input,
+// upright, as a DecodedPicture in standard output. A box asks for a reduced one, which may come from the
+// file's own thumbnail. Exits with 1 when there is none.
 
 namespace framora {
 namespace {
@@ -85,17 +89,74 @@ CodedColors codedColors(const heif_image_handle* handle) {
     return {stored->color_primaries, stored->transfer_characteristics};
 }
 
-bool decode(std::span<const std::uint8_t> file) {
+/// Opaque samples averaged over squares of `factor` pixels; what is left over at the far edges is dropped.
+std::vector<std::uint8_t> reducedSamples(const Samples& samples, int width, int height, int factor) {
+    const std::size_t sampleBytes = samples.bits > 8 ? 2 : 1;
+    const auto channels = std::size_t(samples.channels);
+    const auto columns = std::size_t(width / factor);
+    const int rows = height / factor;
+    const auto area = std::uint32_t(factor) * std::uint32_t(factor);
+    std::vector<std::uint32_t> sums(columns * channels);
+    std::vector<std::uint8_t> reduced;
+    reduced.reserve(sums.size() * std::size_t(rows) * sampleBytes);
+    for (int row = 0; row < rows; ++row) {
+        std::fill(sums.begin(), sums.end(), 0u);
+        for (int y = row * factor; y < (row + 1) * factor; ++y) {
+            const std::uint8_t* source = samples.data + std::ptrdiff_t(y) * samples.stride;
+            for (std::size_t x = 0; x < columns; ++x)
+                for (int i = 0; i < factor; ++i)
+                    for (std::size_t channel = 0; channel < channels; ++channel, source += sampleBytes)
+                        sums[x * channels + channel] +=
+                            sampleBytes == 2 ? source[0] | std::uint32_t(source[1]) << 8 : source[0];
+        }
+        for (const std::uint32_t sum : sums) {
+            const std::uint32_t mean = (sum + area / 2) / area;
+            reduced.push_back(std::uint8_t(mean));
+            if (sampleBytes == 2)
+                reduced.push_back(std::uint8_t(mean >> 8));
+        }
+    }
+    return reduced;
+}
+
+/// A thumbnail of the file's that fills the box as the picture does; null when there is none. Its shape must
+/// be the picture's: some are of an earlier state of it.
+Heif<const heif_image_handle> sufficientThumbnail(const heif_image_handle* primary,
+                                                  const DecoderRequest& request) {
+    const int width = heif_image_handle_get_width(primary);
+    const int height = heif_image_handle_get_height(primary);
+    constexpr int most = 16;
+    std::array<heif_item_id, most> ids{};
+    const int count =
+        request.wantsReduced() ? heif_image_handle_get_list_of_thumbnail_IDs(primary, ids.data(), most) : 0;
+    for (int i = 0; i < count; ++i) {
+        heif_image_handle* thumbnail = nullptr;
+        if (heif_image_handle_get_thumbnail(primary, ids[std::size_t(i)], &thumbnail).code != heif_error_Ok)
+            continue;
+        Heif<const heif_image_handle> owned(thumbnail);
+        const std::int64_t ownWidth = heif_image_handle_get_width(thumbnail);
+        const std::int64_t ownHeight = heif_image_handle_get_height(thumbnail);
+        const bool isOfShape = std::abs(ownWidth * height - ownHeight * width) <= std::max(width, height);
+        if (isOfShape && ownWidth < width && (ownWidth >= request.boxWidth || ownHeight >= request.boxHeight))
+            return owned;
+    }
+    return nullptr;
+}
+
+bool decode(std::span<const std::uint8_t> file, const DecoderRequest& request) {
     const Heif<heif_context> context(heif_context_alloc());
     heif_context_set_maximum_image_size_limit(context.get(), maximumPictureSide);
-    heif_context_set_max_decoding_threads(context.get(), decoderThreads());
+    heif_context_set_max_decoding_threads(context.get(),
+                                          request.threads > 0 ? request.threads : decoderThreads());
     if (heif_context_read_from_memory_without_copy(context.get(), file.data(), file.size(), nullptr).code !=
         heif_error_Ok)
         return false;
-    heif_image_handle* primary = nullptr;
-    if (heif_context_get_primary_image_handle(context.get(), &primary).code != heif_error_Ok)
+    heif_image_handle* whole = nullptr;
+    if (heif_context_get_primary_image_handle(context.get(), &whole).code != heif_error_Ok)
         return false;
-    const Heif<heif_image_handle> handle(primary);
+    const Heif<heif_image_handle> handle(whole);
+    const Heif<const heif_image_handle> thumbnail = sufficientThumbnail(whole, request);
+    const heif_image_handle* primary = thumbnail ? thumbnail.get() : whole;
     const int claimedWidth = heif_image_handle_get_width(primary);
     const int claimedHeight = heif_image_handle_get_height(primary);
     if (claimedWidth > maximumPictureSide || claimedHeight > maximumPictureSide ||
@@ -121,8 +182,19 @@ bool decode(std::span<const std::uint8_t> file) {
     if (!samples.data || samples.bits < 8 || samples.bits > 16)
         return false;
 
-    DecoderOutput output(STDOUT_FILENO, heif_image_get_width(decoded, heif_channel_interleaved),
-                         heif_image_get_height(decoded, heif_channel_interleaved));
+    int width = heif_image_get_width(decoded, heif_channel_interleaved);
+    int height = heif_image_get_height(decoded, heif_channel_interleaved);
+    std::vector<std::uint8_t> reduced;
+    // Before its colours are converted, as it is less then.
+    if (const int factor = hasAlpha ? 1 : request.reduction(width, height); factor > 1) {
+        reduced = reducedSamples(samples, width, height, factor);
+        width /= factor;
+        height /= factor;
+        samples.data = reduced.data();
+        samples.stride = width * samples.channels * (samples.bits > 8 ? 2 : 1);
+    }
+
+    DecoderOutput output(STDOUT_FILENO, width, height);
     if (!output.isOpen())
         return false;
     const std::vector<std::uint8_t> profile = storedProfile(primary);
@@ -153,9 +225,10 @@ std::span<const std::uint8_t> mappedFile(int descriptor) {
 } // namespace
 } // namespace framora
 
-int main() {
-    framora::limitDecoder();
+int main(int argc, char** argv) {
+    const auto request = framora::DecoderRequest::fromArguments(argc, argv);
+    framora::limitDecoder(request.seconds, request.wantsReduced());
     const auto file = framora::mappedFile(STDIN_FILENO);
-    const bool isDecoded = !file.empty() && framora::decode(file);
+    const bool isDecoded = !file.empty() && framora::decode(file, request);
     _exit(isDecoded ? 0 : 1); // nothing is worth taking down piece by piece
 }

@@ -16,7 +16,7 @@ constexpr int ioBufferBytes = 1 << 16;
 
 } // namespace
 
-VideoFile::VideoFile(int descriptor) : m_descriptor(descriptor), m_packet(av_packet_alloc()) {
+VideoFile::VideoFile(int descriptor, int threads) : m_descriptor(descriptor), m_packet(av_packet_alloc()) {
     struct stat status {};
     if (fstat(descriptor, &status) != 0)
         return;
@@ -35,7 +35,7 @@ VideoFile::VideoFile(int descriptor) : m_descriptor(descriptor), m_packet(av_pac
     m_format.reset(format);
     chooseStream();
     if (m_stream)
-        openCodec();
+        openCodec(threads);
 }
 
 void VideoFile::chooseStream() {
@@ -53,14 +53,14 @@ void VideoFile::chooseStream() {
         m_stream->discard = AVDISCARD_DEFAULT;
 }
 
-void VideoFile::openCodec() {
+void VideoFile::openCodec(int threads) {
     const AVCodec* decoder = avcodec_find_decoder(m_stream->codecpar->codec_id);
     Av<AVCodecContext> codec(decoder ? avcodec_alloc_context3(decoder) : nullptr);
     if (!codec || avcodec_parameters_to_context(codec.get(), m_stream->codecpar) < 0)
         return;
     codec->pkt_timebase = m_stream->time_base;
     codec->max_pixels = maximumFramePixels;
-    codec->thread_count = decoderThreads();
+    codec->thread_count = threads > 0 ? threads : decoderThreads();
     if (avcodec_open2(codec.get(), decoder, nullptr) >= 0)
         m_codec = std::move(codec);
 }
@@ -99,6 +99,7 @@ std::int64_t VideoFile::seekFile(void* self, std::int64_t offset, int whence) {
 bool VideoFile::seek(std::int64_t microseconds) {
     const std::int64_t time =
         av_rescale_q_rnd(microseconds, AV_TIME_BASE_Q, m_stream->time_base, AV_ROUND_DOWN);
+    m_wanted = microseconds;
     return av_seek_frame(m_format.get(), m_stream->index, time, AVSEEK_FLAG_BACKWARD) >= 0;
 }
 
@@ -116,11 +117,18 @@ Av<AVFrame> VideoFile::nextFrame() {
             continue;
         }
         // A damaged packet costs its own frame only.
-        if (m_packet->stream_index == m_stream->index)
+        if (m_packet->stream_index == m_stream->index) {
+            m_codec->skip_frame = endsBeforeWanted(*m_packet) ? AVDISCARD_NONREF : AVDISCARD_DEFAULT;
             avcodec_send_packet(m_codec.get(), m_packet.get());
+        }
         av_packet_unref(m_packet.get());
     }
     return nullptr;
+}
+
+bool VideoFile::endsBeforeWanted(const AVPacket& packet) const {
+    return m_wanted && packet.pts != AV_NOPTS_VALUE && packet.duration > 0 &&
+           av_compare_ts(packet.pts + packet.duration, m_stream->time_base, *m_wanted, AV_TIME_BASE_Q) <= 0;
 }
 
 int VideoFile::compareStart(const AVFrame& frame, std::int64_t microseconds) const {

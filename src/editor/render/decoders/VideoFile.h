@@ -27,13 +27,15 @@ template <typename T> using Av = std::unique_ptr<T, AvFree>;
 class VideoFile {
 public:
     /// `descriptor` is an open regular file. isOpen() is false when it has no track that can be decoded.
-    explicit VideoFile(int descriptor);
+    /// `threads` is the decoder's; 0 for as many as it has by itself.
+    explicit VideoFile(int descriptor, int threads = 0);
 
     bool isOpen() const { return m_codec != nullptr; }
     AVFormatContext* format() const { return m_format.get(); }
     AVStream* stream() const { return m_stream; }
 
-    /// Goes to the last key frame at or before this time of the presentation, in microseconds.
+    /// Goes to the last key frame at or before this time of the presentation, in microseconds. From here on
+    /// frames that end before it, and that no other frame is built on, are left out.
     bool seek(std::int64_t microseconds);
     /// Null after the last frame.
     Av<AVFrame> nextFrame();
@@ -43,10 +45,11 @@ public:
     int compareEnd(const AVFrame& frame, std::int64_t microseconds) const;
 
 private:
+    bool endsBeforeWanted(const AVPacket& packet) const;
     static int read(void* self, std::uint8_t* data, int size);
     static std::int64_t seekFile(void* self, std::int64_t offset, int whence);
     void chooseStream();
-    void openCodec();
+    void openCodec(int threads);
 
     int m_descriptor;
     std::int64_t m_position = 0;
@@ -57,6 +60,7 @@ private:
     Av<AVCodecContext> m_codec;
     Av<AVPacket> m_packet;
     bool m_isDraining = false;
+    std::optional<std::int64_t> m_wanted; ///< microseconds
 };
 
 } // namespace framora

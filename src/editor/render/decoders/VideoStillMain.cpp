@@ -1,12 +1,14 @@
 #include "editor/render/decoders/DecoderLimits.h"
+#include "editor/render/decoders/DecoderRequest.h"
 #include "editor/render/decoders/FrameConverter.h"
 #include "editor/render/decoders/VideoFile.h"
 
 #include <unistd.h>
 #include <utility>
 
-// framora-video-still: one frame of the video in standard input as a DecodedPicture in standard output: the
-// one that is shown at one second, else the first. Exits with 1 when there is none.
+// framora-video-still [BOXWIDTH BOXHEIGHT SECONDS THREADS]: one frame of the video in standard input as a
+// DecodedPicture in standard output: the one that is shown at one second, else the first; with a box, scaled
+// down into it. Exits with 1 when there is none.
 
 namespace framora {
 namespace {
@@ -30,30 +32,36 @@ Av<AVFrame> frameShownAt(std::int64_t time, VideoFile& video, Av<AVFrame>* first
     return latest && video.compareEnd(*latest, time) > 0 ? std::move(latest) : nullptr;
 }
 
-bool decode() {
+bool decode(const DecoderRequest& request) {
+    const auto write = [&request](const VideoFile& video, AVFrame& frame) {
+        return request.wantsReduced()
+                   ? writeStill(video, frame, STDOUT_FILENO, request.boxWidth, request.boxHeight)
+                   : writeStill(video, frame, STDOUT_FILENO);
+    };
     {
-        VideoFile video(STDIN_FILENO);
+        VideoFile video(STDIN_FILENO, request.threads);
         if (!video.isOpen())
             return false;
         if (video.seek(stillTime))
             if (const Av<AVFrame> frame = frameShownAt(stillTime, video, nullptr))
-                return writeStill(video, *frame, STDOUT_FILENO);
+                return write(video, *frame);
     }
     // The clip is shorter, or its index leads astray: from the start.
-    VideoFile video(STDIN_FILENO);
+    VideoFile video(STDIN_FILENO, request.threads);
     Av<AVFrame> first;
     if (!video.isOpen())
         return false;
     if (const Av<AVFrame> frame = frameShownAt(stillTime, video, &first))
-        return writeStill(video, *frame, STDOUT_FILENO);
-    return first && writeStill(video, *first, STDOUT_FILENO);
+        return write(video, *frame);
+    return first && write(video, *first);
 }
 
 } // namespace
 } // namespace framora
 
-int main() {
-    framora::limitDecoder();
+int main(int argc, char** argv) {
+    const auto request = framora::DecoderRequest::fromArguments(argc, argv);
+    framora::limitDecoder(request.seconds, request.wantsReduced());
     av_log_set_level(AV_LOG_QUIET);
-    _exit(framora::decode() ? 0 : 1); // nothing is worth taking down piece by piece
+    _exit(framora::decode(request) ? 0 : 1); // nothing is worth taking down piece by piece
 }
