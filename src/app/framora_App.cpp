@@ -7,6 +7,7 @@
 #include "editor/window/EditorModule.h"
 #include "editor/window/EditorServices.h"
 #include "feedback/SoundManager.h"
+#include "platform/desktop/ConfiguredDesktopPictures.h"
 #include "platform/desktop/DesktopAppearance.h"
 #include "platform/desktop/FileResourceBundle.h"
 #include "platform/desktop/JsonFileDefaults.h"
@@ -17,6 +18,7 @@
 #include "platform/desktop/QtMainQueue.h"
 #include "platform/desktop/SystemClock.h"
 #include "platform/desktop/TerminationSignals.h"
+#include "platform/desktop/ThreadBackgroundQueue.h"
 #include "platform/desktop/TrayStatusBar.h"
 #include "platform/x11/X11Application.h"
 #include "platform/x11/X11KeyMonitors.h"
@@ -47,6 +49,8 @@ struct framora_App::Desktop {
     X11Permissions permissions{keyMonitors};
     X11Application application{connection, notifications};
     X11ToastPanels toastPanels{mainQueue};
+    ThreadBackgroundQueue backgroundQueue{mainQueue};
+    ConfiguredDesktopPictures desktopPictures{screens};
     ProcessCaptureTool captureTool{gate, ProcessCaptureTool::defaultExecutable(), [this](bool screenIsTaken) {
                                        if (screenIsTaken)
                                            toastPanels.withdraw();
@@ -85,7 +89,8 @@ struct framora_App::Desktop {
             if (make)
                 editor.reset(
                     make({mainQueue, clock, filePanels, resources, notifications, pasteboard, application,
-                          appearance, [this] { return std::make_unique<ToastManager>(toastServices()); }}));
+                          appearance, [this] { return std::make_unique<ToastManager>(toastServices()); },
+                          backgroundQueue, desktopPictures}));
         }
         return editor.get();
     }

@@ -146,6 +146,13 @@ void ScreenshotEditorViewModel::setWallpaperImages(std::vector<Wallpaper> wallpa
     Q_EMIT wallpaperImagesChanged();
 }
 
+void ScreenshotEditorViewModel::setLoadingWallpapers(bool isLoading) {
+    if (m_isLoadingWallpapers == isLoading)
+        return;
+    m_isLoadingWallpapers = isLoading;
+    Q_EMIT isLoadingWallpapersChanged();
+}
+
 void ScreenshotEditorViewModel::setCanvasSize(QSizeF size) {
     if (m_canvasSize == size)
         return;

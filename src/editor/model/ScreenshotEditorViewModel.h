@@ -36,6 +36,8 @@ class ScreenshotEditorViewModel final : public QObject {
     Q_PROPERTY(framora::ScreenshotStyleConfig config READ config WRITE setConfig NOTIFY configChanged)
     /// The images' URLs, for views; wallpaperThumbnail() gives their pictures.
     Q_PROPERTY(QList<QUrl> wallpaperURLs READ wallpaperURLs NOTIFY wallpaperImagesChanged)
+    /// More wallpapers are being looked for.
+    Q_PROPERTY(bool isLoadingWallpapers READ isLoadingWallpapers NOTIFY isLoadingWallpapersChanged)
     Q_PROPERTY(QSizeF canvasSize READ canvasSize WRITE setCanvasSize NOTIFY canvasSizeChanged)
     Q_PROPERTY(QSizeF offset READ offset WRITE setOffset NOTIFY offsetChanged)
     Q_PROPERTY(QSizeF lastOffset READ lastOffset WRITE setLastOffset NOTIFY lastOffsetChanged)
@@ -127,6 +129,8 @@ public:
 
     const std::vector<Wallpaper>& wallpaperImages() const { return m_wallpaperImages; }
     QList<QUrl> wallpaperURLs() const;
+    bool isLoadingWallpapers() const { return m_isLoadingWallpapers; }
+    void setLoadingWallpapers(bool isLoading);
     const QImage& originalImage() const { return m_originalImage; }
     QSizeF imageSize() const; ///< In points.
 
@@ -187,6 +191,7 @@ Q_SIGNALS:
     /// The content was fitted and belongs in the middle of the view, even if the zoom is what it was.
     void fitted();
     void wallpaperImagesChanged();
+    void isLoadingWallpapersChanged();
     void canvasSizeChanged();
     void offsetChanged();
     void lastOffsetChanged();
@@ -217,6 +222,7 @@ private:
     QImage m_originalImage;
     ScreenshotStyleConfig m_config;
     std::vector<Wallpaper> m_wallpaperImages;
+    bool m_isLoadingWallpapers = false;
     QSizeF m_canvasSize{0, 0};
     QSizeF m_offset{0, 0};
     QSizeF m_lastOffset{0, 0};

@@ -7,7 +7,9 @@ namespace framora {
 
 class Appearance;
 class Application;
+class BackgroundQueue;
 class Clock;
+class DesktopPictures;
 class FilePanels;
 class MainQueue;
 class NotificationCenter;
@@ -26,6 +28,8 @@ struct EditorServices {
     Application& application;
     const Appearance& appearance;
     std::function<std::unique_ptr<ToastManager>()> makeToastManager;
+    BackgroundQueue& backgroundQueue;
+    DesktopPictures& desktopPictures;
 };
 
 } // namespace framora

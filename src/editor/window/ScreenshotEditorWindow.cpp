@@ -3,6 +3,7 @@
 #include "editor/model/RandomSource.h"
 #include "editor/model/ScreenshotEditorViewModel.h"
 #include "editor/render/PictureFile.h"
+#include "editor/render/WallpaperCache.h"
 #include "editor/views/EditorSession.h"
 #include "editor/views/EditorViews.h"
 #include "editor/window/EditorToolbar.h"
@@ -15,6 +16,7 @@
 
 #include <QCoreApplication>
 #include <QCursor>
+#include <QDir>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QPointer>
@@ -57,11 +59,16 @@ ScreenshotEditorWindow::ScreenshotEditorWindow(Services services)
     observe(notifications::editorMiniaturize, [this] { handleMiniaturize(); });
     observe(notifications::editorZoomWindow, [this] { handleZoomWindow(); });
     observe(notifications::appearanceChanged, [this] { applyAppearance(); });
+    WallpaperCache::provide({m_services.backgroundQueue, m_services.desktopPictures,
+                             WallpaperFolders::inHome(QDir::homePath())});
 }
 
 ScreenshotEditorWindow::~ScreenshotEditorWindow() {
-    // The view is bound to the session.
+    // Views are bound to their sessions, and what follows them goes through the services.
     m_editorWindow.reset();
+    for (const QPointer<QQuickView>& window : m_leaving)
+        delete window;
+    WallpaperCache::withdraw();
 }
 
 void ScreenshotEditorWindow::provide(std::function<Services()> services) {
@@ -118,6 +125,10 @@ void ScreenshotEditorWindow::open(const QImage& image) {
     if (!root)
         qFatal("ScreenshotEditorWindow: %s", qPrintable(component->errorString()));
     window.setContent(source, component, root);
+    m_session->viewModel()->setLoadingWallpapers(!WallpaperCache::shared().isLoaded());
+    // The window comes first.
+    connect(&window, &QQuickWindow::frameSwapped, this, &ScreenshotEditorWindow::loadWallpapers,
+            static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
     window.show();
     window.requestActivate();
     m_services.application.activate();
@@ -138,7 +149,7 @@ ScreenshotEditorWindow::makeSession(const QImage& image,
         [this](const QString& message, const QString& icon, bool success) {
             m_savedToast->show(message, icon, success);
         },
-        {},
+        [](const Wallpaper& wallpaper) { WallpaperCache::shared().insert(wallpaper); },
         std::move(startupTexture),
     };
     return std::make_unique<EditorSession>(
@@ -159,6 +170,17 @@ ScreenshotEditorWindow::makeSession(const QImage& image,
             },
             [&queue = m_services.mainQueue](std::function<void()> work) { queue.async(std::move(work)); },
         });
+}
+
+void ScreenshotEditorWindow::loadWallpapers() {
+    if (!m_session)
+        return;
+    WallpaperCache::shared().load([model = QPointer(m_session->viewModel())] {
+        if (!model)
+            return;
+        model->mergeWallpapers(WallpaperCache::shared().wallpapers());
+        model->setLoadingWallpapers(false);
+    });
 }
 
 void ScreenshotEditorWindow::applyAppearance() {
@@ -209,6 +231,8 @@ void ScreenshotEditorWindow::finishClosing(bool orderOut) {
                 // A resident program gives back what a whole window took; malloc would keep most of it.
                 queue.async([] { malloc_trim(0); });
             });
+    std::erase_if(m_leaving, [](const QPointer<QQuickView>& each) { return !each; });
+    m_leaving.emplace_back(window);
     window->deleteLater();
     m_isClosing = false;
     Q_EMIT closed();

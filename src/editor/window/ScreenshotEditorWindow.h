@@ -5,6 +5,7 @@
 
 #include <QImage>
 #include <QObject>
+#include <QPointer>
 #include <QSize>
 #include <QSizeF>
 #include <functional>
@@ -81,11 +82,15 @@ private:
     void handleZoomWindow();
     void finishClosing(bool orderOut);
     void applyAppearance();
+    /// Asks the shared cache, whose scan starts with the first editor.
+    void loadWallpapers();
 
     Services m_services;
     std::unique_ptr<RandomSource> m_random;
     std::unique_ptr<QQuickView> m_editorWindow;
     std::unique_ptr<EditorSession> m_session;
+    /// Closed, and going with the next turn of the event loop.
+    std::vector<QPointer<QQuickView>> m_leaving;
     bool m_isClosing = false;
     std::unique_ptr<ToastManager> m_savedToast;
     std::unique_ptr<ToastManager> m_copiedToast;

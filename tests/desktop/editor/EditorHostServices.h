@@ -5,10 +5,12 @@
 #include "feedback/ToastManager.h"
 #include "platform/CommandGate.h"
 #include "platform/NotificationCenter.h"
+#include "platform/desktop/ConfiguredDesktopPictures.h"
 #include "platform/desktop/FileResourceBundle.h"
 #include "platform/desktop/QtFilePanels.h"
 #include "platform/desktop/QtMainQueue.h"
 #include "platform/desktop/SystemClock.h"
+#include "platform/desktop/ThreadBackgroundQueue.h"
 #include "platform/x11/X11Application.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Pasteboard.h"
@@ -32,12 +34,23 @@ struct EditorHostServices {
     X11Screens screens{connection};
     X11ToastPanels panels{queue};
     FixedAppearance appearance;
+    ThreadBackgroundQueue backgroundQueue{queue};
+    ConfiguredDesktopPictures desktopPictures{screens};
 
     ScreenshotEditorWindow::Services forWindow() {
-        return {
-            queue, clock, filePanels, resources, notifications, pasteboard, application, appearance, [this] {
-                return std::make_unique<ToastManager>(ToastServices{queue, panels, screens, appearance});
-            }};
+        return {queue,
+                clock,
+                filePanels,
+                resources,
+                notifications,
+                pasteboard,
+                application,
+                appearance,
+                [this] {
+                    return std::make_unique<ToastManager>(ToastServices{queue, panels, screens, appearance});
+                },
+                backgroundQueue,
+                desktopPictures};
     }
 };
 

@@ -9,7 +9,9 @@
 #include "platform/Notifications.h"
 #include "platform/Pasteboard.h"
 #include "support/FixedAppearance.h"
+#include "support/FixedDesktopPictures.h"
 #include "support/FixedScreens.h"
+#include "support/ManualBackgroundQueue.h"
 #include "support/RecordingToastPanels.h"
 
 #include <QPointer>
@@ -47,10 +49,20 @@ public:
 
     ScreenshotEditorWindow::Services services() {
         return {
-            queue, queue, panels, resources, notifications, pasteboard, application, appearance, [this] {
+            queue,
+            queue,
+            panels,
+            resources,
+            notifications,
+            pasteboard,
+            application,
+            appearance,
+            [this] {
                 ++toastManagerCount;
                 return std::make_unique<ToastManager>(ToastServices{queue, toastPanels, screens, appearance});
-            }};
+            },
+            background,
+            desktopPictures};
     }
     EditorSession& session() { return *editor.session(); }
     QQuickView& window() { return *editor.editorWindow(); }
@@ -71,6 +83,8 @@ public:
     CountingApplication application;
     FixedAppearance appearance;
     FixedScreens screens;
+    ManualBackgroundQueue background{queue};
+    FixedDesktopPictures desktopPictures;
     RecordingToastPanels toastPanels{queue};
     int toastManagerCount = 0;
     ScreenshotEditorWindow editor{services()};
