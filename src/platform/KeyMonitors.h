@@ -15,13 +15,19 @@ inline constexpr std::uint64_t command = 0x100000; ///< Super
 inline constexpr std::uint64_t shortcutMask = shift | control | option | command;
 } // namespace KeyModifier
 
-/// One key-down event. `keyCode` is the virtual key code of the key's position on a US keyboard.
-struct KeyEvent {
-    std::uint16_t keyCode = 0;
-    std::uint64_t modifierFlags = 0;
+enum class KeyEventType {
+    keyDown,
+    modifiersChanged ///< A modifier key went down or up; it never comes as a key-down.
 };
 
-/// Watches key-down events: "global" ones go to other programs, "local" ones to this program's own windows.
+/// One key event. `keyCode` is the virtual key code of the key's position on a US keyboard.
+struct KeyEvent {
+    std::uint16_t keyCode = 0;
+    std::uint64_t modifierFlags = 0; ///< After the event, where it changes them.
+    KeyEventType type = KeyEventType::keyDown;
+};
+
+/// Watches keys: "global" events go to other programs, "local" ones to this program's own windows.
 class KeyMonitors {
 public:
     /// Names a running monitor; it runs until removeMonitor().
@@ -33,7 +39,12 @@ public:
     virtual ~KeyMonitors() = default;
     /// Only observes. Returns 0 where the desktop offers no way to watch keys.
     virtual Token addGlobalMonitor(GlobalHandler handler) = 0;
+    /// Key-down events alone.
     virtual Token addLocalMonitor(LocalHandler handler) = 0;
+    /// A local monitor for one who is about to learn a shortcut: it sees key-down and modifier-change events,
+    /// before every other local monitor and before the toolkit looks for shortcuts of its own. Returns 0
+    /// where there is none to be had.
+    virtual Token addRecordingMonitor(LocalHandler handler) = 0;
     /// A token that is 0 or unknown is ignored. Handlers may remove monitors, their own included.
     virtual void removeMonitor(Token token) = 0;
 };

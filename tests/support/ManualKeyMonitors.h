@@ -23,12 +23,21 @@ public:
         locals[++m_last] = std::move(handler);
         return m_last;
     }
+    Token addRecordingMonitor(LocalHandler handler) override {
+        log.push_back("add recording");
+        if (refusesRecording)
+            return 0;
+        recordings[++m_last] = std::move(handler);
+        return m_last;
+    }
     void removeMonitor(Token token) override {
-        log.push_back(globals.contains(token)  ? "remove global"
-                      : locals.contains(token) ? "remove local"
-                                               : "remove unknown");
+        log.push_back(globals.contains(token)      ? "remove global"
+                      : locals.contains(token)     ? "remove local"
+                      : recordings.contains(token) ? "remove recording"
+                                                   : "remove unknown");
         globals.erase(token);
         locals.erase(token);
+        recordings.erase(token);
     }
 
     /// A key goes to another program.
@@ -39,6 +48,12 @@ public:
     }
     /// A key goes to this program. True when a monitor consumed it.
     bool pressHere(KeyEvent event) {
+        for (const auto& [token, handler] : std::map(recordings)) {
+            if (recordings.contains(token) && handler(event))
+                return true;
+        }
+        if (event.type != KeyEventType::keyDown)
+            return false;
         for (const auto& [token, handler] : std::map(locals)) {
             if (handler(event))
                 return true;
@@ -48,7 +63,9 @@ public:
 
     std::map<Token, GlobalHandler> globals;
     std::map<Token, LocalHandler> locals;
+    std::map<Token, LocalHandler> recordings;
     bool refusesGlobal = false;
+    bool refusesRecording = false;
     std::vector<std::string> log;
 
 private:

@@ -105,6 +105,10 @@ public:
         m_log.push_back("accessibility?");
         return trusted;
     }
+    bool requestAccessibility() override {
+        m_log.push_back("request accessibility");
+        return trusted;
+    }
     bool canCaptureScreen() override {
         m_log.push_back("screen recording?");
         return recording;
@@ -141,6 +145,10 @@ public:
     Token addLocalMonitor(LocalHandler handler) override {
         m_log.push_back("add local");
         return keys.addLocalMonitor(std::move(handler));
+    }
+    Token addRecordingMonitor(LocalHandler handler) override {
+        m_log.push_back("add recording");
+        return keys.addRecordingMonitor(std::move(handler));
     }
     void removeMonitor(Token token) override {
         m_log.push_back("remove monitor");

@@ -18,6 +18,19 @@ namespace {
 /// X key codes are the kernel's, moved up by eight.
 constexpr std::uint32_t evdevOffset = 8;
 
+/// Those that only change what other keys mean; the codes stand together.
+bool isModifierKey(std::uint16_t virtualKey) {
+    constexpr std::uint16_t rightCommand = 54;
+    constexpr std::uint16_t function = 63;
+    return virtualKey >= rightCommand && virtualKey <= function;
+}
+
+std::optional<std::uint16_t> virtualKeyOf(std::uint32_t keycode) {
+    if (keycode < evdevOffset)
+        return std::nullopt;
+    return virtualKeyFromEvdev(static_cast<std::uint16_t>(keycode - evdevOffset));
+}
+
 } // namespace
 
 X11KeyMonitors::X11KeyMonitors(X11Connection& connection, CommandGate& gate)
@@ -75,9 +88,15 @@ KeyMonitors::Token X11KeyMonitors::addLocalMonitor(LocalHandler handler) {
     return m_lastToken;
 }
 
+KeyMonitors::Token X11KeyMonitors::addRecordingMonitor(LocalHandler handler) {
+    m_recordingHandlers.emplace(++m_lastToken, std::move(handler));
+    return m_lastToken;
+}
+
 void X11KeyMonitors::removeMonitor(Token token) {
     m_globalHandlers.erase(token);
     m_localHandlers.erase(token);
+    m_recordingHandlers.erase(token);
 }
 
 void X11KeyMonitors::handleEvent(const xcb_generic_event_t& event) {
@@ -90,10 +109,12 @@ void X11KeyMonitors::handleEvent(const xcb_generic_event_t& event) {
             handleRawKey(reinterpret_cast<const xcb_input_raw_key_press_event_t&>(event).detail);
     } else if (type == m_xkbFirstEvent) {
         // All XKB events share one code; their own kind stands in the second byte.
-        if (event.pad0 == XCB_XKB_STATE_NOTIFY)
-            m_modifierState = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(event).mods;
-        else
+        if (event.pad0 == XCB_XKB_STATE_NOTIFY) {
+            const auto& notify = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(event);
+            handleStateChange(notify.keycode, notify.mods);
+        } else {
             m_modifiers.reload();
+        }
     }
 }
 
@@ -110,12 +131,24 @@ bool X11KeyMonitors::ownWindowHasFocus() const {
            (reply->focus & ~setup->resource_id_mask) == setup->resource_id_base;
 }
 
-void X11KeyMonitors::handleRawKey(std::uint32_t keycode) {
-    if (!m_gate.isOpen() || keycode < evdevOffset)
+void X11KeyMonitors::handleStateChange(std::uint32_t keycode, std::uint32_t state) {
+    const auto before = m_modifiers.flags(m_modifierState);
+    m_modifierState = state;
+    const auto flags = m_modifiers.flags(state);
+    if (flags == before || m_recordingHandlers.empty() || !m_gate.isOpen())
         return;
-    const auto virtualKey = virtualKeyFromEvdev(static_cast<std::uint16_t>(keycode - evdevOffset));
+    // Keys that are let go of elsewhere are told of as well, or they would seem to be held for ever.
+    if ((flags & KeyModifier::shortcutMask) != 0 && !ownWindowHasFocus())
+        return;
+    offer(m_recordingHandlers, {virtualKeyOf(keycode).value_or(0), flags, KeyEventType::modifiersChanged});
+}
+
+void X11KeyMonitors::handleRawKey(std::uint32_t keycode) {
+    if (!m_gate.isOpen())
+        return;
+    const auto virtualKey = virtualKeyOf(keycode);
     // While one of our windows has the keyboard, its keys are the local monitors'.
-    if (!virtualKey || ownWindowHasFocus())
+    if (!virtualKey || isModifierKey(*virtualKey) || ownWindowHasFocus())
         return;
     const KeyEvent key{*virtualKey, m_modifiers.flags(m_modifierState)};
     // A copy: a handler may add and remove monitors; one that was removed meanwhile is not called.
@@ -126,24 +159,30 @@ void X11KeyMonitors::handleRawKey(std::uint32_t keycode) {
     }
 }
 
+bool X11KeyMonitors::offer(const LocalHandlers& monitors, const KeyEvent& key) {
+    // A copy: a handler may add and remove monitors; one that was removed meanwhile is not called.
+    for (const auto& [token, handler] : LocalHandlers(monitors)) {
+        if (monitors.contains(token) && handler(key))
+            return true;
+    }
+    return false;
+}
+
 bool X11KeyMonitors::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride && !m_recordingHandlers.empty()) {
+        // Accepted, it keeps the toolkit from looking for a shortcut; the key itself comes next.
+        event->accept();
+        return true;
+    }
     // A key reaches the window first, then what is inside: once is enough.
     if (event->type() != QEvent::KeyPress || !watched->isWindowType() || !m_gate.isOpen())
         return false;
     const auto& press = static_cast<const QKeyEvent&>(*event);
-    if (press.nativeScanCode() < evdevOffset)
-        return false;
-    const auto virtualKey =
-        virtualKeyFromEvdev(static_cast<std::uint16_t>(press.nativeScanCode() - evdevOffset));
-    if (!virtualKey)
+    const auto virtualKey = virtualKeyOf(press.nativeScanCode());
+    if (!virtualKey || isModifierKey(*virtualKey))
         return false;
     const KeyEvent key{*virtualKey, m_modifiers.flags(press.nativeModifiers())};
-    const auto handlers = m_localHandlers;
-    for (const auto& [token, handler] : handlers) {
-        if (m_localHandlers.contains(token) && handler(key))
-            return true;
-    }
-    return false;
+    return offer(m_recordingHandlers, key) || offer(m_localHandlers, key);
 }
 
 } // namespace framora

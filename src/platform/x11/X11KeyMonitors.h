@@ -24,6 +24,7 @@ public:
 
     Token addGlobalMonitor(GlobalHandler handler) override;
     Token addLocalMonitor(LocalHandler handler) override;
+    Token addRecordingMonitor(LocalHandler handler) override;
     void removeMonitor(Token token) override;
 
 protected:
@@ -34,6 +35,9 @@ private:
     void handleEvent(const xcb_generic_event_t& event);
     bool ownWindowHasFocus() const;
     void handleRawKey(std::uint32_t keycode);
+    void handleStateChange(std::uint32_t keycode, std::uint32_t state);
+    using LocalHandlers = std::map<Token, LocalHandler>;
+    static bool offer(const LocalHandlers& monitors, const KeyEvent& key);
 
     X11Connection& m_connection;
     CommandGate& m_gate;
@@ -43,7 +47,8 @@ private:
     std::uint32_t m_modifierState = 0;
     Token m_lastToken = 0;
     std::map<Token, GlobalHandler> m_globalHandlers;
-    std::map<Token, LocalHandler> m_localHandlers;
+    LocalHandlers m_localHandlers;
+    LocalHandlers m_recordingHandlers;
 };
 
 } // namespace framora

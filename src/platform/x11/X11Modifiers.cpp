@@ -69,4 +69,19 @@ std::uint64_t X11Modifiers::flags(std::uint32_t state) const {
     return flags;
 }
 
+std::uint16_t X11Modifiers::state(std::uint64_t flags) const {
+    // Where Alt has more than one, the lowest: that is the one that keyboards set.
+    const auto lowest = [](std::uint32_t mask) { return mask & (~mask + 1); };
+    std::uint32_t state = 0;
+    if (flags & KeyModifier::shift)
+        state |= XCB_MOD_MASK_SHIFT;
+    if (flags & KeyModifier::control)
+        state |= XCB_MOD_MASK_CONTROL;
+    if (flags & KeyModifier::option)
+        state |= lowest(m_alt);
+    if (flags & KeyModifier::command)
+        state |= lowest(m_super);
+    return static_cast<std::uint16_t>(state);
+}
+
 } // namespace framora

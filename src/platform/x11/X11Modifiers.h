@@ -15,6 +15,8 @@ public:
     void reload();
     /// `state`: the eight real modifiers, as in a key event's state.
     std::uint64_t flags(std::uint32_t state) const;
+    /// The real modifiers that those KeyModifier bits stand for; bits without one are left out.
+    std::uint16_t state(std::uint64_t flags) const;
 
 private:
     X11Connection& m_connection;

@@ -10,6 +10,8 @@ class X11Permissions final : public Permissions {
 public:
     explicit X11Permissions(const X11KeyMonitors& keyMonitors) : m_keyMonitors(keyMonitors) {}
     bool isAccessibilityTrusted() override { return m_keyMonitors.canMonitorGlobally(); }
+    /// There is nobody to ask: a server has the extension or not.
+    bool requestAccessibility() override { return isAccessibilityTrusted(); }
     bool canCaptureScreen() override { return true; }
 
 private:

@@ -1,0 +1,80 @@
+#include "settings/PermissionsMonitor.h"
+
+#include "platform/MainQueue.h"
+#include "platform/Notifications.h"
+#include "platform/Permissions.h"
+#include "settings/SettingsServices.h"
+
+#include <QPointer>
+
+namespace framora {
+namespace {
+
+constexpr double pollInterval = 1.0;
+/// Lets the desktop's own question come up first.
+constexpr double paneDelay = 0.5;
+
+} // namespace
+
+bool openPrivacyPane(PrivacyPanes& panes, PrivacyPane pane) {
+    return panes.openPage(pane) || panes.openPrivacyOverview() || panes.openSettingsProgram();
+}
+
+PermissionsMonitor::PermissionsMonitor(const SettingsServices& services)
+    : m_mainQueue(services.mainQueue), m_notifications(services.notifications),
+      m_permissions(services.permissions), m_panes(services.privacyPanes) {}
+
+PermissionsMonitor::~PermissionsMonitor() = default;
+
+void PermissionsMonitor::checkPermissions() {
+    const bool trusted = m_permissions.isAccessibilityTrusted();
+    const bool canRecord = m_permissions.canCaptureScreen();
+    const bool differs = trusted != m_hasAccessibility || canRecord != m_hasScreenRecording;
+    if (trusted != m_hasAccessibility) {
+        m_hasAccessibility = trusted;
+        if (trusted)
+            m_notifications.post(notifications::accessibilityPermissionsGranted);
+    }
+    m_hasScreenRecording = canRecord;
+    if (m_hasAccessibility && m_hasScreenRecording) {
+        m_timerSubscription.reset();
+        m_appActiveSubscription.reset();
+    }
+    if (differs)
+        Q_EMIT changed();
+}
+
+void PermissionsMonitor::appear() {
+    checkPermissions();
+    m_timerSubscription = m_mainQueue.every(pollInterval, [this] { checkPermissions(); });
+    m_appActiveSubscription =
+        m_notifications.observe(notifications::applicationDidBecomeActive, [this] { checkPermissions(); });
+    m_permissionsStatusSubscription =
+        m_notifications.observe(notifications::permissionsStatusChanged, [this] {
+            m_mainQueue.async([self = QPointer(this)] {
+                // Not for a section that has gone in the meantime.
+                if (self && self->m_permissionsStatusSubscription)
+                    self->checkPermissions();
+            });
+        });
+}
+
+void PermissionsMonitor::disappear() {
+    m_timerSubscription.reset();
+    m_appActiveSubscription.reset();
+    m_permissionsStatusSubscription.reset();
+}
+
+void PermissionsMonitor::grantAccessibility() {
+    m_permissions.requestAccessibility();
+    m_paneOpening = m_mainQueue.after(paneDelay, [this] {
+        if (!openPrivacyPane(m_panes, PrivacyPane::accessibility))
+            Q_EMIT noSettingsToOpen();
+    });
+}
+
+void PermissionsMonitor::grantScreenRecording() {
+    openPrivacyPane(m_panes, PrivacyPane::screenCapture);
+}
+
+} // namespace framora

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "platform/NotificationCenter.h"
+#include "platform/PrivacyPanes.h"
+
+#include <QObject>
+#include <memory>
+#include <optional>
+
+namespace framora {
+
+class MainQueue;
+class Permissions;
+class WorkItem;
+struct SettingsServices;
+
+/// Opens the pane by the nearest route there is: the page itself, the page about privacy, the settings
+/// program. False when there is none.
+bool openPrivacyPane(PrivacyPanes& panes, PrivacyPane pane);
+
+/// The two permissions as the settings show them. Kept current while they are on screen: by a poll until both
+/// are given, and by what the rest of the program finds out.
+class PermissionsMonitor final : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool hasAccessibility READ hasAccessibility NOTIFY changed FINAL)
+    Q_PROPERTY(bool hasScreenRecording READ hasScreenRecording NOTIFY changed FINAL)
+
+public:
+    /// The services outlive the monitor.
+    explicit PermissionsMonitor(const SettingsServices& services);
+    ~PermissionsMonitor() override;
+
+    bool hasAccessibility() const { return m_hasAccessibility; }
+    bool hasScreenRecording() const { return m_hasScreenRecording; }
+    bool isPolling() const { return m_timerSubscription != nullptr; }
+
+    /// The section comes on screen, or leaves it.
+    Q_INVOKABLE void appear();
+    Q_INVOKABLE void disappear();
+
+    /// Lets the desktop ask, and opens its settings half a second later.
+    Q_INVOKABLE void grantAccessibility();
+    Q_INVOKABLE void grantScreenRecording();
+
+Q_SIGNALS:
+    void changed();
+    /// The user wants to give the accessibility permission, and this desktop has no settings to do it in.
+    void noSettingsToOpen();
+
+private:
+    void checkPermissions();
+
+    MainQueue& m_mainQueue;
+    NotificationCenter& m_notifications;
+    Permissions& m_permissions;
+    PrivacyPanes& m_panes;
+    bool m_hasAccessibility = false;
+    bool m_hasScreenRecording = false;
+    std::unique_ptr<WorkItem> m_timerSubscription;
+    std::optional<NotificationCenter::Token> m_appActiveSubscription;
+    std::optional<NotificationCenter::Token> m_permissionsStatusSubscription;
+    std::unique_ptr<WorkItem> m_paneOpening;
+};
+
+} // namespace framora

@@ -1,0 +1,19 @@
+#include "settings/ShortcutConflict.h"
+
+#include "platform/DesktopShortcuts.h"
+#include "platform/KeyMonitors.h"
+#include "settings/HotkeyConfiguration.h"
+
+namespace framora {
+
+ShortcutConflict findConflict(const HotkeyConfiguration& shortcut, const HotkeyConfiguration& otherCapture,
+                              DesktopShortcuts& desktop) {
+    const std::uint64_t modifiers = shortcut.modifiers & KeyModifier::shortcutMask;
+    if (shortcut.keyCode == otherCapture.keyCode &&
+        modifiers == (otherCapture.modifiers & KeyModifier::shortcutMask))
+        return ShortcutConflict::otherCapture;
+    return desktop.isTaken(shortcut.keyCode, modifiers) ? ShortcutConflict::otherProgram
+                                                        : ShortcutConflict::none;
+}
+
+} // namespace framora

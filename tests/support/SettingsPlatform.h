@@ -1,0 +1,133 @@
+#pragma once
+
+#include "platform/DesktopShortcuts.h"
+#include "platform/KeyboardLayout.h"
+#include "platform/LoginItem.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Notifications.h"
+#include "platform/Permissions.h"
+#include "platform/PrivacyPanes.h"
+#include "settings/SettingsServices.h"
+#include "support/FixedAppearance.h"
+#include "support/ManualKeyMonitors.h"
+#include "support/ManualMainQueue.h"
+#include "support/MemoryDefaults.h"
+
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace framora {
+
+/// A layout that prints what the test says; at first nothing.
+class FixedKeyboardLayout final : public KeyboardLayout {
+public:
+    QString textOfKey(std::uint16_t virtualKey) const override {
+        const auto found = texts.find(virtualKey);
+        return found == texts.end() ? QString() : found->second;
+    }
+    std::map<std::uint16_t, QString> texts;
+};
+
+class FixedDesktopShortcuts final : public DesktopShortcuts {
+public:
+    bool isTaken(std::uint16_t virtualKey, std::uint64_t modifiers) override {
+        return taken.contains({virtualKey, modifiers});
+    }
+    std::set<std::pair<std::uint16_t, std::uint64_t>> taken;
+};
+
+/// Permissions that the test gives and takes away.
+class SwitchablePermissions final : public Permissions {
+public:
+    bool isAccessibilityTrusted() override {
+        ++checks;
+        return trusted;
+    }
+    bool requestAccessibility() override {
+        ++requests;
+        return trusted;
+    }
+    bool canCaptureScreen() override { return recording; }
+
+    bool trusted = false;
+    bool recording = false;
+    int checks = 0;
+    int requests = 0;
+};
+
+/// Writes down the routes that are tried; the one that the test names works.
+class RecordingPrivacyPanes final : public PrivacyPanes {
+public:
+    bool openPage(PrivacyPane pane) override {
+        return attempt(pane == PrivacyPane::accessibility ? "page accessibility" : "page screen capture");
+    }
+    bool openPrivacyOverview() override { return attempt("overview"); }
+    bool openSettingsProgram() override { return attempt("program"); }
+
+    std::vector<std::string> tried;
+    std::string working = "page";
+
+private:
+    bool attempt(const std::string& route) {
+        tried.push_back(route);
+        return !working.empty() && route.starts_with(working);
+    }
+};
+
+class MemoryLoginItem final : public LoginItem {
+public:
+    bool isEnabled() const override { return enabled; }
+    bool setEnabled(bool wish) override {
+        if (isReadOnly)
+            return false;
+        enabled = wish;
+        return true;
+    }
+    bool enabled = false;
+    bool isReadOnly = false;
+};
+
+/// Everything a settings window needs, in memory.
+struct SettingsPlatform {
+    ManualMainQueue queue;
+    NotificationCenter notifications;
+    MemoryDefaults defaults;
+    ManualKeyMonitors keys;
+    FixedKeyboardLayout layout;
+    FixedDesktopShortcuts desktopShortcuts;
+    SwitchablePermissions permissions;
+    RecordingPrivacyPanes panes;
+    MemoryLoginItem loginItem;
+    FixedAppearance appearance;
+    std::vector<std::pair<CaptureSound, float>> played;
+
+    SettingsServices services() {
+        return {queue,
+                notifications,
+                defaults,
+                keys,
+                layout,
+                desktopShortcuts,
+                permissions,
+                panes,
+                loginItem,
+                appearance,
+                [this](CaptureSound sound, float volume) { played.emplace_back(sound, volume); }};
+    }
+
+    /// The names of all that is posted from now on, in order.
+    struct Posts {
+        explicit Posts(NotificationCenter& center) {
+            for (const char* name :
+                 {notifications::settingsChanged, notifications::hotkeyConfigurationChanged,
+                  notifications::dockIconChanged, notifications::accessibilityPermissionsGranted})
+                tokens.push_back(center.observe(name, [this, name] { names.emplace_back(name); }));
+        }
+        std::vector<std::string> names;
+        std::vector<NotificationCenter::Token> tokens;
+    };
+};
+
+} // namespace framora
