@@ -6,6 +6,9 @@ import Framora.Controls
 T.ToolTip {
     id: tip
 
+    /// The keys that do the same, shown behind the text.
+    property string shortcut: ""
+
     x: Math.round((parent.width - implicitWidth) / 2)
     y: parent.height + 6
     margins: 8
@@ -18,11 +21,21 @@ T.ToolTip {
     implicitWidth: contentItem.implicitWidth + leftPadding + rightPadding
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
 
-    contentItem: Text {
-        text: tip.text
-        color: Theme.text
-        font.family: Theme.fontFamily
-        font.pixelSize: 12
+    contentItem: Row {
+        spacing: 8
+        Text {
+            text: tip.text
+            color: Theme.text
+            font.family: Theme.fontFamily
+            font.pixelSize: 12
+        }
+        Text {
+            visible: text !== ""
+            text: tip.shortcut
+            color: Theme.tertiaryText
+            font.family: Theme.fontFamily
+            font.pixelSize: 12
+        }
     }
     background: Rectangle {
         color: Theme.card

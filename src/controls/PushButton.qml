@@ -9,6 +9,7 @@ T.AbstractButton {
 
     property string symbol: ""
     property string help: ""
+    property string shortcut: "" ///< Shown with the help.
     property bool primary: false
     /// For a button that stands on the window's ground.
     property bool raised: false
@@ -64,6 +65,7 @@ T.AbstractButton {
         sourceComponent: HelpTip {
             parent: control
             text: control.help
+            shortcut: control.shortcut
             visible: hover.hovered && !control.pressed
         }
     }

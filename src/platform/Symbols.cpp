@@ -33,6 +33,8 @@ constexpr std::array symbols{
     Entry{u"3.circle.fill", 0xF3AA, {0xF12F, '3', 0.5, 0.5, 0.42, true}},
     Entry{u"arrow.counterclockwise", 0xF459},
     Entry{u"arrow.up.left.and.arrow.down.right", 0xF04C},
+    Entry{u"arrow.uturn.backward", 0xF54C},
+    Entry{u"arrow.uturn.forward", 0xF44E},
     Entry{u"basketball", 0xF1E0},
     Entry{u"bird", 0xF544},
     Entry{u"camera", 0xF100},

@@ -9,11 +9,12 @@ Item {
     id: header
 
     required property EditorSession session
+    required property EditorShortcuts shortcuts
     /// How far the sidebar reaches at the moment.
     required property real sidebarSpace
 
     readonly property ScreenshotEditorViewModel viewModel: session.viewModel
-    readonly property bool compact: width - Math.max(sidebarSpace, windowCluster.width) < 640
+    readonly property bool compact: width - Math.max(sidebarSpace, windowCluster.width) < 700
 
     Rectangle {
         x: header.sidebarSpace
@@ -45,6 +46,7 @@ Item {
             symbol: "window.close"
             symbolSize: 16
             help: qsTr("Close")
+            shortcut: header.shortcuts.close
             tint: Theme.secondaryText
             onClicked: header.session.close()
         }
@@ -102,15 +104,33 @@ Item {
         spacing: 4
 
         IconButton {
+            objectName: "undo"
+            symbol: "arrow.uturn.backward"
+            help: Strings.localized("undo")
+            shortcut: header.shortcuts.undo
+            enabled: header.viewModel.canUndo
+            onClicked: header.viewModel.undo()
+        }
+        IconButton {
+            objectName: "redo"
+            symbol: "arrow.uturn.forward"
+            help: Strings.localized("redo")
+            shortcut: header.shortcuts.redo
+            enabled: header.viewModel.canRedo
+            onClicked: header.viewModel.redo()
+        }
+        IconButton {
             objectName: "zoom.in"
             symbol: "plus.magnifyingglass"
             help: qsTr("Zoom In")
+            shortcut: header.shortcuts.zoomIn
             onClicked: header.viewModel.zoomIn()
         }
         IconButton {
             objectName: "zoom.out"
             symbol: "minus.magnifyingglass"
             help: qsTr("Zoom Out")
+            shortcut: header.shortcuts.zoomOut
             onClicked: header.viewModel.zoomOut()
         }
         IconButton {
@@ -166,6 +186,7 @@ Item {
                         symbol: modelData.symbol
                         text: modelData.label
                         help: modelData.toolTip
+                        shortcut: header.shortcuts.ofToolbarItem(modelData.identifier)
                         onClicked: header.session.triggerToolbarItem(modelData.identifier)
                     }
                 }
@@ -176,6 +197,7 @@ Item {
                         symbol: modelData.symbol
                         text: modelData.label
                         help: modelData.toolTip
+                        shortcut: header.shortcuts.ofToolbarItem(modelData.identifier)
                         primary: modelData.identifier === "CopyItem"
                         raised: true
                         compact: header.compact

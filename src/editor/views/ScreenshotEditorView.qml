@@ -15,6 +15,33 @@ Item {
     readonly property ScreenshotEditorViewModel viewModel: session.viewModel
     readonly property real sidebarSpace: sidebar.x + sidebar.width
 
+    /// One thing at a time: what is being dragged, what is being typed, the colour panel, the window.
+    function leave(): void {
+        if (detail.cancelDrag())
+            return;
+        if (shortcuts.editingText)
+            detail.forceActiveFocus(Qt.OtherFocusReason);
+        else if (session.colorPanel.isOpen)
+            session.colorPanel.close();
+        else
+            session.close();
+    }
+
+    focus: true
+    // A control that has the keys and a use for the space bar never lets it come here.
+    Keys.onPressed: event => {
+        if (event.key !== Qt.Key_Space || event.modifiers !== Qt.NoModifier)
+            return;
+        detail.panKeyHeld = true;
+        event.accepted = true;
+    }
+    Keys.onReleased: event => {
+        if (event.key === Qt.Key_Space && !event.isAutoRepeat)
+            detail.panKeyHeld = false;
+    }
+    Keys.onEscapePressed: leave()
+    Window.onActiveChanged: if (!Window.active) detail.panKeyHeld = false
+
     Binding { target: Theme; property: "dark"; value: root.dark }
     Binding { target: Theme; property: "accent"; value: root.accent }
     Binding { target: Theme; property: "reducedMotion"; value: root.reducedMotion }
@@ -45,6 +72,7 @@ Item {
         config: root.viewModel.config
         Accessible.role: Accessible.Graphic
         Accessible.name: qsTr("Preview")
+        Accessible.focusable: true
         onIsDraggingChanged: root.session.isDraggingScreenshot = isDragging
         onDragOffsetChanged: {
             if (isDragging)
@@ -52,31 +80,41 @@ Item {
                                                 root.viewModel.lastOffset.height + dragOffset.height);
         }
         onScreenshotOffsetChanged: offset => {
-            root.viewModel.lastOffset = root.viewModel.offset;
+            // In this order: undo goes back to where the drag before ended.
             root.viewModel.setScreenshotOffset(offset);
+            root.viewModel.lastOffset = root.viewModel.offset;
+        }
+        onZoomRequested: percent => root.viewModel.zoomTo(percent)
+        onNudged: distance => root.viewModel.nudgeScreenshot(distance)
+
+        Connections {
+            target: root.viewModel
+            function onFitted(): void { detail.centre(); }
+        }
+        ImageDropArea {
+            objectName: "canvas.drop"
+            anchors.fill: parent
+            viewModel: root.viewModel
+        }
+        Rectangle {
+            objectName: "canvas.focus"
+            anchors.fill: parent
+            anchors.margins: 2
+            visible: detail.visualFocus
+            color: "transparent"
+            border.width: 2
+            border.color: Theme.accent
+            radius: Theme.radius
         }
     }
 
-    // The zoom in force.
-    Rectangle {
+    ZoomButton {
+        objectName: "zoom.text"
         anchors.right: detail.right
         anchors.bottom: detail.bottom
         anchors.margins: 12
-        width: zoomText.implicitWidth + 20
-        height: 26
-        radius: 13
-        color: Theme.surface
-        border.color: Theme.hairline
-        Text {
-            id: zoomText
-            objectName: "zoom.text"
-            anchors.centerIn: parent
-            text: Math.round(root.viewModel.config.zoom) + "%"
-            color: Theme.secondaryText
-            font.family: Theme.fontFamily
-            font.pixelSize: 12
-            font.weight: Font.Medium
-        }
+        viewModel: root.viewModel
+        shortcut: zoom === 100 ? shortcuts.fit : shortcuts.actualSize
     }
 
     EditorSidebar {
@@ -96,6 +134,7 @@ Item {
         width: parent.width
         height: Theme.headerHeight
         session: root.session
+        shortcuts: shortcuts
         sidebarSpace: root.sidebarSpace
     }
 
@@ -114,20 +153,9 @@ Item {
     }
     ResizeMargins { anchors.fill: parent }
 
-    Shortcut {
-        sequences: ["Escape"]
-        onActivated: {
-            if (root.session.colorPanel.isOpen)
-                root.session.colorPanel.close();
-            else
-                root.session.close();
-        }
+    EditorShortcuts {
+        id: shortcuts
+        session: root.session
+        onCancelled: root.leave()
     }
-    Shortcut { sequences: [StandardKey.Close]; onActivated: root.session.close() }
-    Shortcut { sequences: [StandardKey.Copy]; onActivated: root.session.triggerToolbarItem("CopyItem") }
-    Shortcut { sequences: [StandardKey.Save]; onActivated: root.session.triggerToolbarItem("SaveItem") }
-    Shortcut { sequences: ["Ctrl++", "Ctrl+="]; onActivated: root.viewModel.zoomIn() }
-    Shortcut { sequences: ["Ctrl+-"]; onActivated: root.viewModel.zoomOut() }
-    Shortcut { sequences: ["Ctrl+0"]; onActivated: root.session.triggerToolbarItem("ZoomFitItem") }
-    Shortcut { sequences: ["Ctrl+1"]; onActivated: root.session.triggerToolbarItem("ZoomActualItem") }
 }

@@ -2,6 +2,7 @@
 
 #include "editor/model/ScreenshotStyleConfig.h"
 #include "editor/render/CompositionRasterizer.h"
+#include "editor/views/CanvasViewport.h"
 
 #include <QImage>
 #include <QPointF>
@@ -10,11 +11,13 @@
 #include <QtQml/qqmlregistration.h>
 #include <array>
 #include <optional>
+#include <utility>
 
 namespace framora {
 
-/// The live preview: the composition at the style's zoom, centred in the item, and the drag that moves the
-/// screenshot across it. What is larger than the item can be scrolled with the wheel.
+/// The live preview: the composition at the style's zoom and the hands that are laid on it. A drag moves the
+/// screenshot across the canvas, the wheel and two fingers zoom about the pointer, the middle button or the
+/// pan key moves the canvas under the view, arrow keys move the screenshot.
 class ScreenshotPreviewCanvas : public QQuickItem {
     Q_OBJECT
     QML_ELEMENT
@@ -22,6 +25,10 @@ class ScreenshotPreviewCanvas : public QQuickItem {
     Q_PROPERTY(framora::ScreenshotStyleConfig config READ config WRITE setConfig NOTIFY configChanged)
     Q_PROPERTY(bool isDragging READ isDragging NOTIFY isDraggingChanged)
     Q_PROPERTY(QSizeF dragOffset READ dragOffset NOTIFY dragOffsetChanged)
+    /// While it is true, a drag with the left button pans.
+    Q_PROPERTY(bool panKeyHeld READ panKeyHeld WRITE setPanKeyHeld NOTIFY panKeyHeldChanged)
+    /// It has the keys, and they were brought here by the keyboard.
+    Q_PROPERTY(bool visualFocus READ visualFocus NOTIFY visualFocusChanged)
 
 public:
     explicit ScreenshotPreviewCanvas(QQuickItem* parent = nullptr);
@@ -34,49 +41,89 @@ public:
     bool isDragging() const { return m_isDragging; }
     /// How far the running drag has moved the screenshot, in canvas points; zero between drags.
     QSizeF dragOffset() const { return m_dragOffset; }
+    bool panKeyHeld() const { return m_panKeyHeld; }
+    void setPanKeyHeld(bool held);
+    bool visualFocus() const { return m_visualFocus; }
     /// The decoded background; null while there is none.
     QImage loadedBackgroundImage() const { return m_loadedBackgroundImage; }
     /// The drawn frame, in device pixels.
     QImage frame() const { return m_frames[m_front]; }
+    const CanvasViewport& viewport() const { return m_viewport; }
+
+    /// Puts the canvas into the middle of the view.
+    Q_INVOKABLE void centre();
+    /// Ends a drag with the screenshot where it was before, and a pan where it is. False when there is none.
+    Q_INVOKABLE bool cancelDrag();
 
 Q_SIGNALS:
     void imageChanged();
     void configChanged();
     void isDraggingChanged();
     void dragOffsetChanged();
+    void panKeyHeldChanged();
+    void visualFocusChanged();
     /// Once at the end of each drag: where the screenshot stands now, in canvas points.
     void screenshotOffsetChanged(QSizeF offset);
+    /// The user asks for another zoom, in percent and without limits; the style answers with its own.
+    void zoomRequested(double percent);
+    /// The user moves the screenshot by keys, in canvas points.
+    void nudged(QSizeF distance);
     void backgroundLoaded();
 
 protected:
+    bool event(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void mouseUngrabEvent() override;
+    void touchEvent(QTouchEvent* event) override;
+    void touchUngrabEvent() override;
     void wheelEvent(QWheelEvent* event) override;
     void hoverMoveEvent(QHoverEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
     void geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) override;
     void itemChange(ItemChange change, const ItemChangeData& data) override;
     QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData* data) override;
 
 private:
-    double zoomFactor() const { return m_config.zoom / 100.0; }
-    /// In points of the item, as positions are.
-    QPointF canvasCentre() const;
+    /// Two fingers on the canvas.
+    struct Pinch {
+        QPointF middle;
+        double distance = 0;
+    };
+
     bool isOverScreenshot(QPointF position) const;
     void setDragOffset(QSizeF offset);
     void setDragging(bool dragging);
+    void setVisualFocus(bool shown);
+    /// False, and nothing begun, beside the screenshot.
+    bool beginDrag(QPointF position);
+    void dragTo(QPointF position);
     void endDrag(bool commit);
-    void setPan(QPointF pan);
+    void beginPan(QPointF position);
+    void endPan();
+    void panBy(QPointF distance);
+    void zoomAbout(QPointF position, double factor);
+    void pinch(const Pinch& now);
+    void updateCursor();
     void loadBackground();
     void drawFrame();
 
     QImage m_image;
     ScreenshotStyleConfig m_config;
+    CanvasViewport m_viewport;
     bool m_isDragging = false;
     QSizeF m_dragOffset{0, 0};
-    QPointF m_pressPosition;
-    QPointF m_pan; ///< Of the canvas centre from the item's centre, in points.
+    QPointF m_pressPoint;                    ///< Of the drag, in canvas points.
+    Qt::MouseButton m_button = Qt::NoButton; ///< That began what is going on.
+    std::optional<QPointF> m_panPosition;    ///< Of the pointer, while it pans.
+    std::optional<Pinch> m_pinch;
+    QPointF m_pointer; ///< Where it was seen last.
+    bool m_panKeyHeld = false;
+    bool m_visualFocus = false;
+    std::optional<QPointF> m_zoomAnchor; ///< While a zoom about a place is being asked for.
     QImage m_loadedBackgroundImage;
     std::optional<QUrl> m_backgroundURL;
     bool m_watchesBackground = false;

@@ -1,101 +1,13 @@
-#include "editor/views/ScreenshotPreviewCanvas.h"
+#include "unit/editor/PreviewCanvasFixture.h"
 
 #include "editor/render/CompositionRasterizer.h"
 #include "support/MediaFiles.h"
 
 #include <QFile>
-#include <QQuickWindow>
-#include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
-#include <gtest/gtest.h>
 
 namespace framora {
 namespace {
-
-class Canvas : public testing::Test {
-public:
-    static void SetUpTestSuite() { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); }
-
-    Canvas() {
-        image = QImage(200, 100, QImage::Format_ARGB32_Premultiplied);
-        image.fill(QColor(200, 30, 40));
-        config.backgroundType = BackgroundType::color;
-        config.padding = 50;
-        window.resize(600, 400);
-        canvas = new ScreenshotPreviewCanvas(window.contentItem());
-        canvas->setSize({600, 400});
-        canvas->setImage(image);
-        canvas->setConfig(config);
-        // What the view model does with the answer.
-        QObject::connect(canvas, &ScreenshotPreviewCanvas::screenshotOffsetChanged, canvas,
-                         [this](QSizeF offset) {
-                             offsets.append(offset);
-                             config.screenshotOffset = {offset.width(), offset.height()};
-                             canvas->setConfig(config);
-                         });
-        window.show();
-        EXPECT_TRUE(QTest::qWaitForWindowExposed(&window));
-    }
-    void set(auto apply) {
-        apply(config);
-        canvas->setConfig(config);
-    }
-    QColor shown(int x, int y) { return window.grabWindow().pixelColor(x, y); }
-
-    QQuickWindow window;
-    ScreenshotPreviewCanvas* canvas = nullptr;
-    QImage image;
-    ScreenshotStyleConfig config;
-    QList<QSizeF> offsets;
-};
-
-TEST_F(Canvas, ADragEndsWithTheNewOffsetOnce) {
-    set([](auto& style) { style.screenshotOffset = {5, 5}; });
-    QSignalSpy dragging(canvas, &ScreenshotPreviewCanvas::isDraggingChanged);
-    QTest::mousePress(&window, Qt::LeftButton, {}, {300, 200});
-    EXPECT_TRUE(canvas->isDragging());
-    QTest::mouseMove(&window, {320, 195});
-    EXPECT_EQ(canvas->dragOffset(), QSizeF(20, -5));
-    QTest::mouseMove(&window, {330, 190});
-    EXPECT_TRUE(offsets.isEmpty()) << "only at the end";
-    EXPECT_EQ(canvas->config().screenshotOffset, (Size{5, 5})) << "the canvas never writes it";
-    QTest::mouseRelease(&window, Qt::LeftButton, {}, {330, 190});
-    EXPECT_EQ(offsets, QList<QSizeF>{QSizeF(35, -5)});
-    EXPECT_EQ(canvas->dragOffset(), QSizeF(0, 0));
-    EXPECT_FALSE(canvas->isDragging());
-    EXPECT_EQ(dragging.count(), 2);
-}
-
-TEST_F(Canvas, AClickReportsTheUnchangedOffset) {
-    set([](auto& style) { style.screenshotOffset = {5, 6}; });
-    QTest::mouseClick(&window, Qt::LeftButton, {}, {300, 200});
-    EXPECT_EQ(offsets, QList<QSizeF>{QSizeF(5, 6)});
-    EXPECT_FALSE(canvas->isDragging());
-}
-
-TEST_F(Canvas, ADragCountsInCanvasPointsAtAnyZoom) {
-    set([](auto& style) { style.zoom = 50; });
-    QTest::mousePress(&window, Qt::LeftButton, {}, {300, 200});
-    QTest::mouseMove(&window, {320, 190});
-    QTest::mouseRelease(&window, Qt::LeftButton, {}, {320, 190});
-    EXPECT_EQ(offsets, QList<QSizeF>{QSizeF(40, -20)});
-}
-
-TEST_F(Canvas, APressBesideTheScreenshotDragsNothing) {
-    QTest::mouseClick(&window, Qt::LeftButton, {}, {180, 200});
-    EXPECT_TRUE(offsets.isEmpty()) << "20 points left of it, on the background";
-    QTest::mouseClick(&window, Qt::LeftButton, {}, {205, 200});
-    EXPECT_EQ(offsets.size(), 1);
-}
-
-TEST_F(Canvas, TheScreenshotIsFoundWhereItWasTurnedTo) {
-    set([](auto& style) { style.rotation = 90; });
-    QTest::mouseClick(&window, Qt::LeftButton, {}, {205, 200});
-    EXPECT_TRUE(offsets.isEmpty());
-    QTest::mouseClick(&window, Qt::LeftButton, {}, {300, 110});
-    EXPECT_EQ(offsets.size(), 1);
-}
 
 TEST_F(Canvas, ShowsTheCompositionAtItsZoomInTheMiddle) {
     set([](auto& style) {
@@ -111,18 +23,6 @@ TEST_F(Canvas, ShowsTheCompositionAtItsZoomInTheMiddle) {
     // The canvas is 450 x 300 there.
     const QRect inside(75, 50, 450, 300);
     EXPECT_EQ(grabbed.copy(inside), expected.copy(inside));
-}
-
-TEST_F(Canvas, TheScreenshotFollowsThePointerWhileItIsDragged) {
-    const QColor red(200, 30, 40);
-    EXPECT_EQ(shown(395, 200), red);
-    EXPECT_NE(shown(405, 200), red);
-    QTest::mousePress(&window, Qt::LeftButton, {}, {300, 200});
-    QTest::mouseMove(&window, {320, 200});
-    EXPECT_EQ(shown(405, 200), red);
-    EXPECT_NE(shown(215, 200), red);
-    QTest::mouseRelease(&window, Qt::LeftButton, {}, {320, 200});
-    EXPECT_EQ(shown(405, 200), red) << "and stays where it was let go";
 }
 
 TEST_F(Canvas, LoadsItsBackgroundAndClearsItWithTheUrl) {
@@ -203,23 +103,6 @@ TEST_F(Canvas, AMissingBackgroundLeavesItEmpty) {
     });
     ASSERT_TRUE(loaded.wait(5000));
     EXPECT_TRUE(canvas->loadedBackgroundImage().isNull());
-}
-
-TEST_F(Canvas, TheWheelScrollsWhatIsLargerThanTheRoomAndNothingElse) {
-    const auto turn = [this](int vertical) {
-        QWheelEvent event({300, 200}, window.mapToGlobal(QPointF(300, 200)), {}, {0, vertical}, Qt::NoButton,
-                          {}, Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(&window, &event);
-    };
-    const QColor red(200, 30, 40);
-    turn(-120);
-    EXPECT_EQ(shown(300, 155), red) << "it fits: nothing to scroll";
-    set([](auto& style) { style.zoom = 300; });
-    EXPECT_EQ(shown(300, 55), red);
-    turn(-1200);
-    EXPECT_NE(shown(300, 345), red) << "scrolled down to its end";
-    turn(12000);
-    EXPECT_EQ(shown(300, 345), red);
 }
 
 } // namespace

@@ -1,0 +1,73 @@
+import QtQuick
+import Framora.Editor
+
+/// What the keyboard commands, and the keys as help texts show them.
+Item {
+    id: shortcuts
+
+    required property EditorSession session
+    signal cancelled
+
+    readonly property ScreenshotEditorViewModel viewModel: session.viewModel
+    /// A text field keeps the usual keys to itself.
+    readonly property bool editingText: Window.activeFocusItem instanceof TextInput
+
+    readonly property string close: closeKeys.nativeText
+    readonly property string undo: undoKeys.nativeText
+    readonly property string redo: redoKeys.nativeText
+    readonly property string zoomIn: zoomInKeys.nativeText
+    readonly property string zoomOut: zoomOutKeys.nativeText
+    readonly property string fit: fitKeys.nativeText
+    readonly property string actualSize: actualSizeKeys.nativeText
+
+    function ofToolbarItem(identifier: string): string {
+        switch (identifier) {
+        case "CopyItem": return copyKeys.nativeText;
+        case "SaveItem": return saveKeys.nativeText;
+        case "ZoomFitItem": return fit;
+        case "ZoomActualItem": return actualSize;
+        default: return "";
+        }
+    }
+
+    Shortcut { sequence: "Escape"; enabled: !shortcuts.editingText; onActivated: shortcuts.cancelled() }
+    Shortcut { id: closeKeys; sequence: "Ctrl+W"; onActivated: shortcuts.session.close() }
+
+    Shortcut {
+        id: copyKeys
+        sequence: "Ctrl+C"
+        enabled: !shortcuts.editingText
+        onActivated: shortcuts.session.triggerToolbarItem("CopyItem")
+    }
+    Shortcut {
+        sequence: "Ctrl+Ins"
+        enabled: copyKeys.enabled
+        onActivated: shortcuts.session.triggerToolbarItem("CopyItem")
+    }
+    Shortcut { id: saveKeys; sequence: "Ctrl+S"; onActivated: shortcuts.session.triggerToolbarItem("SaveItem") }
+
+    // Not in the middle of a drag, which would go on from another place.
+    Shortcut {
+        id: undoKeys
+        sequence: "Ctrl+Z"
+        enabled: !shortcuts.editingText && !shortcuts.session.isDraggingScreenshot
+        onActivated: shortcuts.viewModel.undo()
+    }
+    Shortcut {
+        id: redoKeys
+        sequence: "Ctrl+Shift+Z"
+        enabled: undoKeys.enabled
+        onActivated: shortcuts.viewModel.redo()
+    }
+    Shortcut { sequence: "Ctrl+Y"; enabled: undoKeys.enabled; onActivated: shortcuts.viewModel.redo() }
+
+    Shortcut { id: zoomInKeys; sequence: "Ctrl++"; onActivated: shortcuts.viewModel.zoomIn() }
+    Shortcut { sequence: "Ctrl+="; onActivated: shortcuts.viewModel.zoomIn() }
+    Shortcut { id: zoomOutKeys; sequence: "Ctrl+-"; onActivated: shortcuts.viewModel.zoomOut() }
+    Shortcut { id: fitKeys; sequence: "Ctrl+0"; onActivated: shortcuts.session.triggerToolbarItem("ZoomFitItem") }
+    Shortcut {
+        id: actualSizeKeys
+        sequence: "Ctrl+1"
+        onActivated: shortcuts.session.triggerToolbarItem("ZoomActualItem")
+    }
+}
