@@ -13,6 +13,7 @@
 #include "platform/desktop/JsonFileDefaults.h"
 #include "platform/desktop/LazySoundOutput.h"
 #include "platform/desktop/ModuleLoader.h"
+#include "platform/desktop/PortalSharing.h"
 #include "platform/desktop/ProcessCaptureTool.h"
 #include "platform/desktop/QtFilePanels.h"
 #include "platform/desktop/QtMainQueue.h"
@@ -40,6 +41,7 @@ struct framora_App::Desktop {
     JsonFileDefaults defaults{JsonFileDefaults::defaultPath()};
     FileResourceBundle resources;
     QtFilePanels filePanels;
+    PortalSharing sharing;
     DesktopAppearance appearance{notifications};
     LazySoundOutput soundOutput;
     X11Connection connection;
@@ -90,7 +92,7 @@ struct framora_App::Desktop {
                 editor.reset(
                     make({mainQueue, clock, filePanels, resources, notifications, pasteboard, application,
                           appearance, [this] { return std::make_unique<ToastManager>(toastServices()); },
-                          backgroundQueue, desktopPictures}));
+                          backgroundQueue, desktopPictures, &sharing}));
         }
         return editor.get();
     }

@@ -139,26 +139,7 @@ Item {
             help: qsTr("Reset Disposition")
             onClicked: header.viewModel.resetDisposition()
         }
-        Item {
-            width: share.width
-            height: share.height
-            IconButton {
-                id: share
-                objectName: "share"
-                symbol: "square.and.arrow.up"
-                text: qsTr("Share")
-                enabled: false
-            }
-            HoverHandler { id: shareHover }
-            Loader {
-                active: shareHover.hovered
-                sourceComponent: HelpTip {
-                    parent: share
-                    text: qsTr("Sharing is not available yet")
-                    visible: shareHover.hovered
-                }
-            }
-        }
+        ShareButton { session: header.session }
     }
     Row {
         anchors.right: parent.right

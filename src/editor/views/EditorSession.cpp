@@ -41,6 +41,30 @@ void EditorSession::importBackgroundImage() {
     });
 }
 
+void EditorSession::setSharing(Sharing::Abilities abilities) {
+    if (m_sharing == abilities)
+        return;
+    m_sharing = abilities;
+    Q_EMIT sharingChanged();
+}
+
+void EditorSession::share(const std::function<void(const QImage&)>& take) {
+    // The menu that this came from closes first.
+    m_actions.later([model = QPointer(m_viewModel.get()), take] {
+        const QImage image = model ? model->renderFinalImage() : QImage();
+        if (take && !image.isNull())
+            take(image);
+    });
+}
+
+void EditorSession::openWith() {
+    share(m_actions.onOpenWith);
+}
+
+void EditorSession::sendByMail() {
+    share(m_actions.onSendByMail);
+}
+
 void EditorSession::close() {
     m_actions.onClose();
 }

@@ -2,6 +2,7 @@
 
 #include "editor/views/ColorPanelBridge.h"
 #include "platform/NotificationCenter.h"
+#include "platform/Sharing.h"
 
 #include <QImage>
 #include <QObject>
@@ -26,6 +27,8 @@ class EditorSession final : public QObject {
     Q_PROPERTY(QVariantList toolbarItems READ toolbarItems CONSTANT)
     Q_PROPERTY(int selectedTab MEMBER m_selectedTab NOTIFY selectedTabChanged)
     Q_PROPERTY(bool isDraggingScreenshot MEMBER m_isDraggingScreenshot NOTIFY isDraggingScreenshotChanged)
+    Q_PROPERTY(bool canOpenWith READ canOpenWith NOTIFY sharingChanged)
+    Q_PROPERTY(bool canMail READ canMail NOTIFY sharingChanged)
     Q_PROPERTY(bool sidebarVisible MEMBER m_sidebarVisible NOTIFY sidebarVisibleChanged)
 
 public:
@@ -37,6 +40,9 @@ public:
         /// Runs work in a later turn of the event loop: what opens a modal panel must not do so out of a
         /// view's own handler, which may be gone when the panel returns.
         std::function<void(std::function<void()>)> later;
+        /// Hands the picture to the program that the user chooses, or to a mail composer.
+        std::function<void(const QImage&)> onOpenWith = {};
+        std::function<void(const QImage&)> onSendByMail = {};
     };
 
     /// `toolbarItems`: maps with "identifier" (empty for a space, "flexible" for the flexible one), "label",
@@ -52,8 +58,15 @@ public:
     /// From here on the toolbar's notifications are somebody else's.
     void endObserving() { m_observers.clear(); }
 
+    bool canOpenWith() const { return m_sharing.openWith; }
+    bool canMail() const { return m_sharing.mail; }
+    /// What the desktop can do with a picture; nothing until this is called.
+    void setSharing(Sharing::Abilities abilities);
+
     Q_INVOKABLE void triggerToolbarItem(const QString& identifier);
     Q_INVOKABLE void importBackgroundImage();
+    Q_INVOKABLE void openWith();
+    Q_INVOKABLE void sendByMail();
     Q_INVOKABLE void close();
     Q_INVOKABLE void miniaturize();
     Q_INVOKABLE void zoomWindow();
@@ -62,9 +75,12 @@ Q_SIGNALS:
     void selectedTabChanged();
     void isDraggingScreenshotChanged();
     void sidebarVisibleChanged();
+    void sharingChanged();
 
 private:
     void copy();
+    /// Renders in a later turn and hands a picture that there is to `take`.
+    void share(const std::function<void(const QImage&)>& take);
 
     std::unique_ptr<ScreenshotEditorViewModel> m_viewModel;
     ColorPanelBridge m_colorPanel;
@@ -74,6 +90,7 @@ private:
     int m_selectedTab = 1;
     bool m_isDraggingScreenshot = false;
     bool m_sidebarVisible = true;
+    Sharing::Abilities m_sharing;
     std::vector<NotificationCenter::Token> m_observers;
 };
 

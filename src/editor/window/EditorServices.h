@@ -15,6 +15,7 @@ class MainQueue;
 class NotificationCenter;
 class Pasteboard;
 class ResourceBundle;
+class Sharing;
 class ToastManager;
 
 /// What the editor asks of the rest of the program; all of it outlives the editor.
@@ -30,6 +31,7 @@ struct EditorServices {
     std::function<std::unique_ptr<ToastManager>()> makeToastManager;
     BackgroundQueue& backgroundQueue;
     DesktopPictures& desktopPictures;
+    Sharing* sharing = nullptr; ///< Null where nothing can be shared.
 };
 
 } // namespace framora

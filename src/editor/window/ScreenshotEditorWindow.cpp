@@ -10,6 +10,7 @@
 #include "feedback/ToastManager.h"
 #include "platform/Appearance.h"
 #include "platform/Application.h"
+#include "platform/Localized.h"
 #include "platform/MainQueue.h"
 #include "platform/Notifications.h"
 #include "platform/Pasteboard.h"
@@ -52,15 +53,16 @@ const QScreen& mainScreen() {
 } // namespace
 
 ScreenshotEditorWindow::ScreenshotEditorWindow(Services services)
-    : m_services(std::move(services)), m_random(std::make_unique<SystemRandomSource>()) {
+    : m_services(std::move(services)), m_random(std::make_unique<SystemRandomSource>()),
+      m_sharedPictures(m_services.mainQueue) {
     const auto observe = [this](const char* name, auto handler) {
         m_observers.push_back(m_services.notifications.observe(name, handler));
     };
     observe(notifications::editorMiniaturize, [this] { handleMiniaturize(); });
     observe(notifications::editorZoomWindow, [this] { handleZoomWindow(); });
     observe(notifications::appearanceChanged, [this] { applyAppearance(); });
-    WallpaperCache::provide({m_services.backgroundQueue, m_services.desktopPictures,
-                             WallpaperFolders::inHome(QDir::homePath())});
+    WallpaperCache::provide(
+        {m_services.backgroundQueue, m_services.desktopPictures, WallpaperFolders::inHome(QDir::homePath())});
 }
 
 ScreenshotEditorWindow::~ScreenshotEditorWindow() {
@@ -129,6 +131,7 @@ void ScreenshotEditorWindow::open(const QImage& image) {
     // The window comes first.
     connect(&window, &QQuickWindow::frameSwapped, this, &ScreenshotEditorWindow::loadWallpapers,
             static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
+    querySharing();
     window.show();
     window.requestActivate();
     m_services.application.activate();
@@ -169,7 +172,42 @@ ScreenshotEditorWindow::makeSession(const QImage& image,
                     self->performToolbarItem(identifier);
             },
             [&queue = m_services.mainQueue](std::function<void()> work) { queue.async(std::move(work)); },
+            [self = QPointer(this)](const QImage& picture) {
+                if (self)
+                    self->share(picture, [&](Sharing& sharing, const QString& path, const auto& finished) {
+                        sharing.openWith(path, self->editorWindow(), finished);
+                    });
+            },
+            [self = QPointer(this)](const QImage& picture) {
+                if (self)
+                    self->share(picture, [&](Sharing& sharing, const QString& path, const auto& finished) {
+                        sharing.composeMail(path, QStringLiteral("Screenshot"), self->editorWindow(),
+                                            finished);
+                    });
+            },
         });
+}
+
+void ScreenshotEditorWindow::querySharing() {
+    if (m_services.sharing)
+        m_services.sharing->queryAbilities(
+            [session = QPointer(m_session.get())](Sharing::Abilities abilities) {
+                if (session)
+                    session->setSharing(abilities);
+            });
+}
+
+void ScreenshotEditorWindow::share(const QImage& picture, const ShareWith& shareWith) {
+    const auto path = m_sharedPictures.add(encodePng(picture, exportDotsPerInch, raster::PngSpeed::fastest));
+    const Sharing::Finished finished = [self = QPointer(this)](bool taken) {
+        if (self && !taken)
+            self->m_savedToast->show(localized(QStringLiteral("share.failed")),
+                                     QStringLiteral("xmark.circle.fill"), false);
+    };
+    if (path && m_services.sharing)
+        shareWith(*m_services.sharing, *path, finished);
+    else
+        finished(false);
 }
 
 void ScreenshotEditorWindow::loadWallpapers() {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "editor/window/EditorServices.h"
+#include "editor/window/SharedPictures.h"
 #include "platform/NotificationCenter.h"
+#include "platform/Sharing.h"
 
 #include <QImage>
 #include <QObject>
@@ -82,6 +84,11 @@ private:
     void handleZoomWindow();
     void finishClosing(bool orderOut);
     void applyAppearance();
+    /// Asks the desktop for its ways to share; the session hears of them.
+    void querySharing();
+    using ShareWith = std::function<void(Sharing&, const QString& path, const Sharing::Finished&)>;
+    /// Writes the picture to a file for other programs and hands it over; a failure is said by a toast.
+    void share(const QImage& picture, const ShareWith& shareWith);
     /// Asks the shared cache, whose scan starts with the first editor.
     void loadWallpapers();
 
@@ -92,6 +99,7 @@ private:
     /// Closed, and going with the next turn of the event loop.
     std::vector<QPointer<QQuickView>> m_leaving;
     bool m_isClosing = false;
+    SharedPictures m_sharedPictures;
     std::unique_ptr<ToastManager> m_savedToast;
     std::unique_ptr<ToastManager> m_copiedToast;
     std::unique_ptr<WorkItem> m_copiedToastDelay;

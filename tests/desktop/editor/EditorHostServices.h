@@ -7,6 +7,7 @@
 #include "platform/NotificationCenter.h"
 #include "platform/desktop/ConfiguredDesktopPictures.h"
 #include "platform/desktop/FileResourceBundle.h"
+#include "platform/desktop/PortalSharing.h"
 #include "platform/desktop/QtFilePanels.h"
 #include "platform/desktop/QtMainQueue.h"
 #include "platform/desktop/SystemClock.h"
@@ -26,6 +27,7 @@ struct EditorHostServices {
     QtMainQueue queue{gate};
     SystemClock clock;
     QtFilePanels filePanels;
+    PortalSharing sharing;
     FileResourceBundle resources;
     NotificationCenter notifications;
     X11Connection connection;
@@ -50,7 +52,8 @@ struct EditorHostServices {
                     return std::make_unique<ToastManager>(ToastServices{queue, panels, screens, appearance});
                 },
                 backgroundQueue,
-                desktopPictures};
+                desktopPictures,
+                &sharing};
     }
 };
 
