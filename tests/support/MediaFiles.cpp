@@ -85,6 +85,17 @@ QByteArray heifFile(const QImage& image, const HeifOptions& options) {
         heif_error_Ok)
         return {};
     const Heif<heif_image_handle> encoded(handle);
+    if (!options.thumbnail.isNull()) {
+        HeifOptions plain;
+        plain.hasAlpha = options.hasAlpha;
+        heif_image_handle* thumbnail = nullptr;
+        if (heif_context_encode_thumbnail(context.get(), heifImage(options.thumbnail, plain).get(), handle,
+                                          made, encoding.get(), options.thumbnailSide, &thumbnail)
+                    .code != heif_error_Ok ||
+            !thumbnail)
+            return {};
+        heif_image_handle_release(thumbnail);
+    }
     QByteArray file;
     heif_writer writer{1, append};
     heif_context_write(context.get(), &writer, &file);

@@ -18,6 +18,8 @@ struct HeifOptions {
     int matrix = 6;
     bool isFullRange = true;
     QByteArray profile = {}; ///< ICC
+    QImage thumbnail = {};   ///< What the file shows of itself; larger than `thumbnailSide`.
+    int thumbnailSide = 0;   ///< Its longer side in the file.
 };
 
 /// A HEIF file made by a real encoder, nearly lossless, chroma not subsampled. Empty when it cannot be made.

@@ -6,6 +6,7 @@
 #include "platform/desktop/Installation.h"
 
 #include <QColorSpace>
+#include <QDeadlineTimer>
 #include <QFile>
 #include <QScopeGuard>
 #include <algorithm>
@@ -13,9 +14,11 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -23,6 +26,23 @@ extern char** environ;
 
 namespace framora {
 namespace {
+
+/// Beyond its own bound in seconds, for its start; then it is ended from here.
+constexpr unsigned decoderGrace = 3;
+
+/// Waits for the end of a child without collecting it, and brings that end about after so many seconds.
+void awaitEnd(pid_t child, unsigned seconds) {
+    const int descriptor = int(syscall(SYS_pidfd_open, child, 0));
+    if (descriptor < 0) // an old kernel: it ends itself in time
+        return;
+    const QDeadlineTimer deadline(qint64(seconds) * 1000);
+    pollfd waiting{descriptor, POLLIN, 0};
+    while (poll(&waiting, 1, int(deadline.remainingTime())) < 0 && errno == EINTR) {
+    }
+    if (!(waiting.revents & POLLIN))
+        kill(child, SIGKILL);
+    close(descriptor);
+}
 
 /// Runs the program with these standard streams until it ends. In a process group of its own: an interrupt at
 /// the terminal is for the program that waits.
@@ -58,12 +78,10 @@ bool runDecoder(const QByteArray& program, int input, int output, const DecoderO
     {
         // Only while its number is its own: until it is collected below.
         const std::stop_callback ending(order.stop, [child] { kill(child, SIGKILL); });
-        siginfo_t ended{};
-        while (waitid(P_PID, id_t(child), &ended, WEXITED | WNOWAIT) < 0 && errno == EINTR) {
-        }
+        awaitEnd(child, (order.seconds > 0 ? order.seconds : whole.seconds) + decoderGrace);
     }
     int status = 0;
-    while (waitpid(child, &status, 0) < 0) // it ends itself in time
+    while (waitpid(child, &status, 0) < 0)
         if (errno != EINTR)
             return errno == ECHILD; // somebody else has collected it: what it left tells
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
