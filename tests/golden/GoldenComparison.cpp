@@ -81,10 +81,7 @@ testing::AssertionResult matchesReference(const GoldenCase& golden, const QStrin
     // A plain surface near the middle between two steps is half a step off, and as much when it falls to the
     // other one.
     const double least = rounding / (4.0 * pixels);
-    // Layers that end in the same pixel are mixed there by their areas; where one of them is translucent that
-    // is not what lies behind which point. A scene ends with the canvas all around it.
-    const double share = golden.style.selectedShadowScene ? 0.005 : 0.001;
-    if (mean < std::max(0.5, least + 0.2) && double(far) < share * pixels)
+    if (mean < std::max(0.5, least + 0.2) && double(far) < 0.001 * pixels)
         return testing::AssertionSuccess();
     keep(drawn, name + QStringLiteral("-drawn"));
     keep(toImage(expected), name + QStringLiteral("-expected"));

@@ -71,8 +71,7 @@ private:
         for (int count = upTo(4); count > 0; --count)
             scene.colors.append(color());
         style.selectedShadowScene = scene;
-        // Over an outline the overlay mode of a mean is not the mean of the overlay mode: ScenesTest has it.
-        style.shadowSceneMode = ShadowSceneMode::underlay;
+        style.shadowSceneMode = chance(0.5) ? ShadowSceneMode::overlay : ShadowSceneMode::underlay;
         style.shadowSceneOpacity = between(5.0, 100.0);
     }
 

@@ -9,7 +9,7 @@ namespace framora::golden {
 namespace {
 
 constexpr unsigned fineSamples = 256;
-constexpr unsigned coarseSamples = 16;
+constexpr unsigned coarseSamples = 64;
 constexpr unsigned firstSamples = 4;
 
 struct Mean {
@@ -321,8 +321,10 @@ void ReferenceComposition::addScene(Hit& hit, double x, double y) const {
     }
     for (double& component : scene)
         component *= m_style.shadowSceneOpacity / 100.0;
-    hit.color = m_style.shadowSceneMode == ShadowSceneMode::overlay ? overlaid(scene, hit.color)
-                                                                    : over(scene, hit.color);
+    if (m_style.shadowSceneMode == ShadowSceneMode::overlay)
+        hit.sceneAbove = scene;
+    else
+        hit.color = over(scene, hit.color);
 }
 
 bool ReferenceComposition::isOnCanvas(double x, double y) const {
@@ -330,7 +332,7 @@ bool ReferenceComposition::isOnCanvas(double x, double y) const {
 }
 
 ReferenceComposition::Hit ReferenceComposition::at(double x, double y) const {
-    Hit hit{{0.0, 0.0, 0.0, 0.0}, 0};
+    Hit hit{{0.0, 0.0, 0.0, 0.0}, 0, {}};
     if (isOnCanvas(x, y)) {
         hit.color = m_blurred.samples.empty() ? background(x, y) : blurredBackground(x, y);
         hit.layers |= 1;
@@ -378,6 +380,10 @@ ReferenceComposition::Picture ReferenceComposition::frame(double pixelsPerPoint)
 
     const auto mean = [&](int px, int py, unsigned samples) {
         Mean result;
+        // The overlay mode mixes a scene with the picture under it, as far as the scene reaches.
+        Sample under{0.0, 0.0, 0.0, 0.0};
+        Sample scene{0.0, 0.0, 0.0, 0.0};
+        unsigned underScene = 0;
         unsigned seen = 0;
         unsigned common = ~0u;
         Sample least{1.0, 1.0, 1.0, 1.0};
@@ -388,11 +394,27 @@ ReferenceComposition::Picture ReferenceComposition::frame(double pixelsPerPoint)
                                (py + v - picture.size.height() / 2.0) / pixelsPerPoint);
             seen |= hit.layers;
             common &= hit.layers;
+            underScene += hit.sceneAbove.has_value();
+            const Sample alone = hit.sceneAbove ? overlaid(*hit.sceneAbove, hit.color) : hit.color;
             for (std::size_t c = 0; c < 4; ++c) {
-                result.color[c] += hit.color[c] * 255.0 / samples;
-                least[c] = std::min(least[c], hit.color[c]);
-                most[c] = std::max(most[c], hit.color[c]);
+                if (hit.sceneAbove) {
+                    under[c] += hit.color[c];
+                    scene[c] += (*hit.sceneAbove)[c];
+                } else {
+                    result.color[c] += hit.color[c] * 255.0 / samples;
+                }
+                least[c] = std::min(least[c], alone[c]);
+                most[c] = std::max(most[c], alone[c]);
             }
+        }
+        if (underScene > 0) {
+            for (std::size_t c = 0; c < 4; ++c) {
+                under[c] /= underScene;
+                scene[c] /= underScene;
+            }
+            const Sample mixed = overlaid(scene, under);
+            for (std::size_t c = 0; c < 4; ++c)
+                result.color[c] += mixed[c] * 255.0 * underScene / samples;
         }
         result.layers = seen;
         result.isEven = seen == common;
@@ -419,7 +441,7 @@ ReferenceComposition::Picture ReferenceComposition::frame(double pixelsPerPoint)
             bool isAlone = pixel.isEven && px > 0 && py > 0 && px < wide - 1 && py < high - 1;
             for (int y = std::max(py - 1, 0); y <= std::min(py + 1, high - 1); ++y)
                 for (int x = std::max(px - 1, 0); x <= std::min(px + 1, wide - 1); ++x)
-                    isAlone = isAlone && looked(x, y).layers == pixel.layers;
+                    isAlone = isAlone && looked(x, y).isEven && looked(x, y).layers == pixel.layers;
             if (!isAlone)
                 pixel = mean(px, py, coarseSamples);
             if (!isAlone && !pixel.isEven)

@@ -30,6 +30,7 @@ private:
     struct Hit {
         Sample color;
         unsigned layers = 0; ///< one bit for each outline that holds the point, and one for a scene's stripes
+        std::optional<Sample> sceneAbove; ///< of a scene in overlay mode, with its opacity
     };
 
     Hit at(double x, double y) const;
