@@ -38,6 +38,7 @@ struct Share {
 struct Scratch {
     /// For each layer the runs of its shape in the band's rows, then those of its hole.
     std::vector<std::array<std::vector<Coverage::Run>, 2>> runs;
+    int top = 0; ///< The band's first row.
     std::vector<Share> shares;
     std::vector<float> covered;
     std::vector<float> hole;
@@ -69,8 +70,9 @@ Share share(const std::array<std::vector<Coverage::Run>, 2>& runs, bool hasHole,
             continue;
         }
         isWhole = isWhole && run.fullEnd - run.fullFirst == tile.width && hole.isEmpty();
-        left = std::min(left, run.first);
-        right = std::max(right, run.end);
+        const bool isOpen = hole.fullFirst < hole.fullEnd;
+        left = std::min(left, isOpen && hole.fullFirst <= run.first ? hole.fullEnd : run.first);
+        right = std::max(right, isOpen && hole.fullEnd >= run.end ? hole.fullFirst : run.end);
         top = std::min(top, y);
         bottom = y + 1;
     }
@@ -84,25 +86,56 @@ MixPixel replicated(float coverage) {
     return {{value, value, value, value}};
 }
 
+/// How much of the columns [from, to) of row y a shape covers: `out` receives column `from` first. `run` is
+/// what the shape touches of them.
+void coverRow(const Coverage& shape, int y, int from, int to, const Coverage::Run& run, float* out,
+              std::vector<double>& sums) {
+    std::fill_n(out, to - from, 0.0f);
+    if (run.isEmpty())
+        return;
+    std::fill(out + (run.fullFirst - from), out + (run.fullEnd - from), 1.0f);
+    if (run.first < run.fullFirst)
+        shape.row(y, run.first, run.fullFirst, out + (run.first - from), sums);
+    if (run.fullEnd < run.end)
+        shape.row(y, run.fullEnd, run.end, out + (run.fullEnd - from), sums);
+}
+
+/// The runs of a layer's shape and of its hole in row y of a block.
+std::array<Coverage::Run, 2> runsIn(const TileRect& block, int y, std::size_t layer, const LayerShape& shape,
+                                    const Scratch& scratch) {
+    const auto run = [&](std::size_t part) {
+        return cut(scratch.runs[layer][part][std::size_t(y - scratch.top)], block.x, block.x + block.width);
+    };
+    return {run(0), shape.hasHole ? run(1) : Coverage::Run{}};
+}
+
 /// The coverage of a block, times the layer's opacity.
-void cover(const LayerShape& shape, float opacity, const TileRect& block, Scratch& scratch) {
+void cover(const LayerShape& shape, std::size_t layer, float opacity, const TileRect& block,
+           Scratch& scratch) {
     const int end = block.x + block.width;
     scratch.covered.resize(std::size_t(block.width));
     scratch.hole.resize(std::size_t(block.width));
+    const MixPixel whole = replicated(opacity);
     MixPixel* out = scratch.coverage.data();
     for (int y = block.y; y < block.y + block.height; ++y, out += block.width) {
+        const auto [run, hole] = runsIn(block, y, layer, shape, scratch);
+        float* covered = scratch.covered.data();
+        coverRow(shape.shape, y, block.x, end, run, covered, scratch.sums);
         std::fill_n(out, block.width, MixPixel{});
-        const Coverage::Run run = shape.shape.row(y, block.x, end, scratch.covered.data(), scratch.sums);
-        const Coverage::Run hole = shape.hasHole
-                                       ? shape.hole.row(y, block.x, end, scratch.hole.data(), scratch.sums)
-                                       : Coverage::Run{};
-        for (int x = run.first; x < run.end; ++x) {
-            const std::size_t i = std::size_t(x - block.x);
-            float covered = scratch.covered[i];
-            if (x >= hole.first && x < hole.end)
-                covered -= scratch.hole[i];
-            out[i] = replicated(covered * opacity);
+        const auto fill = [&](int from, int to) {
+            for (int x = from; x < to; ++x)
+                out[x - block.x] = replicated(covered[x - block.x] * opacity);
+        };
+        if (hole.isEmpty()) {
+            fill(run.first, run.fullFirst);
+            std::fill(out + (run.fullFirst - block.x), out + (run.fullEnd - block.x), whole);
+            fill(run.fullEnd, run.end);
+            continue;
         }
+        coverRow(shape.hole, y, block.x, end, hole, scratch.hole.data(), scratch.sums);
+        for (int x = hole.first; x < hole.end; ++x)
+            covered[x - block.x] -= scratch.hole[std::size_t(x - block.x)];
+        fill(run.first, run.end);
     }
 }
 
@@ -151,43 +184,68 @@ void mixEdge(const Layer& layer, const TileRect& block, const TileRect& tile, Sc
         }
 }
 
+/// Mixes a row of a layer onto the pixels under it where it is neither transparent nor blended.
+void blendUsualRow(const Layer& layer, const Coverage::Run& run, int left, MixPixel* under,
+                   const MixPixel* shaded, const MixPixel* coverage) {
+    const auto blendEdge = [&](int from, int to) {
+        if (from < to)
+            blendOver(under + (from - left), shaded + (from - left), coverage + (from - left),
+                      std::size_t(to - from));
+    };
+    blendEdge(run.first, run.fullFirst);
+    const auto count = std::size_t(run.fullEnd - run.fullFirst);
+    if (layer.paint->isOpaque())
+        std::copy_n(shaded + (run.fullFirst - left), count, under + (run.fullFirst - left));
+    else if (count > 0)
+        blendOver(under + (run.fullFirst - left), shaded + (run.fullFirst - left), count);
+    blendEdge(run.fullEnd, run.end);
+}
+
 /// Mixes a layer onto the tile where it touches it.
-void blendLayer(const Layer& layer, const LayerShape& shape, const Share& share, const TileRect& tile,
-                Scratch& scratch) {
+void blendLayer(const Layer& layer, std::size_t index, const LayerShape& shape, const Share& share,
+                const TileRect& tile, Scratch& scratch) {
     const TileRect& block = share.touched;
     mixLayer(layer, block, scratch.shaded.data());
-    const bool needsCoverage =
-        share.kind == Share::partly || layer.opacity < 1 || layer.blend != Layer::Blend::normal;
-    if (share.kind == Share::partly)
-        cover(shape, layer.opacity, block, scratch);
-    else if (needsCoverage)
+    const bool isPartly = share.kind == Share::partly;
+    const bool isUsual = layer.opacity == 1 && layer.blend == Layer::Blend::normal;
+    if (isPartly)
+        cover(shape, index, layer.opacity, block, scratch);
+    else if (!isUsual)
         std::fill_n(scratch.coverage.data(), block.area(), replicated(layer.opacity));
-    if (share.kind == Share::partly && layer.sharesEdge)
+    if (isPartly && layer.sharesEdge)
         mixEdge(layer, block, tile, scratch);
     const auto width = std::size_t(block.width);
     for (int y = 0; y < block.height; ++y) {
         MixPixel* under =
             scratch.mixed.data() + std::ptrdiff_t(block.y - tile.y + y) * tile.width + (block.x - tile.x);
-        const std::size_t row = std::size_t(y) * width;
-        if (!needsCoverage)
-            blendOver(under, scratch.shaded.data() + row, width);
-        else if (layer.blend == Layer::Blend::replace)
-            blendInstead(under, scratch.shaded.data() + row, scratch.coverage.data() + row, width);
-        else if (layer.blend == Layer::Blend::overlay)
-            blendOverlay(under, scratch.shaded.data() + row, scratch.coverage.data() + row, width);
-        else
-            blendOver(under, scratch.shaded.data() + row, scratch.coverage.data() + row, width);
+        const MixPixel* shaded = scratch.shaded.data() + std::size_t(y) * width;
+        const MixPixel* coverage = scratch.coverage.data() + std::size_t(y) * width;
+        if (isUsual && !isPartly) {
+            blendOver(under, shaded, width);
+        } else if (isUsual && !layer.sharesEdge) {
+            const auto [run, hole] = runsIn(block, block.y + y, index, shape, scratch);
+            if (hole.isEmpty())
+                blendUsualRow(layer, run, block.x, under, shaded, coverage);
+            else
+                blendOver(under, shaded, coverage, width);
+        } else if (layer.blend == Layer::Blend::replace) {
+            blendInstead(under, shaded, coverage, width);
+        } else if (layer.blend == Layer::Blend::overlay) {
+            blendOverlay(under, shaded, coverage, width);
+        } else {
+            blendOver(under, shaded, coverage, width);
+        }
     }
 }
 
 /// Mixes a tile into scratch.mixed. False when no layer touches it; then nothing is written.
 bool mixTile(const std::vector<Layer>& layers, const std::vector<LayerShape>& shapes, const TileRect& tile,
-             int bandTop, Scratch& scratch) {
+             Scratch& scratch) {
     std::vector<Share>& shares = scratch.shares;
     // What lies under an opaque layer that fills the tile is not seen.
     std::size_t first = 0;
     for (std::size_t i = layers.size(); i-- > 0;) {
-        shares[i] = share(scratch.runs[i], shapes[i].hasHole, tile, bandTop);
+        shares[i] = share(scratch.runs[i], shapes[i].hasHole, tile, scratch.top);
         if (shares[i].kind == Share::whole && hidesWhatLiesUnder(layers[i])) {
             first = i;
             break;
@@ -205,7 +263,7 @@ bool mixTile(const std::vector<Layer>& layers, const std::vector<LayerShape>& sh
     }
     for (std::size_t i = first; i < layers.size(); ++i)
         if (shares[i].kind != Share::none)
-            blendLayer(layers[i], shapes[i], shares[i], tile, scratch);
+            blendLayer(layers[i], i, shapes[i], shares[i], tile, scratch);
     return true;
 }
 
@@ -231,6 +289,7 @@ void forEachBand(int width, int height, const std::vector<Layer>& layers, const 
         thread_local Scratch scratch;
         const int top = band * size.height;
         const int rows = std::min(size.height, height - top);
+        scratch.top = top;
         scratch.shares.resize(layers.size());
         scratch.runs.resize(std::max(scratch.runs.size(), layers.size()));
         for (std::size_t i = 0; i < layers.size(); ++i)
@@ -255,21 +314,25 @@ bool hidesWhatLiesUnder(const Layer& layer) {
 void compose(MutablePixelView output, const std::vector<Layer>& layers) {
     if (output.isEmpty())
         return;
+    const bool isLarge = std::size_t(output.height) * std::size_t(output.stride) > cachedBytes;
+    const auto pack = isLarge ? streamPixels : packPixels;
     forEachBand(
         output.width, output.height, layers,
         [&](const TileRect& band, int tileWidth, const std::vector<LayerShape>& shapes, Scratch& scratch) {
             for (int x = 0; x < band.width; x += tileWidth) {
                 const TileRect tile{x, band.y, std::min(tileWidth, band.width - x), band.height};
-                const bool isDrawn = mixTile(layers, shapes, tile, band.y, scratch);
+                const bool isDrawn = mixTile(layers, shapes, tile, scratch);
                 for (int y = 0; y < tile.height; ++y) {
                     std::uint32_t* out = output.row(tile.y + y) + tile.x;
                     if (isDrawn)
-                        packPixels(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width,
-                                   std::size_t(tile.width), out);
+                        pack(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width, std::size_t(tile.width),
+                             out);
                     else
                         std::memset(out, 0, std::size_t(tile.width) * sizeof *out);
                 }
             }
+            if (isLarge)
+                flushPixels();
         });
 }
 
@@ -291,7 +354,7 @@ void composeTiles(int width, int height, const std::vector<Layer>& layers,
                 while (end < width && end - x < tileWidth && wanted(end))
                     end += tileGrain;
                 const TileRect tile{x, band.y, std::min(end, width) - x, band.height};
-                if (mixTile(layers, shapes, tile, band.y, scratch))
+                if (mixTile(layers, shapes, tile, scratch))
                     take(tile, scratch.mixed.data());
                 x = end;
             }

@@ -39,6 +39,25 @@ FixedTaps::FixedTaps(const ResampleKernel& kernel, int first, int end) : m_first
             m_isDense = false;
     }
     m_isDense = m_isDense && m_taps <= mostDenseTaps;
+    if (m_isDense && m_taps == 4)
+        findDoubled();
+}
+
+void FixedTaps::findDoubled() {
+    // From the middle to both sides; only the edges are different.
+    const int middle = count() / 2;
+    const auto goesOn = [this](int index) {
+        return start(index + 2) == start(index) + 1 &&
+               std::equal(weights(index), weights(index) + m_taps, weights(index + 2));
+    };
+    m_doubledFirst = m_doubledEnd = middle;
+    while (m_doubledFirst > 0 && m_doubledFirst + 1 < count() && goesOn(m_doubledFirst - 1))
+        --m_doubledFirst;
+    if (m_doubledFirst == middle)
+        return;
+    m_doubledEnd = middle + 1;
+    while (m_doubledEnd < count() && goesOn(m_doubledEnd - 2))
+        ++m_doubledEnd;
 }
 
 FixedTaps::Span FixedTaps::span(int index, int count) const {

@@ -25,6 +25,10 @@ public:
     int taps() const { return m_taps; }
     /// Whether there are few taps and every output starts at most one source behind the one before.
     bool isDense() const { return m_isDense; }
+    /// The outputs [doubledFirst, doubledEnd), counted from firstOutput(), where every second one has the
+    /// same four weights and starts one source further on: a picture of twice the size, but for its edges.
+    int doubledFirst() const { return m_doubledFirst; }
+    int doubledEnd() const { return m_doubledEnd; }
     /// The first source of an output, which is counted from firstOutput(); it never decreases.
     int start(int index) const { return int(m_starts[std::size_t(index)]); }
     const std::int64_t* starts() const { return m_starts.data(); }
@@ -54,7 +58,11 @@ public:
     void spreadWeights();
 
 private:
+    void findDoubled();
+
     int m_firstOutput = 0;
+    int m_doubledFirst = 0;
+    int m_doubledEnd = 0;
     int m_taps = 0;
     bool m_isDense = true;
     std::size_t m_tapStride = 0;

@@ -15,8 +15,8 @@ namespace framora::raster::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
 // No vectors: the plain kernels.
-void linearRow(const GradientRow& row, std::size_t count, std::int32_t* out) {
-    plain::linearPositions(row, count, out);
+void runRow(const ColorRun& run, int x, int y, std::size_t count, MixPixel* out) {
+    plain::paintRun(run, x, y, count, out);
 }
 void radialRow(const GradientRow& row, std::size_t count, std::int32_t* out) {
     plain::radialPositions(row, count, out);
@@ -63,10 +63,6 @@ HWY_INLINE void writeEntries(std::size_t count, std::int32_t* out, const Positio
     }
 }
 
-void linearRow(const GradientRow& row, std::size_t count, std::int32_t* out) {
-    writeEntries(count, out, [&](std::size_t i) HWY_ATTR { return along(row.x, row.stepX, i); });
-}
-
 void radialRow(const GradientRow& row, std::size_t count, std::int32_t* out) {
     writeEntries(count, out, [&](std::size_t i) HWY_ATTR {
         const Vector x = along(row.x, row.stepX, i);
@@ -97,9 +93,44 @@ void angularRow(const GradientRow& row, float start, std::size_t count, std::int
     });
 }
 
+HWY_INLINE hn::Vec<Lanes> dithered(hn::Vec<Lanes> color, const MixPixel* pattern) {
+    const hn::Repartition<std::uint8_t, Lanes> bytes;
+    const auto alpha = hn::BitCast(
+        lanes, hn::TableLookupBytes(hn::BitCast(bytes, color), hn::LoadDup128(bytes, alphaBytes)));
+    const auto offset = hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(pattern));
+    return hn::Min(hn::Max(hn::Add(color, offset), hn::Zero(lanes)), alpha);
+}
+
+void runRow(const ColorRun& run, int x, int y, std::size_t count, MixPixel* out) {
+    const hn::RepartitionToWide<Lanes> words;
+    const std::size_t half = hn::Lanes(words) / 4; // pixels
+    alignas(64) std::int32_t starts[32];
+    alignas(64) std::int32_t steps[16];
+    for (std::size_t lane = 0; lane < 8 * half; ++lane)
+        starts[lane] = run.first[lane % 4] + std::int32_t(lane / 4) * run.step[lane % 4];
+    for (std::size_t lane = 0; lane < 4 * half; ++lane)
+        steps[lane] = std::int32_t(2 * half) * run.step[lane % 4];
+    auto low = hn::Load(words, starts);
+    auto high = hn::Load(words, starts + 4 * half);
+    const auto step = hn::Load(words, steps);
+    const MixPixel* pattern = Dither::row(x, y);
+    std::size_t i = 0;
+    for (; i + 2 * half <= count; i += 2 * half) {
+        // Their upper halves are the channels.
+        const auto color = hn::ConcatOdd(lanes, hn::BitCast(lanes, high), hn::BitCast(lanes, low));
+        hn::StoreU(dithered(color, pattern + i % Dither::period), lanes,
+                   reinterpret_cast<std::int16_t*>(out + i));
+        low = hn::Add(low, step);
+        high = hn::Add(high, step);
+    }
+    ColorRun rest = run;
+    for (int c = 0; c < 4; ++c)
+        rest.first[c] += int(i) * run.step[c];
+    plain::paintRun(rest, x + int(i), y, count - i, out + i);
+}
+
 void rampRow(const MixPixel* ramp, const std::int32_t* positions, int x, int y, std::size_t count,
              MixPixel* out) {
-    const hn::Repartition<std::uint8_t, Lanes> bytes;
     const std::size_t step = hn::Lanes(lanes) / 4;
     // All are fetched before the first is read back as a part of a vector.
     for (std::size_t i = 0; i < count; ++i)
@@ -107,12 +138,7 @@ void rampRow(const MixPixel* ramp, const std::int32_t* positions, int x, int y, 
     std::size_t i = 0;
     for (; i + step <= count; i += step) {
         auto* pixels = reinterpret_cast<std::int16_t*>(out + i);
-        const auto color = hn::LoadU(lanes, pixels);
-        const auto alpha = hn::BitCast(
-            lanes, hn::TableLookupBytes(hn::BitCast(bytes, color), hn::LoadDup128(bytes, alphaBytes)));
-        const auto offset =
-            hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(Dither::row(x + int(i), y)));
-        hn::StoreU(hn::Min(hn::Max(hn::Add(color, offset), hn::Zero(lanes)), alpha), lanes, pixels);
+        hn::StoreU(dithered(hn::LoadU(lanes, pixels), Dither::row(x + int(i), y)), lanes, pixels);
     }
     plain::paintRamp(ramp, positions + i, x + int(i), y, count - i, out + i);
 }
@@ -125,13 +151,13 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace framora::raster {
 
-HWY_EXPORT(linearRow);
+HWY_EXPORT(runRow);
 HWY_EXPORT(radialRow);
 HWY_EXPORT(angularRow);
 HWY_EXPORT(rampRow);
 
-void linearPositions(const GradientRow& row, std::size_t count, std::int32_t* out) {
-    HWY_DYNAMIC_DISPATCH(linearRow)(row, count, out);
+void paintRun(const ColorRun& run, int x, int y, std::size_t count, MixPixel* out) {
+    HWY_DYNAMIC_DISPATCH(runRow)(run, x, y, count, out);
 }
 
 void radialPositions(const GradientRow& row, std::size_t count, std::int32_t* out) {

@@ -13,9 +13,14 @@ std::int32_t entry(float position) {
 
 } // namespace
 
-void linearPositions(const GradientRow& row, std::size_t count, std::int32_t* out) {
-    for (std::size_t i = 0; i < count; ++i)
-        out[i] = entry(row.x + float(i) * row.stepX);
+void paintRun(const ColorRun& run, int x, int y, std::size_t count, MixPixel* out) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const MixPixel& offset = *Dither::row(x + int(i), y);
+        const auto at = [&](int c) { return (run.first[c] + int(i) * run.step[c]) / ColorRun::one; };
+        const int alpha = at(3);
+        for (int c = 0; c < 4; ++c)
+            out[i].channel[c] = std::int16_t(std::clamp(at(c) + offset.channel[c], 0, alpha));
+    }
 }
 
 void radialPositions(const GradientRow& row, std::size_t count, std::int32_t* out) {

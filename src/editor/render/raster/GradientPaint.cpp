@@ -25,9 +25,28 @@ GradientPaint::GradientPaint(Kind kind, double degrees, double width, double hei
     m_direction = {s / length, -c / length};
     m_radius = std::hypot(width, height) / 2;
     m_start = std::fmod(degrees, 360.0) / 360;
+    if (kind == Kind::linear) {
+        makeLines();
+        return;
+    }
     m_ramp.reserve(rampSize + 1);
     for (int i = 0; i <= rampSize; ++i)
         m_ramp.push_back(toMix(color(double(i) / rampSize)));
+}
+
+void GradientPaint::makeLines() {
+    const auto append = [this](Float4 from, Float4 to) {
+        Line& line = m_lines.emplace_back();
+        for (int c = 0; c < 4; ++c) {
+            const double first = std::clamp(double(from[c]), 0.0, 1.0);
+            line.first[c] = (first * mixOne + 0.5) * ColorRun::one;
+            line.slope[c] = (std::clamp(double(to[c]), 0.0, 1.0) - first) * mixOne * ColorRun::one;
+        }
+    };
+    append(m_stops.front(), m_stops.front());
+    for (std::size_t i = 0; i + 1 < m_stops.size(); ++i)
+        append(m_stops[i], m_stops[i + 1]);
+    append(m_stops.back(), m_stops.back());
 }
 
 double GradientPaint::position(Vec2 point) const {
@@ -68,6 +87,35 @@ void GradientPaint::shade(int x, int y, int count, Float4* out) const {
         out[i] = color(position(m_toLocal.map({x + i + 0.5, y + 0.5})));
 }
 
+void GradientPaint::mixLine(double position, double step, int x, int y, int count, MixPixel* out) const {
+    const int between = int(m_lines.size()) - 2;
+    const bool isFinite = std::isfinite(position) && std::isfinite(step);
+    const double start = isFinite ? position * between : 0;
+    const double grow = isFinite ? step * between : 0;
+    for (int i = 0; i < count;) {
+        const double at = start + grow * i;
+        // Before the first stop, between two of them, or behind the last one.
+        const int interval = !(at > 0) ? -1 : at >= between ? between : int(at);
+        double end = count;
+        if (grow > 0 && interval < between)
+            end = (interval + 1 - start) / grow;
+        else if (grow < 0 && interval >= 0)
+            end = (interval - start) / grow;
+        // Where both sides are the same to within rounding it does not matter to which one a pixel belongs.
+        const int next = end < count ? std::max(int(end), i) + 1 : count;
+        const Line& line = m_lines[std::size_t(interval + 1)];
+        const double from = at - interval;
+        ColorRun run;
+        for (int c = 0; c < 4; ++c) {
+            run.first[c] = std::int32_t(line.first[c] + line.slope[c] * from);
+            run.step[c] = std::int32_t(line.slope[c] * grow);
+        }
+        const int stop = std::min(next, count);
+        paintRun(run, x + i, y, std::size_t(stop - i), out + i);
+        i = stop;
+    }
+}
+
 void GradientPaint::mix(const TileRect& tile, MixPixel* out) const {
     if (!m_toLocal.isAffine()) {
         Paint::mix(tile, out);
@@ -83,10 +131,9 @@ void GradientPaint::mix(const TileRect& tile, MixPixel* out) const {
         const Vec2 step{map(0, 0) * scale, map(1, 0) * scale};
         switch (m_kind) {
         case Kind::linear:
-            linearPositions(
-                {float(position(first)), 0, float(step.x * m_direction.x + step.y * m_direction.y), 0}, count,
-                positions.data());
-            break;
+            mixLine(position(first), step.x * m_direction.x + step.y * m_direction.y, tile.x, y, tile.width,
+                    out);
+            continue;
         case Kind::radial:
             radialPositions({float(first.x / m_radius), float(first.y / m_radius), float(step.x / m_radius),
                              float(step.y / m_radius)},

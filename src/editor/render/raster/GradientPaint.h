@@ -30,11 +30,22 @@ public:
     Float4 color(double position) const;
 
 private:
+    /// The colours between two stops: the first one, and how much they grow up to the next, as in a ColorRun.
+    struct Line {
+        double first[4];
+        double slope[4];
+    };
+
+    void makeLines();
+    /// mix() of a row whose first pixel lies at `position` of a linear gradient, and the others `step` apart.
+    void mixLine(double position, double step, int x, int y, int count, MixPixel* out) const;
+
     Kind m_kind;
     Homography m_toLocal;
     std::vector<Float4> m_stops;
     std::vector<Float4> m_steps;  ///< From each stop to the next.
-    std::vector<MixPixel> m_ramp; ///< For mix().
+    std::vector<MixPixel> m_ramp; ///< For mix(), unless linear.
+    std::vector<Line> m_lines;    ///< Linear: before the first stop, between them, and behind the last one.
     bool m_isOpaque = true;
     Vec2 m_direction;    ///< Linear: position is its product with the point, plus a half.
     double m_radius = 1; ///< Radial.

@@ -139,6 +139,56 @@ HWY_INLINE void weighDenseColumns(const MixPixel* source, const FixedTaps& taps,
     storePixels(pixels, out + i, std::size_t(count - i));
 }
 
+/// Pairs of outputs that weigh alike, the second one of each starting `shift` sources behind the first: no
+/// source needs sorting. Returns how many outputs it made.
+template <int shift>
+HWY_INLINE int weighDoubledColumns(const MixPixel* source, const std::int16_t* first,
+                                   const std::int16_t* second, int count, MixPixel* out) {
+    const hn::Repartition<std::uint64_t, Lanes> words;
+    const int step = int(hn::Lanes(lanes) / 4);
+    int i = 0;
+    for (; i + 2 * step <= count; i += 2 * step, source += step) {
+        const Vector a = loadPixels(source);
+        const Vector b = loadPixels(source + 1);
+        const Vector c = loadPixels(source + 2);
+        const Vector d = loadPixels(source + 3);
+        const Vector e = shift == 0 ? d : loadPixels(source + 4);
+        const auto weighedWith = [](const std::int16_t* weights, Vector v0, Vector v1, Vector v2,
+                                    Vector v3) HWY_ATTR {
+            const auto part = [&](Vector v, int tap)
+                                  HWY_ATTR { return hn::MulFixedPoint15(v, hn::Set(lanes, weights[tap])); };
+            return clamped(hn::Add(hn::Add(part(v0, 0), part(v1, 1)), hn::Add(part(v2, 2), part(v3, 3))));
+        };
+        const Vector even = weighedWith(first, a, b, c, d);
+        const Vector odd = shift == 0 ? weighedWith(second, a, b, c, d) : weighedWith(second, b, c, d, e);
+        hn::StoreInterleaved2(hn::BitCast(words, even), hn::BitCast(words, odd), words,
+                              reinterpret_cast<std::uint64_t*>(out + i));
+    }
+    return i;
+}
+
+/// Four taps an output.
+void weighFourColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+    const int head = std::clamp(taps.doubledFirst() - index, 0, count);
+    const int doubled = std::clamp(taps.doubledEnd() - index, head, count) - head;
+    int done = 0;
+    const int origin = taps.start(index);
+    const int first = index + head;
+    if (doubled >= int(hn::Lanes(lanes) / 2)) {
+        if (head > 0)
+            weighDenseColumns<4>(source, taps, index, head, out);
+        const MixPixel* from = source + (taps.start(first) - origin);
+        const std::int16_t* even = taps.weights(first);
+        const std::int16_t* odd = taps.weights(first + 1);
+        done = head + (taps.start(first + 1) == taps.start(first)
+                           ? weighDoubledColumns<0>(from, even, odd, doubled, out + head)
+                           : weighDoubledColumns<1>(from, even, odd, doubled, out + head));
+    }
+    if (done < count)
+        weighDenseColumns<4>(source + (taps.start(index + done) - origin), taps, index + done, count - done,
+                             out + done);
+}
+
 /// Many taps an output: they are summed across a vector.
 void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
     const int step = int(hn::Lanes(lanes) / 4);
@@ -165,7 +215,7 @@ void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index
 
 void weighAllColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
     if (taps.isDense() && taps.taps() == 4)
-        weighDenseColumns<4>(source, taps, index, count, out);
+        weighFourColumns(source, taps, index, count, out);
     else if (taps.isDense())
         weighDenseColumns<0>(source, taps, index, count, out);
     else
