@@ -27,7 +27,8 @@ public:
     void table(const QList<Measurement>& measurements, const QList<Aim>& aims = {}) const;
     /// The first one's time in copies of the output, against two bounds.
     void copies(const Measurement& ours, double atMost, double then) const;
-    void frames(const Measurement& drag, double atMost) const;
+    /// Frames of the preview, against bounds for their median and their 99th percentile.
+    void frames(const Measurement& drag, double median, double worst) const;
     void memory(Workload workload, const ExportMemory& memory) const;
     /// One measured ratio against its aim.
     void ratio(const QString& what, double value, double aim, bool isUpperBound = true) const;

@@ -9,6 +9,7 @@
 #include "OpenCvSide.h"
 #include "PngSide.h"
 #include "PreviewDrag.h"
+#include "PreviewSliders.h"
 #include "ProcessSide.h"
 #include "QPainterSide.h"
 #include "Report.h"
@@ -48,6 +49,8 @@ public:
             png();
         if (wants("W6"))
             preview();
+        if (wants("sliders"))
+            sliders();
         if (wants("W7"))
             processes();
         if (wants("series"))
@@ -157,7 +160,17 @@ private:
                              .arg(previewSize.height()));
         constexpr int frames = 300;
         for (const Workload workload : {Workload::gradient, Workload::tilted, Workload::blurredPhoto})
-            m_report.frames(dragPreview(workload, m_inputs, frames), 4);
+            m_report.frames(dragPreview(workload, m_inputs, frames), 4, 4);
+    }
+
+    void sliders() {
+        m_report.heading(QStringLiteral("Preview frames of %1 x %2 while a slider is dragged, screenshot of "
+                                        "3840 x 2160")
+                             .arg(previewSize.width())
+                             .arg(previewSize.height()));
+        constexpr int frames = 200;
+        for (const Measurement& slider : dragSliders(m_inputs, frames))
+            m_report.frames(slider, 4, 12);
     }
 
     void processes() {
@@ -212,7 +225,7 @@ int main(int argc, char** argv) {
     const QCommandLineOption folder(QStringLiteral("folder"), QStringLiteral("For what is made and written."),
                                     QStringLiteral("path"), QStringLiteral("compare"));
     const QCommandLineOption only(QStringLiteral("only"),
-                                  QStringLiteral("Some of W1,W2,W3,W4,W5,W6,W7,series,memory."),
+                                  QStringLiteral("Some of W1,W2,W3,W4,W5,W6,W7,sliders,series,memory."),
                                   QStringLiteral("list"));
     const QCommandLineOption rounds(QStringLiteral("rounds"), QStringLiteral("Turns of each, 7 or more."),
                                     QStringLiteral("count"), QStringLiteral("9"));
