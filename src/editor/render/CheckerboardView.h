@@ -1,21 +1,15 @@
 #pragma once
 
-#include "editor/render/raster/CheckerboardPaint.h"
-
-#include <memory>
+#include "editor/render/CheckerboardShaderView.h"
 
 namespace framora {
 
-/// The pattern that stands for transparency: squares of two light greys.
+/// What stands for transparency in the preview.
 struct CheckerboardView {
     double squareSize = 12; ///< Points.
 
-    static constexpr float lightGrey = 0xff / 255.0f;
-    static constexpr float darkGrey = 0xe6 / 255.0f;
-
-    /// A light square has its top left corner at the origin; `toLocal` maps output pixels to points.
     std::shared_ptr<const raster::Paint> paint(const raster::Homography& toLocal) const {
-        return std::make_shared<raster::CheckerboardPaint>(squareSize, toLocal, lightGrey, darkGrey);
+        return CheckerboardShaderView{squareSize}.paint(toLocal);
     }
 };
 
