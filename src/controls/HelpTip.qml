@@ -41,5 +41,6 @@ T.ToolTip {
         color: Theme.card
         border.color: Theme.outline
         radius: 6
+        SoftShadow { radius: 6; strength: 0.6 }
     }
 }

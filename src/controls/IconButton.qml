@@ -22,6 +22,8 @@ T.AbstractButton {
     focusPolicy: Qt.TabFocus
     opacity: enabled ? 1 : 0.4
     Accessible.name: text !== "" ? text : help
+    Keys.onReturnPressed: control.clicked()
+    Keys.onEnterPressed: control.clicked()
     Accessible.role: Accessible.Button
 
     contentItem: Item {
@@ -45,12 +47,12 @@ T.AbstractButton {
 
     HoverHandler { id: hover }
     Loader {
-        active: hover.hovered && control.help !== ""
+        active: (hover.hovered || control.visualFocus) && control.help !== ""
         sourceComponent: HelpTip {
             parent: control
             text: control.help
             shortcut: control.shortcut
-            visible: hover.hovered && !control.pressed
+            visible: !control.pressed
         }
     }
 }

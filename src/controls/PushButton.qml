@@ -9,6 +9,7 @@ T.AbstractButton {
 
     property string symbol: ""
     property string help: ""
+    property string accessibleName: text
     property string shortcut: "" ///< Shown with the help.
     property bool primary: false
     /// For a button that stands on the window's ground.
@@ -18,11 +19,13 @@ T.AbstractButton {
     readonly property color ink: primary ? Theme.accentText : Theme.text
 
     implicitHeight: 32
-    implicitWidth: compact ? 40 : row.implicitWidth + (symbol !== "" ? 26 : 24)
+    implicitWidth: compact ? 40 : Math.ceil(row.implicitWidth) + (symbol !== "" ? 26 : 24)
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     opacity: enabled ? 1 : 0.4
-    Accessible.name: text
+    Accessible.name: accessibleName
+    Keys.onReturnPressed: control.clicked()
+    Keys.onEnterPressed: control.clicked()
     Accessible.role: Accessible.Button
 
     contentItem: Item {
@@ -61,12 +64,12 @@ T.AbstractButton {
 
     HoverHandler { id: hover }
     Loader {
-        active: hover.hovered && control.help !== ""
+        active: (hover.hovered || control.visualFocus) && control.help !== ""
         sourceComponent: HelpTip {
             parent: control
             text: control.help
             shortcut: control.shortcut
-            visible: hover.hovered && !control.pressed
+            visible: !control.pressed
         }
     }
 }

@@ -1,35 +1,60 @@
+// qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
 import Framora.Controls
 
-/// A captioned slider that knows its default: a double click, or Delete, goes back to it.
+/// A captioned slider that knows its default. A double click, Delete, or the small button that appears when the value
+/// is another goes back to it; a click on the number, Return or a digit lets a number be typed.
+///
+/// The arrow keys move by `step`, or by one of the last digit shown; with Shift, and the page keys, ten-fold.
 Item {
     id: control
 
     property string label: ""
+    property bool showLabel: true ///< False where a caption of another kind stands beside it.
     required property double value
-    property double from: 0
-    property double to: 1
+    property var range: [0, 1] ///< The lowest and the highest value.
     required property double defaultValue
     property double step: 0 ///< 0 is continuous.
     property bool showValue: true
     property string unit: ""
     property int decimals: 0
+    property bool resettable: true
+    /// Shows the reset button at the default too, as one that has nothing to do.
+    property bool resetAlwaysShows: false
+    /// The user wants another value; many in a row while the slider is held.
     signal moved(double value)
+    /// Around everything that one hold of the slider moves.
+    signal editStarted
+    signal editFinished
 
+    readonly property double from: range[0]
+    readonly property double to: range[1]
     readonly property string valueText: SliderValueText.text(value, decimals, unit)
+    readonly property bool isDefault: value === defaultValue
 
     function reset(): void {
         moved(defaultValue);
     }
+    function moveTo(wanted: double): void {
+        if (wanted !== value)
+            moved(wanted);
+    }
+    /// Opens the number for typing; what is given stands there instead of the value.
+    function startTyping(text: string): void {
+        if (showValue)
+            number.open(text);
+    }
 
     implicitHeight: 20
-    opacity: enabled ? 1 : 0.4
+    implicitWidth: 240
 
     Label {
         id: caption
         anchors.verticalCenter: parent.verticalCenter
-        width: control.label !== "" ? 80 : 0
+        opacity: control.enabled ? 1 : 0.4
+        visible: control.showLabel
+        width: control.label !== "" && visible ? Theme.captionWidth : 0
         text: control.label
     }
     T.Slider {
@@ -37,22 +62,76 @@ Item {
 
         readonly property real defaultPosition: (control.defaultValue - from) / (to - from)
         readonly property real zeroPosition: from < 0 && to > 0 ? -from / (to - from) : 0
+        readonly property real bound: SliderValueText.fit(control.value, from, to, 0)
 
         objectName: control.objectName + ".slider"
         anchors.left: caption.right
-        anchors.right: number.left
-        anchors.rightMargin: control.showValue ? 8 : 0
+        anchors.right: reset.left
+        anchors.rightMargin: control.resettable ? 2 : 8
         height: 20
         from: control.from
         to: control.to
-        stepSize: control.step
-        snapMode: control.step > 0 ? T.Slider.SnapAlways : T.Slider.NoSnap
+        stepSize: control.step > 0 ? control.step : Math.pow(10, -control.decimals)
+        snapMode: T.Slider.NoSnap
         value: control.value
         hoverEnabled: true
         focusPolicy: Qt.TabFocus
+        Accessible.role: Accessible.Slider
         Accessible.name: control.label
-        onMoved: control.moved(value)
-        Keys.onDeletePressed: control.reset()
+        Accessible.description: control.valueText
+        // What a screen reader sets.
+        onValueChanged: {
+            if (Math.abs(value - bound) > 1e-9)
+                control.moveTo(SliderValueText.fit(value, from, to, control.step));
+        }
+        Keys.onPressed: event => {
+            event.accepted = keyPressed(event);
+            // Whoever goes on with the keyboard sees where it is.
+            if (event.accepted)
+                focusReason = Qt.TabFocusReason;
+        }
+        function keyPressed(event: var): bool {
+            const step = steps => control.moveTo(SliderValueText.stepped(control.value, steps, from, to, control.step,
+                                                                        control.decimals, control.unit));
+            const many = event.modifiers & Qt.ShiftModifier ? 10 : 1;
+            if (event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier))
+                return false;
+            switch (event.key) {
+            case Qt.Key_Left:
+            case Qt.Key_Down:
+                step(-many);
+                return true;
+            case Qt.Key_Right:
+            case Qt.Key_Up:
+                step(many);
+                return true;
+            case Qt.Key_PageDown:
+                step(-10);
+                return true;
+            case Qt.Key_PageUp:
+                step(10);
+                return true;
+            case Qt.Key_Home:
+                control.moveTo(from);
+                return true;
+            case Qt.Key_End:
+                control.moveTo(to);
+                return true;
+            case Qt.Key_Delete:
+            case Qt.Key_Backspace:
+                control.reset();
+                return true;
+            case Qt.Key_Return:
+            case Qt.Key_Enter:
+            case Qt.Key_F2:
+                control.startTyping("");
+                return control.showValue;
+            }
+            if (!control.showValue || !/^[-0-9.,]$/.test(event.text))
+                return false;
+            control.startTyping(event.text);
+            return true;
+        }
 
         background: Item {
             Rectangle {
@@ -60,7 +139,7 @@ Item {
                 width: parent.width
                 height: 4
                 radius: 2
-                color: Theme.pressedFill
+                color: control.enabled ? Theme.pressedFill : Theme.fill
             }
             // From zero where the range has it inside, else from its start.
             Rectangle {
@@ -71,7 +150,7 @@ Item {
                 width: Math.abs(end - origin)
                 height: 4
                 radius: 2
-                color: Theme.accent
+                color: control.enabled ? Theme.accent : Theme.outline
             }
             // Where the default lies.
             Rectangle {
@@ -81,7 +160,7 @@ Item {
                 height: 4
                 radius: 1
                 color: Theme.tertiaryText
-                opacity: slider.hovered || slider.pressed ? 0.9 : 0
+                opacity: control.resettable && (mouse.containsMouse || mouse.pressed) ? 0.9 : 0
                 Behavior on opacity { NumberAnimation { duration: Theme.shortMotion } }
             }
         }
@@ -91,32 +170,93 @@ Item {
             width: 16
             height: 16
             radius: 8
-            color: slider.pressed ? Qt.darker(Theme.knob, 1.06) : Theme.knob
+            color: !control.enabled ? Theme.disabledKnob : mouse.pressed ? Qt.darker(Theme.knob, 1.06) : Theme.knob
             border.width: 1
-            border.color: slider.hovered || slider.pressed ? Theme.accent : Theme.dark ? "#1a1b1d" : "#c0c3cb"
+            border.color: mouse.containsMouse || mouse.pressed ? Theme.accent : Theme.knobOutline
             FocusRing { radius: 11; shown: slider.visualFocus }
         }
-        TapHandler {
-            // After the slider has had the same release, or it would move the value once more.
-            onDoubleTapped: resetSoon.start()
-        }
-        Timer {
-            id: resetSoon
-            interval: 0
-            onTriggered: control.reset()
+        // A press beside the handle brings it there at once, one on the handle keeps it under the pointer as it is,
+        // and the wheel scrolls what the slider stands in.
+        MouseArea {
+            id: mouse
+
+            property real grabOffset: 0
+            property real pressedAt: 0
+            property bool follows: false
+
+            function pointTo(x: real): void {
+                const part = Math.max(0, Math.min(1, (x - grabOffset - 8) / (width - 16)));
+                control.moveTo(SliderValueText.fit(control.from + part * (control.to - control.from), control.from,
+                                                   control.to, control.step));
+            }
+
+            anchors.fill: parent
+            hoverEnabled: true
+            preventStealing: true
+            onPressed: event => {
+                slider.forceActiveFocus(Qt.MouseFocusReason);
+                control.editStarted();
+                const offset = event.x - slider.handle.x - 8;
+                follows = Math.abs(offset) > 9;
+                grabOffset = follows ? 0 : offset;
+                pressedAt = event.x;
+                if (follows)
+                    pointTo(event.x);
+            }
+            onPositionChanged: event => {
+                // A shaking hand is no drag: a double click on the handle must not move it.
+                follows = follows || (pressed && Math.abs(event.x - pressedAt) > 2);
+                if (pressed && follows)
+                    pointTo(event.x);
+            }
+            onReleased: control.editFinished()
+            onCanceled: control.editFinished()
+            onDoubleClicked: {
+                follows = false;
+                control.reset();
+            }
         }
     }
-    Text {
+    SliderNumber {
         id: number
-        objectName: control.objectName + ".text"
+        objectName: control.objectName
         anchors.right: parent.right
         anchors.verticalCenter: parent.verticalCenter
         visible: control.showValue
-        width: !control.showValue ? 0 : control.unit !== "" ? 36 : 28
+        opacity: control.enabled ? 1 : 0.4
+        // Tracks end below each other whether or not there is a unit.
+        width: control.showValue ? 36 : 0
+        label: control.label
         text: control.valueText
-        color: Theme.tertiaryText
-        font.family: Theme.monospacedFamily
-        font.pixelSize: 11
-        horizontalAlignment: Text.AlignRight
+        boxWidth: control.unit !== "" ? 36 : 28
+        onTyped: text => {
+            const typed = SliderValueText.parse(text, control.unit);
+            if (!isNaN(typed))
+                control.moveTo(SliderValueText.fit(typed, control.from, control.to, control.step));
+        }
+        onDone: slider.forceActiveFocus(Qt.TabFocusReason)
+    }
+    IconButton {
+        id: reset
+        objectName: control.objectName + ".reset"
+        anchors.right: number.left
+        anchors.verticalCenter: parent.verticalCenter
+        width: control.resettable ? 24 : 0
+        height: 24
+        visible: control.resettable && (control.resetAlwaysShows || opacity > 0)
+        enabled: !control.isDefault
+        opacity: !control.isDefault ? (control.enabled ? 1 : 0.4) : control.resetAlwaysShows ? 0.4 : 0
+        symbol: "arrow.counterclockwise"
+        symbolSize: 11
+        tint: hovered ? Theme.text : Theme.tertiaryText
+        text: qsTr("Reset %1").arg(control.label)
+        help: qsTr("Reset")
+        onClicked: {
+            // The button goes, and the keys with it.
+            if (visualFocus && !control.resetAlwaysShows)
+                slider.forceActiveFocus(Qt.TabFocusReason);
+            control.reset();
+        }
+        Behavior on opacity { NumberAnimation { duration: Theme.shortMotion } }
     }
 }

@@ -15,8 +15,10 @@ Section {
 
     SegmentedPicker {
         objectName: "backgroundType"
+        label: section.title
         width: parent.width
         stacked: true
+        fitted: true
         options: [
             { value: "transparent", label: "Transparent", symbol: "checkerboard.rectangle" },
             { value: "color", label: "Color", symbol: "drop.fill" },

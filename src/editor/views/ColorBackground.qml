@@ -20,21 +20,29 @@ Column {
         swatch: editor.viewModel.customColor
         colorPanel: editor.colorPanel
     }
-    Row {
-        id: row
+    ChoiceGroup {
+        id: choices
         width: parent.width
-        spacing: 10
-        Repeater {
-            model: Presets.magicPresets
-            delegate: SwatchButton {
-                required property var modelData
-                required property int index
-                objectName: "magicPreset." + index
-                width: (row.width - 4 * row.spacing) / 5
-                text: Strings.localized("color") + " " + (index + 1)
-                colors: modelData
-                chosen: editor.viewModel.magicPresetIndex === index
-                onClicked: editor.viewModel.selectMagicPreset(index)
+        implicitHeight: row.implicitHeight
+        count: presets.count
+        current: editor.viewModel.magicPresetIndex
+        itemAt: index => presets.itemAt(index)
+        Row {
+            id: row
+            width: parent.width
+            spacing: 10
+            Repeater {
+                id: presets
+                model: Presets.magicPresets
+                delegate: SwatchButton {
+                    required property var modelData
+                    objectName: "magicPreset." + index
+                    width: (row.width - 4 * row.spacing) / 5
+                    text: Strings.localized("color") + " " + (index + 1)
+                    group: choices
+                    colors: modelData
+                    onClicked: editor.viewModel.selectMagicPreset(index)
+                }
             }
         }
     }

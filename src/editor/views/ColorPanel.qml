@@ -10,33 +10,46 @@ Rectangle {
     id: panel
 
     required property ColorPanelBridge bridge
-    readonly property color pureHue: Qt.hsva(bridge.hue, 1, 1, 1)
+
+    /// A part of the colour in whole numbers, out of `whole`.
+    function percentOf(text: string, whole: int): real {
+        const typed = SliderValueText.parse(text, "");
+        return isNaN(typed) ? NaN : Math.max(0, Math.min(whole, typed)) / whole;
+    }
+    function setPart(hue: real, saturation: real, brightness: real): void {
+        if (!isNaN(hue + saturation + brightness))
+            bridge.setHsv(hue, saturation, brightness);
+    }
 
     objectName: "colorPanel"
-    width: 256
-    height: column.implicitHeight + 24
+    width: 264
+    height: column.implicitHeight + 32
     radius: Theme.cardRadius
     color: Theme.surface
     border.color: Theme.outline
+    Accessible.role: Accessible.Pane
+    Accessible.name: Strings.localized("color")
+    Component.onCompleted: if (bridge.takesKeys) field.forceActiveFocus(Qt.TabFocusReason)
 
+    SoftShadow { radius: panel.radius; strength: Theme.dark ? 2 : 1 }
     // Keeps clicks between the controls from reaching the canvas, and lets the panel be moved.
     MouseArea {
         anchors.fill: parent
         drag.target: panel.parent
+        onWheel: wheel => wheel.accepted = true
     }
     Column {
         id: column
-        x: 12
+        x: 16
         y: 12
-        width: parent.width - 24
+        width: parent.width - 32
         spacing: 12
 
         Item {
             width: parent.width
-            height: 24
+            height: 28
             Text {
                 anchors.verticalCenter: parent.verticalCenter
-                x: 2
                 text: Strings.localized("color")
                 color: Theme.text
                 font.family: Theme.fontFamily
@@ -46,164 +59,132 @@ Rectangle {
             IconButton {
                 objectName: "colorPanel.close"
                 anchors.right: parent.right
-                width: 24
-                height: 24
+                anchors.rightMargin: -6
+                width: 28
+                height: 28
                 symbol: "xmark"
                 symbolSize: 14
                 tint: Theme.secondaryText
-                text: "Close"
+                text: qsTr("Close")
+                help: qsTr("Close")
                 onClicked: panel.bridge.close()
             }
         }
-        Item {
+        ColorField {
             id: field
             objectName: "colorPanel.field"
             width: parent.width
-            height: 152
-            Rectangle {
-                anchors.fill: parent
-                gradient: Gradient {
-                    orientation: Gradient.Horizontal
-                    GradientStop { position: 0; color: "#ffffff" }
-                    GradientStop { position: 1; color: panel.pureHue }
-                }
-            }
-            Rectangle {
-                anchors.fill: parent
-                gradient: Gradient {
-                    GradientStop { position: 0; color: "#00000000" }
-                    GradientStop { position: 1; color: "#ff000000" }
-                }
-            }
-            Rectangle {
-                anchors.fill: parent
-                color: "transparent"
-                border.color: Theme.outline
-            }
-            MouseArea {
-                anchors.fill: parent
-                preventStealing: true
-                function pick(mouse: var): void {
-                    panel.bridge.setHsv(panel.bridge.hue, mouse.x / width, 1 - mouse.y / height);
-                }
-                onPressed: mouse => pick(mouse)
-                onPositionChanged: mouse => pick(mouse)
-            }
-            Rectangle {
-                x: panel.bridge.saturation * parent.width - 8
-                y: (1 - panel.bridge.brightness) * parent.height - 8
-                width: 16
-                height: 16
-                radius: 8
-                color: panel.bridge.color
-                border.width: 2
-                border.color: "#ffffff"
-                Rectangle {
-                    anchors.fill: parent
-                    anchors.margins: -1
-                    radius: 9
-                    color: "transparent"
-                    border.color: "#60000000"
-                }
-            }
+            bridge: panel.bridge
         }
-        Item {
+        HueSlider {
             objectName: "colorPanel.hue"
             width: parent.width
-            height: 16
-            GradientSwatch {
-                anchors.fill: parent
-                anchors.topMargin: 3
-                anchors.bottomMargin: 3
-                radius: 5
-                angle: 90
-                colors: ["#ff0000", "#ffff00", "#00ff00", "#00ffff", "#0000ff", "#ff00ff", "#ff0000"]
-            }
-            MouseArea {
-                anchors.fill: parent
-                preventStealing: true
-                function pick(mouse: var): void {
-                    panel.bridge.setHsv(mouse.x / width, panel.bridge.saturation, panel.bridge.brightness);
-                }
-                onPressed: mouse => pick(mouse)
-                onPositionChanged: mouse => pick(mouse)
-            }
-            Rectangle {
-                x: panel.bridge.hue * (parent.width - 16)
-                width: 16
-                height: 16
-                radius: 8
-                color: panel.pureHue
-                border.width: 2
-                border.color: "#ffffff"
-                Rectangle {
-                    anchors.fill: parent
-                    anchors.margins: -1
-                    radius: 9
-                    color: "transparent"
-                    border.color: "#60000000"
-                }
-            }
+            bridge: panel.bridge
         }
         Row {
             width: parent.width
-            spacing: 8
-            GradientSwatch {
-                width: 32
-                height: 32
-                radius: Theme.radius
-                colors: [panel.bridge.color]
-                outline: Theme.outline
-            }
-            T.TextField {
-                id: hex
+            spacing: 6
+            ColorNumber {
                 objectName: "colorPanel.hex"
-                width: parent.width - 40
-                height: 32
-                leftPadding: 10
-                rightPadding: 10
-                verticalAlignment: TextInput.AlignVCenter
-                text: panel.bridge.color.toString().slice(1).toUpperCase()
-                color: Theme.text
-                selectionColor: Theme.accent
-                selectedTextColor: Theme.accentText
-                selectByMouse: true
+                width: parent.width - 3 * 50
+                caption: "Hex"
+                accessibleName: "Hex"
                 maximumLength: 7
-                font.family: Theme.monospacedFamily
-                font.pixelSize: 12
-                validator: RegularExpressionValidator { regularExpression: /#?[0-9a-fA-F]{6}/ }
-                Accessible.name: "Hex"
-                onEditingFinished: panel.bridge.setColor("#" + text.replace("#", ""))
-                onActiveFocusChanged: if (activeFocus) selectAll()
-                background: Rectangle {
-                    radius: Theme.radius
-                    color: Theme.fill
-                    border.width: hex.activeFocus ? 2 : 0
-                    border.color: Theme.accent
+                shown: panel.bridge.color.toString().slice(1).toUpperCase()
+                onTyped: text => {
+                    const digits = text.replace("#", "");
+                    if (/^[0-9a-fA-F]{6}$/.test(digits))
+                        panel.bridge.setColor("#" + digits);
+                    else if (/^[0-9a-fA-F]{3}$/.test(digits))
+                        panel.bridge.setColor("#" + digits.replace(/./g, "$&$&"));
                 }
             }
+            ColorNumber {
+                objectName: "colorPanel.h"
+                width: 44
+                caption: "H"
+                accessibleName: qsTr("Hue")
+                shown: Math.round(panel.bridge.hue * 360)
+                onTyped: text => panel.setPart(panel.percentOf(text, 360), panel.bridge.saturation, panel.bridge.brightness)
+                onStepped: steps => panel.bridge.setHsv((Number(shown) + steps) / 360, panel.bridge.saturation,
+                                                        panel.bridge.brightness)
+            }
+            ColorNumber {
+                objectName: "colorPanel.s"
+                width: 44
+                caption: "S"
+                accessibleName: qsTr("Saturation")
+                shown: Math.round(panel.bridge.saturation * 100)
+                onTyped: text => panel.setPart(panel.bridge.hue, panel.percentOf(text, 100), panel.bridge.brightness)
+                onStepped: steps => panel.bridge.setHsv(panel.bridge.hue, (Number(shown) + steps) / 100,
+                                                        panel.bridge.brightness)
+            }
+            ColorNumber {
+                objectName: "colorPanel.b"
+                width: 44
+                caption: "B"
+                accessibleName: qsTr("Brightness")
+                shown: Math.round(panel.bridge.brightness * 100)
+                onTyped: text => panel.setPart(panel.bridge.hue, panel.bridge.saturation, panel.percentOf(text, 100))
+                onStepped: steps => panel.bridge.setHsv(panel.bridge.hue, panel.bridge.saturation,
+                                                        (Number(shown) + steps) / 100)
+            }
         }
-        Grid {
-            id: grid
+        ChoiceGroup {
+            id: choices
+
+            readonly property var palette: ["#ffffff", "#c9ccd3", "#6b6f78", "#1a1a1a", "#e5484d", "#f76b15", "#ffc53d",
+                                            "#46a758", "#12a594", "#00a2c7", "#3d6df2", "#6e56cf", "#ab4aba", "#e93d82",
+                                            "#8d6e58", "#0d2b45"]
+
             width: parent.width
-            columns: 8
-            spacing: 6
-            Repeater {
-                model: ["#ffffff", "#c9ccd3", "#6b6f78", "#1a1a1a", "#e5484d", "#f76b15", "#ffc53d", "#46a758",
-                        "#12a594", "#00a2c7", "#3d6df2", "#6e56cf", "#ab4aba", "#e93d82", "#8d6e58", "#0d2b45"]
-                delegate: T.AbstractButton {
-                    id: swatch
-                    required property string modelData
-                    width: (grid.width - 7 * grid.spacing) / 8
-                    height: width
-                    hoverEnabled: true
-                    Accessible.name: modelData
-                    Accessible.role: Accessible.Button
-                    onClicked: panel.bridge.setColor(modelData)
-                    background: GradientSwatch {
-                        radius: 6
-                        colors: [swatch.modelData]
-                        outline: swatch.hovered ? Theme.text : Theme.outline
+            implicitHeight: grid.implicitHeight + 4
+            count: palette.length
+            current: palette.indexOf(panel.bridge.color.toString())
+            itemAt: index => swatches.itemAt(index)
+            Grid {
+                id: grid
+                width: parent.width
+                columns: 8
+                spacing: 8
+                Repeater {
+                    id: swatches
+                    model: choices.palette
+                    delegate: T.AbstractButton {
+                        id: swatch
+                        required property string modelData
+                        required property int index
+                        objectName: "colorPanel.swatch." + index
+                        width: (grid.width - 7 * grid.spacing) / 8
+                        height: width
+                        hoverEnabled: true
+                        focusPolicy: choices.stop === index ? Qt.TabFocus : Qt.NoFocus
+                        Accessible.name: modelData
+                        Accessible.role: Accessible.RadioButton
+                        Accessible.checkable: true
+                        Accessible.checked: choices.current === index
+                        onActiveFocusChanged: if (activeFocus) choices.entered(index)
+                        onClicked: panel.bridge.setColor(modelData)
+                        Keys.onReturnPressed: swatch.clicked()
+                        Keys.onEnterPressed: swatch.clicked()
+                        background: Item {
+                            GradientSwatch {
+                                anchors.fill: parent
+                                radius: width / 2
+                                colors: [swatch.modelData]
+                                outline: Theme.swatchOutline
+                            }
+                            Rectangle {
+                                anchors.fill: parent
+                                anchors.margins: -3
+                                radius: width / 2
+                                color: "transparent"
+                                border.width: 2
+                                border.color: choices.current === swatch.index ? Theme.accent : Theme.outline
+                                visible: choices.current === swatch.index || swatch.hovered
+                            }
+                            FocusRing { radius: width / 2; shown: swatch.visualFocus }
+                        }
                     }
                 }
             }

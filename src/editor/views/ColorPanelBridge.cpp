@@ -3,11 +3,14 @@
 #include "editor/model/ScreenshotEditorViewModel.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace framora {
 
 ColorPanelBridge::ColorPanelBridge(ScreenshotEditorViewModel& viewModel, QObject* parent)
-    : QObject(parent), m_viewModel(viewModel) {}
+    : QObject(parent), m_viewModel(viewModel) {
+    connect(&viewModel, &ScreenshotEditorViewModel::configChanged, this, &ColorPanelBridge::follow);
+}
 
 QColor ColorPanelBridge::color() const {
     return QColor::fromHsvF(float(m_hue), float(m_saturation), float(m_brightness)).toRgb();
@@ -27,11 +30,12 @@ QColor ColorPanelBridge::currentColor(const QString& field) const {
     return {};
 }
 
-void ColorPanelBridge::open(const QString& field) {
+void ColorPanelBridge::open(const QString& field, QQuickItem* opener) {
     const QColor current = currentColor(field);
     if (!current.isValid())
         return;
     show(current.alpha() == 0 ? QColor(Qt::white) : current);
+    m_opener = opener;
     if (m_field != field) {
         m_field = field;
         Q_EMIT fieldChanged();
@@ -42,7 +46,19 @@ void ColorPanelBridge::close() {
     if (m_field.isEmpty())
         return;
     m_field.clear();
+    const QPointer<QQuickItem> opener = std::exchange(m_opener, nullptr);
     Q_EMIT fieldChanged();
+    if (opener)
+        opener->forceActiveFocus(Qt::TabFocusReason);
+}
+
+void ColorPanelBridge::beginEdit() {
+    if (isOpen())
+        m_viewModel.beginEdit(m_field);
+}
+
+void ColorPanelBridge::endEdit() {
+    m_viewModel.endEdit();
 }
 
 void ColorPanelBridge::show(const QColor& color) {
@@ -72,10 +88,21 @@ void ColorPanelBridge::setHsv(double hue, double saturation, double brightness) 
 }
 
 void ColorPanelBridge::write() {
+    m_isWriting = true;
     if (m_field == u"customColor")
         m_viewModel.pickCustomColor(color());
     else
         m_viewModel.set(m_field, color());
+    m_isWriting = false;
+}
+
+void ColorPanelBridge::follow() {
+    if (!isOpen() || m_isWriting)
+        return;
+    // A colour that a preset has cleared leaves the panel where it is.
+    const QColor current = currentColor(m_field);
+    if (current.alpha() > 0 && current.rgb() != color().rgb())
+        show(current);
 }
 
 } // namespace framora

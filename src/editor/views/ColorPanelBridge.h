@@ -2,6 +2,8 @@
 
 #include <QColor>
 #include <QObject>
+#include <QPointer>
+#include <QQuickItem>
 #include <QtQml/qqmlregistration.h>
 
 namespace framora {
@@ -18,6 +20,7 @@ class ColorPanelBridge final : public QObject {
     QML_UNCREATABLE("Made with the editor session")
     Q_PROPERTY(QString field READ field NOTIFY fieldChanged)
     Q_PROPERTY(bool isOpen READ isOpen NOTIFY fieldChanged)
+    Q_PROPERTY(bool takesKeys READ takesKeys NOTIFY fieldChanged)
     Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY colorChanged)
     Q_PROPERTY(double hue READ hue NOTIFY colorChanged)
     Q_PROPERTY(double saturation READ saturation NOTIFY colorChanged)
@@ -33,9 +36,14 @@ public:
     double saturation() const { return m_saturation; } ///< 0...1
     double brightness() const { return m_brightness; } ///< 0...1
 
-    /// Starts editing `field`; a panel that is open moves over to it. A clear colour starts as white.
-    Q_INVOKABLE void open(const QString& field);
+    /// Starts editing `field`; a panel that is open moves over to it. A clear colour starts as white. Who
+    /// opens it by the keyboard gives itself as `opener`: the panel then takes the keys, and hands them back.
+    Q_INVOKABLE void open(const QString& field, QQuickItem* opener = nullptr);
     Q_INVOKABLE void close();
+    bool takesKeys() const { return !m_opener.isNull(); }
+    /// Around everything that one drag in the panel writes: one step for undo.
+    Q_INVOKABLE void beginEdit();
+    Q_INVOKABLE void endEdit();
     /// The user's choice: updates the panel and writes the field. Nothing while the panel is closed.
     Q_INVOKABLE void setColor(const QColor& color);
     Q_INVOKABLE void setHsv(double hue, double saturation, double brightness);
@@ -48,9 +56,13 @@ private:
     QColor currentColor(const QString& field) const;
     void show(const QColor& color);
     void write();
+    /// The style changed, perhaps by somebody else: undo, a preset, the dice.
+    void follow();
 
     ScreenshotEditorViewModel& m_viewModel;
     QString m_field;
+    QPointer<QQuickItem> m_opener;
+    bool m_isWriting = false;
     double m_hue = 0;
     double m_saturation = 0;
     double m_brightness = 1;

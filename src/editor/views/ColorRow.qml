@@ -11,18 +11,19 @@ Item {
     required property color swatch
     required property ColorPanelBridge colorPanel
 
-    implicitHeight: 26
+    implicitHeight: 28
 
     Label {
         anchors.verticalCenter: parent.verticalCenter
+        width: Theme.captionWidth
         text: row.label
     }
     ColorWell {
         objectName: row.objectName + ".well"
-        anchors.right: parent.right
+        x: Theme.captionWidth
         text: row.label
+        field: row.field
         swatch: row.swatch
-        editing: row.colorPanel.field === row.field
-        onClicked: editing ? row.colorPanel.close() : row.colorPanel.open(row.field)
+        colorPanel: row.colorPanel
     }
 }

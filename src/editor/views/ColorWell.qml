@@ -3,26 +3,34 @@ import QtQuick.Templates as T
 import Framora.Controls
 import Framora.Editor
 
-/// A colour that opens the colour panel when it is clicked; a ring marks the one being edited.
+/// The colour of one field; it opens the colour panel when it is pressed, and a ring marks the one being edited.
 T.AbstractButton {
     id: control
 
+    required property string field
     required property color swatch
-    property bool editing: false
+    required property ColorPanelBridge colorPanel
+    readonly property bool editing: colorPanel.field === field
 
     implicitWidth: 44
-    implicitHeight: 26
+    implicitHeight: 28
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
+    Keys.onReturnPressed: control.clicked()
+    Keys.onEnterPressed: control.clicked()
     Accessible.role: Accessible.Button
     Accessible.name: text
+    Accessible.description: swatch.a === 0 ? "" : swatch.toString()
+    Accessible.checkable: true
+    Accessible.checked: editing
+    onClicked: editing ? colorPanel.close() : colorPanel.open(field, visualFocus ? control : null)
 
     background: Item {
         GradientSwatch {
             anchors.fill: parent
             radius: 7
             colors: [control.swatch]
-            outline: Theme.dark ? "#5a5d65" : "#b9bcc5"
+            outline: Theme.swatchOutline
         }
         Rectangle {
             anchors.fill: parent

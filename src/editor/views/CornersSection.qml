@@ -10,24 +10,36 @@ Section {
 
     title: Strings.localized("corners")
 
-    SegmentedPicker {
-        objectName: "borderStyle"
+    Item {
         width: parent.width
-        options: [
-            { value: "sharp", label: "Sharp" },
-            { value: "curved", label: "Curved" },
-            { value: "round", label: "Round" }
-        ]
-        value: section.viewModel.borderStyle
-        onChosen: value => section.viewModel.selectBorderStyle(value)
+        height: 32
+
+        Label {
+            anchors.verticalCenter: parent.verticalCenter
+            width: Theme.captionWidth
+            text: qsTr("Style")
+        }
+        SegmentedPicker {
+            objectName: "borderStyle"
+            x: Theme.captionWidth
+            width: parent.width - x
+            label: qsTr("Style")
+            options: [
+                { value: "sharp", label: "Sharp" },
+                { value: "curved", label: "Curved" },
+                { value: "round", label: "Round" }
+            ]
+            value: section.viewModel.borderStyle
+            onChosen: value => section.viewModel.selectBorderStyle(value)
+        }
     }
-    SliderWithDefault {
-        objectName: "borderRadius"
+    StyleSlider {
+        viewModel: section.viewModel
+        field: "borderRadius"
         width: parent.width
         label: Strings.localized("radius")
-        to: 40
+        range: [0, 40]
         defaultValue: 20
         value: section.viewModel.config.borderRadius
-        onMoved: value => section.viewModel.set("borderRadius", value)
     }
 }

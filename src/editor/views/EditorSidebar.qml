@@ -11,6 +11,14 @@ Rectangle {
 
     color: Theme.surface
 
+    // A click beside the controls ends typing.
+    MouseArea {
+        anchors.fill: parent
+        onPressed: mouse => {
+            sidebar.forceActiveFocus(Qt.MouseFocusReason);
+            mouse.accepted = false;
+        }
+    }
     Rectangle {
         anchors.right: parent.right
         width: 1
@@ -24,6 +32,9 @@ Rectangle {
         y: Theme.headerHeight + 4
         width: parent.width - 32
         height: 34
+        tabs: true
+        fitted: true
+        label: qsTr("Style")
         options: [
             { value: 0, label: qsTr("Appearance"), symbol: "paintbrush" },
             { value: 1, label: qsTr("Background"), symbol: "photo" },
@@ -32,25 +43,69 @@ Rectangle {
         value: sidebar.session.selectedTab
         onChosen: value => sidebar.session.selectedTab = value
     }
+    // The panel scrolls away under this line.
+    Rectangle {
+        anchors.bottom: flickable.top
+        width: parent.width - 1
+        height: 1
+        color: Theme.hairline
+        opacity: flickable.contentY > 0 ? 1 : 0
+        Behavior on opacity { NumberAnimation { duration: Theme.shortMotion } }
+    }
     Flickable {
         id: flickable
+
+        /// Brings what the keyboard has reached into view, with room around it.
+        function reveal(item: Item): void {
+            let above = item;
+            while (above && above !== panel.item)
+                above = above.parent;
+            if (!above || height <= 0)
+                return;
+            const top = item.mapToItem(contentItem, 0, 0).y;
+            const room = Math.min(24, Math.max(0, (height - item.height) / 2));
+            const wanted = Math.max(top + item.height + room - height, Math.min(contentY, top - room));
+            scrollTo.to = Math.max(0, Math.min(contentHeight - height, wanted));
+            if (scrollTo.to !== contentY)
+                scrollTo.restart();
+        }
+
         objectName: "sidebar.scroll"
         anchors.top: tabs.bottom
-        anchors.topMargin: 16
+        anchors.topMargin: 12
         anchors.bottom: parent.bottom
         width: parent.width - 1
         clip: true
         contentWidth: width
-        contentHeight: panel.implicitHeight + 24
+        contentHeight: panel.implicitHeight + 28
         boundsBehavior: Flickable.StopAtBounds
         interactive: contentHeight > height
 
+        NumberAnimation {
+            id: scrollTo
+            target: flickable
+            property: "contentY"
+            duration: Theme.motion
+            easing.type: Easing.OutCubic
+        }
+        Connections {
+            target: sidebar.Window.window
+            function onActiveFocusItemChanged(): void {
+                const item = sidebar.Window.window.activeFocusItem;
+                if (item)
+                    flickable.reveal(item);
+            }
+        }
         Loader {
             id: panel
             x: 16
+            y: 4
             width: sidebar.width - 32
             sourceComponent: [appearance, background, layout][sidebar.session.selectedTab]
-            onLoaded: flickable.contentY = 0
+            onLoaded: {
+                scrollTo.stop();
+                flickable.contentY = 0;
+            }
         }
         Component {
             id: appearance
@@ -79,7 +134,7 @@ Rectangle {
         height: flickable.visibleArea.heightRatio * flickable.height
         radius: 2
         color: Theme.tertiaryText
-        opacity: flickable.moving || hover.hovered ? 0.5 : 0
+        opacity: flickable.moving || scrollTo.running || hover.hovered ? 0.5 : 0
         Behavior on opacity { NumberAnimation { duration: Theme.motion } }
     }
     HoverHandler { id: hover }

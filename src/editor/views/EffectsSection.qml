@@ -14,46 +14,46 @@ Section {
 
     title: Strings.localized("effects")
 
-    SliderWithDefault {
-        objectName: "gradientConfig.blurAmount"
+    StyleSlider {
+        viewModel: section.viewModel
+        field: "gradientConfig.blurAmount"
         enabled: section.hasBackground
         width: parent.width
         label: Strings.localized("blur")
-        to: 50
+        range: [0, 50]
         defaultValue: 0
         value: section.viewModel.config.gradientConfig.blurAmount
-        onMoved: value => section.viewModel.set("gradientConfig.blurAmount", value)
     }
-    SliderWithDefault {
-        objectName: "gradientConfig.noiseAmount"
+    StyleSlider {
+        viewModel: section.viewModel
+        field: "gradientConfig.noiseAmount"
         enabled: section.hasBackground
         width: parent.width
         label: Strings.localized("noise")
-        to: 100
+        range: [0, 100]
         defaultValue: 0
         value: section.viewModel.config.gradientConfig.noiseAmount
-        onMoved: value => section.viewModel.set("gradientConfig.noiseAmount", value)
     }
-    SliderWithDefault {
-        objectName: "gradientConfig.saturation"
+    StyleSlider {
+        viewModel: section.viewModel
+        field: "gradientConfig.saturation"
         enabled: section.hasChosenColors
         width: parent.width
         label: Strings.localized("saturation")
-        to: 200
+        range: [0, 200]
         defaultValue: 100
         unit: "%"
         value: section.viewModel.config.gradientConfig.saturation
-        onMoved: value => section.viewModel.set("gradientConfig.saturation", value)
     }
-    SliderWithDefault {
-        objectName: "gradientConfig.brightness"
+    StyleSlider {
+        viewModel: section.viewModel
+        field: "gradientConfig.brightness"
         enabled: section.hasChosenColors
         width: parent.width
         label: Strings.localized("brightness")
-        to: 200
+        range: [0, 200]
         defaultValue: 100
         unit: "%"
         value: section.viewModel.config.gradientConfig.brightness
-        onMoved: value => section.viewModel.set("gradientConfig.brightness", value)
     }
 }

@@ -1,6 +1,5 @@
 // qmllint disable unqualified
 import QtQuick
-import QtQuick.Templates as T
 import Framora.Controls
 import Framora.Editor
 
@@ -14,7 +13,7 @@ Section {
 
     Item {
         width: parent.width
-        height: 24
+        height: 28
 
         SymbolIcon {
             anchors.verticalCenter: parent.verticalCenter
@@ -25,92 +24,82 @@ Section {
             x: 26
             anchors.verticalCenter: parent.verticalCenter
             text: Strings.localized("social.presets")
+            color: Theme.text
             font.weight: Font.Medium
         }
         IconButton {
             objectName: "social.clear"
             anchors.right: parent.right
             anchors.rightMargin: -4
-            anchors.verticalCenter: parent.verticalCenter
             width: 28
             height: 28
             visible: section.viewModel.socialPresetIndex >= 0
             symbol: "xmark.circle.fill"
             tint: Theme.secondaryText
-            text: "Clear"
-            help: "Clear"
+            text: qsTr("Clear")
+            help: qsTr("Clear")
             onClicked: section.viewModel.selectSocialPreset(-1)
         }
     }
-    Repeater {
-        model: Presets.socialPlatforms
-        delegate: Column {
-            id: group
-            required property var modelData
-            width: parent.width
-            spacing: 6
+    ChoiceGroup {
+        id: choices
 
-            Label {
-                text: group.modelData.platform
-                font.pixelSize: 11
-                color: Theme.tertiaryText
-            }
-            Grid {
-                id: grid
-                width: parent.width
-                columns: 2
-                spacing: 6
-                Repeater {
-                    model: group.modelData.presets
-                    delegate: T.AbstractButton {
-                        id: preset
-                        required property var modelData
-                        readonly property bool chosen: section.viewModel.socialPresetIndex === modelData.index
-                        objectName: "socialPreset." + modelData.index
-                        width: (grid.width - grid.spacing) / 2
-                        height: 44
-                        hoverEnabled: true
-                        focusPolicy: Qt.TabFocus
-                        Accessible.role: Accessible.RadioButton
-                        Accessible.name: group.modelData.platform + " " + modelData.name
-                        onClicked: section.viewModel.selectSocialPreset(chosen ? -1 : modelData.index)
-                        contentItem: Item {
-                            SymbolIcon {
-                                x: 10
-                                anchors.verticalCenter: parent.verticalCenter
-                                symbol: preset.modelData.icon
-                                color: preset.chosen ? Theme.accent : Theme.secondaryText
-                            }
-                            Text {
-                                x: 38
-                                y: 7
-                                width: parent.width - 44
-                                text: preset.modelData.name
-                                color: Theme.text
-                                elide: Text.ElideRight
-                                font.family: Theme.fontFamily
-                                font.pixelSize: 12
-                                font.weight: Font.Medium
-                            }
-                            Text {
-                                x: 38
-                                y: 23
-                                text: preset.modelData.width + " × " + preset.modelData.height
-                                color: Theme.tertiaryText
-                                font.family: Theme.fontFamily
-                                font.pixelSize: 11
-                            }
-                        }
-                        background: Rectangle {
-                            radius: Theme.radius
-                            color: Theme.stateFill(preset.hovered, preset.pressed)
-                            border.width: preset.chosen ? 2 : 0
-                            border.color: Theme.accent
-                            FocusRing { shown: preset.visualFocus }
+        width: parent.width
+        implicitHeight: column.implicitHeight
+        count: Presets.socialPresetCount
+        current: section.viewModel.socialPresetIndex
+        itemAt: index => section.memberOf(index)
+
+        Column {
+            id: column
+            width: parent.width
+            spacing: 12
+            Repeater {
+                id: platforms
+                model: Presets.socialPlatforms
+                delegate: Column {
+                    id: entry
+
+                    required property var modelData
+                    readonly property int first: modelData.presets[0].index
+
+                    function member(index: int): Item {
+                        return rows.itemAt(index - first);
+                    }
+
+                    width: column.width
+                    spacing: 2
+                    Label {
+                        text: entry.modelData.platform
+                        height: 20
+                        font.pixelSize: 11
+                        font.weight: Font.Medium
+                        color: Theme.tertiaryText
+                    }
+                    Repeater {
+                        id: rows
+                        model: entry.modelData.presets
+                        delegate: SocialPresetRow {
+                            objectName: "socialPreset." + index
+                            // Its symbols stand below the captions, and its ground reaches out of the column.
+                            x: -8
+                            width: entry.width + 16
+                            platform: entry.modelData.platform
+                            index: modelData.index
+                            group: choices
+                            onClicked: section.viewModel.selectSocialPreset(chosen ? -1 : index)
                         }
                     }
                 }
             }
         }
+    }
+
+    /// The row of a place in the catalogue.
+    function memberOf(index: int): Item {
+        for (let i = platforms.count - 1; i >= 0; --i)
+            if (platforms.itemAt(i).first <= index)
+                return platforms.itemAt(i).member(index);
+        return null;
     }
 }

@@ -16,6 +16,7 @@ Column {
     SegmentedPicker {
         objectName: "gradientStyle"
         width: parent.width
+        label: qsTr("Gradient")
         options: [
             { value: "linear", label: "Linear" },
             { value: "radial", label: "Radial" },
@@ -35,15 +36,14 @@ Column {
                 model: editor.three ? 3 : 2
                 delegate: ColorWell {
                     required property int index
-                    readonly property string field: "gradientConfig.color" + (index + 1)
                     objectName: field + ".well"
-                    width: 34
+                    width: 36
                     height: 28
                     text: Strings.localized("color") + " " + (index + 1)
+                    field: "gradientConfig.color" + (index + 1)
                     swatch: [editor.viewModel.gradientColor1, editor.viewModel.gradientColor2,
                              editor.viewModel.gradientColor3][index]
-                    editing: editor.colorPanel.field === field
-                    onClicked: editing ? editor.colorPanel.close() : editor.colorPanel.open(field)
+                    colorPanel: editor.colorPanel
                 }
             }
         }
@@ -59,14 +59,16 @@ Column {
             }
         }
     }
-    SliderWithDefault {
-        objectName: "gradientConfig.angle"
+    StyleSlider {
+        viewModel: editor.viewModel
+        field: "gradientConfig.angle"
+        // A circle looks the same from everywhere.
+        enabled: editor.viewModel.gradientStyle !== "radial"
         width: parent.width
         label: Strings.localized("angle")
-        to: 360
+        range: [0, 360]
         defaultValue: 135
         value: editor.viewModel.config.gradientConfig.angle
-        onMoved: value => editor.viewModel.set("gradientConfig.angle", value)
     }
     PushButton {
         objectName: "randomize"
@@ -75,24 +77,32 @@ Column {
         symbol: "dice.fill"
         onClicked: editor.viewModel.randomizeGradient()
     }
-    Grid {
-        id: grid
+    ChoiceGroup {
+        id: choices
         width: parent.width
-        columns: 3
-        columnSpacing: 10
-        rowSpacing: 12
-        Repeater {
-            model: Presets.gradientPresets
-            delegate: SwatchButton {
-                required property var modelData
-                required property int index
-                objectName: "gradientPreset." + index
-                width: (grid.width - 2 * grid.columnSpacing) / 3
-                colors: modelData.colors
-                angle: modelData.angle
-                caption: modelData.name
-                chosen: editor.viewModel.gradientPresetIndex === index
-                onClicked: editor.viewModel.selectGradientPreset(index)
+        implicitHeight: grid.implicitHeight
+        count: presets.count
+        current: editor.viewModel.gradientPresetIndex
+        itemAt: index => presets.itemAt(index)
+        Grid {
+            id: grid
+            width: parent.width
+            columns: 3
+            columnSpacing: 10
+            rowSpacing: 12
+            Repeater {
+                id: presets
+                model: Presets.gradientPresets
+                delegate: SwatchButton {
+                    required property var modelData
+                    objectName: "gradientPreset." + index
+                    width: (grid.width - 2 * grid.columnSpacing) / 3
+                    group: choices
+                    colors: modelData.colors
+                    angle: modelData.angle
+                    caption: modelData.name
+                    onClicked: editor.viewModel.selectGradientPreset(index)
+                }
             }
         }
     }

@@ -11,37 +11,36 @@ Section {
 
     title: Strings.localized("layout")
 
-    SliderWithDefault {
-        objectName: "padding"
+    StyleSlider {
+        viewModel: section.viewModel
+        field: "padding"
         width: parent.width
         label: Strings.localized("padding")
-        to: 200
+        range: [0, 200]
         defaultValue: 80
         value: section.viewModel.config.padding
-        onMoved: value => section.viewModel.set("padding", value)
     }
-    SliderWithDefault {
-        objectName: "imageScale"
+    StyleSlider {
+        viewModel: section.viewModel
+        field: "imageScale"
         width: parent.width
         label: Strings.localized("scale")
-        from: 10
-        to: 200
+        range: [10, 200]
         defaultValue: 100
         unit: "%"
         value: section.viewModel.config.imageScale
-        onMoved: value => section.viewModel.set("imageScale", value)
     }
     Item {
         width: parent.width
         height: 32
         Label {
             anchors.verticalCenter: parent.verticalCenter
+            width: Theme.captionWidth
             text: Strings.localized("position")
         }
         Text {
             objectName: "position.text"
-            anchors.right: center.left
-            anchors.rightMargin: 12
+            x: Theme.captionWidth
             anchors.verticalCenter: parent.verticalCenter
             text: Math.round(section.offset.width) + ", " + Math.round(section.offset.height)
             color: Theme.tertiaryText
@@ -49,7 +48,6 @@ Section {
             font.pixelSize: 11
         }
         PushButton {
-            id: center
             objectName: "position.center"
             anchors.right: parent.right
             text: Strings.localized("center")

@@ -15,6 +15,7 @@ Section {
     SegmentedPicker {
         objectName: "mockupStyle"
         width: parent.width
+        label: section.title
         options: [
             { value: "defaultStyle", label: "Default" },
             { value: "glassEffect", label: "Glass" },
@@ -23,17 +24,17 @@ Section {
         value: section.viewModel.mockupStyle
         onChosen: value => section.viewModel.set("mockupStyle", value)
     }
-    SliderWithDefault {
-        objectName: "mockupBorderSize"
+    StyleSlider {
+        viewModel: section.viewModel
+        field: "mockupBorderSize"
         visible: section.bordered
         width: parent.width
         label: Strings.localized("size")
-        to: 10
+        range: [0, 10]
         step: 0.5
         decimals: 1
         defaultValue: 3
         value: section.viewModel.config.mockupBorderSize
-        onMoved: value => section.viewModel.set("mockupBorderSize", value)
     }
     ColorRow {
         objectName: "borderColor"

@@ -47,7 +47,8 @@ QVariantList Presets::socialPlatforms() const {
                                    {QStringLiteral("name"), preset.name},
                                    {QStringLiteral("width"), preset.width},
                                    {QStringLiteral("height"), preset.height},
-                                   {QStringLiteral("icon"), preset.icon}});
+                                   {QStringLiteral("icon"), preset.icon},
+                                   {QStringLiteral("ratio"), preset.ratio}});
         // Entries of one platform stand together.
         if (i + 1 == catalogue.size() || catalogue[i + 1].platform != preset.platform) {
             platforms.append(QVariantMap{{QStringLiteral("platform"), preset.platform},
@@ -56,6 +57,10 @@ QVariantList Presets::socialPlatforms() const {
         }
     }
     return platforms;
+}
+
+int Presets::socialPresetCount() const {
+    return int(PresetCatalogues::socialMediaPresets().size());
 }
 
 } // namespace framora

@@ -16,14 +16,16 @@ class Presets : public QObject {
     /// Maps with "name", "colors" (those in use) and "angle".
     Q_PROPERTY(QVariantList gradientPresets READ gradientPresets CONSTANT)
     /// Maps with "platform" and "presets": maps with "index" in the catalogue, "name", "width", "height",
-    /// "icon".
+    /// "icon", "ratio".
     Q_PROPERTY(QVariantList socialPlatforms READ socialPlatforms CONSTANT)
+    Q_PROPERTY(int socialPresetCount READ socialPresetCount CONSTANT)
 
 public:
     using QObject::QObject;
     QVariantList magicPresets() const;
     QVariantList gradientPresets() const;
     QVariantList socialPlatforms() const;
+    int socialPresetCount() const;
 };
 
 } // namespace framora

@@ -4,21 +4,28 @@ import QtQuick.Templates as T
 import Framora.Controls
 import Framora.Editor
 
-/// A preset's colours to choose from; a ring marks the chosen one.
+/// A preset's colours to choose from, a member of a group; a ring marks the chosen one.
 T.AbstractButton {
     id: control
 
+    required property int index
+    required property ChoiceGroup group
     required property var colors
     property double angle: 135
-    property bool chosen: false
     property string caption: ""
+    readonly property bool chosen: group.current === index
 
     implicitWidth: 48
-    implicitHeight: swatch.height + (caption !== "" ? 20 : 0)
+    implicitHeight: 44 + (caption !== "" ? 20 : 0)
     hoverEnabled: true
-    focusPolicy: Qt.TabFocus
+    focusPolicy: group.stop === index ? Qt.TabFocus : Qt.NoFocus
     Accessible.role: Accessible.RadioButton
     Accessible.name: caption !== "" ? caption : text
+    Accessible.checkable: true
+    Accessible.checked: chosen
+    onActiveFocusChanged: if (activeFocus) group.entered(index)
+    Keys.onReturnPressed: control.clicked()
+    Keys.onEnterPressed: control.clicked()
 
     contentItem: Item {
         Text {
@@ -26,7 +33,7 @@ T.AbstractButton {
             anchors.bottom: parent.bottom
             width: parent.width
             text: control.caption
-            color: control.chosen ? Theme.text : Theme.secondaryText
+            color: control.chosen || control.hovered ? Theme.text : Theme.secondaryText
             elide: Text.ElideRight
             horizontalAlignment: Text.AlignHCenter
             font.family: Theme.fontFamily
@@ -42,16 +49,8 @@ T.AbstractButton {
             radius: 9
             colors: control.colors
             angle: control.angle
-            outline: Theme.dark ? "#5a5d65" : "#c6c8d0"
+            outline: Theme.swatchOutline
         }
-        Rectangle {
-            anchors.fill: swatch
-            anchors.margins: -3
-            radius: 12
-            color: "transparent"
-            border.width: 2
-            border.color: control.chosen ? Theme.accent : Theme.outline
-            visible: control.chosen || control.hovered || control.visualFocus
-        }
+        SwatchRing { anchors.fill: swatch; control: control; chosen: control.chosen }
     }
 }

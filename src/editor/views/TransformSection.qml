@@ -7,19 +7,19 @@ Section {
     id: section
 
     required property ScreenshotEditorViewModel viewModel
+    readonly property double rotation: viewModel.config.rotation
 
     title: Strings.localized("transform")
 
-    SliderWithDefault {
-        objectName: "scale"
+    StyleSlider {
+        viewModel: section.viewModel
+        field: "scale"
         width: parent.width
         label: Strings.localized("scale")
-        from: 0.1
-        to: 3
+        range: [0.1, 3]
         decimals: 2
         defaultValue: 1
         value: section.viewModel.config.scale
-        onMoved: value => section.viewModel.set("scale", value)
     }
     Item {
         width: parent.width
@@ -27,55 +27,64 @@ Section {
 
         Label {
             anchors.verticalCenter: parent.verticalCenter
+            width: Theme.captionWidth
             text: Strings.localized("rotation")
         }
         Row {
-            anchors.right: parent.right
-            spacing: 6
-            Text {
-                objectName: "rotation.text"
-                anchors.verticalCenter: parent.verticalCenter
-                width: 40
-                text: SliderValueText.text(section.viewModel.config.rotation, 0, "°")
-                color: Theme.tertiaryText
-                font.family: Theme.monospacedFamily
-                font.pixelSize: 11
-                horizontalAlignment: Text.AlignHCenter
-            }
+            x: Theme.captionWidth
+            spacing: 4
             IconButton {
                 objectName: "rotation.left"
                 bordered: true
                 symbol: "rotate.left"
-                help: "Rotate Left"
-                onClicked: section.viewModel.set("rotation", section.viewModel.config.rotation - 90)
+                help: qsTr("Rotate Left")
+                onClicked: section.viewModel.set("rotation", section.rotation - 90)
             }
             IconButton {
                 objectName: "rotation.right"
                 bordered: true
                 symbol: "rotate.right"
-                help: "Rotate Right"
-                onClicked: section.viewModel.set("rotation", section.viewModel.config.rotation + 90)
+                help: qsTr("Rotate Right")
+                onClicked: section.viewModel.set("rotation", section.rotation + 90)
             }
-            PushButton {
-                objectName: "rotation.reset"
-                text: "Reset"
-                help: "Reset"
-                onClicked: section.viewModel.set("rotation", 0)
+            Text {
+                objectName: "rotation.text"
+                anchors.verticalCenter: parent.verticalCenter
+                leftPadding: 6
+                text: SliderValueText.text(section.rotation, 0, "°")
+                color: Theme.tertiaryText
+                font.family: Theme.monospacedFamily
+                font.pixelSize: 11
             }
         }
+        PushButton {
+            objectName: "rotation.reset"
+            anchors.right: parent.right
+            text: "Reset"
+            help: "Reset"
+            accessibleName: qsTr("Reset %1").arg(Strings.localized("rotation"))
+            enabled: section.rotation !== 0
+            onClicked: section.viewModel.set("rotation", 0)
+        }
     }
-    TiltRow {
-        objectName: "rotationX"
+    StyleSlider {
+        viewModel: section.viewModel
+        field: "rotationX"
         width: parent.width
         label: Strings.localized("rotation.x")
+        range: [-90, 90]
+        defaultValue: 0
+        resetAlwaysShows: true
         value: section.viewModel.config.rotationX
-        onMoved: value => section.viewModel.set("rotationX", value)
     }
-    TiltRow {
-        objectName: "rotationY"
+    StyleSlider {
+        viewModel: section.viewModel
+        field: "rotationY"
         width: parent.width
         label: Strings.localized("rotation.y")
+        range: [-90, 90]
+        defaultValue: 0
+        resetAlwaysShows: true
         value: section.viewModel.config.rotationY
-        onMoved: value => section.viewModel.set("rotationY", value)
     }
 }

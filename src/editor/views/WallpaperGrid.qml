@@ -1,58 +1,81 @@
 // qmllint disable unqualified
 import QtQuick
-import QtQuick.Templates as T
 import Framora.Controls
 import Framora.Editor
 
-/// The background images on offer, and the button that imports another.
+/// The background images on offer, and the button that imports another; a file that is dropped here is imported too.
+/// What is more than a few rows scrolls by itself, so that the button stays in reach, and only what shows is made.
 Column {
     id: editor
 
     required property ScreenshotEditorViewModel viewModel
     signal importRequested
 
+    readonly property int gap: 10
+    readonly property int rowsAtMost: 4
+
     spacing: 14
 
-    Grid {
+    GridView {
         id: grid
-        width: parent.width
-        columns: 3
-        spacing: 10
-        Repeater {
-            model: editor.viewModel.wallpaperURLs
-            delegate: T.AbstractButton {
-                id: entry
-                required property string modelData
-                required property int index
-                readonly property bool chosen: String(editor.viewModel.selectedWallpaperURL) === modelData
-                                               && editor.viewModel.hasBackgroundImage
-                objectName: "wallpaper." + index
-                width: (grid.width - 2 * grid.spacing) / 3
-                height: Math.round(width * 0.66)
-                hoverEnabled: true
-                focusPolicy: Qt.TabFocus
-                Accessible.role: Accessible.RadioButton
-                Accessible.name: text
-                text: editor.viewModel.wallpaperName(index)
-                onClicked: editor.viewModel.selectWallpaper(modelData)
-                background: Item {
-                    Thumbnail {
-                        anchors.fill: parent
-                        image: editor.viewModel.wallpaperThumbnail(entry.index) // qmllint disable type
-                        radius: 9
-                        outline: Theme.dark ? "#5a5d65" : "#c6c8d0"
-                    }
-                    Rectangle {
-                        anchors.fill: parent
-                        anchors.margins: -3
-                        radius: 12
-                        color: "transparent"
-                        border.width: 2
-                        border.color: entry.chosen ? Theme.accent : Theme.outline
-                        visible: entry.chosen || entry.hovered || entry.visualFocus
-                    }
-                }
+
+        readonly property int rows: Math.ceil(count / 3)
+        readonly property bool scrolls: rows > editor.rowsAtMost
+        readonly property int chosenIndex: {
+            const chosen = String(editor.viewModel.selectedWallpaperURL);
+            return editor.viewModel.hasBackgroundImage
+                ? editor.viewModel.wallpaperURLs.findIndex(url => String(url) === chosen) : -1;
+        }
+
+        objectName: "wallpapers"
+        // Rings need a little room around the thumbnails; half a row more says that there is more.
+        x: -4
+        width: parent.width + 4 + editor.gap
+        height: scrolls ? (editor.rowsAtMost + 0.5) * cellHeight : Math.max(1, rows) * cellHeight - editor.gap + 8
+        visible: count > 0
+        clip: true
+        topMargin: 4
+        leftMargin: 4
+        cellWidth: (editor.width + editor.gap) / 3
+        cellHeight: Math.round((cellWidth - editor.gap) * 0.66) + editor.gap
+        boundsBehavior: Flickable.StopAtBounds
+        interactive: scrolls
+        keyNavigationEnabled: true
+        highlightMoveDuration: Theme.motion
+        model: editor.viewModel.wallpaperURLs
+        delegate: WallpaperButton {
+            id: entry
+
+            required property string modelData
+
+            objectName: "wallpaper." + index
+            width: grid.cellWidth - editor.gap
+            height: grid.cellHeight - editor.gap
+            chosen: grid.chosenIndex === index
+            stop: grid.currentIndex === index
+            text: editor.viewModel.wallpaperName(index)
+            thumbnail: editor.viewModel.wallpaperThumbnail(index) // qmllint disable type
+            onClicked: {
+                grid.currentIndex = index;
+                editor.viewModel.selectWallpaper(entry.modelData);
             }
+        }
+    }
+    Item {
+        width: parent.width
+        height: 20
+        visible: editor.viewModel.isLoadingWallpapers
+
+        BusyRing {
+            id: busy
+            anchors.verticalCenter: parent.verticalCenter
+            running: parent.visible
+        }
+        Label {
+            objectName: "loading.wallpapers"
+            anchors.verticalCenter: parent.verticalCenter
+            x: busy.width + 8
+            text: Strings.localized("loading.wallpapers")
         }
     }
     PushButton {
@@ -61,5 +84,16 @@ Column {
         text: Strings.localized("import.image")
         symbol: "plus.circle.fill"
         onClicked: editor.importRequested()
+
+        // As large as all there is to drop on.
+        ImageDropArea {
+            objectName: "wallpapers.drop"
+            x: 0
+            y: -parent.y
+            width: parent.width
+            height: editor.height
+            radius: Theme.radius
+            viewModel: editor.viewModel
+        }
     }
 }

@@ -161,6 +161,9 @@ TEST_F(EditorOnTheDesktop, TheBackgroundTabPaintsWhatIsBehind) {
     click("randomize");
     ASSERT_TRUE(
         VirtualDesktop::waitFor([&] { return lineCount(QStringLiteral("set gradientColor1")) >= 2; }));
+    // A circle has no direction.
+    click("gradientStyle.angular");
+    ASSERT_TRUE(waitForField(QStringLiteral("gradientStyle"), QStringLiteral("angular")));
     clickSlider("gradientConfig.angle", 1.0);
     ASSERT_TRUE(waitForField(QStringLiteral("gradientConfig.angle"), QStringLiteral("360")));
     clickSlider("gradientConfig.saturation", 0.0);
@@ -189,7 +192,8 @@ TEST_F(EditorOnTheDesktop, ImportsABackgroundThroughTheFileDialog) {
         VirtualDesktop::waitFor([&] { return dialog() && display().focusedWindow() == dialog()->id; }));
     display().type(path);
     display().key({"Return"});
-    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return lineCount(QStringLiteral("background")) >= 2; }));
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return lineCount(QStringLiteral("background")) >= 2; }))
+        << transcript().toStdString();
     const QPoint corner = place("canvas").center() + QPoint(-260, -210);
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return display().pixelAt(corner) == QColor(20, 80, 160); }));
     const QRect thumbnail = place("wallpaper.0");

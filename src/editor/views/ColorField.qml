@@ -1,0 +1,74 @@
+import QtQuick
+import QtQuick.Templates as T
+import Framora.Controls
+import Framora.Editor
+
+/// Saturation across, brightness up, for the hue in force. The arrow keys move by one percent, with Shift by ten.
+T.Control {
+    id: field
+
+    required property ColorPanelBridge bridge
+
+    function move(right: int, up: int): void {
+        bridge.setHsv(bridge.hue, bridge.saturation + right / 100, bridge.brightness + up / 100);
+    }
+
+    implicitHeight: 152
+    focusPolicy: Qt.TabFocus
+    Accessible.role: Accessible.ColorChooser
+    Accessible.name: qsTr("Saturation and brightness")
+    Accessible.description: Math.round(bridge.saturation * 100) + "%, " + Math.round(bridge.brightness * 100) + "%"
+    Accessible.focusable: true
+    Keys.onPressed: event => {
+        const many = event.modifiers & Qt.ShiftModifier ? 10 : 1;
+        const step = { [Qt.Key_Left]: [-many, 0], [Qt.Key_Right]: [many, 0], [Qt.Key_Up]: [0, many],
+                       [Qt.Key_Down]: [0, -many] }[event.key];
+        event.accepted = step !== undefined;
+        if (step)
+            field.move(step[0], step[1]);
+    }
+
+    background: Item {
+        Rectangle {
+            anchors.fill: parent
+            radius: Theme.radius
+            gradient: Gradient {
+                orientation: Gradient.Horizontal
+                GradientStop { position: 0; color: "#ffffff" }
+                GradientStop { position: 1; color: Qt.hsva(field.bridge.hue, 1, 1, 1) }
+            }
+        }
+        Rectangle {
+            anchors.fill: parent
+            radius: Theme.radius
+            gradient: Gradient {
+                GradientStop { position: 0; color: "#00000000" }
+                GradientStop { position: 1; color: "#ff000000" }
+            }
+        }
+        FocusRing { shown: field.visualFocus }
+    }
+    contentItem: Item {
+        MouseArea {
+            function pick(mouse: var): void {
+                field.bridge.setHsv(field.bridge.hue, mouse.x / width, 1 - mouse.y / height);
+            }
+
+            anchors.fill: parent
+            preventStealing: true
+            onPressed: mouse => {
+                field.forceActiveFocus(Qt.MouseFocusReason);
+                field.bridge.beginEdit();
+                pick(mouse);
+            }
+            onPositionChanged: mouse => pick(mouse)
+            onReleased: field.bridge.endEdit()
+            onCanceled: field.bridge.endEdit()
+        }
+        ColorHandle {
+            x: field.bridge.saturation * parent.width - 8
+            y: (1 - field.bridge.brightness) * parent.height - 8
+            color: field.bridge.color
+        }
+    }
+}

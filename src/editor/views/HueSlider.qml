@@ -1,0 +1,65 @@
+import QtQuick
+import QtQuick.Templates as T
+import Framora.Controls
+import Framora.Editor
+
+/// The hue, round the circle once. The arrow keys move by one degree, with Shift by ten.
+T.Slider {
+    id: slider
+
+    required property ColorPanelBridge bridge
+
+    function turn(degrees: real): void {
+        bridge.setHsv(degrees / 360, bridge.saturation, bridge.brightness);
+    }
+
+    implicitHeight: 16
+    from: 0
+    to: 360
+    stepSize: 1
+    value: bridge.hue * 360
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+    Accessible.role: Accessible.Slider
+    Accessible.name: qsTr("Hue")
+    onValueChanged: if (Math.abs(value - bridge.hue * 360) > 1e-6) turn(value)
+    Keys.onPressed: event => {
+        const many = event.modifiers & Qt.ShiftModifier ? 10 : 1;
+        const step = { [Qt.Key_Left]: -many, [Qt.Key_Down]: -many, [Qt.Key_Right]: many, [Qt.Key_Up]: many }[event.key];
+        event.accepted = step !== undefined;
+        if (step)
+            slider.turn(Math.round(slider.bridge.hue * 360) + step);
+    }
+
+    background: Item {
+        GradientSwatch {
+            anchors.fill: parent
+            anchors.topMargin: 3
+            anchors.bottomMargin: 3
+            radius: 5
+            angle: 90
+            colors: ["#ff0000", "#ffff00", "#00ff00", "#00ffff", "#0000ff", "#ff00ff", "#ff0000"]
+        }
+    }
+    handle: ColorHandle {
+        x: slider.bridge.hue * (slider.width - 16)
+        color: Qt.hsva(slider.bridge.hue, 1, 1, 1)
+        FocusRing { radius: 11; shown: slider.visualFocus }
+    }
+    MouseArea {
+        function pick(mouse: var): void {
+            slider.turn(Math.max(0, Math.min(1, (mouse.x - 8) / (width - 16))) * 360);
+        }
+
+        anchors.fill: parent
+        preventStealing: true
+        onPressed: mouse => {
+            slider.forceActiveFocus(Qt.MouseFocusReason);
+            slider.bridge.beginEdit();
+            pick(mouse);
+        }
+        onPositionChanged: mouse => pick(mouse)
+        onReleased: slider.bridge.endEdit()
+        onCanceled: slider.bridge.endEdit()
+    }
+}

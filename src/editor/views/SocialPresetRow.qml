@@ -1,0 +1,77 @@
+// qmllint disable deferred-property-id
+import QtQuick
+import QtQuick.Templates as T
+import Framora.Controls
+
+/// One export size: its platform's symbol, its name, ratio and size in pixels.
+T.AbstractButton {
+    id: control
+
+    required property var modelData
+    required property string platform
+    required property int index ///< In the catalogue.
+    required property ChoiceGroup group
+    readonly property bool chosen: group.current === index
+
+    implicitHeight: 32
+    hoverEnabled: true
+    focusPolicy: group.stop === index ? Qt.TabFocus : Qt.NoFocus
+    Accessible.role: Accessible.RadioButton
+    Accessible.name: platform + " " + modelData.name
+    Accessible.description: modelData.ratio + ", " + size.text
+    Accessible.checkable: true
+    Accessible.checked: chosen
+    onActiveFocusChanged: if (activeFocus) group.entered(index)
+    Keys.onReturnPressed: control.clicked()
+    Keys.onEnterPressed: control.clicked()
+
+    contentItem: Item {
+        SymbolIcon {
+            x: 8
+            anchors.verticalCenter: parent.verticalCenter
+            symbol: control.modelData.icon
+            size: 16
+            color: control.chosen ? Theme.accentInk : Theme.secondaryText
+        }
+        Text {
+            x: 34
+            anchors.verticalCenter: parent.verticalCenter
+            width: ratio.x - x
+            text: control.modelData.name
+            color: Theme.text
+            elide: Text.ElideRight
+            font.family: Theme.fontFamily
+            font.pixelSize: 12
+            font.weight: control.chosen ? Font.DemiBold : Font.Medium
+        }
+        Text {
+            id: ratio
+            x: parent.width - 150
+            anchors.verticalCenter: parent.verticalCenter
+            width: 46
+            text: control.modelData.ratio
+            color: Theme.secondaryText
+            horizontalAlignment: Text.AlignRight
+            font.family: Theme.fontFamily
+            font.pixelSize: 11
+        }
+        Text {
+            id: size
+            anchors.right: parent.right
+            anchors.rightMargin: 8
+            anchors.verticalCenter: parent.verticalCenter
+            text: control.modelData.width + " × " + control.modelData.height
+            color: Theme.tertiaryText
+            font.family: Theme.monospacedFamily
+            font.pixelSize: 11
+        }
+    }
+    background: Rectangle {
+        radius: 6
+        color: control.pressed ? Theme.pressedFill
+             : control.chosen ? Theme.accentTint
+             : control.hovered ? Theme.fill : "transparent"
+        Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
+        FocusRing { gap: -2; radius: 6; shown: control.visualFocus }
+    }
+}

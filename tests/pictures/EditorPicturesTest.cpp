@@ -1,0 +1,332 @@
+#include "editor/views/EditorSession.h"
+#include "editor/window/ScreenshotEditorWindow.h"
+#include "feedback/ToastManager.h"
+#include "platform/Application.h"
+#include "platform/NotificationCenter.h"
+#include "platform/Notifications.h"
+#include "platform/Pasteboard.h"
+#include "support/FixedAppearance.h"
+#include "support/FixedDesktopPictures.h"
+#include "support/FixedScreens.h"
+#include "support/ManualBackgroundQueue.h"
+#include "support/RecordingToastPanels.h"
+#include "unit/editor/ModelFixture.h"
+
+#include <QDir>
+#include <QPainter>
+#include <QQuickItem>
+#include <QQuickView>
+#include <QSet>
+#include <QTest>
+
+namespace framora {
+namespace {
+
+class NoPasteboard final : public Pasteboard {
+public:
+    std::int64_t changeCount() override { return 0; }
+    QImage readImage() override { return {}; }
+    void writePng(const QByteArray&) override {}
+};
+
+class QuietApplication final : public Application {
+public:
+    void setActivationPolicy(ActivationPolicy) override {}
+    void activate() override {}
+    void terminate() override {}
+};
+
+/// A window of text lines and panes, as people take pictures of.
+QImage sampleScreenshot() {
+    QImage image(640, 400, QImage::Format_RGB32);
+    image.fill(QColor(0xfb, 0xfb, 0xfd));
+    QPainter painter(&image);
+    painter.fillRect(0, 0, 640, 44, QColor(0xec, 0xed, 0xf2));
+    painter.fillRect(0, 44, 160, 356, QColor(0xf3, 0xf4, 0xf8));
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    for (int i = 0; i < 3; ++i) {
+        painter.setBrush(QColor::fromHsv(i * 55, 150, 235));
+        painter.drawEllipse(16 + 20 * i, 16, 12, 12);
+    }
+    for (int i = 0; i < 7; ++i) {
+        painter.setBrush(i == 1 ? QColor(0x4c, 0x7d, 0xf0) : QColor(0xd6, 0xd9, 0xe2));
+        painter.drawRoundedRect(16, 64 + 30 * i, 90 + 12 * (i % 3), 12, 4, 4);
+    }
+    for (int i = 0; i < 9; ++i) {
+        painter.setBrush(i % 4 ? QColor(0xdf, 0xe2, 0xea) : QColor(0x9a, 0xa3, 0xb8));
+        painter.drawRoundedRect(192, 72 + 32 * i, 260 + 43 * (i * 7 % 5), 12, 4, 4);
+    }
+    return image;
+}
+
+/// What is drawn of a text item although it does not fit; empty when it does.
+QString cutOff(QQuickItem* item) {
+    if (!item->inherits("QQuickText") || !item->isVisible() || item->property("text").toString().isEmpty())
+        return {};
+    const double wanted = item->property("contentWidth").toDouble();
+    const bool overflows = wanted > item->width() + 0.5;
+    if (!item->property("truncated").toBool() && !overflows)
+        return {};
+    return QStringLiteral("\"%1\" wants %2 of %3 points")
+        .arg(item->property("text").toString())
+        .arg(item->implicitWidth())
+        .arg(item->width());
+}
+
+class EditorPictures : public ModelFixture {
+public:
+    static void SetUpTestSuite() { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); }
+
+    EditorPictures() {
+        warnings().clear();
+        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
+            if (message.startsWith(u"qrc:"))
+                warnings().append(message);
+        });
+        addTexture();
+        folder = QDir(QStringLiteral(FRAMORA_PICTURES "/editor/x%1")
+                          .arg(qEnvironmentVariable("QT_SCALE_FACTOR", QStringLiteral("1"))));
+        EXPECT_TRUE(folder.mkpath(QStringLiteral(".")));
+    }
+
+    ~EditorPictures() override {
+        qInstallMessageHandler(nullptr);
+        EXPECT_TRUE(warnings().isEmpty()) << warnings().join(u'\n').toStdString();
+    }
+
+    /// What the views' engine complained about.
+    static QStringList& warnings() {
+        static QStringList all;
+        return all;
+    }
+    QQuickView& window() { return *editor.editorWindow(); }
+    ScreenshotEditorViewModel& model() { return *editor.session()->viewModel(); }
+
+    /// Runs `show` in a light and in a dark editor.
+    void inBothAppearances(const std::function<void()>& show) {
+        for (const bool dark : {false, true}) {
+            appearance.dark = dark;
+            appearance.reducedMotion = true;
+            editor.open(sampleScreenshot());
+            window().resize(windowSize);
+            model().zoomToActualSize();
+            settle();
+            show();
+            editor.close();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            settle();
+        }
+    }
+    void settle(int milliseconds = 30) {
+        QTest::qWait(milliseconds);
+        queue.advance(1);
+    }
+
+    static QQuickItem* find(QQuickItem* parent, const QString& name) {
+        for (QQuickItem* child : parent->childItems()) {
+            if (!child->isVisible())
+                continue;
+            if (child->objectName() == name)
+                return child;
+            if (QQuickItem* found = find(child, name))
+                return found;
+        }
+        return nullptr;
+    }
+    QPoint centreOf(const char* name) {
+        QQuickItem* found = find(window().contentItem(), QString::fromLatin1(name));
+        EXPECT_TRUE(found) << name;
+        return found ? found->mapToScene({found->width() / 2, found->height() / 2}).toPoint() : QPoint();
+    }
+    void click(const char* name) {
+        QTest::mouseClick(&window(), Qt::LeftButton, {}, centreOf(name));
+        settle();
+    }
+    void hover(const char* name, int milliseconds = 60) {
+        QTest::mouseMove(&window(), centreOf(name));
+        settle(milliseconds);
+    }
+    void key(Qt::Key which, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(&window(), which, modifiers);
+        settle();
+    }
+    /// By Tab, until the control has the keys.
+    void tabTo(const char* name) {
+        for (int i = 0; i < 80; ++i) {
+            QTest::keyClick(&window(), Qt::Key_Tab);
+            if (window().activeFocusItem() && window().activeFocusItem()->objectName() == QLatin1String(name))
+                return settle();
+        }
+        FAIL() << name << " is out of Tab's reach";
+    }
+    void leaveControls() {
+        QTest::mouseMove(&window(), QPoint(700, windowSize.height() - 10));
+        settle();
+    }
+
+    static void collectCutOff(QQuickItem* parent, QStringList& found) {
+        for (QQuickItem* child : parent->childItems()) {
+            if (const QString text = cutOff(child); !text.isEmpty())
+                found.append(text);
+            if (child->isVisible())
+                collectCutOff(child, found);
+        }
+    }
+    void save(const char* name) {
+        settle();
+        const QImage image = window().grabWindow();
+        EXPECT_EQ(image.size(), (QSizeF(windowSize) * window().effectiveDevicePixelRatio()).toSize()) << name;
+        QStringList cut;
+        collectCutOff(window().contentItem(), cut);
+        EXPECT_TRUE(cut.isEmpty()) << name << ": " << cut.join(u'\n').toStdString();
+        const QString path =
+            folder.filePath(QLatin1String(name) +
+                            (appearance.dark ? QStringLiteral("-dark.png") : QStringLiteral("-light.png")));
+        ASSERT_TRUE(image.save(path)) << path.toStdString();
+        // A window that was drawn has its two grounds, its texts and its picture.
+        QSet<QRgb> colors;
+        for (int y = 0; y < image.height(); y += 7)
+            for (int x = 0; x < image.width(); x += 7)
+                colors.insert(image.pixel(x, y));
+        EXPECT_GT(colors.size(), 12) << name;
+        EXPECT_EQ(image.pixelColor(image.width() / 50, image.height() - image.height() / 50).lightness() <
+                      128,
+                  appearance.dark)
+            << name;
+    }
+
+    QSize windowSize{1200, 800};
+    NotificationCenter notifications;
+    NoPasteboard pasteboard;
+    QuietApplication application;
+    FixedAppearance appearance;
+    FixedScreens screens;
+    RecordingToastPanels toastPanels{queue};
+    ManualBackgroundQueue background{queue};
+    FixedDesktopPictures desktopPictures;
+    ScreenshotEditorWindow editor{ScreenshotEditorWindow::Services{
+        queue, queue, panels, resources, notifications, pasteboard, application, appearance,
+        [this] {
+            return std::make_unique<ToastManager>(ToastServices{queue, toastPanels, screens, appearance});
+        },
+        background, desktopPictures}};
+    QDir folder;
+};
+
+TEST_F(EditorPictures, OfTheAppearanceTab) {
+    inBothAppearances([this] {
+        click("tabs.0");
+        leaveControls();
+        save("appearance");
+        click("mockupStyle.glassEffect");
+        model().set(QStringLiteral("rotationX"), 14);
+        model().set(QStringLiteral("rotationY"), -21);
+        model().set(QStringLiteral("scale"), 0.8);
+        model().set(QStringLiteral("rotation"), 90);
+        leaveControls();
+        save("appearance-glass-changed");
+        click("mockupStyle.border");
+        hover("borderRadius.slider");
+        save("appearance-border-hovered-slider");
+        click("mockupBorderSize.text");
+        leaveControls();
+        save("appearance-typing");
+        key(Qt::Key_Escape);
+        tabTo("borderRadius.slider");
+        save("appearance-focused-slider");
+        hover("rotation.left", 700);
+        save("appearance-help");
+    });
+}
+
+TEST_F(EditorPictures, OfTheBackgroundTab) {
+    inBothAppearances([this] {
+        click("backgroundType.transparent");
+        leaveControls();
+        save("background-transparent");
+        click("backgroundType.color");
+        click("magicPreset.2");
+        hover("magicPreset.3");
+        save("background-color");
+        click("backgroundType.gradient");
+        leaveControls();
+        save("background-gradient");
+        click("useThreeColors");
+        click("gradientStyle.radial");
+        click("randomize");
+        tabTo("gradientPreset.0");
+        key(Qt::Key_Right);
+        save("background-gradient-radial-focused-preset");
+        click("gradientConfig.color2.well");
+        hover("colorPanel.swatch.4");
+        save("background-color-panel");
+        tabTo("colorPanel.hue");
+        leaveControls();
+        save("background-color-panel-focused");
+    });
+}
+
+TEST_F(EditorPictures, OfTheWallpapers) {
+    inBothAppearances([this] {
+        click("backgroundType.image");
+        leaveControls();
+        save("wallpapers-one");
+        std::vector<ScreenshotEditorViewModel::Wallpaper> wallpapers;
+        for (int i = 0; i < 17; ++i) {
+            QImage image(400, 300, QImage::Format_RGB32);
+            QPainter painter(&image);
+            QLinearGradient sky(0, 0, 120, 300);
+            sky.setColorAt(0, QColor::fromHsv(i * 43 % 360, 150, 240));
+            sky.setColorAt(1, QColor::fromHsv((i * 43 + 60) % 360, 190, 90));
+            painter.fillRect(image.rect(), sky);
+            painter.end();
+            wallpapers.emplace_back(
+                QUrl::fromLocalFile(writePicture(QStringLiteral("wall%1.png").arg(i), image)), image);
+        }
+        model().mergeWallpapers(wallpapers);
+        settle();
+        click("wallpaper.4");
+        hover("wallpaper.7");
+        save("wallpapers-many");
+        tabTo("wallpaper.4");
+        key(Qt::Key_Down);
+        key(Qt::Key_Down);
+        key(Qt::Key_Down);
+        leaveControls();
+        save("wallpapers-scrolled-focused");
+    });
+}
+
+TEST_F(EditorPictures, OfTheLayoutTab) {
+    inBothAppearances([this] {
+        click("tabs.2");
+        leaveControls();
+        save("layout");
+        model().setScreenshotOffset({40, -25});
+        model().set(QStringLiteral("imageScale"), 70);
+        click("socialPreset.4");
+        hover("socialPreset.5");
+        save("layout-chosen");
+        tabTo("socialPreset.4");
+        key(Qt::Key_End);
+        leaveControls();
+        save("layout-scrolled-focused");
+    });
+}
+
+TEST_F(EditorPictures, OfTheSmallestWindow) {
+    windowSize = {800, 600};
+    inBothAppearances([this] {
+        click("tabs.0");
+        leaveControls();
+        save("small-appearance");
+        click("sidebar.toggle");
+        leaveControls();
+        settle(250);
+        save("small-without-sidebar");
+    });
+}
+
+} // namespace
+} // namespace framora
