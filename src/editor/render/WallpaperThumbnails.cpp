@@ -2,6 +2,7 @@
 
 #include "editor/render/DecoderProcess.h"
 #include "editor/render/ImageResampler.h"
+#include "editor/render/IsoMediaSize.h"
 #include "editor/render/MemoryBudget.h"
 #include "editor/render/ReducedPicture.h"
 #include "editor/render/RegularFile.h"
@@ -26,9 +27,13 @@ constexpr qint64 mebibyte = 1 << 20;
 constexpr qint64 decodingBudget = 220 * mebibyte;
 /// A picture that would take more by itself is no wallpaper.
 constexpr qint64 mostForOne = 512 * mebibyte;
-/// What a decoder of its own process is counted with: frames, tiles and samples of some twenty megapixels.
-constexpr qint64 decoderBytes = 110 * mebibyte;
-constexpr unsigned decoderPatience = 10; // seconds
+/// A decoder's process by itself, and what it holds a pixel: planes and samples, or a video's reference
+/// frames.
+constexpr qint64 decoderBytes = 12 * mebibyte;
+constexpr double bytesPerHeifPixel = 4.5;
+constexpr double bytesPerVideoPixel = 12;
+constexpr qint64 assumedPixels = 3840 * 2160; ///< Where the file does not say.
+constexpr unsigned decoderPatience = 10;      // seconds
 
 QImage decodeCandidate(const WallpaperCandidate& candidate, MemoryBudget& budget,
                        const std::stop_token& stop) {
@@ -36,7 +41,11 @@ QImage decodeCandidate(const WallpaperCandidate& candidate, MemoryBudget& budget
     if (!openRegularFile(file, candidate.url.toLocalFile()))
         return {};
     if (candidate.isVideo || isHeif(file.handle())) {
-        const MemoryBudget::Share share(budget, decoderBytes, stop);
+        const qint64 claimed = isoMediaPixels(file.handle());
+        const double pixels = double(claimed > 0 ? claimed : assumedPixels);
+        const double perPixel = candidate.isVideo ? bytesPerVideoPixel : bytesPerHeifPixel;
+        const auto bytes = qint64(std::min(pixels * perPixel, double(decodingBudget)));
+        const MemoryBudget::Share share(budget, decoderBytes + bytes, stop);
         const QString decoder =
             candidate.isVideo ? QStringLiteral("framora-video-still") : QStringLiteral("framora-heif");
         return stop.stop_requested()

@@ -119,8 +119,8 @@ std::vector<std::uint8_t> reducedSamples(const Samples& samples, int width, int 
     return reduced;
 }
 
-/// A thumbnail of the file's that fills the box as the picture does; null when there is none. Its shape must
-/// be the picture's: some are of an earlier state of it.
+/// A thumbnail of the file's that fills two thirds of the box: the room is for a reduction, and this one has
+/// had its own. Null when there is none. Its shape must be the picture's: some are of an earlier state of it.
 Heif<const heif_image_handle> sufficientThumbnail(const heif_image_handle* primary,
                                                   const DecoderRequest& request) {
     const int width = heif_image_handle_get_width(primary);
@@ -137,7 +137,8 @@ Heif<const heif_image_handle> sufficientThumbnail(const heif_image_handle* prima
         const std::int64_t ownWidth = heif_image_handle_get_width(thumbnail);
         const std::int64_t ownHeight = heif_image_handle_get_height(thumbnail);
         const bool isOfShape = std::abs(ownWidth * height - ownHeight * width) <= std::max(width, height);
-        if (isOfShape && ownWidth < width && (ownWidth >= request.boxWidth || ownHeight >= request.boxHeight))
+        if (isOfShape && ownWidth < width &&
+            (ownWidth * 3 >= request.boxWidth * 2 || ownHeight * 3 >= request.boxHeight * 2))
             return owned;
     }
     return nullptr;
