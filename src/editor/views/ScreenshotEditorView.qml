@@ -15,14 +15,14 @@ Item {
     readonly property ScreenshotEditorViewModel viewModel: session.viewModel
     readonly property real sidebarSpace: sidebar.x + sidebar.width
 
-    /// One thing at a time: what is being dragged, what is being typed, the colour panel, the window.
+    /// One thing at a time: what is being dragged, the colour panel, what is being typed, the window.
     function leave(): void {
         if (detail.cancelDrag())
             return;
-        if (shortcuts.editingText)
-            detail.forceActiveFocus(Qt.OtherFocusReason);
-        else if (session.colorPanel.isOpen)
+        if (session.colorPanel.isOpen)
             session.colorPanel.close();
+        else if (shortcuts.editingText)
+            detail.forceActiveFocus(Qt.OtherFocusReason);
         else
             session.close();
     }
@@ -41,6 +41,11 @@ Item {
     }
     Keys.onEscapePressed: leave()
     Window.onActiveChanged: if (!Window.active) detail.panKeyHeld = false
+    // What had the keys may be gone, a panel for one.
+    Window.onActiveFocusItemChanged: {
+        if (Window.active && (!Window.activeFocusItem || Window.activeFocusItem === Window.contentItem))
+            root.forceActiveFocus(Qt.OtherFocusReason);
+    }
 
     Binding { target: Theme; property: "dark"; value: root.dark }
     Binding { target: Theme; property: "accent"; value: root.accent }
