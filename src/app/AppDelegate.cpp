@@ -156,6 +156,8 @@ void AppDelegate::openSettings() {
             if (self && (*self)->m_settingsWindowNumber == number)
                 (*self)->m_settingsWindow.reset();
         });
+        if (!m_settingsWindow)
+            return;
         m_settingsWindow->center();
     }
     m_settingsWindow->makeKeyAndOrderFront();

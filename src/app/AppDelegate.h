@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/CaptureFlow.h"
-#include "app/SettingsWindow.h"
+#include "settings/SettingsWindow.h"
 #include "feedback/ToastManager.h"
 #include "platform/MainQueue.h"
 #include "platform/NotificationCenter.h"

@@ -2,13 +2,15 @@
 
 #include "app/AppDelegate.h"
 #include "app/ApplicationIcon.h"
-#include "app/PreferencesWindow.h"
 #include "editor/render/PictureFile.h"
 #include "editor/window/EditorModule.h"
 #include "editor/window/EditorServices.h"
 #include "feedback/SoundManager.h"
+#include "platform/desktop/AutostartEntry.h"
 #include "platform/desktop/ConfiguredDesktopPictures.h"
+#include "platform/desktop/DecoderVersions.h"
 #include "platform/desktop/DesktopAppearance.h"
+#include "platform/desktop/DesktopPrivacyPanes.h"
 #include "platform/desktop/FileResourceBundle.h"
 #include "platform/desktop/JsonFileDefaults.h"
 #include "platform/desktop/LazySoundOutput.h"
@@ -22,11 +24,15 @@
 #include "platform/desktop/ThreadBackgroundQueue.h"
 #include "platform/desktop/TrayStatusBar.h"
 #include "platform/x11/X11Application.h"
+#include "platform/x11/X11DesktopShortcuts.h"
 #include "platform/x11/X11KeyMonitors.h"
+#include "platform/x11/X11KeyboardLayout.h"
 #include "platform/x11/X11Pasteboard.h"
 #include "platform/x11/X11Permissions.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11ToastPanels.h"
+#include "settings/SettingsServices.h"
+#include "settings/window/SettingsModule.h"
 
 #include <QGuiApplication>
 
@@ -49,6 +55,11 @@ struct framora_App::Desktop {
     X11Pasteboard pasteboard{connection, [](const QByteArray& file) { return loadPicture(file).image; }};
     X11Screens screens{connection};
     X11Permissions permissions{keyMonitors};
+    X11KeyboardLayout keyboardLayout{connection, notifications};
+    X11DesktopShortcuts desktopShortcuts{connection};
+    DesktopPrivacyPanes privacyPanes;
+    AutostartEntry loginItem = AutostartEntry::ofUser();
+    DecoderVersions componentVersions;
     X11Application application{connection, notifications};
     X11ToastPanels toastPanels{mainQueue};
     ThreadBackgroundQueue backgroundQueue{mainQueue};
@@ -70,11 +81,15 @@ struct framora_App::Desktop {
                         if (auto* opened = loadedEditor()) {
                             opened->edit(image);
                         } else {
-                            errorToast = std::make_unique<ToastManager>(toastServices());
-                            errorToast->showError();
+                            sayModuleIsMissing();
                         }
                     });
                 }};
+    }
+
+    void sayModuleIsMissing() {
+        errorToast = std::make_unique<ToastManager>(toastServices());
+        errorToast->showError();
     }
 
     /// Before the first window: a program that only sits in the tray draws no icon for windows.
@@ -83,11 +98,15 @@ struct framora_App::Desktop {
             QGuiApplication::setWindowIcon(applicationIcon());
     }
 
-    /// Null where the module is missing from the installation.
+    /// What makes windows, loaded with the first of them. Null where it is missing from the installation.
+    static void* windowsFunction(const char* name) {
+        provideWindowIcon();
+        return moduleFunction("framora-windows", name);
+    }
+
     Editor* loadedEditor() {
         if (!editor) {
-            provideWindowIcon();
-            const auto make = reinterpret_cast<MakeEditor*>(moduleFunction("framora-editor", makeEditorName));
+            const auto make = reinterpret_cast<MakeEditor*>(windowsFunction(makeEditorName));
             if (make)
                 editor.reset(
                     make({mainQueue, clock, filePanels, resources, notifications, pasteboard, application,
@@ -95,6 +114,20 @@ struct framora_App::Desktop {
                           backgroundQueue, desktopPictures, &sharing}));
         }
         return editor.get();
+    }
+
+    std::unique_ptr<SettingsWindow> makeSettingsWindow(std::function<void()> onWillClose) {
+        const auto make = reinterpret_cast<MakeSettingsWindow*>(windowsFunction(makeSettingsWindowName));
+        if (!make) {
+            sayModuleIsMissing();
+            return nullptr;
+        }
+        return std::unique_ptr<SettingsWindow>(
+            make({mainQueue, notifications, defaults, keyMonitors, keyboardLayout, desktopShortcuts,
+                  permissions, privacyPanes, loginItem, appearance, componentVersions,
+                  [](CaptureSound sound, float volume) { SoundManager::shared().play(sound, volume); },
+                  [this](QWindow& window) { application.setFrontWindow(window); }},
+                 std::move(onWillClose)));
     }
 
     std::unique_ptr<Editor> editor; ///< Loaded with the first picture to edit.
@@ -108,17 +141,18 @@ framora_App::framora_App() : m_desktop(std::make_unique<Desktop>()) {
         desktop.mainQueue, desktop.clock, desktop.notifications, desktop.defaults, desktop.keyMonitors,
         desktop.pasteboard, desktop.captureTool, desktop.statusBar, desktop.permissions, desktop.application,
         SoundManager::shared(), desktop.toastServices(), [&desktop](std::function<void()> onWillClose) {
-            Desktop::provideWindowIcon();
-            return std::make_unique<PreferencesWindow>(
-                Settings::load(desktop.defaults), std::move(onWillClose),
-                [&desktop](QWindow& window) { desktop.application.setFrontWindow(window); });
+            return desktop.makeSettingsWindow(std::move(onWillClose));
         }});
 }
 
-framora_App::~framora_App() = default;
+framora_App::~framora_App() {
+    // The shared manager outlives everything here.
+    SoundManager::endSharedOutput();
+}
 
 void framora_App::launch() {
     m_desktop->appearance.colorApplication();
+    m_desktop->loginItem.followProgram();
     _appDelegate->applicationDidFinishLaunching();
 }
 

@@ -20,6 +20,13 @@ void SoundManager::setSharedOutput(SoundOutput& output) {
     shared().m_output = &output;
 }
 
+void SoundManager::endSharedOutput() {
+    SoundManager& manager = shared();
+    manager.m_audioPlayer.reset();
+    manager.m_systemSound.reset();
+    manager.m_output = nullptr;
+}
+
 void SoundManager::play(CaptureSound sound, float volume) {
     if (!m_output)
         return;

@@ -18,8 +18,10 @@ public:
 
     /// The one that captures and the settings window share; it plays nothing before setSharedOutput().
     static SoundManager& shared();
-    /// What the shared manager plays through, for the rest of the process.
+    /// What the shared manager plays through, until endSharedOutput().
     static void setSharedOutput(SoundOutput& output);
+    /// Cuts off what the shared manager plays and lets its output go: from here on it plays nothing.
+    static void endSharedOutput();
 
     /// Plays `sound` at `volume` (linear, 0 to 1; 0 plays it unheard) in place of the one started last.
     /// Returns at once.

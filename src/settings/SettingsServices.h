@@ -4,9 +4,12 @@
 
 #include <functional>
 
+class QWindow;
+
 namespace framora {
 
 class Appearance;
+class ComponentVersions;
 class DesktopShortcuts;
 class KeyboardLayout;
 class KeyMonitors;
@@ -29,7 +32,10 @@ struct SettingsServices {
     PrivacyPanes& privacyPanes;
     LoginItem& loginItem;
     const Appearance& appearance;
+    ComponentVersions& componentVersions;
     std::function<void(CaptureSound, float volume)> playSound;
+    /// Told of the window each time it is brought forward.
+    std::function<void(QWindow&)> orderedFront;
 };
 
 } // namespace framora

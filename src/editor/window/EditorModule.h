@@ -17,7 +17,7 @@ public:
     virtual void raise() = 0;
 };
 
-/// What the editor module exports: the editor over these services; the caller owns the result.
+/// What the windows' module exports: the editor over these services; the caller owns the result.
 using MakeEditor = Editor*(const EditorServices&);
 inline constexpr char makeEditorName[] = "framora_makeEditor";
 

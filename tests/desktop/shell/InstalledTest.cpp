@@ -30,7 +30,7 @@ protected:
         const QStringList folders = QStringLiteral(FRAMORA_INSTALL_FOLDERS).split(u':');
         return QFileInfo(QDir(tree->path()).filePath(folders[folder] + u'/' + file)).canonicalFilePath();
     }
-    static QString module() { return path(libraries, QStringLiteral("framora/framora-editor.so")); }
+    static QString module() { return path(libraries, QStringLiteral("framora/framora-windows.so")); }
 
     DesktopDisplay& display() { return desktop.display(); }
 
@@ -68,7 +68,7 @@ TEST_F(InstalledTest, everyPartIsThere) {
         EXPECT_TRUE(QFileInfo(path(executables, QStringLiteral("framora/") + QString::fromLatin1(name)))
                         .isExecutable())
             << name;
-    for (const char* name : {"framora-editor.so", "framora-sound.so"})
+    for (const char* name : {"framora-windows.so", "framora-sound.so"})
         EXPECT_FALSE(path(libraries, QStringLiteral("framora/") + QString::fromLatin1(name)).isEmpty())
             << name;
     for (const char* name : {"framora/public/Black and White Gradient Macbook Wallpaper_Texture.png",

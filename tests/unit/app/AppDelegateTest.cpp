@@ -176,6 +176,17 @@ TEST_F(AppDelegateTest, aClosedSettingsWindowIsFollowedByAFreshOne) {
     EXPECT_EQ(log, (PlatformLog{"make window", "centre", "front", "activate"}));
 }
 
+TEST_F(AppDelegateTest, whereNoWindowCanBeMadeNothingComesForward) {
+    launch();
+    makesWindows = false;
+    delegate->openSettings();
+    EXPECT_EQ(takeLog(), (PlatformLog{"make window"}));
+    EXPECT_FALSE(delegate->settingsWindow());
+    makesWindows = true;
+    delegate->openSettings();
+    EXPECT_EQ(takeLog(), (PlatformLog{"make window", "centre", "front", "activate"}));
+}
+
 TEST_F(AppDelegateTest, theClosingOfAnotherWindowIsIgnored) {
     launch();
     delegate->openSettings();

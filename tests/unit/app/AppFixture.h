@@ -45,8 +45,10 @@ protected:
                      log.push_back("edit");
                      edited = image;
                  }},
-                [this](std::function<void()> onWillClose) {
+                [this](std::function<void()> onWillClose) -> std::unique_ptr<SettingsWindow> {
                     log.push_back("make window");
+                    if (!makesWindows)
+                        return nullptr;
                     closeNotices.push_back(std::move(onWillClose));
                     return std::make_unique<Window>(log);
                 }};
@@ -102,6 +104,7 @@ protected:
     FixedAppearance appearance;
     QImage edited;
     std::vector<std::function<void()>> closeNotices;
+    bool makesWindows = true;
     std::vector<NotificationCenter::Token> tokens;
 };
 

@@ -14,7 +14,7 @@ public:
 };
 
 /// Builds the window with its content. `onWillClose` runs in a later turn of the event loop when the user
-/// closes it.
+/// closes it. Null where the installation lacks what makes windows.
 using SettingsWindowFactory =
     std::function<std::unique_ptr<SettingsWindow>(std::function<void()> onWillClose)>;
 

@@ -1,0 +1,9 @@
+#include "platform/ProgramVersion.h"
+
+namespace framora {
+
+QString programVersion() {
+    return QStringLiteral(FRAMORA_VERSION);
+}
+
+} // namespace framora

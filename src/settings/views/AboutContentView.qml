@@ -1,0 +1,15 @@
+import QtQuick
+import Framora.Controls
+import Framora.Settings
+
+/// The pane "About".
+SettingsPane {
+    id: view
+
+    required property SettingsSession session
+
+    AboutSectionView {
+        width: parent.width
+        about: view.session.about
+    }
+}

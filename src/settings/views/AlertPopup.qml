@@ -1,0 +1,76 @@
+// qmllint disable unqualified
+import QtQuick
+import QtQuick.Templates as T
+import Framora.Controls
+
+/// A message over the window, with one button that puts it away.
+T.Popup {
+    id: alert
+
+    required property bool shown
+    required property string title
+    required property string message
+    signal dismissed
+
+    parent: T.Overlay.overlay
+    anchors.centerIn: parent
+    width: 340
+    padding: 22
+    modal: true
+    focus: true
+    closePolicy: T.Popup.CloseOnEscape
+    visible: shown
+    onClosed: dismissed()
+    onOpened: ok.forceActiveFocus(Qt.TabFocusReason)
+
+    T.Overlay.modal: Rectangle { color: "#70000000" }
+    background: Rectangle {
+        radius: Theme.cardRadius + 2
+        color: Theme.card
+        border.color: Theme.outline
+    }
+    contentItem: Column {
+        spacing: 12
+        Accessible.role: Accessible.AlertMessage
+        Accessible.name: alert.title
+        Accessible.description: alert.message
+
+        SymbolIcon {
+            anchors.horizontalCenter: parent.horizontalCenter
+            symbol: "exclamationmark.triangle.fill"
+            size: 34
+            color: Theme.dark ? "#e5b454" : "#a86a00"
+        }
+        Text {
+            width: parent.width
+            text: alert.title
+            color: Theme.text
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            font.family: Theme.fontFamily
+            font.pixelSize: 15
+            font.weight: Font.DemiBold
+        }
+        Text {
+            width: parent.width
+            bottomPadding: 6
+            text: alert.message
+            color: Theme.secondaryText
+            horizontalAlignment: Text.AlignHCenter
+            wrapMode: Text.Wrap
+            lineHeight: 1.15
+            font.family: Theme.fontFamily
+            font.pixelSize: 12
+        }
+        PushButton {
+            id: ok
+            objectName: "alert.ok"
+            width: parent.width
+            primary: true
+            text: "OK"
+            onClicked: alert.dismissed()
+            Keys.onReturnPressed: alert.dismissed()
+            Keys.onEnterPressed: alert.dismissed()
+        }
+    }
+}

@@ -1,0 +1,74 @@
+// qmllint disable unqualified
+import QtQuick
+import Framora.Controls
+import Framora.Settings
+
+/// The root of the settings window: the two entries of the sidebar, and beside them the pane of the one that is
+/// chosen.
+Item {
+    id: root
+
+    required property SettingsSession session
+    property bool dark: false
+    property color accent: "#3d6df2"
+    property bool reducedMotion: false
+
+    implicitWidth: 748
+    implicitHeight: 648
+    focus: true
+    // What is being recorded, or open, takes the key before it comes here.
+    Keys.onEscapePressed: session.close()
+
+    Binding { target: Theme; property: "dark"; value: root.dark }
+    Binding { target: Theme; property: "accent"; value: root.accent }
+    Binding { target: Theme; property: "reducedMotion"; value: root.reducedMotion }
+
+    Rectangle {
+        anchors.fill: parent
+        color: Theme.ground
+    }
+    Item {
+        id: detail
+        objectName: "detail"
+        anchors.fill: parent
+        anchors.leftMargin: sidebar.x + sidebar.width
+
+        Loader {
+            anchors.fill: parent
+            anchors.topMargin: Theme.headerHeight
+            sourceComponent: root.session.showsSettings ? settingsPane : aboutPane
+        }
+    }
+    SettingsSidebar {
+        id: sidebar
+        width: 196
+        height: parent.height
+        x: root.session.sidebarVisible ? 0 : -width
+        visible: x > -width
+        session: root.session
+        Behavior on x {
+            enabled: Theme.motion > 0
+            NumberAnimation { duration: Theme.motion; easing.type: Easing.OutCubic }
+        }
+    }
+    SettingsHeader {
+        width: parent.width
+        height: Theme.headerHeight
+        session: root.session
+        sidebarSpace: sidebar.x + sidebar.width
+    }
+    Component {
+        id: settingsPane
+        SettingsContentView { session: root.session }
+    }
+    Component {
+        id: aboutPane
+        AboutContentView { session: root.session }
+    }
+    ResizeMargins { anchors.fill: parent }
+    Rectangle {
+        anchors.fill: parent
+        color: "transparent"
+        border.color: Theme.outline
+    }
+}

@@ -1,0 +1,100 @@
+// qmllint disable unqualified
+import QtQuick
+import QtQuick.Templates as T
+import Framora.Controls
+import Framora.Settings
+
+/// A shortcut as a row of key caps. A click starts the recording of another one.
+T.AbstractButton {
+    id: row
+
+    required property ShortcutRecorder recorder
+    readonly property bool isActive: recorder.recording
+    readonly property var caps: recorder.caps
+
+    /// From idle to recording.
+    property real activity: isActive ? 1 : 0
+    Behavior on activity {
+        enabled: !Theme.reducedMotion
+        // Response 0.3 s, damping fraction 0.7.
+        SpringAnimation { spring: 7.02; damping: 0.469; epsilon: 0.002 }
+    }
+    function mix(from: color, to: color): color {
+        const part = Math.max(0, Math.min(1, activity));
+        return Qt.rgba(from.r + (to.r - from.r) * part, from.g + (to.g - from.g) * part,
+                       from.b + (to.b - from.b) * part, from.a + (to.a - from.a) * part);
+    }
+
+    implicitHeight: 72
+    padding: 12
+    hoverEnabled: true
+    focusPolicy: Qt.TabFocus
+    Accessible.role: Accessible.Button
+    Accessible.name: text
+    Accessible.description: isActive && caps.length === 0 ? Strings.localized("Enter a key combination")
+                                                          : caps.join(" ")
+    onClicked: recorder.start()
+    // Not with the press: held down, it would come again and be recorded.
+    Keys.onReleased: event => {
+        if (!event.isAutoRepeat && (event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && returnIsDown) {
+            returnIsDown = false;
+            event.accepted = true;
+            click();
+        }
+    }
+    Keys.onReturnPressed: returnIsDown = true
+    Keys.onEnterPressed: returnIsDown = true
+    onActiveFocusChanged: returnIsDown = false
+    property bool returnIsDown: false
+
+    background: Item {
+        // The well that the row lies in.
+        Rectangle {
+            anchors.fill: parent
+            radius: 12
+            color: Theme.fill
+            opacity: row.hovered && !row.isActive ? 0.9 : 0.55
+            Behavior on opacity { NumberAnimation { duration: Theme.shortMotion } }
+        }
+        Rectangle {
+            anchors.fill: parent
+            radius: 12
+            color: row.mix(Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0),
+                           Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.2))
+            border.width: 1
+            border.color: row.mix(Qt.rgba(1, 1, 1, 0.1),
+                                  Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.5))
+        }
+        FocusRing { radius: 15; shown: row.visualFocus && !row.isActive }
+    }
+    contentItem: Item {
+        Row {
+            anchors.centerIn: parent
+            spacing: 8
+            Repeater {
+                model: row.caps
+                delegate: KeyCap {
+                    required property string modelData
+                    text: modelData
+                }
+            }
+        }
+        Text {
+            visible: row.caps.length === 0 && row.isActive
+            anchors.centerIn: parent
+            text: Strings.localized("Enter a key combination")
+            color: Theme.secondaryText
+            font.family: Theme.fontFamily
+            font.pixelSize: 13
+        }
+        // No shortcut at all.
+        Text {
+            visible: row.caps.length === 0 && !row.isActive
+            anchors.centerIn: parent
+            width: 48
+            height: 48
+            font.family: Theme.monospacedFamily
+            font.pixelSize: 12
+        }
+    }
+}

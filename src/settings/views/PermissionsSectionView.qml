@@ -1,0 +1,34 @@
+import QtQuick
+import Framora.Controls
+import Framora.Settings
+
+/// The two permissions that the program needs, and the way to give them.
+Section {
+    id: section
+
+    required property PermissionsMonitor monitor
+
+    title: Strings.localized("permissions")
+    Component.onCompleted: monitor.appear()
+    Component.onDestruction: monitor.disappear()
+
+    PermissionRow {
+        objectName: "accessibility"
+        title: Strings.localized("accessibility")
+        description: Strings.localized("accessibility.description")
+        openLabel: Strings.localized("open.accessibility.settings")
+        symbol: "keyboard"
+        granted: section.monitor.hasAccessibility
+        onAllowed: section.monitor.grantAccessibility()
+    }
+    RowSeparator {}
+    PermissionRow {
+        objectName: "screenRecording"
+        title: Strings.localized("screen.recording")
+        description: Strings.localized("screen.recording.description")
+        openLabel: Strings.localized("open.screen.recording.settings")
+        symbol: "record.circle"
+        granted: section.monitor.hasScreenRecording
+        onAllowed: section.monitor.grantScreenRecording()
+    }
+}

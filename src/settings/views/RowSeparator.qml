@@ -1,0 +1,9 @@
+import QtQuick
+import Framora.Controls
+
+/// The line between two rows of a section.
+Rectangle {
+    width: parent.width
+    height: 1
+    color: Theme.hairline
+}

@@ -1,0 +1,14 @@
+import QtQuick
+import Framora.Controls
+import Framora.Settings
+
+/// The shortcut of the window capture.
+RecorderSection {
+    required property SettingsForm form
+
+    objectName: "tabCaptureHotKey"
+    title: Strings.localized("Window Capture")
+    hint: Strings.localized("Configure the shortcut to capture the active window")
+    recorder: form.tabCaptureHotKey
+    conflict: form.tabCaptureHotKeyConflict
+}
