@@ -25,21 +25,26 @@ Section {
         description: Strings.localized("choose a sound that will be played each time a capture is made")
         symbol: "music.note"
 
-        MenuPicker {
-            objectName: "captureSound"
-            width: 148
-            text: Strings.localized("capture sound")
-            options: section.form.sounds.map(name => ({ value: name, label: name }))
-            value: section.form.selectedSound
-            onChosen: value => section.form.selectedSound = value
+        Column {
+            spacing: 10
+
+            MenuPicker {
+                objectName: "captureSound"
+                width: Math.max(152, test.implicitWidth)
+                text: Strings.localized("capture sound")
+                options: section.form.sounds.map(name => ({ value: name, label: name }))
+                value: section.form.selectedSound
+                onChosen: value => section.form.selectedSound = value
+            }
+            PushButton {
+                id: test
+                objectName: "testSound"
+                width: parent.width
+                symbol: "play.circle.fill"
+                text: Strings.localized("test the sound")
+                onClicked: section.form.testSound()
+            }
         }
-    }
-    PushButton {
-        objectName: "testSound"
-        anchors.right: parent.right
-        symbol: "play.circle.fill"
-        text: Strings.localized("test the sound")
-        onClicked: section.form.testSound()
     }
     RowSeparator {}
     Item {

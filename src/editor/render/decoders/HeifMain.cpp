@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <libheif/heif.h>
@@ -227,6 +228,8 @@ std::span<const std::uint8_t> mappedFile(int descriptor) {
 } // namespace framora
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--version") == 0)
+        return std::printf("libheif %s\n", heif_get_version()) > 0 ? 0 : 1;
     const auto request = framora::DecoderRequest::fromArguments(argc, argv);
     framora::limitDecoder(request.seconds, request.wantsReduced());
     const auto file = framora::mappedFile(STDIN_FILENO);

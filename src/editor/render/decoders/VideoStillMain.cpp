@@ -3,6 +3,8 @@
 #include "editor/render/decoders/FrameConverter.h"
 #include "editor/render/decoders/VideoFile.h"
 
+#include <cstdio>
+#include <cstring>
 #include <unistd.h>
 #include <utility>
 
@@ -60,6 +62,8 @@ bool decode(const DecoderRequest& request) {
 } // namespace framora
 
 int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--version") == 0)
+        return std::printf("FFmpeg %s\n", av_version_info()) > 0 ? 0 : 1;
     const auto request = framora::DecoderRequest::fromArguments(argc, argv);
     framora::limitDecoder(request.seconds, request.wantsReduced());
     av_log_set_level(AV_LOG_QUIET);
