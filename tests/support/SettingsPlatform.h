@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ComponentVersions.h"
 #include "platform/DesktopShortcuts.h"
 #include "platform/KeyboardLayout.h"
 #include "platform/LoginItem.h"
@@ -89,6 +90,12 @@ public:
     bool isReadOnly = false;
 };
 
+class FixedComponentVersions final : public ComponentVersions {
+public:
+    void ask(Answer answer) override { answer(versions); }
+    QStringList versions;
+};
+
 /// Everything a settings window needs, in memory.
 struct SettingsPlatform {
     ManualMainQueue queue;
@@ -101,6 +108,8 @@ struct SettingsPlatform {
     RecordingPrivacyPanes panes;
     MemoryLoginItem loginItem;
     FixedAppearance appearance;
+    FixedComponentVersions componentVersions;
+    const QWindow* fronted = nullptr;
     std::vector<std::pair<CaptureSound, float>> played;
 
     SettingsServices services() {
@@ -114,7 +123,9 @@ struct SettingsPlatform {
                 panes,
                 loginItem,
                 appearance,
-                [this](CaptureSound sound, float volume) { played.emplace_back(sound, volume); }};
+                componentVersions,
+                [this](CaptureSound sound, float volume) { played.emplace_back(sound, volume); },
+                [this](QWindow& window) { fronted = &window; }};
     }
 
     /// The names of all that is posted from now on, in order.

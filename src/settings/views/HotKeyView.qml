@@ -39,7 +39,7 @@ T.AbstractButton {
         if (!event.isAutoRepeat && (event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && returnIsDown) {
             returnIsDown = false;
             event.accepted = true;
-            click();
+            recorder.start();
         }
     }
     Keys.onReturnPressed: returnIsDown = true
