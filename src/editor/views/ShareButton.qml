@@ -50,8 +50,9 @@ Item {
         enabled: control.available
         Accessible.description: control.available ? "" : control.hint
         onClicked: {
+            const byKeys = visualFocus;
             menu.open();
-            menu.currentIndex = visualFocus ? 0 : -1;
+            menu.currentIndex = byKeys ? 0 : -1;
         }
     }
     // A disabled button knows nothing of the pointer.
@@ -59,10 +60,10 @@ Item {
     Loader {
         active: hover.hovered && !control.available
         sourceComponent: HelpTip {
-            objectName: "share.hint"
             parent: control
             text: control.hint
             visible: true
+            Component.onCompleted: contentItem.objectName = "share.hint"
         }
     }
     T.Menu {

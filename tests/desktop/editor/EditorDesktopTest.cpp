@@ -289,25 +289,5 @@ TEST_F(EditorOnTheDesktop, ClosesOnceByItsButtonAndByTheWindowManager) {
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return lineCount(QStringLiteral("closed")) == 2; }));
 }
 
-TEST_F(EditorOnTheDesktop, TwentyOpeningsLeaveNothingBehind) {
-    open();
-    const auto cycle = [&] {
-        ask(QStringLiteral("close"), QStringLiteral("closed"));
-        ask(QStringLiteral("open ") + picturePath, QStringLiteral("first-frame"));
-    };
-    for (int i = 0; i < 5; ++i)
-        cycle();
-    const qint64 memory = host->residentKilobytes();
-    const int descriptors = host->openDescriptors();
-    const int windows = display().windowCount();
-    for (int i = 0; i < 20; ++i)
-        cycle();
-    EXPECT_LE(double(host->residentKilobytes()), double(memory) * 1.1);
-    EXPECT_LE(host->openDescriptors(), descriptors);
-    EXPECT_EQ(display().windowCount(), windows);
-    ask(QStringLiteral("close"), QStringLiteral("closed"));
-    EXPECT_EQ(ask(QStringLiteral("count"), QStringLiteral("windows")), QStringLiteral("0"));
-}
-
 } // namespace
 } // namespace framora

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDBusConnection>
+#include <QObject>
+#include <QString>
+#include <QVariantMap>
+#include <memory>
+#include <vector>
+
+namespace framora {
+
+/// A desktop portal with the two interfaces that sharing uses, or with fewer, on a bus of the test's own.
+class PortalDouble {
+public:
+    struct Interfaces {
+        bool openUri = true;
+        bool email = true;
+    };
+    /// One request, with its file as it was read through the descriptor.
+    struct Call {
+        QString method;
+        QString parentWindow;
+        QVariantMap options;
+        QString path; ///< What the descriptor leads to.
+        QByteArray bytes;
+        unsigned folderMode = 0; ///< Permissions of the folder that the file lies in.
+    };
+
+    PortalDouble(const QString& busAddress, Interfaces interfaces);
+    ~PortalDouble();
+
+    std::vector<Call> calls;
+    bool refuses = false;
+
+private:
+    QString m_name;
+    QDBusConnection m_bus;
+    std::unique_ptr<QObject> m_object;
+};
+
+} // namespace framora

@@ -1,0 +1,127 @@
+#include "platform/desktop/PortalSharing.h"
+
+#include "desktop/editor/PortalDouble.h"
+#include "desktop/support/VirtualDesktop.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <gtest/gtest.h>
+#include <optional>
+
+namespace framora {
+namespace {
+
+/// The real sharing against a portal's double on a bus of their own.
+class PortalSharingOnABus : public testing::Test {
+public:
+    PortalSharingOnABus() {
+        DesktopOptions options;
+        options.windowManager = WindowManager::none;
+        desktop.emplace(options);
+        path = desktop->scratchPath() + QStringLiteral("/Screenshot.png");
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("the picture");
+        file.close();
+        sharing.emplace(QDBusConnection::connectToBus(desktop->busAddress(), QStringLiteral("sharing")));
+    }
+    ~PortalSharingOnABus() override {
+        sharing.reset();
+        QDBusConnection::disconnectFromBus(QStringLiteral("sharing"));
+    }
+    void startPortal(PortalDouble::Interfaces interfaces = {}) {
+        portal = std::make_unique<PortalDouble>(desktop->busAddress(), interfaces);
+    }
+    Sharing::Abilities abilities() {
+        std::optional<Sharing::Abilities> answer;
+        sharing->queryAbilities([&](Sharing::Abilities found) { answer = found; });
+        EXPECT_FALSE(answer) << "never inside the call";
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] { return answer.has_value(); }));
+        return answer.value_or(Sharing::Abilities{});
+    }
+    /// What the finish said, once it came.
+    bool taken(const std::function<void(Sharing::Finished)>& share) {
+        std::optional<bool> answer;
+        share([&](bool was) { answer = was; });
+        EXPECT_FALSE(answer) << "never inside the call";
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] { return answer.has_value(); }));
+        return answer.value_or(false);
+    }
+
+    std::optional<VirtualDesktop> desktop;
+    std::unique_ptr<PortalDouble> portal;
+    std::optional<PortalSharing> sharing;
+    QString path;
+};
+
+TEST_F(PortalSharingOnABus, FindsWhatThePortalHas) {
+    startPortal({true, false});
+    EXPECT_EQ(abilities(), (Sharing::Abilities{true, false}));
+    portal.reset();
+    startPortal({false, true});
+    EXPECT_EQ(abilities(), (Sharing::Abilities{false, true}));
+    portal.reset();
+    startPortal();
+    EXPECT_EQ(abilities(), (Sharing::Abilities{true, true}));
+    portal.reset();
+    startPortal({false, false});
+    EXPECT_EQ(abilities(), Sharing::Abilities{});
+}
+
+TEST_F(PortalSharingOnABus, OffersTheFileWithAChoiceOfPrograms) {
+    startPortal();
+    EXPECT_TRUE(taken([&](auto finished) { sharing->openWith(path, nullptr, finished); }));
+    ASSERT_EQ(portal->calls.size(), 1U);
+    const PortalDouble::Call& call = portal->calls[0];
+    EXPECT_EQ(call.method, QStringLiteral("OpenFile"));
+    EXPECT_EQ(call.path, path);
+    EXPECT_EQ(call.bytes, "the picture");
+    EXPECT_EQ(call.options, (QVariantMap{{QStringLiteral("ask"), true}}));
+    EXPECT_EQ(call.parentWindow, QString());
+}
+
+TEST_F(PortalSharingOnABus, AttachesTheFileToAMail) {
+    startPortal();
+    EXPECT_TRUE(taken(
+        [&](auto finished) { sharing->composeMail(path, QStringLiteral("Screenshot"), nullptr, finished); }));
+    ASSERT_EQ(portal->calls.size(), 1U);
+    const PortalDouble::Call& call = portal->calls[0];
+    EXPECT_EQ(call.method, QStringLiteral("ComposeEmail"));
+    EXPECT_EQ(call.options.value(QStringLiteral("subject")), QStringLiteral("Screenshot"));
+    EXPECT_EQ(call.path, path);
+    EXPECT_EQ(call.bytes, "the picture");
+}
+
+TEST_F(PortalSharingOnABus, SaysWhenItIsRefusedOrThereIsNoFile) {
+    startPortal();
+    EXPECT_FALSE(taken(
+        [&](auto finished) { sharing->openWith(path + QStringLiteral(".missing"), nullptr, finished); }));
+    EXPECT_TRUE(portal->calls.empty());
+    portal->refuses = true;
+    EXPECT_FALSE(taken([&](auto finished) { sharing->openWith(path, nullptr, finished); }));
+    EXPECT_FALSE(taken([&](auto finished) { sharing->composeMail(path, {}, nullptr, finished); }));
+}
+
+TEST_F(PortalSharingOnABus, NeverWaitsAndLeavesNoDescriptorOpen) {
+    startPortal();
+    EXPECT_TRUE(taken([&](auto finished) { sharing->openWith(path, nullptr, finished); }));
+    const int before = ChildProcess::openDescriptors(getpid());
+    for (int i = 0; i < 20; ++i) {
+        EXPECT_TRUE(taken([&](auto finished) { sharing->openWith(path, nullptr, finished); }));
+        EXPECT_TRUE(taken([&](auto finished) { sharing->composeMail(path, {}, nullptr, finished); }));
+    }
+    EXPECT_EQ(ChildProcess::openDescriptors(getpid()), before);
+}
+
+TEST_F(PortalSharingOnABus, AnswersNobodyAfterItsEnd) {
+    startPortal();
+    bool answered = false;
+    sharing->queryAbilities([&](Sharing::Abilities) { answered = true; });
+    sharing->openWith(path, nullptr, [&](bool) { answered = true; });
+    sharing.reset();
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return !portal->calls.empty(); }));
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return answered; }, 200));
+}
+
+} // namespace
+} // namespace framora
