@@ -118,6 +118,13 @@ QStringList SettingsForm::sounds() {
     return names;
 }
 
+QVariantList SettingsForm::soundOptions() {
+    QVariantList options;
+    for (const QString& name : sounds())
+        options << QVariantMap{{QStringLiteral("value"), name}, {QStringLiteral("label"), name}};
+    return options;
+}
+
 void SettingsForm::setSelectedSound(const QString& rawValue) {
     const auto sound = captureSoundFromRawValue(rawValue.toStdString());
     if (!sound)

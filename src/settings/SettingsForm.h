@@ -8,6 +8,7 @@
 
 #include <QObject>
 #include <QStringList>
+#include <QVariantList>
 #include <memory>
 #include <vector>
 
@@ -24,7 +25,8 @@ class SettingsForm final : public QObject {
     Q_PROPERTY(double volume READ volume WRITE setVolume NOTIFY settingsChanged FINAL)
     Q_PROPERTY(QString volumeText READ volumeText NOTIFY settingsChanged FINAL)
     Q_PROPERTY(QString selectedSound READ selectedSound WRITE setSelectedSound NOTIFY settingsChanged FINAL)
-    Q_PROPERTY(QStringList sounds READ sounds CONSTANT FINAL)
+    /// One map a sound, in their order: "value" and "label".
+    Q_PROPERTY(QVariantList sounds READ soundOptions CONSTANT FINAL)
     Q_PROPERTY(bool startsAtLogin READ startsAtLogin WRITE setStartsAtLogin NOTIFY startsAtLoginChanged FINAL)
     Q_PROPERTY(framora::ShortcutRecorder* hotKey READ hotKey CONSTANT FINAL)
     Q_PROPERTY(framora::ShortcutRecorder* tabCaptureHotKey READ tabCaptureHotKey CONSTANT FINAL)
@@ -50,6 +52,7 @@ public:
     QString volumeText() const;
     QString selectedSound() const; ///< A raw value of CaptureSound.
     static QStringList sounds();   ///< All raw values, in their order.
+    static QVariantList soundOptions();
     bool startsAtLogin() const { return m_startsAtLogin; }
 
     void setShowDockIcon(bool show);

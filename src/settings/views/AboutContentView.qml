@@ -1,5 +1,4 @@
 import QtQuick
-import Framora.Controls
 import Framora.Settings
 
 /// The pane "About".

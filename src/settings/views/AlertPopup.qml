@@ -1,4 +1,4 @@
-// qmllint disable unqualified
+// qmllint disable unqualified deferred-property-id
 import QtQuick
 import QtQuick.Templates as T
 import Framora.Controls

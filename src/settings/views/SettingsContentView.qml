@@ -1,6 +1,5 @@
 // qmllint disable unqualified
 import QtQuick
-import Framora.Controls
 import Framora.Settings
 
 /// The pane "Settings": its sections over a copy of the settings of their own.

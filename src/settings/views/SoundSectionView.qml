@@ -32,7 +32,7 @@ Section {
                 objectName: "captureSound"
                 width: Math.max(152, test.implicitWidth)
                 text: Strings.localized("capture sound")
-                options: section.form.sounds.map(name => ({ value: name, label: name }))
+                options: section.form.sounds
                 value: section.form.selectedSound
                 onChosen: value => section.form.selectedSound = value
             }
