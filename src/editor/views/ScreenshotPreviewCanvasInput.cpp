@@ -147,6 +147,7 @@ void ScreenshotPreviewCanvas::mousePressEvent(QMouseEvent* event) {
     if (m_button != Qt::NoButton)
         return; // A second button changes nothing.
     forceActiveFocus(Qt::MouseFocusReason);
+    setVisualFocus(false);
     if (event->button() == Qt::MiddleButton || m_panKeyHeld)
         beginPan(event->position());
     else if (!beginDrag(event->position())) {

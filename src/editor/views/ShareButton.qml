@@ -45,7 +45,7 @@ Item {
         id: button
         objectName: "share"
         symbol: "square.and.arrow.up"
-        text: qsTr("Share")
+        text: "Share"
         help: menu.visible ? "" : text
         enabled: control.available
         Accessible.description: control.available ? "" : control.hint
@@ -74,6 +74,9 @@ Item {
         padding: 5
         margins: 8
         focus: true
+        // The keys of the window are off meanwhile.
+        modal: true
+        dim: false
 
         Entry {
             objectName: "share.openWith"
@@ -99,6 +102,7 @@ Item {
             radius: Theme.cardRadius - 2
             color: Theme.card
             border.color: Theme.outline
+            SoftShadow { radius: parent.radius }
         }
         enter: Transition {
             NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.shortMotion }

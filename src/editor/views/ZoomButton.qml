@@ -12,7 +12,7 @@ T.AbstractButton {
     property string shortcut: ""
     readonly property int zoom: Math.round(viewModel.config.zoom)
 
-    implicitWidth: Math.max(48, caption.implicitWidth + 20)
+    implicitWidth: Math.max(48, implicitContentWidth + 20)
     implicitHeight: 26
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
@@ -23,16 +23,14 @@ T.AbstractButton {
     readonly property string tipText: Strings.localized(zoom === 100 ? "zoom.fit" : "zoom.actual")
     onClicked: zoom === 100 ? viewModel.fitToWindow() : viewModel.zoomToActualSize()
 
-    contentItem: Item {
-        Text {
-            id: caption
-            anchors.centerIn: parent
-            text: control.text
-            color: control.hovered ? Theme.text : Theme.secondaryText
-            font.family: Theme.fontFamily
-            font.pixelSize: 12
-            font.weight: Font.Medium
-        }
+    contentItem: Text {
+        text: control.text
+        color: control.hovered ? Theme.text : Theme.secondaryText
+        horizontalAlignment: Text.AlignHCenter
+        verticalAlignment: Text.AlignVCenter
+        font.family: Theme.fontFamily
+        font.pixelSize: 12
+        font.weight: Font.Medium
     }
     background: Rectangle {
         radius: height / 2

@@ -67,6 +67,35 @@ TEST_F(EditorSharing, TheKeyboardReachesItsMenu) {
     EXPECT_EQ(call->method, QStringLiteral("ComposeEmail"));
 }
 
+TEST_F(EditorSharing, EscapeClosesItsMenuAndNotTheEditor) {
+    startPortal();
+    open();
+    const auto menuIsOpen = [&] {
+        return ask(QStringLiteral("where share.mail"), QStringLiteral("at ")) != u"nowhere";
+    };
+    click("share");
+    ASSERT_TRUE(VirtualDesktop::waitFor(menuIsOpen));
+    letPass();
+    display().key({"Escape"});
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return !menuIsOpen(); }));
+    EXPECT_TRUE(window());
+    display().key({"Escape"});
+    EXPECT_TRUE(waitForNoWindow());
+}
+
+TEST_F(EditorSharing, EscapeClosesTheEditorAlsoWhileAHelpTextShows) {
+    startPortal();
+    open();
+    display().moveTo(place(QStringLiteral("zoom.in")).center() - QPoint(3, 0));
+    display().moveTo(place(QStringLiteral("zoom.in")).center());
+    // Longer than a help text takes to come.
+    for (int i = 0; i < 4; ++i)
+        letPass();
+    display().key({"Escape"});
+    display().key({"Escape"});
+    EXPECT_TRUE(waitForNoWindow());
+}
+
 TEST_F(EditorSharing, WhereThePortalCannotTheItemSaysWhyAndDoesNothing) {
     startPortal({false, false});
     open();

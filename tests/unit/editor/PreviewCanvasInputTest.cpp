@@ -277,6 +277,11 @@ TEST_F(CanvasHands, APressBringsTheKeysWithoutTheirRing) {
     QTest::mouseClick(&window, Qt::LeftButton, {}, {20, 20});
     EXPECT_TRUE(canvas->hasActiveFocus());
     EXPECT_FALSE(canvas->visualFocus());
+    window.contentItem()->forceActiveFocus();
+    canvas->forceActiveFocus(Qt::BacktabFocusReason);
+    EXPECT_TRUE(canvas->visualFocus());
+    QTest::mouseClick(&window, Qt::LeftButton, {}, {20, 20});
+    EXPECT_FALSE(canvas->visualFocus()) << "also where they were before";
 }
 
 } // namespace
