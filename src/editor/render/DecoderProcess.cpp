@@ -21,6 +21,7 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 extern char** environ;
 
@@ -42,6 +43,24 @@ void awaitEnd(pid_t child, unsigned seconds) {
     if (!(waiting.revents & POLLIN))
         kill(child, SIGKILL);
     close(descriptor);
+}
+
+/// Ours, and large pages for what a decoder takes: half of what it waits for is fresh memory.
+std::vector<char*> decoderEnvironment(QByteArray& tunables) {
+    constexpr char name[] = "GLIBC_TUNABLES=";
+    std::vector<char*> environment;
+    for (char** variable = environ; *variable; ++variable) {
+        if (QByteArrayView(*variable).startsWith(name))
+            tunables = QByteArray(*variable) + ':';
+        else
+            environment.push_back(*variable);
+    }
+    if (tunables.isEmpty())
+        tunables = name;
+    tunables += "glibc.malloc.hugetlb=1";
+    environment.push_back(tunables.data());
+    environment.push_back(nullptr);
+    return environment;
 }
 
 /// Runs the program with these standard streams until it ends. In a process group of its own: an interrupt at
@@ -69,8 +88,11 @@ bool runDecoder(const QByteArray& program, int input, int output, const DecoderO
         const_cast<char*>(program.constData()),  const_cast<char*>(texts[0].constData()),
         const_cast<char*>(texts[1].constData()), const_cast<char*>(texts[2].constData()),
         const_cast<char*>(texts[3].constData()), nullptr};
+    QByteArray tunables;
+    const std::vector<char*> environment = decoderEnvironment(tunables);
     pid_t child = 0;
-    const int error = posix_spawn(&child, program.constData(), &streams, &attributes, arguments, environ);
+    const int error =
+        posix_spawn(&child, program.constData(), &streams, &attributes, arguments, environment.data());
     if (error != 0) {
         qWarning("framora: %s: %s", program.constData(), std::strerror(error));
         return false;

@@ -3,6 +3,7 @@
 #include "editor/render/PictureCompleteness.h"
 #include "editor/render/PictureFile.h"
 #include "editor/render/SrgbPicture.h"
+#include "editor/render/decoders/BoxSums.h"
 
 #include <QBuffer>
 #include <QImageReader>
@@ -12,6 +13,24 @@ namespace framora {
 namespace {
 
 constexpr int jpegParts = 8; ///< The decoder gives any number of eighths of a picture.
+
+/// Squares of `factor` pixels as one each. A scaler's filters would take their time over millions of pixels
+/// that come to thousands.
+QImage reduced(const QImage& image, int factor) {
+    if (image.isNull() || factor == 1)
+        return image;
+    constexpr int channels = 4;
+    BoxSums<std::uint8_t> sums(image.width(), channels, factor);
+    QImage result(image.width() / factor, image.height() / factor, image.format());
+    if (result.isNull())
+        return image;
+    for (int y = 0; y < result.height() * factor; ++y) {
+        sums.add(image.constScanLine(y));
+        if (y % factor == factor - 1)
+            sums.take({result.scanLine(y / factor), sums.size()});
+    }
+    return result;
+}
 
 /// How many eighths of each side fill the box.
 int neededEighths(QSize size, QSize box) {
@@ -51,6 +70,8 @@ ReducedPicture::ReducedPicture(QFile& file, QSize box) : m_file(file) {
     }
     if (m_scaledSize.isEmpty()) {
         m_scaledSize = QSize();
+        m_factor = std::max(1, std::min(std::max(size.width() / box.width(), size.height() / box.height()),
+                                        std::max(size.height() / box.width(), size.width() / box.height())));
         m_bytesNeeded = file.size() + wholeBytes(reader, size);
         return;
     }
@@ -64,7 +85,7 @@ QImage ReducedPicture::decode() {
     m_file.seek(0);
     const QByteArray encoded = m_file.read(maximumPictureBytes);
     if (m_scaledSize.isEmpty())
-        return loadPicture(encoded).image;
+        return reduced(loadPicture(encoded).image, m_factor);
     if (isCutOff(encoded))
         return {};
     QBuffer buffer;

@@ -21,6 +21,7 @@ public:
 
 private:
     QFile& m_file;
+    int m_factor = 1;   ///< By which each side of what was decoded whole is divided.
     QSize m_scaledSize; ///< What the decoder is asked for; empty for all of it.
     qint64 m_bytesNeeded = 0;
 };

@@ -1,3 +1,4 @@
+#include "editor/render/decoders/BoxSums.h"
 #include "editor/render/decoders/CodedColors.h"
 #include "editor/render/decoders/DecoderLimits.h"
 #include "editor/render/decoders/DecoderOutput.h"
@@ -90,31 +91,19 @@ CodedColors codedColors(const heif_image_handle* handle) {
     return {stored->color_primaries, stored->transfer_characteristics};
 }
 
-/// Opaque samples averaged over squares of `factor` pixels; what is left over at the far edges is dropped.
+/// Opaque samples averaged over squares of `factor` pixels.
+template <typename Channel>
 std::vector<std::uint8_t> reducedSamples(const Samples& samples, int width, int height, int factor) {
-    const std::size_t sampleBytes = samples.bits > 8 ? 2 : 1;
-    const auto channels = std::size_t(samples.channels);
-    const auto columns = std::size_t(width / factor);
+    BoxSums<Channel> sums(width, samples.channels, factor);
     const int rows = height / factor;
-    const auto area = std::uint32_t(factor) * std::uint32_t(factor);
-    std::vector<std::uint32_t> sums(columns * channels);
-    std::vector<std::uint8_t> reduced;
-    reduced.reserve(sums.size() * std::size_t(rows) * sampleBytes);
-    for (int row = 0; row < rows; ++row) {
-        std::fill(sums.begin(), sums.end(), 0u);
-        for (int y = row * factor; y < (row + 1) * factor; ++y) {
-            const std::uint8_t* source = samples.data + std::ptrdiff_t(y) * samples.stride;
-            for (std::size_t x = 0; x < columns; ++x)
-                for (int i = 0; i < factor; ++i)
-                    for (std::size_t channel = 0; channel < channels; ++channel, source += sampleBytes)
-                        sums[x * channels + channel] +=
-                            sampleBytes == 2 ? source[0] | std::uint32_t(source[1]) << 8 : source[0];
-        }
-        for (const std::uint32_t sum : sums) {
-            const std::uint32_t mean = (sum + area / 2) / area;
-            reduced.push_back(std::uint8_t(mean));
-            if (sampleBytes == 2)
-                reduced.push_back(std::uint8_t(mean >> 8));
+    std::vector<std::uint8_t> reduced(sums.size() * std::size_t(rows) * sizeof(Channel));
+    auto* row = reinterpret_cast<Channel*>(reduced.data());
+    for (int y = 0; y < rows * factor; ++y) {
+        // Rows of deep samples lie on even addresses, in this machine's order of bytes.
+        sums.add(reinterpret_cast<const Channel*>(samples.data + std::ptrdiff_t(y) * samples.stride));
+        if (y % factor == factor - 1) {
+            sums.take({row, sums.size()});
+            row += sums.size();
         }
     }
     return reduced;
@@ -189,7 +178,8 @@ bool decode(std::span<const std::uint8_t> file, const DecoderRequest& request) {
     std::vector<std::uint8_t> reduced;
     // Before its colours are converted, as it is less then.
     if (const int factor = hasAlpha ? 1 : request.reduction(width, height); factor > 1) {
-        reduced = reducedSamples(samples, width, height, factor);
+        reduced = samples.bits > 8 ? reducedSamples<std::uint16_t>(samples, width, height, factor)
+                                   : reducedSamples<std::uint8_t>(samples, width, height, factor);
         width /= factor;
         height /= factor;
         samples.data = reduced.data();

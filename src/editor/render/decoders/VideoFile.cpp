@@ -16,7 +16,8 @@ constexpr int ioBufferBytes = 1 << 16;
 
 } // namespace
 
-VideoFile::VideoFile(int descriptor, int threads) : m_descriptor(descriptor), m_packet(av_packet_alloc()) {
+VideoFile::VideoFile(int descriptor, const DecoderRequest& request)
+    : m_descriptor(descriptor), m_packet(av_packet_alloc()) {
     struct stat status {};
     if (fstat(descriptor, &status) != 0)
         return;
@@ -35,7 +36,7 @@ VideoFile::VideoFile(int descriptor, int threads) : m_descriptor(descriptor), m_
     m_format.reset(format);
     chooseStream();
     if (m_stream)
-        openCodec(threads);
+        openCodec(request);
 }
 
 void VideoFile::chooseStream() {
@@ -53,14 +54,17 @@ void VideoFile::chooseStream() {
         m_stream->discard = AVDISCARD_DEFAULT;
 }
 
-void VideoFile::openCodec(int threads) {
+void VideoFile::openCodec(const DecoderRequest& request) {
     const AVCodec* decoder = avcodec_find_decoder(m_stream->codecpar->codec_id);
     Av<AVCodecContext> codec(decoder ? avcodec_alloc_context3(decoder) : nullptr);
     if (!codec || avcodec_parameters_to_context(codec.get(), m_stream->codecpar) < 0)
         return;
     codec->pkt_timebase = m_stream->time_base;
     codec->max_pixels = maximumFramePixels;
-    codec->thread_count = threads > 0 ? threads : decoderThreads();
+    codec->thread_count = request.threads > 0 ? request.threads : decoderThreads();
+    constexpr int farReduction = 3; // sides; the blocks are smaller than a pixel of the outcome then
+    if (request.reduction(codec->width, codec->height) >= farReduction)
+        codec->skip_loop_filter = AVDISCARD_ALL;
     if (avcodec_open2(codec.get(), decoder, nullptr) >= 0)
         m_codec = std::move(codec);
 }

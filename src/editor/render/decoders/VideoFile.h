@@ -1,5 +1,7 @@
 #pragma once
 
+#include "editor/render/decoders/DecoderRequest.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -27,8 +29,8 @@ template <typename T> using Av = std::unique_ptr<T, AvFree>;
 class VideoFile {
 public:
     /// `descriptor` is an open regular file. isOpen() is false when it has no track that can be decoded.
-    /// `threads` is the decoder's; 0 for as many as it has by itself.
-    explicit VideoFile(int descriptor, int threads = 0);
+    /// What is to be reduced far is decoded without smoothing the edges of its blocks.
+    explicit VideoFile(int descriptor, const DecoderRequest& request = {});
 
     bool isOpen() const { return m_codec != nullptr; }
     AVFormatContext* format() const { return m_format.get(); }
@@ -49,7 +51,7 @@ private:
     static int read(void* self, std::uint8_t* data, int size);
     static std::int64_t seekFile(void* self, std::int64_t offset, int whence);
     void chooseStream();
-    void openCodec(int threads);
+    void openCodec(const DecoderRequest& request);
 
     int m_descriptor;
     std::int64_t m_position = 0;

@@ -41,7 +41,7 @@ bool decode(const DecoderRequest& request) {
                    : writeStill(video, frame, STDOUT_FILENO);
     };
     {
-        VideoFile video(STDIN_FILENO, request.threads);
+        VideoFile video(STDIN_FILENO, request);
         if (!video.isOpen())
             return false;
         if (video.seek(stillTime))
@@ -49,7 +49,7 @@ bool decode(const DecoderRequest& request) {
                 return write(video, *frame);
     }
     // The clip is shorter, or its index leads astray: from the start.
-    VideoFile video(STDIN_FILENO, request.threads);
+    VideoFile video(STDIN_FILENO, request);
     Av<AVFrame> first;
     if (!video.isOpen())
         return false;
