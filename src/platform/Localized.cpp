@@ -1,15 +1,19 @@
 #include "platform/Localized.h"
 
+#include "platform/StringTables.h"
+
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLocale>
 
 namespace framora {
 
 namespace {
 
 QJsonObject loadTable() {
-    QFile file(QStringLiteral(":/framora/strings/en.json"));
+    const QString name = stringTableFor(QLocale::system().uiLanguages());
+    QFile file(QStringLiteral(":/framora/strings/%1.json").arg(name));
     if (!file.open(QIODevice::ReadOnly))
         return {};
     return QJsonDocument::fromJson(file.readAll()).object();

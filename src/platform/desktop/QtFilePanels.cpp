@@ -49,8 +49,7 @@ public:
 
 bool mayReplace(const QString& path, const QString& title) {
     return QMessageBox::warning(nullptr, title,
-                                QFileDialog::tr("%1 already exists.\nDo you want to replace it?")
-                                    .arg(QFileInfo(path).fileName()),
+                                localized(QStringLiteral("save.replace")).arg(QFileInfo(path).fileName()),
                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
 }
 

@@ -7,8 +7,8 @@ RecorderSection {
     required property SettingsForm form
 
     objectName: "hotKey"
-    title: Strings.localized("Global Shortcut")
-    hint: Strings.localized("Click the area above then type the desired key combination")
+    title: "Global Shortcut"
+    hint: "Click the area above then type the desired key combination"
     recorder: form.hotKey
     conflict: form.hotKeyConflict
 }

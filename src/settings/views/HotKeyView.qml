@@ -31,7 +31,7 @@ T.AbstractButton {
     focusPolicy: Qt.TabFocus
     Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.description: isActive && caps.length === 0 ? Strings.localized("Enter a key combination")
+    Accessible.description: isActive && caps.length === 0 ? "Enter a key combination"
                                                           : caps.join(" ")
     onClicked: recorder.start()
     // Not with the press: held down, it would come again and be recorded.
@@ -82,7 +82,7 @@ T.AbstractButton {
         Text {
             visible: row.caps.length === 0 && row.isActive
             anchors.centerIn: parent
-            text: Strings.localized("Enter a key combination")
+            text: "Enter a key combination"
             color: Theme.secondaryText
             font.family: Theme.fontFamily
             font.pixelSize: 13

@@ -24,7 +24,7 @@ Section {
             objectName: section.objectName + ".caption"
             visible: section.recorder.modifierOnly
             width: parent.width
-            text: Strings.localized("Modifier-only shortcut")
+            text: "Modifier-only shortcut"
             color: Theme.secondaryText
             wrapMode: Text.Wrap
             font.family: Theme.fontFamily

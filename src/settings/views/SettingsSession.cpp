@@ -1,7 +1,5 @@
 #include "settings/views/SettingsSession.h"
 
-#include "platform/Localized.h"
-
 namespace framora {
 namespace {
 
@@ -30,7 +28,7 @@ QVariantList SettingsSession::tabs() {
     for (const Tab& tab : tabTable)
         list << QVariantMap{{QStringLiteral("value"), int(tab.value)},
                             {QStringLiteral("name"), QString::fromLatin1(tab.name)},
-                            {QStringLiteral("label"), localized(QString::fromLatin1(tab.label))},
+                            {QStringLiteral("label"), QString::fromLatin1(tab.label)},
                             {QStringLiteral("symbol"), QString::fromLatin1(tab.symbol)}};
     return list;
 }
@@ -43,7 +41,7 @@ void SettingsSession::setSelectedTabValue(int value) {
 }
 
 QString SettingsSession::navigationTitle() const {
-    return localized(QString::fromLatin1(tabTable[std::size_t(m_selectedTab)].navigationTitle));
+    return QString::fromLatin1(tabTable[std::size_t(m_selectedTab)].navigationTitle);
 }
 
 void SettingsSession::setSidebarVisible(bool visible) {

@@ -7,8 +7,8 @@ RecorderSection {
     required property SettingsForm form
 
     objectName: "tabCaptureHotKey"
-    title: Strings.localized("Window Capture")
-    hint: Strings.localized("Configure the shortcut to capture the active window")
+    title: "Window Capture"
+    hint: "Configure the shortcut to capture the active window"
     recorder: form.tabCaptureHotKey
     conflict: form.tabCaptureHotKeyConflict
 }
