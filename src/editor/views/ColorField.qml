@@ -16,7 +16,7 @@ T.Control {
     implicitHeight: 152
     focusPolicy: Qt.TabFocus
     Accessible.role: Accessible.ColorChooser
-    Accessible.name: qsTr("Saturation and brightness")
+    Accessible.name: Strings.localized("saturation.and.brightness")
     Accessible.description: Math.round(bridge.saturation * 100) + "%, " + Math.round(bridge.brightness * 100) + "%"
     Accessible.focusable: true
     Keys.onPressed: event => {

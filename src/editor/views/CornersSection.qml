@@ -17,13 +17,13 @@ Section {
         Label {
             anchors.verticalCenter: parent.verticalCenter
             width: Theme.captionWidth
-            text: qsTr("Style")
+            text: "Style"
         }
         SegmentedPicker {
             objectName: "borderStyle"
             x: Theme.captionWidth
             width: parent.width - x
-            label: qsTr("Style")
+            label: "Style"
             options: [
                 { value: "sharp", label: "Sharp" },
                 { value: "curved", label: "Curved" },

@@ -45,7 +45,7 @@ Item {
             objectName: "window.close"
             symbol: "window.close"
             symbolSize: 16
-            help: qsTr("Close")
+            help: Strings.localized("window.close")
             shortcut: header.shortcuts.close
             tint: Theme.secondaryText
             onClicked: header.session.close()
@@ -54,7 +54,7 @@ Item {
             objectName: "window.minimize"
             symbol: "window.minimize"
             symbolSize: 16
-            help: qsTr("Minimise")
+            help: Strings.localized("window.minimize")
             tint: Theme.secondaryText
             onClicked: header.session.miniaturize()
         }
@@ -64,7 +64,7 @@ Item {
                                               && header.Window.window.visibility === Window.Maximized
             symbol: maximized ? "window.restore" : "window.maximize"
             symbolSize: 16
-            help: maximized ? qsTr("Restore") : qsTr("Maximise")
+            help: Strings.localized(maximized ? "window.restore" : "window.maximize")
             tint: Theme.secondaryText
             onClicked: header.session.zoomWindow()
         }
@@ -95,7 +95,7 @@ Item {
                 }
             }
         }
-        help: header.session.sidebarVisible ? qsTr("Hide Sidebar") : qsTr("Show Sidebar")
+        help: Strings.localized(header.session.sidebarVisible ? "sidebar.hide" : "sidebar.show")
         onClicked: header.session.sidebarVisible = !header.session.sidebarVisible
     }
     Row {
@@ -122,21 +122,21 @@ Item {
         IconButton {
             objectName: "zoom.in"
             symbol: "plus.magnifyingglass"
-            help: qsTr("Zoom In")
+            help: "Zoom In"
             shortcut: header.shortcuts.zoomIn
             onClicked: header.viewModel.zoomIn()
         }
         IconButton {
             objectName: "zoom.out"
             symbol: "minus.magnifyingglass"
-            help: qsTr("Zoom Out")
+            help: "Zoom Out"
             shortcut: header.shortcuts.zoomOut
             onClicked: header.viewModel.zoomOut()
         }
         IconButton {
             objectName: "reset.disposition"
             symbol: "arrow.counterclockwise"
-            help: qsTr("Reset Disposition")
+            help: "Reset Disposition"
             onClicked: header.viewModel.resetDisposition()
         }
         ShareButton { session: header.session }

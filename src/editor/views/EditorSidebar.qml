@@ -34,11 +34,11 @@ Rectangle {
         height: 34
         tabs: true
         fitted: true
-        label: qsTr("Style")
+        label: "Style"
         options: [
-            { value: 0, label: qsTr("Appearance"), symbol: "paintbrush" },
-            { value: 1, label: qsTr("Background"), symbol: "photo" },
-            { value: 2, label: qsTr("Layout"), symbol: "square.on.square" }
+            { value: 0, label: "Appearance", symbol: "paintbrush" },
+            { value: 1, label: "Background", symbol: "photo" },
+            { value: 2, label: "Layout", symbol: "square.on.square" }
         ]
         value: sidebar.session.selectedTab
         onChosen: value => sidebar.session.selectedTab = value
@@ -125,7 +125,7 @@ Rectangle {
         }
     }
     // Where the panel stands, while it is longer than its room.
-    Rectangle {
+    RoundedBox {
         visible: flickable.interactive
         anchors.right: parent.right
         anchors.rightMargin: 4

@@ -36,8 +36,8 @@ Section {
             visible: section.viewModel.socialPresetIndex >= 0
             symbol: "xmark.circle.fill"
             tint: Theme.secondaryText
-            text: qsTr("Clear")
-            help: qsTr("Clear")
+            text: Strings.localized("clear")
+            help: Strings.localized("clear")
             onClicked: section.viewModel.selectSocialPreset(-1)
         }
     }

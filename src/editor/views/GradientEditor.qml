@@ -16,7 +16,7 @@ Column {
     SegmentedPicker {
         objectName: "gradientStyle"
         width: parent.width
-        label: qsTr("Gradient")
+        label: Strings.localized("gradient")
         options: [
             { value: "linear", label: "Linear" },
             { value: "radial", label: "Radial" },

@@ -21,7 +21,7 @@ T.Slider {
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
     Accessible.role: Accessible.Slider
-    Accessible.name: qsTr("Hue")
+    Accessible.name: Strings.localized("hue")
     onValueChanged: if (Math.abs(value - bridge.hue * 360) > 1e-6) turn(value)
     Keys.onPressed: event => {
         const many = event.modifiers & Qt.ShiftModifier ? 10 : 1;

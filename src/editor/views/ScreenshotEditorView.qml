@@ -76,7 +76,7 @@ Item {
         image: root.viewModel.originalImage // qmllint disable type
         config: root.viewModel.config
         Accessible.role: Accessible.Graphic
-        Accessible.name: qsTr("Preview")
+        Accessible.name: Strings.localized("preview")
         Accessible.focusable: true
         onIsDraggingChanged: root.session.isDraggingScreenshot = isDragging
         onDragOffsetChanged: {

@@ -37,14 +37,14 @@ Section {
                 objectName: "rotation.left"
                 bordered: true
                 symbol: "rotate.left"
-                help: qsTr("Rotate Left")
+                help: Strings.localized("rotate.left")
                 onClicked: section.viewModel.set("rotation", section.rotation - 90)
             }
             IconButton {
                 objectName: "rotation.right"
                 bordered: true
                 symbol: "rotate.right"
-                help: qsTr("Rotate Right")
+                help: Strings.localized("rotate.right")
                 onClicked: section.viewModel.set("rotation", section.rotation + 90)
             }
             Text {
@@ -62,7 +62,7 @@ Section {
             anchors.right: parent.right
             text: "Reset"
             help: "Reset"
-            accessibleName: qsTr("Reset %1").arg(Strings.localized("rotation"))
+            accessibleName: Strings.localized("reset.named").arg(Strings.localized("rotation"))
             enabled: section.rotation !== 0
             onClicked: section.viewModel.set("rotation", 0)
         }
