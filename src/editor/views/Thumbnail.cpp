@@ -22,7 +22,10 @@ void Thumbnail::paint(QPainter* painter) {
         source.moveCenter(QRectF(m_image.rect()).center());
         painter->save();
         painter->setClipPath(shape);
-        painter->drawImage(rect, m_image, source);
+        // The painter looks at four pixels of the picture for one of its own, however many lie between.
+        const QSize drawn = (rect.size() * painter->device()->devicePixelRatioF()).toSize();
+        painter->drawImage(rect, m_image.copy(source.toAlignedRect())
+                                     .scaled(drawn, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
         painter->restore();
     }
     if (m_outline.isValid()) {

@@ -41,7 +41,10 @@ public:
 
 class EditorWindow : public ModelFixture {
 public:
-    static void SetUpTestSuite() { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); }
+    static void SetUpTestSuite() {
+        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+        qputenv("HOME", "/nonexistent"); // nobody's pictures are wallpapers here
+    }
 
     ScreenshotEditorWindow::Services services() {
         return {

@@ -1,5 +1,6 @@
 #include "unit/editor/EditorWindowFixture.h"
 
+#include "editor/render/WallpaperCache.h"
 #include "editor/window/EditorToolbar.h"
 #include "platform/Notifications.h"
 
@@ -270,6 +271,47 @@ TEST_F(EditorWindow, EveryTabLoadsWithoutAWarningAndKeepsTheStyle) {
     session().colorPanel()->open(QStringLiteral("borderColor"));
     QCoreApplication::processEvents();
     EXPECT_EQ(warnings, QStringList());
+}
+
+TEST_F(EditorWindow, AsksForTheWallpapersOnceItHasShownAFrameAndOncePerRun) {
+    editor.open(picture(300, 200));
+    EXPECT_EQ(background.startedCount, 0) << "the window comes first";
+    EXPECT_TRUE(session().viewModel()->isLoadingWallpapers());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return background.startedCount > 0; }, 5000));
+    EXPECT_TRUE(WallpaperCache::shared().isLoading());
+
+    // A second editor during the scan, which outlives the first.
+    editor.close();
+    serveDeletions();
+    editor.setClosing(false);
+    editor.open(picture(300, 200));
+    QTest::qWait(50);
+    EXPECT_TRUE(session().viewModel()->isLoadingWallpapers());
+    background.runPending();
+    queue.runPending();
+    EXPECT_TRUE(WallpaperCache::shared().isLoaded());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !session().viewModel()->isLoadingWallpapers(); }, 5000));
+    EXPECT_EQ(background.startedCount, 1);
+    const auto& found = WallpaperCache::shared().wallpapers();
+    EXPECT_EQ(session().viewModel()->wallpaperImages().size(), found.size());
+
+    editor.close();
+    serveDeletions();
+    editor.setClosing(false);
+    editor.open(picture(300, 200));
+    EXPECT_FALSE(session().viewModel()->isLoadingWallpapers());
+}
+
+TEST_F(EditorWindow, SharesWhatIsImportedWithTheNextEditor) {
+    const QString path = writePicture(QStringLiteral("import.png"), picture(40, 30));
+    editor.open(picture(300, 200));
+    panels.answer = QUrl::fromLocalFile(path);
+    session().viewModel()->chooseBackgroundImage();
+    session().viewModel()->chooseBackgroundImage();
+    ASSERT_FALSE(WallpaperCache::shared().wallpapers().empty());
+    EXPECT_EQ(WallpaperCache::shared().wallpapers().front().first, QUrl::fromLocalFile(path));
+    EXPECT_EQ(session().viewModel()->wallpaperImages().size(), 2u);
+    EXPECT_EQ(WallpaperCache::shared().wallpapers().size(), 1u);
 }
 
 } // namespace
