@@ -277,7 +277,8 @@ TEST_F(CanvasHands, APressBringsTheKeysWithoutTheirRing) {
     QTest::mouseClick(&window, Qt::LeftButton, {}, {20, 20});
     EXPECT_TRUE(canvas->hasActiveFocus());
     EXPECT_FALSE(canvas->visualFocus());
-    window.contentItem()->forceActiveFocus();
+    QQuickItem other(window.contentItem());
+    other.forceActiveFocus();
     canvas->forceActiveFocus(Qt::BacktabFocusReason);
     EXPECT_TRUE(canvas->visualFocus());
     QTest::mouseClick(&window, Qt::LeftButton, {}, {20, 20});
