@@ -140,10 +140,14 @@ void cover(const LayerShape& shape, std::size_t layer, float opacity, const Tile
 }
 
 void mixLayer(const Layer& layer, const TileRect& block, MixPixel* out) {
-    if (!layer.noise && (!layer.adjustment || layer.adjustment->isUsual())) {
+    const bool isUsualNoise = !layer.noise || (layer.noise->intensity >= 0 && layer.noise->intensity <= 1);
+    if (isUsualNoise && (!layer.adjustment || layer.adjustment->isUsual())) {
         layer.paint->mix(block, out);
         if (layer.adjustment)
             adjustPixels(out, block.area(), layer.adjustment->saturation, layer.adjustment->brightness);
+        for (int y = block.y; layer.noise && y < block.y + block.height; ++y, out += block.width)
+            grainPixels(out, std::size_t(block.width), block.x - layer.noise->originX,
+                        y - layer.noise->originY, layer.noise->intensity);
         return;
     }
     std::array<Float4, longTile.width> colors;

@@ -15,6 +15,9 @@ namespace framora::raster::HWY_NAMESPACE {
 void adjustAll(MixPixel* pixels, std::size_t count, float saturation, float brightness) {
     plain::adjustPixels(pixels, count, saturation, brightness);
 }
+void grainAll(MixPixel* pixels, std::size_t count, int x, int y, float intensity) {
+    plain::grainPixels(pixels, count, x, y, intensity);
+}
 
 #else
 
@@ -65,6 +68,36 @@ void adjustAll(MixPixel* pixels, std::size_t count, float saturation, float brig
     plain::adjustPixels(pixels + i, count - i, saturation, brightness);
 }
 
+void grainAll(MixPixel* pixels, std::size_t count, int x, int y, float intensity) {
+    const hn::Repartition<std::uint64_t, Lanes> places; // a pixel each
+    const hn::Rebind<std::uint32_t, decltype(places)> words;
+    const Vector half = hn::Set(lanes, fixedIntensity(intensity));
+    const Vector alphaLane = hn::BitCast(lanes, hn::Set(places, 0xffff000000000000u));
+    const auto mixedRow = hn::Set(words, std::uint32_t(y) * 0x85ebca77u + 0x165667b1u);
+    const std::size_t step = hn::Lanes(lanes) / 4;
+    std::size_t i = 0;
+    for (; i + step <= count; i += step) {
+        auto* data = reinterpret_cast<std::int16_t*>(pixels + i);
+        const Vector pixel = hn::LoadU(lanes, data);
+        const Vector alpha = shuffled(pixel, alphaBytes);
+        auto bits = hn::Xor(
+            hn::Mul(hn::Iota(words, std::uint32_t(x) + std::uint32_t(i)), hn::Set(words, 0x9e3779b1u)),
+            mixedRow);
+        bits = hn::Mul(hn::Xor(bits, hn::ShiftRight<15>(bits)), hn::Set(words, 0x2c1b3c6du));
+        bits = hn::Mul(hn::Xor(bits, hn::ShiftRight<12>(bits)), hn::Set(words, 0x297a2d39u));
+        bits = hn::ShiftRight<16>(hn::Xor(bits, hn::ShiftRight<15>(bits)));
+        // The same sixteen bits for every channel, about 0.
+        auto wide = hn::PromoteTo(places, bits);
+        wide = hn::Or(wide, hn::ShiftLeft<16>(wide));
+        wide = hn::Or(wide, hn::ShiftLeft<32>(wide));
+        const Vector centred = hn::Xor(hn::BitCast(lanes, wide), hn::Set(lanes, std::int16_t(-32768)));
+        const Vector grain = hn::MulFixedPoint15(hn::MulFixedPoint15(centred, half), alpha);
+        const Vector sum = hn::Min(hn::Max(hn::SaturatedAdd(pixel, grain), hn::Zero(lanes)), alpha);
+        hn::StoreU(hn::Or(hn::AndNot(alphaLane, sum), hn::And(alphaLane, pixel)), lanes, data);
+    }
+    plain::grainPixels(pixels + i, count - i, x + int(i), y, intensity);
+}
+
 #endif
 
 } // namespace framora::raster::HWY_NAMESPACE
@@ -74,9 +107,14 @@ HWY_AFTER_NAMESPACE();
 namespace framora::raster {
 
 HWY_EXPORT(adjustAll);
+HWY_EXPORT(grainAll);
 
 void adjustPixels(MixPixel* pixels, std::size_t count, float saturation, float brightness) {
     HWY_DYNAMIC_DISPATCH(adjustAll)(pixels, count, saturation, brightness);
+}
+
+void grainPixels(MixPixel* pixels, std::size_t count, int x, int y, float intensity) {
+    HWY_DYNAMIC_DISPATCH(grainAll)(pixels, count, x, y, intensity);
 }
 
 } // namespace framora::raster

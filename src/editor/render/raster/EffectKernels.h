@@ -10,8 +10,12 @@ namespace framora::raster {
 inline constexpr float mostSaturation = 3;
 void adjustPixels(MixPixel* pixels, std::size_t count, float saturation, float brightness);
 
+/// addNoise() for pixels being mixed, likewise. `intensity` is 0...1.
+void grainPixels(MixPixel* pixels, std::size_t count, int x, int y, float intensity);
+
 namespace plain {
 void adjustPixels(MixPixel* pixels, std::size_t count, float saturation, float brightness);
+void grainPixels(MixPixel* pixels, std::size_t count, int x, int y, float intensity);
 } // namespace plain
 
 /// The adjustment as the kernels apply it.
@@ -20,6 +24,9 @@ struct FixedAdjustment {
     std::int16_t brightness; ///< In 32767ths.
 };
 FixedAdjustment fixedAdjustment(float saturation, float brightness);
+
+/// Half an intensity, in 32768ths.
+std::int16_t fixedIntensity(float intensity);
 
 /// Rec. 709, in 32768ths: blue, green, red, alpha.
 inline constexpr std::int16_t lumaWeights[4] = {2366, 23436, 6966, 0};

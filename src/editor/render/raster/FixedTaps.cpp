@@ -40,24 +40,26 @@ FixedTaps::FixedTaps(const ResampleKernel& kernel, int first, int end) : m_first
     }
     m_isDense = m_isDense && m_taps <= mostDenseTaps;
     if (m_isDense && m_taps == 4)
-        findDoubled();
+        findRegular(2, 1, m_doubledFirst, m_doubledEnd);
+    if (!m_isDense)
+        findRegular(1, 2, m_halvedFirst, m_halvedEnd);
 }
 
-void FixedTaps::findDoubled() {
+void FixedTaps::findRegular(int period, int distance, int& first, int& end) const {
     // From the middle to both sides; only the edges are different.
-    const int middle = count() / 2;
-    const auto goesOn = [this](int index) {
-        return start(index + 2) == start(index) + 1 &&
-               std::equal(weights(index), weights(index) + m_taps, weights(index + 2));
+    const auto goesOn = [&](int index) {
+        return start(index + period) == start(index) + distance &&
+               std::equal(weights(index), weights(index) + m_taps, weights(index + period));
     };
-    m_doubledFirst = m_doubledEnd = middle;
-    while (m_doubledFirst > 0 && m_doubledFirst + 1 < count() && goesOn(m_doubledFirst - 1))
-        --m_doubledFirst;
-    if (m_doubledFirst == middle)
+    const int middle = count() / 2;
+    first = end = middle;
+    while (first > 0 && first - 1 + period < count() && goesOn(first - 1))
+        --first;
+    if (first == middle)
         return;
-    m_doubledEnd = middle + 1;
-    while (m_doubledEnd < count() && goesOn(m_doubledEnd - 2))
-        ++m_doubledEnd;
+    end = middle - 1 + period;
+    while (end < count() && goesOn(end - period))
+        ++end;
 }
 
 FixedTaps::Span FixedTaps::span(int index, int count) const {

@@ -29,6 +29,10 @@ public:
     /// same four weights and starts one source further on: a picture of twice the size, but for its edges.
     int doubledFirst() const { return m_doubledFirst; }
     int doubledEnd() const { return m_doubledEnd; }
+    /// The same where every output has the weights of the one before and starts two sources further on: half
+    /// the size.
+    int halvedFirst() const { return m_halvedFirst; }
+    int halvedEnd() const { return m_halvedEnd; }
     /// The first source of an output, which is counted from firstOutput(); it never decreases.
     int start(int index) const { return int(m_starts[std::size_t(index)]); }
     const std::int64_t* starts() const { return m_starts.data(); }
@@ -58,11 +62,15 @@ public:
     void spreadWeights();
 
 private:
-    void findDoubled();
+    /// Where every output has the weights of the one `period` outputs before, and starts `distance` sources
+    /// behind it: [first, end), around the middle.
+    void findRegular(int period, int distance, int& first, int& end) const;
 
     int m_firstOutput = 0;
     int m_doubledFirst = 0;
     int m_doubledEnd = 0;
+    int m_halvedFirst = 0;
+    int m_halvedEnd = 0;
     int m_taps = 0;
     bool m_isDense = true;
     std::size_t m_tapStride = 0;

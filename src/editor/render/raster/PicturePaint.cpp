@@ -11,6 +11,14 @@ Homography fromSource(PixelView picture, double width, double height, const Homo
            Homography::translation(-picture.width / 2.0, -picture.height / 2.0);
 }
 
+/// The level to scale from: so much larger than what is wanted, by a root of two to two, that its own filter
+/// shows little. The picture itself unless at least a half of it is as good.
+int reduction(double scale) {
+    constexpr int least = 2;
+    const int level = scale < 1 ? std::ilogb(1 / (scale * scale)) - 1 : 0;
+    return level < least ? 0 : std::min(level, PicturePyramid::levelCount - 1);
+}
+
 /// The kernel of one axis: source s lies at output s * scale + offset. It covers the picture's own pixels in
 /// the `size` outputs from `start`.
 ResampleKernel axisKernel(double scale, double offset, int sourceSize, int start, int size) {
@@ -69,9 +77,13 @@ PicturePaint::PicturePaint(std::shared_ptr<const PicturePyramid> picture, double
         region.width = outputWidth;
         region.height = outputHeight;
     }
-    if (isUpright && map(0, 0) > 0 && map(1, 1) > 0)
-        m_separable.emplace(pixels, axisKernel(map(0, 0), map(0, 2), pixels.width, region.left, region.width),
-                            axisKernel(map(1, 1), map(1, 2), pixels.height, region.top, region.height));
+    if (!isUpright || !(map(0, 0) > 0 && map(1, 1) > 0))
+        return;
+    const PixelView level = m_picture->level(reduction(std::max(map(0, 0), map(1, 1))));
+    const double scaleX = map(0, 0) * pixels.width / level.width;
+    const double scaleY = map(1, 1) * pixels.height / level.height;
+    m_separable.emplace(level, axisKernel(scaleX, map(0, 2), level.width, region.left, region.width),
+                        axisKernel(scaleY, map(1, 2), level.height, region.top, region.height));
 }
 
 void PicturePaint::shade(int x, int y, int count, Float4* out) const {

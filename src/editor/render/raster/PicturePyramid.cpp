@@ -34,7 +34,8 @@ PixelView PicturePyramid::level(int level) const {
         const double factor = std::exp2(-level / 2.0);
         m_levels[index] = PixelBuffer::create(std::max(1, int(std::lround(m_picture.width * factor))),
                                               std::max(1, int(std::lround(m_picture.height * factor))));
-        resample(m_picture, m_levels[index].mutableView());
+        // From the next larger half, quarter and so on, which most levels are asked for with anyway.
+        resample(this->level(level % 2 ? level - 1 : level - 2), m_levels[index].mutableView());
     });
     return m_levels[index].isEmpty() ? m_picture : m_levels[index].view();
 }

@@ -7,8 +7,8 @@
 
 namespace framora::raster {
 
-/// A picture and its reductions, each 1/sqrt(2) of the one before and each made from the picture itself when
-/// it is first asked for. May be used from many threads.
+/// A picture and its reductions, each 1/sqrt(2) of the one before and each made, from the picture or a larger
+/// reduction, when it is first asked for. May be used from many threads.
 class PicturePyramid {
 public:
     static constexpr int levelCount = 24;

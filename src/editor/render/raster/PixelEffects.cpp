@@ -3,14 +3,6 @@
 namespace framora::raster {
 namespace {
 
-/// Well mixed bits of a position.
-std::uint32_t hash(std::uint32_t x, std::uint32_t y) {
-    std::uint32_t h = x * 0x9e3779b1u ^ (y * 0x85ebca77u + 0x165667b1u);
-    h = (h ^ h >> 15) * 0x2c1b3c6du;
-    h = (h ^ h >> 12) * 0x297a2d39u;
-    return h ^ h >> 15;
-}
-
 Float4 clampedToAlpha(Float4 pixel, float alpha) {
     Float4 clamped = min(max(pixel, splat(0)), splat(alpha));
     clamped[3] = alpha;
@@ -32,7 +24,7 @@ void adjustColors(Float4* pixels, int count, float saturation, float brightness)
 
 void addNoise(Float4* pixels, int count, int x, int y, float intensity) {
     for (int i = 0; i < count; ++i) {
-        const float grain = float(hash(std::uint32_t(x + i), std::uint32_t(y)) >> 8) * 0x1p-24f - 0.5f;
+        const float grain = float(grainBits(std::uint32_t(x + i), std::uint32_t(y)) >> 8) * 0x1p-24f - 0.5f;
         const float alpha = pixels[i][3];
         pixels[i] = clampedToAlpha(pixels[i] + splat(grain * intensity * alpha), alpha);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/render/raster/MixTile.h"
+#include "editor/render/raster/PixelView.h"
 
 #include <array>
 #include <cstdint>
@@ -16,6 +17,10 @@ struct SourceBox {
     int width = 0; ///< At least 4, like the height.
     int height = 0;
 };
+
+/// Fills `pixels` with what a box holds from (firstColumn, firstRow) of a picture on; beyond the picture its
+/// edge repeats.
+void widenBox(PixelView picture, int firstColumn, int firstRow, const SourceBox& box, MixPixel* pixels);
 
 /// Steps of a source position between two pixels.
 inline constexpr int positionBits = 10;

@@ -12,38 +12,6 @@
 namespace framora::raster {
 namespace {
 
-// The footprint's kernel: a round cubic of this radius in output pixels, softer than the interpolating one
-// since a turned grid has no axis to hide its patterns on.
-constexpr double footprintRadius = 2;
-// The narrow side is widened to the long side over this.
-constexpr double longestFootprint = 16;
-// Between one source pixel an output pixel and this many, interpolation fades into filtering.
-constexpr double fadeEnd = 1.25;
-
-double footprintCurve(double r) {
-    constexpr double b = 0.3782;
-    constexpr double c = 0.3109;
-    if (r < 1)
-        return ((12 - 9 * b - 6 * c) * r * r * r + (-18 + 12 * b + 6 * c) * r * r + (6 - 2 * b)) / 6;
-    if (r < 2)
-        return ((-b - 6 * c) * r * r * r + (6 * b + 30 * c) * r * r + (-12 * b - 48 * c) * r +
-                (8 * b + 24 * c)) /
-               6;
-    return 0;
-}
-
-/// The curve by the square of the distance.
-struct FootprintTable {
-    static constexpr int size = 1024; ///< 4 KB: it stays in the nearest cache.
-    std::array<float, size + 1> weight{};
-    FootprintTable() {
-        for (int i = 0; i <= size; ++i)
-            weight[std::size_t(i)] =
-                float(footprintCurve(std::sqrt((i + 0.5) * footprintRadius * footprintRadius / size)));
-    }
-};
-const FootprintTable footprintTable;
-
 /// What the four neighbours of a point weigh that lies at `t`, 0...1, between the inner two.
 void cubicWeights(float t, float* weights) {
     weights[0] = ((-0.5f * t + 1) * t - 0.5f) * t;
@@ -58,11 +26,6 @@ int floorToInt(double value) {
     return whole - (value < whole);
 }
 
-int ceilToInt(double value) {
-    const int whole = int(value);
-    return whole + (value > whole);
-}
-
 // Blocks on a grid from the layer's origin are read by one rule each.
 constexpr int blockWidth = 64;
 constexpr int blockHeight = 32;
@@ -75,71 +38,10 @@ double inside(double value, double size) {
     return value > -4 ? std::min(value, size + 4) : -4; // what is not a number goes to the edge
 }
 
-/// The box's pixels, from (firstColumn, firstRow) on, as the kernels read them; beyond the picture its edge
-/// repeats.
-void copyWidened(PixelView picture, int firstColumn, int firstRow, const SourceBox& box, MixPixel* out) {
-    const int left = std::clamp(-firstColumn, 0, box.width - 1);
-    const int from = std::clamp(firstColumn + left, 0, picture.width - 1);
-    const int count = std::clamp(picture.width - from, 1, box.width - left);
-    for (int y = 0; y < box.height; ++y, out += box.width) {
-        const std::uint32_t* row = picture.row(std::clamp(firstRow + y, 0, picture.height - 1)) + from;
-        widenRow(row, std::size_t(count), out + left);
-        std::fill_n(out, left, out[left]);
-        std::fill(out + left + count, out + box.width, out[left + count - 1]);
-    }
-}
-
 } // namespace
 
 ProjectiveSampler::ProjectiveSampler(const PicturePyramid& pyramid, const Homography& toSource)
-    : m_pyramid(pyramid), m_toSource(toSource) {}
-
-double ProjectiveSampler::Footprint::longest() const {
-    const double difference = (xx - yy) / 2;
-    return std::sqrt((xx + yy) / 2 + std::sqrt(difference * difference + xy * xy));
-}
-
-ProjectiveSampler::Footprint ProjectiveSampler::footprint(Vec2 source, double depth) const {
-    const Homography& g = m_toSource;
-    const double scale = 1 / depth;
-    const double dxx = (g(0, 0) - source.x * g(2, 0)) * scale;
-    const double dxy = (g(0, 1) - source.x * g(2, 1)) * scale;
-    const double dyx = (g(1, 0) - source.y * g(2, 0)) * scale;
-    const double dyy = (g(1, 1) - source.y * g(2, 1)) * scale;
-    const Footprint square{dxx * dxx + dxy * dxy, dxx * dyx + dxy * dyy, dyx * dyx + dyy * dyy};
-    if (std::isfinite(square.xx) && std::isfinite(square.xy) && std::isfinite(square.yy))
-        return square;
-    return {1e12, 0, 1e12};
-}
-
-ProjectiveSampler::Filter ProjectiveSampler::filter(const Footprint& footprint) const {
-    const PixelView picture = m_pyramid.picture();
-    // The long and the narrow side, squared, and how far the long one points along x.
-    const double difference = (footprint.xx - footprint.yy) / 2;
-    const double mean = (footprint.xx + footprint.yy) / 2;
-    const double spread = std::sqrt(difference * difference + footprint.xy * footprint.xy);
-    const double largest = 4.0 * picture.width * picture.width + 4.0 * picture.height * picture.height + 1;
-    const double longSide = std::clamp(mean + spread, 1.0, largest);
-    const double narrowSide =
-        std::clamp(mean - spread, std::max(1.0, longSide / (longestFootprint * longestFootprint)), longSide);
-    const double alongX = spread > 0 ? 0.5 + difference / (2 * spread) : 0.5;
-    const double alongXY = spread > 0 ? footprint.xy / (2 * spread) : 0;
-
-    // A level halves the square of a side; the exponent of a double is the whole part of its logarithm.
-    Filter filter;
-    filter.level = m_pyramid.level(std::ilogb(narrowSide * (1 + 1e-9)));
-    filter.scaleX = double(filter.level.width) / picture.width;
-    filter.scaleY = double(filter.level.height) / picture.height;
-    const double xx = (narrowSide + (longSide - narrowSide) * alongX) * filter.scaleX * filter.scaleX;
-    const double xy = (longSide - narrowSide) * alongXY * filter.scaleX * filter.scaleY;
-    const double yy = (narrowSide + (longSide - narrowSide) * (1 - alongX)) * filter.scaleY * filter.scaleY;
-    const double unit = FootprintTable::size / (footprintRadius * footprintRadius) / (xx * yy - xy * xy);
-    filter.a = yy * unit;
-    filter.b = -xy * unit;
-    filter.c = xx * unit;
-    filter.reach = footprintRadius * std::sqrt(yy);
-    return filter;
-}
+    : m_pyramid(pyramid), m_toSource(toSource), m_footprints(pyramid, toSource) {}
 
 Float4 ProjectiveSampler::interpolated(Vec2 source) const {
     const PixelView picture = m_pyramid.picture();
@@ -172,71 +74,22 @@ Float4 ProjectiveSampler::interpolated(Vec2 source) const {
     return clampPremultiplied(sum, 255);
 }
 
-Float4 ProjectiveSampler::filtered(Vec2 source, const Filter& filter) const {
-    const PixelView level = filter.level;
-    const double x = source.x * filter.scaleX - 0.5;
-    const double y = source.y * filter.scaleY - 0.5;
-    const double a = filter.a;
-    const double reverse = 1 / a;
-    const int lastRow = floorToInt(y + filter.reach);
-    Float4 sum = splat(0);
-    float weights = 0;
-    for (int row = ceilToInt(y - filter.reach); row <= lastRow; ++row) {
-        const double dy = row - y;
-        const double bend = filter.b * dy;
-        const double fixed = filter.c * dy * dy;
-        const double root = bend * bend - a * (fixed - FootprintTable::size);
-        if (root <= 0)
-            continue;
-        const double half = double(std::sqrt(float(root))) * reverse;
-        const double middle = x - bend * reverse;
-        const int from = ceilToInt(middle - half);
-        const int to = floorToInt(middle + half);
-        const std::uint32_t* pixels = level.row(std::clamp(row, 0, level.height - 1));
-        const bool isInside = from >= 0 && to < level.width;
-        const double start = from - x;
-        double distance = (a * start + 2 * bend) * start + fixed;
-        double step = a * (2 * start + 1) + 2 * bend;
-        for (int column = from; column <= to; ++column) {
-            const int entry = std::clamp(int(distance), 0, FootprintTable::size);
-            distance += step;
-            step += 2 * a;
-            const float weight = footprintTable.weight[std::size_t(entry)];
-            const std::uint32_t pixel = pixels[isInside ? column : std::clamp(column, 0, level.width - 1)];
-            sum += unpack(pixel) * splat(weight);
-            weights += weight;
-        }
-    }
-    if (!(weights > 0))
-        return interpolated(source);
-    return clampPremultiplied(sum / splat(weights), 255);
-}
-
 void ProjectiveSampler::read(int x, int y, int count, Float4* out) const {
     const PixelView picture = m_pyramid.picture();
-    const bool isAffine = m_toSource.isAffine();
-    Footprint square = footprint({0, 0}, m_toSource.depth({0, 0}));
-    double longest = square.longest();
-    std::optional<Filter> mixing;
-    for (int i = 0; i < count; ++i) {
-        const Vec2 pixel{x + i + 0.5, y + 0.5};
-        const Vec2 exact = m_toSource.map(pixel);
-        const Vec2 source{inside(exact.x, picture.width), inside(exact.y, picture.height)};
-        if (!isAffine) {
-            square = footprint(source, m_toSource.depth(pixel));
-            // Both sides' squares together are no less than the long one's.
-            longest = square.xx + square.yy <= 1 ? 1 : square.longest();
-        }
-        if (longest <= 1 + 1e-9) {
-            out[i] = interpolated(source);
+    const int right = x + count;
+    while (x < right) {
+        const TileRect block{floorToMultiple(x, blockWidth), floorToMultiple(y, blockHeight), blockWidth,
+                             blockHeight};
+        const int end = std::min(right, block.x + blockWidth);
+        if (!magnifiedSource(block)) {
+            m_footprints.read(block, x, y, end - x, out);
+            out += end - x;
+            x = end;
             continue;
         }
-        if (!isAffine || !mixing)
-            mixing = filter(square);
-        out[i] = filtered(source, *mixing);
-        if (longest < fadeEnd) {
-            const float share = float((longest - 1) / (fadeEnd - 1));
-            out[i] = interpolated(source) * splat(1 - share) + out[i] * splat(share);
+        for (; x < end; ++x) {
+            const Vec2 exact = m_toSource.map({x + 0.5, y + 0.5});
+            *out++ = interpolated({inside(exact.x, picture.width), inside(exact.y, picture.height)});
         }
     }
 }
@@ -254,7 +107,7 @@ std::optional<TileRect> ProjectiveSampler::magnifiedSource(const TileRect& block
             if (!(depth > 0))
                 return std::nullopt;
             const Vec2 exact = m_toSource.map(corner);
-            if (!(footprint(exact, depth).longest() <= 1 + 1e-9))
+            if (!(FootprintSampler::ellipse(m_toSource, exact, depth).longest() <= 1 + 1e-9))
                 return std::nullopt;
             left = std::min(left, inside(exact.x, picture.width));
             right = std::max(right, inside(exact.x, picture.width));
@@ -277,7 +130,7 @@ bool ProjectiveSampler::mixMagnified(const TileRect& block, const TileRect& part
     SourceBox box{nullptr, read->width, read->height};
     thread_local std::vector<MixPixel> pixels;
     pixels.resize(std::max(pixels.size(), std::size_t(box.width) * std::size_t(box.height)));
-    copyWidened(m_pyramid.picture(), read->x, read->y, box, pixels.data());
+    widenBox(m_pyramid.picture(), read->x, read->y, box, pixels.data());
     box.pixels = pixels.data();
 
     // From pixel centres to the first of the four by four neighbours. The places are told from the block's
@@ -320,7 +173,8 @@ void ProjectiveSampler::mix(const TileRect& tile, MixPixel* out) const {
             const TileRect part{left, top, std::min(right, blockLeft + blockWidth) - left, height};
             MixPixel* to = out + std::ptrdiff_t(top - tile.y) * tile.width + (left - tile.x);
             left += part.width;
-            if (mixMagnified({blockLeft, blockTop, blockWidth, blockHeight}, part, to, tile.width))
+            const TileRect block{blockLeft, blockTop, blockWidth, blockHeight};
+            if (mixMagnified(block, part, to, tile.width) || m_footprints.mix(block, part, to, tile.width))
                 continue;
             row.resize(std::max(row.size(), std::size_t(part.width)));
             for (int y = part.y; y < part.y + height; ++y, to += tile.width) {

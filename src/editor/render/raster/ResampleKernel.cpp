@@ -4,15 +4,10 @@
 #include <cmath>
 
 namespace framora::raster {
-namespace {
 
-/// How much wider than the output step the stretched kernel is: at the output's finest detail it then passes
-/// a third, and a tenth of what is a quarter finer. It sets in gradually, so that zooming shows no jump.
-double stretch(double step) {
+double stretchedWidth(double step) {
     return step <= 1 ? 1 : step * (1 + 0.15 * std::min(1.0, (step - 1) * 10));
 }
-
-} // namespace
 
 double catmullRom(double x) {
     x = std::abs(x);
@@ -26,7 +21,7 @@ double catmullRom(double x) {
 ResampleKernel::ResampleKernel(double step, double origin, int sourceSize, int firstOutput, int endOutput)
     : m_firstOutput(firstOutput) {
     // A picture smaller than an output pixel is one mean; a wider kernel would only repeat its edges.
-    const double width = std::min(stretch(step), double(sourceSize));
+    const double width = std::min(stretchedWidth(step), double(sourceSize));
     std::vector<double> weights;
     for (int output = firstOutput; output < std::max(endOutput, firstOutput + 1); ++output) {
         const double centre = (output + 0.5) * step + origin - 0.5;

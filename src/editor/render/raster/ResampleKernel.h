@@ -39,6 +39,11 @@ private:
     std::vector<float> m_weights;
 };
 
+/// How many source pixels the cubic's unit is stretched over where an output step spans `step` of them. It is
+/// a little more than the step: at the output's finest detail the kernel then passes a third, and a tenth of
+/// what is a quarter finer. It sets in gradually, so that zooming shows no jump.
+double stretchedWidth(double step);
+
 /// The interpolating cubic of support 2; 1 at 0, 0 at the other whole numbers.
 double catmullRom(double x);
 

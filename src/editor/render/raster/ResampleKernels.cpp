@@ -88,6 +88,19 @@ void weighAllRows(const std::uint32_t* const* rows, const std::int16_t* weights,
         return;
     }
     std::size_t i = 0;
+    // Two vectors share what is fetched for a row.
+    for (; i + 2 * step <= count; i += 2 * step) {
+        Vector first = hn::Zero(lanes);
+        Vector second = hn::Zero(lanes);
+        for (int tap = 0; tap < taps; ++tap) {
+            const std::uint32_t* from = rows[tap] + i;
+            const Vector weight = hn::Set(lanes, weights[tap]);
+            first = hn::Add(first, hn::MulFixedPoint15(widened(from), weight));
+            second = hn::Add(second, hn::MulFixedPoint15(widened(from + step), weight));
+        }
+        storePixels(first, out + i, step);
+        storePixels(second, out + i + step, step);
+    }
     for (; i + step <= count; i += step)
         storePixels(weighed(rows, weights, taps, i), out + i, step);
     // The last vector overlaps the one before.
@@ -189,28 +202,91 @@ void weighFourColumns(const MixPixel* source, const FixedTaps& taps, int index, 
                              out + done);
 }
 
+#if !HWY_HAVE_SCALABLE
+
+using OnePixel = hn::CappedTag<std::int16_t, 4>;
+constexpr OnePixel onePixel;
+
+/// The sum of a vector's pixels. Sixteen bits wrap around alike in any order.
+template <typename Tag> HWY_INLINE hn::Vec<OnePixel> sumOfPixels(Tag tag, hn::Vec<Tag> pixels) {
+    if constexpr (hn::MaxLanes(Tag()) == 4) {
+        return pixels;
+    } else {
+        const hn::Half<Tag> half;
+        return sumOfPixels(half, hn::Add(hn::LowerHalf(half, pixels), hn::UpperHalf(half, pixels)));
+    }
+}
+
 /// Many taps an output: they are summed across a vector.
 void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+    alignas(16) static constexpr std::uint8_t ofAlpha[8] = {6, 7, 6, 7, 6, 7, 6, 7};
+    const hn::Repartition<std::uint8_t, OnePixel> bytes;
+    const auto alphaPattern = hn::Load(bytes, ofAlpha);
     const int step = int(hn::Lanes(lanes) / 4);
-    const int origin = taps.start(index);
+    const int tapCount = taps.taps();
+    const MixPixel* origin = source - taps.start(index);
     for (int i = 0; i < count; ++i) {
-        const MixPixel* from = source + (taps.start(index + i) - origin);
+        const MixPixel* from = origin + taps.start(index + i);
         const MixPixel* weights = taps.spread(index + i);
-        Vector sum = hn::Zero(lanes);
-        for (int tap = 0; tap < taps.taps(); tap += step)
+        Vector sum = hn::MulFixedPoint15(loadPixels(from), loadPixels(weights));
+        for (int tap = step; tap < tapCount; tap += step)
             sum = hn::Add(sum, hn::MulFixedPoint15(loadPixels(from + tap), loadPixels(weights + tap)));
-        alignas(64) std::int16_t parts[32];
-        hn::Store(sum, lanes, parts);
-        // Sixteen bits wrap around alike in any order.
-        const hn::CappedTag<std::int16_t, 4> pixel;
-        auto total = hn::Load(pixel, parts);
-        for (int lane = 1; lane < step; ++lane)
-            total = hn::Add(total, hn::Load(pixel, parts + 4 * lane));
-        hn::Store(total, pixel, parts);
-        const int alpha = std::clamp<int>(parts[3], 0, filterOne);
-        for (int c = 0; c < 4; ++c)
-            out[i].channel[c] = std::int16_t(std::clamp<int>(parts[c], 0, alpha) * 4);
+        const auto positive = hn::Max(sumOfPixels(lanes, sum), hn::Zero(onePixel));
+        const auto alpha =
+            hn::BitCast(onePixel, hn::TableLookupBytes(hn::BitCast(bytes, positive), alphaPattern));
+        const auto valid =
+            hn::ShiftLeft<2>(hn::Min(positive, hn::Min(alpha, hn::Set(onePixel, std::int16_t(filterOne)))));
+        hn::StoreU(valid, onePixel, reinterpret_cast<std::int16_t*>(out + i));
     }
+}
+
+#else
+
+void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+    plain::weighColumns(source, taps, index, count, out);
+}
+
+#endif
+
+/// Outputs that weigh alike, each starting two sources behind the one before: every second source of two
+/// vectors at once. Returns how many outputs it made.
+int weighHalvedColumns(const MixPixel* source, const std::int16_t* weights, int taps, int count,
+                       MixPixel* out) {
+    const hn::Repartition<std::uint64_t, Lanes> words;
+    const int step = int(hn::Lanes(lanes) / 4);
+    int i = 0;
+    for (; i + step <= count; i += step, source += 2 * step) {
+        Vector sum = hn::Zero(lanes);
+        for (int tap = 0; tap < taps; tap += 2) {
+            const auto low = hn::BitCast(words, loadPixels(source + tap));
+            const auto high = hn::BitCast(words, loadPixels(source + tap + step));
+            const Vector even = hn::BitCast(lanes, hn::ConcatEven(words, high, low));
+            sum = hn::Add(sum, hn::MulFixedPoint15(even, hn::Set(lanes, weights[tap])));
+            if (tap + 1 == taps)
+                break;
+            const Vector odd = hn::BitCast(lanes, hn::ConcatOdd(words, high, low));
+            sum = hn::Add(sum, hn::MulFixedPoint15(odd, hn::Set(lanes, weights[tap + 1])));
+        }
+        hn::StoreU(clamped(sum), lanes, reinterpret_cast<std::int16_t*>(out + i));
+    }
+    return i;
+}
+
+/// Outputs that start further from one another.
+void weighDistantColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+    const int head = std::clamp(taps.halvedFirst() - index, 0, count);
+    const int halved = std::clamp(taps.halvedEnd() - index, head, count) - head;
+    const int origin = taps.start(index);
+    int done = 0;
+    if (halved > 0) {
+        if (head > 0)
+            weighSparseColumns(source, taps, index, head, out);
+        done = head + weighHalvedColumns(source + (taps.start(index + head) - origin),
+                                         taps.weights(index + head), taps.taps(), halved, out + head);
+    }
+    if (done < count)
+        weighSparseColumns(source + (taps.start(index + done) - origin), taps, index + done, count - done,
+                           out + done);
 }
 
 void weighAllColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
@@ -219,7 +295,7 @@ void weighAllColumns(const MixPixel* source, const FixedTaps& taps, int index, i
     else if (taps.isDense())
         weighDenseColumns<0>(source, taps, index, count, out);
     else
-        weighSparseColumns(source, taps, index, count, out);
+        weighDistantColumns(source, taps, index, count, out);
 }
 
 #endif

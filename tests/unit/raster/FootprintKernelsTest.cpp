@@ -1,0 +1,136 @@
+#include "editor/render/raster/FootprintKernels.h"
+
+#include "editor/render/raster/FootprintSampler.h"
+#include "editor/render/raster/ResampleKernels.h"
+#include "unit/raster/EachTarget.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <random>
+#include <vector>
+
+namespace framora::raster {
+namespace {
+
+std::vector<std::uint32_t> randomPicture(std::mt19937& random, std::size_t count) {
+    std::vector<std::uint32_t> pixels(count);
+    for (std::uint32_t& pixel : pixels)
+        pixel = random() % 3 == 0   ? 0xffffffffu
+                : random() % 2 == 0 ? 0u
+                                    : 0xff000000u | std::uint32_t(random());
+    return pixels;
+}
+
+TEST(FootprintKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
+    forEachTarget([](const char* target) {
+        std::mt19937 random(17);
+        std::uniform_real_distribution<float> unit(-1, 1);
+        constexpr int width = 130;
+        constexpr int height = 120;
+        const auto picture = randomPicture(random, std::size_t(width) * height);
+        std::vector<MixPixel> pixels(picture.size() + footprintSlack);
+        plain::widenRow(picture.data(), picture.size(), pixels.data());
+        const SourceBox box{pixels.data(), width, height};
+        for (std::size_t count = 0; count < 40; ++count) {
+            SCOPED_TRACE(testing::Message() << target << ", " << count << " pixels");
+            const FootprintRow row{
+                {9 * unit(random), 9 * unit(random), 1, 3 * unit(random), unit(random), unit(random) / 50},
+                unit(random),
+                20 * unit(random),
+                unit(random) / 50,
+                0.7f,
+                FootprintTaps::widthCount - 1};
+            std::vector<Footprint> fast(count + 1, Footprint{-7, -7, -7, -7});
+            std::vector<Footprint> slow = fast;
+            projectFootprints(row, count, fast.data());
+            plain::projectFootprints(row, count, slow.data());
+            EXPECT_EQ(fast, slow);
+
+            const FootprintLine lines[] = {{}, {2, 90, -31}, {3, 140, 200}};
+            const FootprintLine& line = lines[count % 3];
+            for (Footprint& footprint : fast) {
+                footprint.across = int(random() % (5 << FootprintTaps::widthBits));
+                footprint.down = int(random() % (count % 2 ? 5 : 8 << FootprintTaps::widthBits));
+                footprint.column = (60 << FootprintTaps::phaseBits) + int(random() % 999);
+                footprint.row = (55 << FootprintTaps::phaseBits) + int(random() % 999);
+            }
+            std::vector<MixPixel> read(count + 1, MixPixel{{1, 2, 3, 4}});
+            std::vector<MixPixel> expected = read;
+            readFootprints(box, fast.data(), line, count, read.data());
+            plain::readFootprints(box, fast.data(), line, count, expected.data());
+            EXPECT_EQ(read, expected);
+        }
+    });
+}
+
+TEST(FootprintTaps, KeepAPlainSurfaceAndTheMiddle) {
+    for (int index = 0; index < FootprintTaps::widthCount; ++index) {
+        const FootprintTaps& taps = FootprintTaps::of(index);
+        for (int phase = 0; phase < FootprintTaps::phases; ++phase) {
+            int sum = 0;
+            double middle = 0;
+            for (int tap = 0; tap < taps.count(); ++tap) {
+                sum += taps.weights(phase)[tap];
+                middle += double(taps.weights(phase)[tap]) * (taps.first(phase) + tap);
+            }
+            ASSERT_EQ(sum, FootprintTaps::one);
+            ASSERT_NEAR(middle / sum, double(phase) / FootprintTaps::phases, 0.05) << index << ": " << phase;
+            ASSERT_GE(taps.first(phase), -taps.reach());
+            ASSERT_LE(taps.first(phase) + taps.count() - 1, taps.reach() + 1);
+        }
+    }
+}
+
+TEST(FootprintTaps, AreFoundByTheSquareOfTheirWidth) {
+    EXPECT_EQ(FootprintTaps::index(0, 50), 0);
+    EXPECT_EQ(FootprintTaps::index(1, 50), 0);
+    EXPECT_EQ(FootprintTaps::index(2, 50), 1 << FootprintTaps::widthBits);
+    EXPECT_EQ(FootprintTaps::index(4, 50), 2 << FootprintTaps::widthBits);
+    EXPECT_EQ(FootprintTaps::index(1e30f, 50), 50);
+    EXPECT_EQ(FootprintTaps::of(0).count(), 4) << "without a change of size it interpolates";
+}
+
+/// How far mix() is from read() at most, in steps of 255; -1 when it does nothing.
+double worstDifference(const FootprintSampler& sampler, const TileRect& block, const TileRect& part) {
+    std::vector<MixPixel> mixed(part.area());
+    if (!sampler.mix(block, part, mixed.data(), part.width))
+        return -1;
+    double worst = 0;
+    for (int y = 0; y < part.height; ++y) {
+        std::vector<Float4> row(std::size_t(part.width));
+        sampler.read(block, part.x, part.y + y, part.width, row.data());
+        for (int x = 0; x < part.width; ++x)
+            for (int c = 0; c < 4; ++c) {
+                const MixPixel& pixel = mixed[std::size_t(y * part.width + x)];
+                worst = std::max(
+                    worst, std::abs(double(row[std::size_t(x)][c]) - pixel.channel[c] / double(mixStep)));
+            }
+    }
+    return worst;
+}
+
+TEST(FootprintSampler, MixesWhatItReadsToWithinAStep) {
+    std::mt19937 random(9);
+    PixelBuffer buffer = PixelBuffer::create(350, 310);
+    for (int y = 0; y < 310; ++y) {
+        const auto row = randomPicture(random, 350);
+        std::copy(row.begin(), row.end(), buffer.mutableView().row(y));
+    }
+    const PicturePyramid pyramid(buffer.view());
+    const Homography centre = Homography::translation(175, 155);
+    for (const double scale : {0.95, 0.6, 0.3})
+        for (const double tilt : {0.0, 20.0, 60.0, -75.0})
+            for (const double degrees : {3.0, 31.0, 90.5}) {
+                const Homography map = Homography::scaling(scale, scale) * Homography::tiltX(tilt, 400) *
+                                       Homography::rotation(degrees);
+                const FootprintSampler sampler(pyramid, centre * map.inverse());
+                for (const TileRect& block : {TileRect{-64, -32, 64, 32}, TileRect{64, 0, 64, 32}}) {
+                    const double worst = worstDifference(sampler, block, {block.x + 3, block.y + 5, 40, 9});
+                    EXPECT_GE(worst, 0) << scale << ", " << tilt << ", " << degrees;
+                    EXPECT_LT(worst, 1) << scale << ", " << tilt << ", " << degrees;
+                }
+            }
+}
+
+} // namespace
+} // namespace framora::raster
