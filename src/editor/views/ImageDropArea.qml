@@ -28,6 +28,8 @@ DropArea {
         radius: area.radius
 
         Rectangle {
+            // Two rows of thumbnails would vanish behind it.
+            visible: area.height > 160
             anchors.centerIn: parent
             width: caption.implicitWidth + 24
             height: 32
