@@ -16,9 +16,11 @@ Contender drawing(const QString& name, const Composition& drawn) {
 QList<Contender> layerProfile(Workload workload, const Inputs& inputs) {
     const Composition whole = composition(workload, inputs);
     QList<Contender> contenders{drawing(QStringLiteral("whole"), whole)};
+    Composition bare = whole;
     const auto without = [&](const char* what, auto change) {
         Composition changed = whole;
         change(changed.config);
+        change(bare.config);
         contenders << drawing(QStringLiteral("without ") + QLatin1String(what), changed);
     };
     without("the background",
@@ -35,6 +37,7 @@ QList<Contender> layerProfile(Workload workload, const Inputs& inputs) {
                 [](ScreenshotStyleConfig& config) { config.selectedShadowScene.reset(); });
     if (!whole.config.textOverlays.isEmpty())
         without("the text", [](ScreenshotStyleConfig& config) { config.textOverlays.clear(); });
+    contenders << drawing(QStringLiteral("without any of them: clearing the target"), bare);
     return contenders;
 }
 
