@@ -8,7 +8,6 @@
 #include "support/FixedAppearance.h"
 #include "support/FixedDesktopPictures.h"
 #include "support/FixedScreens.h"
-#include "support/ManualBackgroundQueue.h"
 #include "support/RecordingToastPanels.h"
 #include "unit/editor/ModelFixture.h"
 
@@ -203,7 +202,6 @@ public:
     FixedAppearance appearance;
     FixedScreens screens;
     RecordingToastPanels toastPanels{queue};
-    ManualBackgroundQueue background{queue};
     FixedDesktopPictures desktopPictures;
     ScreenshotEditorWindow editor{ScreenshotEditorWindow::Services{
         queue, queue, panels, resources, notifications, pasteboard, application, appearance,

@@ -2,6 +2,7 @@
 
 #include "platform/BackgroundQueue.h"
 
+#include <algorithm>
 #include <deque>
 #include <utility>
 
@@ -21,6 +22,11 @@ public:
     void runPending() {
         for (Work& work : std::exchange(m_works, {}))
             m_mainQueue.async(work());
+    }
+    /// The same, when what was asked for last is ready first.
+    void runPendingBackwards() {
+        std::reverse(m_works.begin(), m_works.end());
+        runPending();
     }
 
     int startedCount = 0;

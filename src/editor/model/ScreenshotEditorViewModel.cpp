@@ -3,15 +3,12 @@
 #include "editor/model/ColorConversion.h"
 #include "editor/model/GradientRandomizer.h"
 #include "editor/model/StyleFieldWriter.h"
-#include "editor/render/BackgroundDecoder.h"
-#include "editor/render/ImageResampler.h"
 #include "editor/render/PictureFile.h"
 #include "editor/render/ScreenshotRenderer.h"
 #include "platform/Clock.h"
 #include "platform/FilePanels.h"
 #include "platform/MainQueue.h"
 
-#include <QPointer>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -29,10 +26,6 @@ bool comesInBursts(const QString& field, const QVariant& value) {
     return field != u"rotation" && value.typeId() != QMetaType::Bool &&
            (value.canConvert<double>() || value.typeId() == QMetaType::QColor) &&
            value.typeId() != QMetaType::QString;
-}
-
-QImage makeThumbnail(const QImage& image) {
-    return resizedImage(image, 400, 300);
 }
 
 } // namespace
@@ -146,13 +139,6 @@ void ScreenshotEditorViewModel::setWallpaperImages(std::vector<Wallpaper> wallpa
     Q_EMIT wallpaperImagesChanged();
 }
 
-void ScreenshotEditorViewModel::setLoadingWallpapers(bool isLoading) {
-    if (m_isLoadingWallpapers == isLoading)
-        return;
-    m_isLoadingWallpapers = isLoading;
-    Q_EMIT isLoadingWallpapersChanged();
-}
-
 void ScreenshotEditorViewModel::setCanvasSize(QSizeF size) {
     if (m_canvasSize == size)
         return;
@@ -238,72 +224,12 @@ void ScreenshotEditorViewModel::randomizeGradient() {
     apply(config);
 }
 
-void ScreenshotEditorViewModel::useBackgroundImage(ScreenshotStyleConfig& config, const QUrl& url) {
-    config.backgroundImageURL = url;
-    config.selectedMagicPreset.reset();
-    config.selectedGradient.reset();
-    config.selectedSolidColor.reset();
-}
-
-void ScreenshotEditorViewModel::chooseBackgroundImage() {
-    static const QStringList types{QStringLiteral("image/*"), QStringLiteral("image/jpeg"),
-                                   QStringLiteral("image/png"), QStringLiteral("image/heic"),
-                                   QStringLiteral("image/tiff")};
-    const QPointer self(this);
-    const auto url = m_services.filePanels.openFile(QStringLiteral("Select an image for background"), types);
-    // The panel serves the program's other windows, so the editor may have been closed meanwhile.
-    if (self && url)
-        importBackgroundImage(*url);
-}
-
-bool ScreenshotEditorViewModel::addBackgroundImage(const QUrl& url) {
-    const QImage image = BackgroundDecoder::decode(url);
-    if (image.isNull())
-        return false;
-    const Wallpaper wallpaper{url, makeThumbnail(image)};
-    std::vector<Wallpaper> wallpapers = m_wallpaperImages;
-    wallpapers.insert(wallpapers.begin(), wallpaper);
-    setWallpaperImages(std::move(wallpapers));
-    if (m_services.shareWallpaper)
-        m_services.shareWallpaper(wallpaper);
-    return true;
-}
-
-bool ScreenshotEditorViewModel::importBackgroundImage(const QUrl& url) {
-    if (!addBackgroundImage(url))
-        return false;
-    selectWallpaper(url);
-    return true;
-}
-
-bool ScreenshotEditorViewModel::dropBackgroundImages(const QList<QUrl>& urls) {
-    const auto taken = std::find_if(urls.begin(), urls.end(), [this](const QUrl& url) {
-        return url.isLocalFile() && addBackgroundImage(url);
-    });
-    if (taken == urls.end())
-        return false;
-    chooseWallpaper(*taken, true);
-    return true;
-}
-
-void ScreenshotEditorViewModel::selectWallpaper(const QUrl& url) {
-    chooseWallpaper(url, false);
-}
-
-void ScreenshotEditorViewModel::chooseWallpaper(const QUrl& url, bool showImages) {
-    StyleHistory::State next = state();
-    next.selectedWallpaperURL = url;
-    useBackgroundImage(next.config, url);
-    if (showImages)
-        next.config.backgroundType = BackgroundType::image;
-    apply(next);
-}
-
 void ScreenshotEditorViewModel::selectMagicPreset(int index) {
     const auto& presets = PresetCatalogues::magicPresets();
     if (index < 0 || index >= presets.size())
         return;
     ScreenshotStyleConfig config = m_config;
+    m_shownChoice = ++m_lastChoice;
     config.selectedMagicPreset = presets[index];
     config.selectedGradient.reset();
     config.selectedSolidColor.reset();
@@ -360,6 +286,7 @@ void ScreenshotEditorViewModel::pickCustomColor(const QColor& color) {
     ScreenshotStyleConfig config = m_config;
     config.customColor = fromQColor(color);
     if (color.alpha() != 0) {
+        m_shownChoice = ++m_lastChoice;
         config.selectedMagicPreset.reset();
         config.selectedGradient.reset();
         config.selectedSolidColor.reset();

@@ -20,6 +20,7 @@
 
 namespace framora {
 
+class BackgroundQueue;
 class Clock;
 class FilePanels;
 class MainQueue;
@@ -36,7 +37,7 @@ class ScreenshotEditorViewModel final : public QObject {
     Q_PROPERTY(framora::ScreenshotStyleConfig config READ config WRITE setConfig NOTIFY configChanged)
     /// The images' URLs, for views; wallpaperThumbnail() gives their pictures.
     Q_PROPERTY(QList<QUrl> wallpaperURLs READ wallpaperURLs NOTIFY wallpaperImagesChanged)
-    /// More wallpapers are being looked for.
+    /// More wallpapers are being looked for, or one is being imported.
     Q_PROPERTY(bool isLoadingWallpapers READ isLoadingWallpapers NOTIFY isLoadingWallpapersChanged)
     Q_PROPERTY(QSizeF canvasSize READ canvasSize WRITE setCanvasSize NOTIFY canvasSizeChanged)
     Q_PROPERTY(QSizeF offset READ offset WRITE setOffset NOTIFY offsetChanged)
@@ -74,6 +75,7 @@ public:
     /// What the model asks of the rest of the program; all of it outlives the model.
     struct Services {
         MainQueue& mainQueue;
+        BackgroundQueue& backgroundQueue;
         Clock& clock;
         FilePanels& filePanels;
         const ResourceBundle& resources;
@@ -129,7 +131,7 @@ public:
 
     const std::vector<Wallpaper>& wallpaperImages() const { return m_wallpaperImages; }
     QList<QUrl> wallpaperURLs() const;
-    bool isLoadingWallpapers() const { return m_isLoadingWallpapers; }
+    bool isLoadingWallpapers() const { return m_isLoadingWallpapers || m_importsUnderWay > 0; }
     void setLoadingWallpapers(bool isLoading);
     const QImage& originalImage() const { return m_originalImage; }
     QSizeF imageSize() const; ///< In points.
@@ -158,11 +160,12 @@ public:
     Q_INVOKABLE void resetDisposition();
     Q_INVOKABLE void randomizeGradient();
     Q_INVOKABLE void chooseBackgroundImage();
-    /// Puts the file in front of the wallpapers and chooses it. False, and nothing changed, when no picture
-    /// can be read from it.
-    Q_INVOKABLE bool importBackgroundImage(const QUrl& url);
-    /// The first local file of a drop that is a picture, which also becomes the kind of background shown.
-    /// False, and nothing changed, when there is none.
+    /// Reads the file in the background; when it is a picture, it comes in front of the wallpapers and is
+    /// chosen, unless the user has chosen another background meanwhile. Of several imports the later ones
+    /// stand further in front, whichever was read first.
+    Q_INVOKABLE void importBackgroundImage(const QUrl& url);
+    /// The same with the first local file of a drop that is a picture, which also becomes the kind of
+    /// background shown. False when there is no local file.
     Q_INVOKABLE bool dropBackgroundImages(const QList<QUrl>& urls);
     Q_INVOKABLE void selectWallpaper(const QUrl& url);
     /// `index` counts in the catalogue; out of range does nothing.
@@ -212,7 +215,16 @@ private:
     void apply(const ScreenshotStyleConfig& config, const QString& field = {});
     void restore(std::optional<StyleHistory::State> state);
     void storeConfig(const ScreenshotStyleConfig& config);
-    bool addBackgroundImage(const QUrl& url);
+    /// One import: when it was asked for among the choices of a background, and what else it does.
+    struct Import {
+        quint64 choice = 0;
+        bool showImages = false;
+    };
+    /// The first of `urls` that is a picture.
+    void startImport(const QList<QUrl>& urls, bool showImages);
+    /// No wallpaper: none of the files was a picture.
+    void finishImport(const Import& import, const std::optional<Wallpaper>& wallpaper);
+    void setLoading(bool wallpapers, int imports);
     void chooseWallpaper(const QUrl& url, bool showImages);
     void setSelectedWallpaperURL(const QUrl& url);
     void setWallpaperImages(std::vector<Wallpaper> wallpapers);
@@ -223,6 +235,10 @@ private:
     ScreenshotStyleConfig m_config;
     std::vector<Wallpaper> m_wallpaperImages;
     bool m_isLoadingWallpapers = false;
+    int m_importsUnderWay = 0;
+    quint64 m_lastChoice = 0;               ///< Of a background, made or asked for.
+    quint64 m_shownChoice = 0;              ///< The last one that was carried out.
+    std::vector<quint64> m_importedChoices; ///< The imports' at the front of the list.
     QSizeF m_canvasSize{0, 0};
     QSizeF m_offset{0, 0};
     QSizeF m_lastOffset{0, 0};

@@ -67,4 +67,10 @@ QImage BackgroundDecoder::decodeForTwo(const QUrl& url) {
     return image;
 }
 
+void BackgroundDecoder::forget(const QUrl& url) {
+    const QMutexLocker lock(&keptMutex);
+    if (url == kept.url)
+        kept = {};
+}
+
 } // namespace framora

@@ -16,6 +16,8 @@ public:
     /// The same, and the next decode() of the unchanged file gets this picture without reading it: for a
     /// picture that two want one after the other. The last one is kept until then.
     static QImage decodeForTwo(const QUrl& url);
+    /// The second will not come.
+    static void forget(const QUrl& url);
 
     /// Whether the extension is "mov" or "mp4", in any case.
     static bool isVideo(const QUrl& url);

@@ -144,6 +144,7 @@ ScreenshotEditorWindow::makeSession(const QImage& image,
     m_savedToast = m_services.makeToastManager();
     ScreenshotEditorViewModel::Services modelServices{
         m_services.mainQueue,
+        m_services.backgroundQueue,
         m_services.clock,
         m_services.filePanels,
         m_services.resources,

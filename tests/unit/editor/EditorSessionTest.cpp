@@ -94,6 +94,7 @@ TEST_F(Session, ImportsInALaterTurnUnlessTheEditorIsGoneByThen) {
     session->importBackgroundImage();
     EXPECT_TRUE(model().wallpaperImages().empty());
     queue.runPending();
+    finishImports();
     EXPECT_EQ(model().wallpaperImages().size(), 1U);
     panels.openMessage.clear();
     session->importBackgroundImage();

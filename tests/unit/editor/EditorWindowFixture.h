@@ -11,7 +11,6 @@
 #include "support/FixedAppearance.h"
 #include "support/FixedDesktopPictures.h"
 #include "support/FixedScreens.h"
-#include "support/ManualBackgroundQueue.h"
 #include "support/RecordingSharing.h"
 #include "support/RecordingToastPanels.h"
 
@@ -83,7 +82,6 @@ public:
     CountingApplication application;
     FixedAppearance appearance;
     FixedScreens screens;
-    ManualBackgroundQueue background{queue};
     FixedDesktopPictures desktopPictures;
     RecordingSharing sharing{queue};
     RecordingToastPanels toastPanels{queue};

@@ -226,6 +226,7 @@ TEST_F(EditorInput, APictureDroppedOnTheCanvasBecomesTheBackground) {
     EXPECT_TRUE(dragOver({url}, middle()));
     EXPECT_TRUE(highlight->isVisible());
     EXPECT_TRUE(drop({url}, middle()));
+    finishImports();
     EXPECT_FALSE(highlight->isVisible());
     EXPECT_EQ(model().backgroundType(), QStringLiteral("image"));
     EXPECT_EQ(model().config().backgroundImageURL, url);
@@ -244,6 +245,7 @@ TEST_F(EditorInput, APictureDroppedOnTheWallpapersIsImported) {
     ASSERT_TRUE(grid);
     const QUrl url = sea();
     EXPECT_TRUE(drop({notes(), url}, grid->mapToScene({40, 20}).toPoint()));
+    finishImports();
     EXPECT_EQ(model().config().backgroundImageURL, url) << "the first that can be read";
     EXPECT_EQ(model().wallpaperURLs().size(), 2);
 }
@@ -251,11 +253,15 @@ TEST_F(EditorInput, APictureDroppedOnTheWallpapersIsImported) {
 TEST_F(EditorInput, WhatIsNoPictureOfThisComputerChangesNothing) {
     open();
     const ScreenshotStyleConfig before = model().config();
-    EXPECT_FALSE(drop({notes()}, middle()));
     EXPECT_FALSE(dragOver({QUrl(QStringLiteral("https://example.org/a.png"))}, middle()));
     EXPECT_FALSE(item(QStringLiteral("canvas.drop.highlight"))->isVisible());
     EXPECT_FALSE(drop({QUrl(QStringLiteral("https://example.org/a.png"))}, middle()));
-    EXPECT_FALSE(drop({QUrl::fromLocalFile(files.path())}, middle())) << "a folder";
+    EXPECT_EQ(background.startedCount, 0);
+    // Which of these is one shows when it is read.
+    drop({notes()}, middle());
+    drop({QUrl::fromLocalFile(files.path())}, middle());
+    EXPECT_EQ(background.startedCount, 2);
+    finishImports();
     EXPECT_EQ(model().config(), before);
     EXPECT_FALSE(model().canUndo());
 }

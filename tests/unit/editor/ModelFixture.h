@@ -5,6 +5,7 @@
 #include "editor/render/PictureFile.h"
 #include "platform/FilePanels.h"
 #include "platform/ResourceBundle.h"
+#include "support/ManualBackgroundQueue.h"
 #include "support/ManualMainQueue.h"
 
 #include <QFile>
@@ -110,7 +111,7 @@ public:
     std::unique_ptr<ScreenshotEditorViewModel> makeModel(const QImage& image) {
         return std::make_unique<ScreenshotEditorViewModel>(
             image, ScreenshotEditorViewModel::Services{
-                       queue, queue, panels, resources, random,
+                       queue, background, queue, panels, resources, random,
                        [this](const QImage& encoded) {
                            return encodeFails ? QByteArray() : encodePng(encoded, 144.0);
                        },
@@ -129,7 +130,14 @@ public:
         model.setConfig(config);
     }
 
+    /// What was read in the background arrives.
+    void finishImports() {
+        background.runPending();
+        queue.runPending();
+    }
+
     ManualMainQueue queue;
+    ManualBackgroundQueue background{queue};
     ScriptedFilePanels panels;
     FolderResources resources;
     ScriptedRandom random;

@@ -260,6 +260,7 @@ TEST_F(ViewModel, ImportingTheSameFileTwicePutsTwoEntriesInFront) {
         QUrl::fromLocalFile(writePicture(QStringLiteral("sea.png"), picture(1000, 500, Qt::blue)));
     model->chooseBackgroundImage();
     model->chooseBackgroundImage();
+    finishImports();
     EXPECT_EQ(panels.openMessage, QStringLiteral("Select an image for background"));
     EXPECT_TRUE(panels.openTypes.contains(QStringLiteral("image/heic")));
     ASSERT_EQ(model->wallpaperImages().size(), 3U);
@@ -282,10 +283,109 @@ TEST_F(ViewModel, ACancelledOrUnreadableImportChangesNothing) {
     model->chooseBackgroundImage();
     panels.answer = QUrl::fromLocalFile(files.filePath(QStringLiteral("missing.png")));
     model->chooseBackgroundImage();
+    EXPECT_EQ(background.startedCount, 1) << "a cancelled panel reads nothing";
+    finishImports();
     EXPECT_EQ(model->config(), before);
+    EXPECT_FALSE(model->canUndo());
     EXPECT_TRUE(model->wallpaperImages().empty());
     EXPECT_TRUE(shared.isEmpty());
     EXPECT_TRUE(toasts.isEmpty());
+    EXPECT_FALSE(model->isLoadingWallpapers());
+}
+
+TEST_F(ViewModel, AnImportIsReadElsewhereAndArrivesAsOneStep) {
+    const auto model = makeModel(picture(20, 10));
+    const ScreenshotStyleConfig before = model->config();
+    const QUrl sea = QUrl::fromLocalFile(writePicture(QStringLiteral("sea.png"), picture(10, 10)));
+    model->importBackgroundImage(sea);
+    EXPECT_TRUE(model->isLoadingWallpapers());
+    EXPECT_EQ(model->config(), before);
+    background.runPending();
+    EXPECT_EQ(model->config(), before) << "not on the thread that reads";
+    EXPECT_TRUE(model->wallpaperImages().empty());
+    // Whoever is told of the new choice finds the picture on offer and shared.
+    QObject::connect(model.get(), &ScreenshotEditorViewModel::configChanged, [&] {
+        EXPECT_EQ(model->wallpaperURLs(), QList<QUrl>{sea});
+        EXPECT_EQ(shared, QList<QUrl>{sea});
+        EXPECT_EQ(model->selectedWallpaperURL(), sea);
+    });
+    queue.runPending();
+    EXPECT_EQ(model->config().backgroundImageURL, sea);
+    EXPECT_FALSE(model->isLoadingWallpapers());
+    model->disconnect();
+    model->undo();
+    EXPECT_EQ(model->config(), before);
+    EXPECT_FALSE(model->canUndo());
+}
+
+TEST_F(ViewModel, ImportsStandInTheOrderInWhichTheyWereAskedFor) {
+    const auto model = makeModel(picture(20, 10));
+    const QUrl sea = QUrl::fromLocalFile(writePicture(QStringLiteral("sea.png"), picture(10, 10)));
+    const QUrl sky = QUrl::fromLocalFile(writePicture(QStringLiteral("sky.png"), picture(10, 10)));
+    model->importBackgroundImage(sea);
+    model->importBackgroundImage(sky);
+    finishImports();
+    EXPECT_EQ(model->wallpaperURLs(), (QList<QUrl>{sky, sea}));
+    EXPECT_EQ(shared, (QList<QUrl>{sea, sky}));
+    EXPECT_EQ(model->config().backgroundImageURL, sky);
+}
+
+TEST_F(ViewModel, ALaterImportThatArrivesFirstStaysChosenAndInFront) {
+    const auto model = makeModel(picture(20, 10));
+    const QUrl sea = QUrl::fromLocalFile(writePicture(QStringLiteral("sea.png"), picture(10, 10)));
+    const QUrl sky = QUrl::fromLocalFile(writePicture(QStringLiteral("sky.png"), picture(10, 10)));
+    const QUrl sand = QUrl::fromLocalFile(writePicture(QStringLiteral("sand.png"), picture(10, 10)));
+    model->importBackgroundImage(sea);
+    model->importBackgroundImage(sky);
+    background.runPendingBackwards();
+    queue.runPending();
+    EXPECT_EQ(model->wallpaperURLs(), (QList<QUrl>{sky, sea}));
+    EXPECT_EQ(model->config().backgroundImageURL, sky);
+    EXPECT_EQ(model->selectedWallpaperURL(), sky);
+    model->importBackgroundImage(sand);
+    finishImports();
+    EXPECT_EQ(model->wallpaperURLs(), (QList<QUrl>{sand, sky, sea}));
+    EXPECT_EQ(model->config().backgroundImageURL, sand);
+}
+
+TEST_F(ViewModel, WhatIsChosenWhileAnImportIsReadStaysChosen) {
+    addTexture();
+    const QUrl texture = QUrl::fromLocalFile(texturePath);
+    const QUrl sea = QUrl::fromLocalFile(writePicture(QStringLiteral("sea.png"), picture(10, 10)));
+    const std::vector<std::function<void(ScreenshotEditorViewModel&)>> choices{
+        [&](auto& model) { model.selectWallpaper(texture); },
+        [](auto& model) { model.selectMagicPreset(1); },
+        [](auto& model) { model.pickCustomColor(Qt::red); },
+    };
+    for (const auto& choose : choices) {
+        const auto model = makeModel(picture(20, 10));
+        model->importBackgroundImage(sea);
+        choose(*model);
+        const ScreenshotStyleConfig chosen = model->config();
+        finishImports();
+        EXPECT_EQ(model->config(), chosen);
+        EXPECT_EQ(model->wallpaperURLs(), (QList<QUrl>{sea, texture})) << "on offer all the same";
+    }
+}
+
+TEST_F(ViewModel, AnUnreadableImportLeavesTheOneBeforeItChosen) {
+    const auto model = makeModel(picture(20, 10));
+    const QUrl sea = QUrl::fromLocalFile(writePicture(QStringLiteral("sea.png"), picture(10, 10)));
+    model->importBackgroundImage(sea);
+    model->importBackgroundImage(QUrl::fromLocalFile(files.filePath(QStringLiteral("missing.png"))));
+    finishImports();
+    EXPECT_EQ(model->wallpaperURLs(), QList<QUrl>{sea});
+    EXPECT_EQ(model->config().backgroundImageURL, sea);
+}
+
+TEST_F(ViewModel, AnImportThatArrivesAfterItsEditorDoesNothing) {
+    auto model = makeModel(picture(20, 10));
+    const QUrl sea = QUrl::fromLocalFile(writePicture(QStringLiteral("sea.png"), picture(10, 10)));
+    model->importBackgroundImage(sea);
+    background.runPending();
+    model.reset();
+    queue.runPending();
+    EXPECT_TRUE(shared.isEmpty());
 }
 
 TEST_F(ViewModel, RendersWhatTheRendererGives) {

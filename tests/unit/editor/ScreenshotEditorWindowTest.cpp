@@ -308,6 +308,7 @@ TEST_F(EditorWindow, SharesWhatIsImportedWithTheNextEditor) {
     panels.answer = QUrl::fromLocalFile(path);
     session().viewModel()->chooseBackgroundImage();
     session().viewModel()->chooseBackgroundImage();
+    finishImports();
     ASSERT_FALSE(WallpaperCache::shared().wallpapers().empty());
     EXPECT_EQ(WallpaperCache::shared().wallpapers().front().first, QUrl::fromLocalFile(path));
     EXPECT_EQ(session().viewModel()->wallpaperImages().size(), 2u);

@@ -51,6 +51,11 @@ TEST_F(BackgroundDecoderTest, ReadsAPictureForTwoOnlyOnceAndAChangedOneAnew) {
     EXPECT_EQ(BackgroundDecoder::decode(url).cacheKey(), first.cacheKey()) << "the very same picture";
     EXPECT_NE(BackgroundDecoder::decode(url).cacheKey(), first.cacheKey()) << "it is given once";
 
+    const QImage forgotten = BackgroundDecoder::decodeForTwo(url);
+    BackgroundDecoder::forget(file("other.png"));
+    BackgroundDecoder::forget(url);
+    EXPECT_NE(BackgroundDecoder::decode(url).cacheKey(), forgotten.cacheKey());
+
     BackgroundDecoder::decodeForTwo(url);
     picture.fill(Qt::blue);
     ASSERT_TRUE(picture.save(path));
