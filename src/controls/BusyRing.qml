@@ -17,7 +17,7 @@ Item {
         anchors.fill: parent
         Repeater {
             model: 8
-            delegate: Rectangle {
+            delegate: RoundedBox {
                 required property int index
                 x: 8 + 6 * Math.cos(index * Math.PI / 4) - 1.5
                 y: 8 + 6 * Math.sin(index * Math.PI / 4) - 1.5

@@ -2,7 +2,7 @@ import QtQuick
 import Framora.Controls
 
 /// The ring around a control that the keyboard has reached. `gap` is the room between the two.
-Rectangle {
+RoundedBox {
     property bool shown: false
     property int gap: 1
 
@@ -10,7 +10,7 @@ Rectangle {
     anchors.margins: -2 - gap
     visible: shown
     color: "transparent"
-    border.width: 2
-    border.color: Theme.accent
+    outlineWidth: 2
+    outline: Theme.accent
     radius: Theme.radius + 2 + gap
 }

@@ -37,9 +37,9 @@ T.ToolTip {
             font.pixelSize: 12
         }
     }
-    background: Rectangle {
+    background: RoundedBox {
         color: Theme.card
-        border.color: Theme.outline
+        outline: Theme.outline
         radius: 6
         SoftShadow { radius: 6; strength: 0.6 }
     }

@@ -25,6 +25,7 @@ T.AbstractButton {
     Keys.onReturnPressed: control.clicked()
     Keys.onEnterPressed: control.clicked()
     Accessible.role: Accessible.Button
+    Accessible.onPressAction: control.clicked()
 
     contentItem: Item {
         SymbolIcon {
@@ -34,13 +35,13 @@ T.AbstractButton {
             color: control.tint
         }
     }
-    background: Rectangle {
+    background: RoundedBox {
         radius: Theme.radius
         color: control.pressed ? Theme.pressedFill
              : control.hovered && control.enabled ? Theme.hoverFill
              : control.raised ? Theme.card
              : control.bordered ? Theme.fill : "transparent"
-        border.color: control.raised && !Theme.dark ? Theme.outline : "transparent"
+        outline: control.raised && !Theme.dark ? Theme.outline : "transparent"
         Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
         FocusRing { shown: control.visualFocus }
     }

@@ -48,7 +48,7 @@ T.ComboBox {
         size: 14
         color: Theme.secondaryText
     }
-    background: Rectangle {
+    background: RoundedBox {
         radius: Theme.radius
         color: Theme.stateFill(control.hovered, control.pressed || control.popup.visible)
         Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
@@ -88,7 +88,7 @@ T.ComboBox {
                 font.pixelSize: 13
             }
         }
-        background: Rectangle {
+        background: RoundedBox {
             radius: 6
             color: entry.highlighted ? Theme.accent : "transparent"
         }
@@ -107,10 +107,10 @@ T.ComboBox {
             currentIndex: control.highlightedIndex
             boundsBehavior: Flickable.StopAtBounds
         }
-        background: Rectangle {
+        background: RoundedBox {
             radius: Theme.cardRadius - 2
             color: Theme.card
-            border.color: Theme.outline
+            outline: Theme.outline
         }
         enter: Transition {
             NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.shortMotion }

@@ -27,6 +27,7 @@ T.AbstractButton {
     Keys.onReturnPressed: control.clicked()
     Keys.onEnterPressed: control.clicked()
     Accessible.role: Accessible.Button
+    Accessible.onPressAction: control.clicked()
 
     contentItem: Item {
         Row {
@@ -51,13 +52,13 @@ T.AbstractButton {
             }
         }
     }
-    background: Rectangle {
+    background: RoundedBox {
         radius: Theme.radius
         color: control.primary ? (control.pressed ? Qt.darker(Theme.accent, 1.18)
                                   : control.hovered ? Qt.darker(Theme.accent, 1.07) : Theme.accent)
                                : control.raised && !control.hovered && !control.pressed
                                  ? Theme.card : Theme.stateFill(control.hovered, control.pressed)
-        border.color: control.raised && !control.primary && !Theme.dark ? Theme.outline : "transparent"
+        outline: control.raised && !control.primary && !Theme.dark ? Theme.outline : "transparent"
         Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
         FocusRing { shown: control.visualFocus }
     }

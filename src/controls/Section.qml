@@ -22,7 +22,7 @@ Item {
         Accessible.role: Accessible.Heading
         Accessible.name: text
     }
-    Rectangle {
+    RoundedBox {
         id: card
         anchors.top: heading.bottom
         anchors.topMargin: 8
@@ -30,7 +30,7 @@ Item {
         height: column.implicitHeight + 28
         radius: Theme.cardRadius
         color: Theme.card
-        border.color: Theme.dark ? "transparent" : Theme.hairline
+        outline: Theme.dark ? "transparent" : Theme.hairline
     }
     Column {
         id: column

@@ -44,18 +44,45 @@ Item {
         segments.itemAt(currentIndex).forceActiveFocus(Qt.TabFocusReason);
     }
 
+    function keyPressed(index: int, key: int): bool {
+        switch (key) {
+        case Qt.Key_Left:
+        case Qt.Key_Up:
+            choose(index - 1);
+            return true;
+        case Qt.Key_Right:
+        case Qt.Key_Down:
+            choose(index + 1);
+            return true;
+        case Qt.Key_Home:
+            choose(0);
+            return true;
+        case Qt.Key_End:
+            choose(options.length - 1);
+            return true;
+        }
+        return false;
+    }
+    /// Where Tab stops: at the chosen one, or the first.
+    function isStop(index: int): bool {
+        return index === Math.max(0, currentIndex);
+    }
+    function widthOf(contentWidth: real): real {
+        return fitted ? contentWidth + air : segmentWidth;
+    }
+
     implicitHeight: stacked ? 56 : 32
     implicitWidth: 72 * options.length
     opacity: enabled ? 1 : 0.4
     Accessible.role: tabs ? Accessible.PageTabList : Accessible.Grouping
     Accessible.name: label
 
-    Rectangle {
+    RoundedBox {
         anchors.fill: parent
         radius: Theme.radius
         color: Theme.fill
     }
-    Rectangle {
+    RoundedBox {
         visible: picker.currentItem !== null
         x: 2 + (picker.currentItem?.x ?? 0)
         y: 2
@@ -63,7 +90,7 @@ Item {
         height: parent.height - 4
         radius: Theme.radius - 2
         color: Theme.raised
-        border.color: Theme.raisedOutline
+        outline: Theme.raisedOutline
         Behavior on x {
             enabled: picker.width > 0 && Theme.motion > 0
             NumberAnimation { duration: Theme.motion; easing.type: Easing.OutCubic }
@@ -76,70 +103,64 @@ Item {
         Repeater {
             id: segments
             model: picker.options
-            delegate: T.AbstractButton {
-                id: segment
+            delegate: picker.tabs ? tab : radio
+        }
+    }
+    Component {
+        id: radio
+        T.RadioButton {
+            id: radioSegment
 
-                required property var modelData
-                required property int index
-                readonly property bool current: index === picker.currentIndex
-                readonly property color ink: current || hovered ? Theme.text : Theme.secondaryText
+            required property var modelData
+            required property int index
+            readonly property alias contentWidth: radioContent.contentWidth
 
-                objectName: picker.objectName + "." + modelData.value
-                readonly property real contentWidth: content.implicitWidth
+            objectName: picker.objectName + "." + modelData.value
+            width: picker.widthOf(contentWidth)
+            height: picker.height - 4
+            hoverEnabled: true
+            focusPolicy: picker.isStop(index) || activeFocus ? Qt.TabFocus : Qt.NoFocus
+            text: modelData.label ?? ""
+            checked: index === picker.currentIndex
+            onClicked: picker.chosen(modelData.value)
+            Accessible.onToggleAction: clicked()
+            Accessible.onPressAction: clicked()
+            Keys.onPressed: event => event.accepted = picker.keyPressed(index, event.key)
+            background: SegmentContent {
+                id: radioContent
+                button: radioSegment
+                symbol: radioSegment.modelData.symbol ?? ""
+                stacked: picker.stacked
+                current: radioSegment.index === picker.currentIndex
+            }
+        }
+    }
+    Component {
+        id: tab
+        T.TabButton {
+            id: tabSegment
 
-                width: picker.fitted ? contentWidth + picker.air : picker.segmentWidth
-                height: parent.height
-                hoverEnabled: true
-                focusPolicy: current || (picker.currentIndex < 0 && index === 0) ? Qt.TabFocus : Qt.NoFocus
-                text: modelData.label ?? ""
-                Accessible.name: text
-                Accessible.role: picker.tabs ? Accessible.PageTab : Accessible.RadioButton
-                Accessible.checkable: true
-                Accessible.checked: current
-                onClicked: picker.chosen(modelData.value)
-                Keys.onLeftPressed: picker.choose(index - 1)
-                Keys.onUpPressed: picker.choose(index - 1)
-                Keys.onRightPressed: picker.choose(index + 1)
-                Keys.onDownPressed: picker.choose(index + 1)
-                Keys.onPressed: event => {
-                    event.accepted = event.key === Qt.Key_Home || event.key === Qt.Key_End;
-                    if (event.accepted)
-                        picker.choose(event.key === Qt.Key_Home ? 0 : picker.options.length - 1);
-                }
+            required property var modelData
+            required property int index
+            readonly property alias contentWidth: tabContent.contentWidth
 
-                contentItem: Item {
-                    opacity: segment.pressed ? 0.7 : 1
-                    Grid {
-                        id: content
-                        anchors.centerIn: parent
-                        columns: picker.stacked ? 1 : 2
-                        columnSpacing: 6
-                        rowSpacing: 3
-                        horizontalItemAlignment: Grid.AlignHCenter
-                        verticalItemAlignment: Grid.AlignVCenter
-                        SymbolIcon {
-                            visible: symbol !== ""
-                            symbol: segment.modelData.symbol ?? ""
-                            size: picker.stacked ? 20 : 16
-                            color: segment.current ? Theme.accentInk : segment.ink
-                        }
-                        Text {
-                            visible: text !== ""
-                            text: segment.text
-                            color: segment.ink
-                            font.family: Theme.fontFamily
-                            font.pixelSize: picker.stacked ? 11 : 12
-                            font.weight: Font.Medium
-                        }
-                    }
-                }
-                background: Item {
-                    FocusRing {
-                        anchors.margins: 0
-                        radius: Theme.radius - 2
-                        shown: segment.visualFocus
-                    }
-                }
+            objectName: picker.objectName + "." + modelData.value
+            width: picker.widthOf(contentWidth)
+            height: picker.height - 4
+            hoverEnabled: true
+            focusPolicy: picker.isStop(index) || activeFocus ? Qt.TabFocus : Qt.NoFocus
+            text: modelData.label ?? ""
+            checked: index === picker.currentIndex
+            onClicked: picker.chosen(modelData.value)
+            // A tab has no action of its own.
+            Accessible.onPressAction: clicked()
+            Keys.onPressed: event => event.accepted = picker.keyPressed(index, event.key)
+            background: SegmentContent {
+                id: tabContent
+                button: tabSegment
+                symbol: tabSegment.modelData.symbol ?? ""
+                stacked: picker.stacked
+                current: tabSegment.index === picker.currentIndex
             }
         }
     }

@@ -35,7 +35,7 @@ Item {
 
     implicitHeight: 20
 
-    Rectangle {
+    RoundedBox {
         anchors.right: parent.right
         anchors.rightMargin: -4
         width: number.boxWidth + 8
@@ -63,7 +63,7 @@ Item {
         hoverEnabled: true
         cursorShape: Qt.IBeamCursor
         Accessible.role: Accessible.Button
-        Accessible.name: qsTr("Type %1").arg(number.label)
+        Accessible.name: Strings.localized("type.named").arg(number.label)
         Accessible.onPressAction: number.open("")
         onClicked: number.open("")
     }
@@ -90,11 +90,11 @@ Item {
             horizontalAlignment: TextInput.AlignRight
             verticalAlignment: TextInput.AlignVCenter
             Accessible.name: number.label
-            background: Rectangle {
+            background: RoundedBox {
                 radius: 6
                 color: Theme.card
-                border.width: 2
-                border.color: Theme.accent
+                outlineWidth: 2
+                outline: Theme.accent
             }
             onAccepted: {
                 number.close(true);

@@ -62,6 +62,9 @@ Item {
 
         readonly property real defaultPosition: (control.defaultValue - from) / (to - from)
         readonly property real zeroPosition: from < 0 && to > 0 ? -from / (to - from) : 0
+        // What screen readers are told of the range.
+        readonly property real minimumValue: from
+        readonly property real maximumValue: to
         readonly property real bound: SliderValueText.fit(control.value, from, to, 0)
 
         objectName: control.objectName + ".slider"
@@ -78,10 +81,10 @@ Item {
         focusPolicy: Qt.TabFocus
         Accessible.role: Accessible.Slider
         Accessible.name: control.label
-        Accessible.description: control.valueText
+        Accessible.description: control.enabled ? control.valueText : qsTr("Unavailable")
         // What a screen reader sets.
         onValueChanged: {
-            if (Math.abs(value - bound) > 1e-9)
+            if (enabled && Math.abs(value - bound) > 1e-9)
                 control.moveTo(SliderValueText.fit(value, from, to, control.step));
         }
         Keys.onPressed: event => {
@@ -134,7 +137,7 @@ Item {
         }
 
         background: Item {
-            Rectangle {
+            RoundedBox {
                 y: 8
                 width: parent.width
                 height: 4
@@ -142,7 +145,7 @@ Item {
                 color: control.enabled ? Theme.pressedFill : Theme.fill
             }
             // From zero where the range has it inside, else from its start.
-            Rectangle {
+            RoundedBox {
                 readonly property real origin: slider.zeroPosition > 0 ? 8 + slider.zeroPosition * (parent.width - 16) : 0
                 readonly property real end: 8 + slider.visualPosition * (parent.width - 16)
                 x: Math.min(origin, end)
@@ -153,7 +156,7 @@ Item {
                 color: control.enabled ? Theme.accent : Theme.outline
             }
             // Where the default lies.
-            Rectangle {
+            RoundedBox {
                 x: 8 + slider.defaultPosition * (parent.width - 16) - 1
                 y: 15
                 width: 2
@@ -164,15 +167,15 @@ Item {
                 Behavior on opacity { NumberAnimation { duration: Theme.shortMotion } }
             }
         }
-        handle: Rectangle {
+        handle: RoundedBox {
             x: slider.visualPosition * (slider.width - width)
             y: 2
             width: 16
             height: 16
             radius: 8
             color: !control.enabled ? Theme.disabledKnob : mouse.pressed ? Qt.darker(Theme.knob, 1.06) : Theme.knob
-            border.width: 1
-            border.color: mouse.containsMouse || mouse.pressed ? Theme.accent : Theme.knobOutline
+            outlineWidth: 1
+            outline: mouse.containsMouse || mouse.pressed ? Theme.accent : Theme.knobOutline
             FocusRing { radius: 11; shown: slider.visualFocus }
         }
         // A press beside the handle brings it there at once, one on the handle keeps it under the pointer as it is,
@@ -249,8 +252,8 @@ Item {
         symbol: "arrow.counterclockwise"
         symbolSize: 11
         tint: hovered ? Theme.text : Theme.tertiaryText
-        text: qsTr("Reset %1").arg(control.label)
-        help: qsTr("Reset")
+        text: Strings.localized("reset.named").arg(control.label)
+        help: "Reset"
         onClicked: {
             // The button goes, and the keys with it.
             if (visualFocus && !control.resetAlwaysShows)

@@ -14,7 +14,7 @@ T.Switch {
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
 
-    indicator: Rectangle {
+    indicator: RoundedBox {
         width: 40
         height: 24
         radius: 12
@@ -22,7 +22,7 @@ T.Switch {
                                : control.hovered ? Theme.hoverFill : Theme.pressedFill
         Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
 
-        Rectangle {
+        RoundedBox {
             // Wider while it is held, towards the other side.
             readonly property real stretch: control.pressed ? 3 : 0
             x: control.checked ? 18 - stretch : 2
@@ -31,7 +31,7 @@ T.Switch {
             height: 20
             radius: 10
             color: Theme.knob
-            border.color: Theme.dark ? "transparent" : "#14000000"
+            outline: Theme.dark ? "transparent" : "#14000000"
             Behavior on x { NumberAnimation { duration: Theme.motion; easing.type: Easing.OutCubic } }
             Behavior on width { NumberAnimation { duration: Theme.shortMotion } }
         }

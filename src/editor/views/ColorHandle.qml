@@ -1,18 +1,18 @@
 import QtQuick
 
 /// The round mark of a colour in the panel, to be seen on every colour.
-Rectangle {
+RoundedBox {
     width: 16
     height: 16
     radius: 8
-    border.width: 2
-    border.color: "#ffffff"
+    outlineWidth: 2
+    outline: "#ffffff"
 
-    Rectangle {
+    RoundedBox {
         anchors.fill: parent
         anchors.margins: -1
         radius: 9
         color: "transparent"
-        border.color: "#60000000"
+        outline: "#60000000"
     }
 }

@@ -65,11 +65,11 @@ Item {
             restore();
         }
 
-        background: Rectangle {
+        background: RoundedBox {
             radius: 6
             color: field.hovered ? Theme.hoverFill : Theme.fill
-            border.width: field.activeFocus ? 2 : 0
-            border.color: Theme.accent
+            outlineWidth: field.activeFocus ? 2 : 0
+            outline: Theme.accent
         }
     }
     Text {

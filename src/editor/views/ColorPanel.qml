@@ -6,7 +6,7 @@ import Framora.Editor
 
 /// The one colour panel. It stays open beside the sidebar while other controls are used, and reports every change
 /// as it happens.
-Rectangle {
+RoundedBox {
     id: panel
 
     required property ColorPanelBridge bridge
@@ -26,7 +26,7 @@ Rectangle {
     height: column.implicitHeight + 32
     radius: Theme.cardRadius
     color: Theme.surface
-    border.color: Theme.outline
+    outline: Theme.outline
     Accessible.role: Accessible.Pane
     Accessible.name: Strings.localized("color")
     Component.onCompleted: if (bridge.takesKeys) field.forceActiveFocus(Qt.TabFocusReason)
@@ -65,8 +65,8 @@ Rectangle {
                 symbol: "xmark"
                 symbolSize: 14
                 tint: Theme.secondaryText
-                text: qsTr("Close")
-                help: qsTr("Close")
+                text: Strings.localized("window.close")
+                help: Strings.localized("window.close")
                 onClicked: panel.bridge.close()
             }
         }
@@ -103,7 +103,7 @@ Rectangle {
                 objectName: "colorPanel.h"
                 width: 44
                 caption: "H"
-                accessibleName: qsTr("Hue")
+                accessibleName: Strings.localized("hue")
                 shown: Math.round(panel.bridge.hue * 360)
                 onTyped: text => panel.setPart(panel.percentOf(text, 360), panel.bridge.saturation, panel.bridge.brightness)
                 onStepped: steps => panel.bridge.setHsv((Number(shown) + steps) / 360, panel.bridge.saturation,
@@ -113,7 +113,7 @@ Rectangle {
                 objectName: "colorPanel.s"
                 width: 44
                 caption: "S"
-                accessibleName: qsTr("Saturation")
+                accessibleName: Strings.localized("saturation")
                 shown: Math.round(panel.bridge.saturation * 100)
                 onTyped: text => panel.setPart(panel.bridge.hue, panel.percentOf(text, 100), panel.bridge.brightness)
                 onStepped: steps => panel.bridge.setHsv(panel.bridge.hue, (Number(shown) + steps) / 100,
@@ -123,7 +123,7 @@ Rectangle {
                 objectName: "colorPanel.b"
                 width: 44
                 caption: "B"
-                accessibleName: qsTr("Brightness")
+                accessibleName: Strings.localized("brightness")
                 shown: Math.round(panel.bridge.brightness * 100)
                 onTyped: text => panel.setPart(panel.bridge.hue, panel.bridge.saturation, panel.percentOf(text, 100))
                 onStepped: steps => panel.bridge.setHsv(panel.bridge.hue, panel.bridge.saturation,
@@ -150,7 +150,7 @@ Rectangle {
                 Repeater {
                     id: swatches
                     model: choices.palette
-                    delegate: T.AbstractButton {
+                    delegate: T.RadioButton {
                         id: swatch
                         required property string modelData
                         required property int index
@@ -160,9 +160,9 @@ Rectangle {
                         hoverEnabled: true
                         focusPolicy: choices.stop === index ? Qt.TabFocus : Qt.NoFocus
                         Accessible.name: modelData
-                        Accessible.role: Accessible.RadioButton
-                        Accessible.checkable: true
-                        Accessible.checked: choices.current === index
+                        checked: choices.current === index
+                        Accessible.onToggleAction: swatch.clicked()
+                        Accessible.onPressAction: swatch.clicked()
                         onActiveFocusChanged: if (activeFocus) choices.entered(index)
                         onClicked: panel.bridge.setColor(modelData)
                         Keys.onReturnPressed: swatch.clicked()
@@ -174,13 +174,13 @@ Rectangle {
                                 colors: [swatch.modelData]
                                 outline: Theme.swatchOutline
                             }
-                            Rectangle {
+                            RoundedBox {
                                 anchors.fill: parent
                                 anchors.margins: -3
                                 radius: width / 2
                                 color: "transparent"
-                                border.width: 2
-                                border.color: choices.current === swatch.index ? Theme.accent : Theme.outline
+                                outlineWidth: 2
+                                outline: choices.current === swatch.index ? Theme.accent : Theme.outline
                                 visible: choices.current === swatch.index || swatch.hovered
                             }
                             FocusRing { radius: width / 2; shown: swatch.visualFocus }

@@ -19,10 +19,9 @@ T.AbstractButton {
     Keys.onReturnPressed: control.clicked()
     Keys.onEnterPressed: control.clicked()
     Accessible.role: Accessible.Button
+    Accessible.onPressAction: control.clicked()
     Accessible.name: text
     Accessible.description: swatch.a === 0 ? "" : swatch.toString()
-    Accessible.checkable: true
-    Accessible.checked: editing
     onClicked: editing ? colorPanel.close() : colorPanel.open(field, visualFocus ? control : null)
 
     background: Item {
@@ -32,13 +31,13 @@ T.AbstractButton {
             colors: [control.swatch]
             outline: Theme.swatchOutline
         }
-        Rectangle {
+        RoundedBox {
             anchors.fill: parent
             anchors.margins: -3
             radius: 10
             color: "transparent"
-            border.width: 2
-            border.color: control.editing ? Theme.accent : Theme.outline
+            outlineWidth: 2
+            outline: control.editing ? Theme.accent : Theme.outline
             visible: control.editing || control.hovered
         }
         FocusRing { radius: 10; shown: control.visualFocus }

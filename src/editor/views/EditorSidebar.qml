@@ -12,13 +12,14 @@ Rectangle {
     color: Theme.surface
 
     // A click beside the controls ends typing.
-    MouseArea {
-        anchors.fill: parent
+    component Ground: MouseArea {
         onPressed: mouse => {
             sidebar.forceActiveFocus(Qt.MouseFocusReason);
             mouse.accepted = false;
         }
     }
+
+    Ground { anchors.fill: parent }
     Rectangle {
         anchors.right: parent.right
         width: 1
@@ -81,6 +82,10 @@ Rectangle {
         boundsBehavior: Flickable.StopAtBounds
         interactive: contentHeight > height
 
+        Ground {
+            width: flickable.width
+            height: Math.max(flickable.height, flickable.contentHeight)
+        }
         NumberAnimation {
             id: scrollTo
             target: flickable

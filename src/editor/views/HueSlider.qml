@@ -8,6 +8,9 @@ T.Slider {
     id: slider
 
     required property ColorPanelBridge bridge
+    // What screen readers are told of the range.
+    readonly property real minimumValue: from
+    readonly property real maximumValue: to
 
     function turn(degrees: real): void {
         bridge.setHsv(degrees / 360, bridge.saturation, bridge.brightness);

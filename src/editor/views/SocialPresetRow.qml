@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 import Framora.Controls
 
 /// One export size: its platform's symbol, its name, ratio and size in pixels.
-T.AbstractButton {
+T.RadioButton {
     id: control
 
     required property var modelData
@@ -16,11 +16,11 @@ T.AbstractButton {
     implicitHeight: 32
     hoverEnabled: true
     focusPolicy: group.stop === index ? Qt.TabFocus : Qt.NoFocus
-    Accessible.role: Accessible.RadioButton
+    checked: chosen
+    Accessible.onToggleAction: control.clicked()
+    Accessible.onPressAction: control.clicked()
     Accessible.name: platform + " " + modelData.name
     Accessible.description: modelData.ratio + ", " + size.text
-    Accessible.checkable: true
-    Accessible.checked: chosen
     onActiveFocusChanged: if (activeFocus) group.entered(index)
     Keys.onReturnPressed: control.clicked()
     Keys.onEnterPressed: control.clicked()
@@ -66,7 +66,7 @@ T.AbstractButton {
             font.pixelSize: 11
         }
     }
-    background: Rectangle {
+    background: RoundedBox {
         radius: 6
         color: control.pressed ? Theme.pressedFill
              : control.chosen ? Theme.accentTint

@@ -5,7 +5,7 @@ import Framora.Controls
 import Framora.Editor
 
 /// A preset's colours to choose from, a member of a group; a ring marks the chosen one.
-T.AbstractButton {
+T.RadioButton {
     id: control
 
     required property int index
@@ -19,10 +19,10 @@ T.AbstractButton {
     implicitHeight: 44 + (caption !== "" ? 20 : 0)
     hoverEnabled: true
     focusPolicy: group.stop === index ? Qt.TabFocus : Qt.NoFocus
-    Accessible.role: Accessible.RadioButton
+    checked: chosen
+    Accessible.onToggleAction: control.clicked()
+    Accessible.onPressAction: control.clicked()
     Accessible.name: caption !== "" ? caption : text
-    Accessible.checkable: true
-    Accessible.checked: chosen
     onActiveFocusChanged: if (activeFocus) group.entered(index)
     Keys.onReturnPressed: control.clicked()
     Keys.onEnterPressed: control.clicked()

@@ -10,16 +10,16 @@ Item {
     required property T.AbstractButton control
     required property bool chosen
 
-    Rectangle {
+    RoundedBox {
         anchors.fill: parent
         anchors.margins: -3
         radius: 12
         color: "transparent"
-        border.width: 2
-        border.color: ring.chosen ? Theme.accent : ring.control.pressed ? Theme.tertiaryText : Theme.outline
+        outlineWidth: 2
+        outline: ring.chosen ? Theme.accent : ring.control.pressed ? Theme.tertiaryText : Theme.outline
         visible: ring.chosen || ring.control.hovered
     }
-    Rectangle {
+    RoundedBox {
         anchors.right: parent.right
         anchors.bottom: parent.bottom
         anchors.margins: -3

@@ -4,7 +4,7 @@ import Framora.Controls
 import Framora.Editor
 
 /// One background image to choose. Tab reaches the grid's current one; its ring shows whenever it has the keys.
-T.AbstractButton {
+T.RadioButton {
     id: control
 
     required property int index
@@ -14,10 +14,10 @@ T.AbstractButton {
 
     hoverEnabled: true
     focusPolicy: stop ? Qt.TabFocus : Qt.NoFocus
-    Accessible.role: Accessible.RadioButton
+    checked: chosen
+    Accessible.onToggleAction: control.clicked()
+    Accessible.onPressAction: control.clicked()
     Accessible.name: text
-    Accessible.checkable: true
-    Accessible.checked: chosen
     Keys.onReturnPressed: control.clicked()
     Keys.onEnterPressed: control.clicked()
     // The grid's own steps to a neighbour count as the keyboard's.

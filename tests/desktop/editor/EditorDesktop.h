@@ -20,7 +20,8 @@ protected:
         return options;
     }
 
-    explicit EditorDesktop(QSize screen = {1440, 900}) : desktop(options(screen)) {
+    explicit EditorDesktop(QSize screen = {1440, 900}) : EditorDesktop(options(screen)) {}
+    explicit EditorDesktop(const DesktopOptions& options) : desktop(options) {
         picture = QImage(400, 300, QImage::Format_RGB32);
         picture.fill(QColor(240, 240, 240));
         QPainter painter(&picture);
@@ -34,12 +35,12 @@ protected:
     DesktopDisplay& display() { return desktop.display(); }
 
     /// Opens the editor and waits until it is fitted and drawn with its background.
-    void open() {
+    void open(const QStringList& arguments = {}) {
         const QString pipe = scratch("commands");
         ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
         commands.setFileName(pipe);
         host = &desktop.start(QStringLiteral(FRAMORA_EDITOR_HOST),
-                              {picturePath, QStringLiteral("--commands"), pipe});
+                              QStringList{picturePath, QStringLiteral("--commands"), pipe} + arguments);
         // Opening waits for the reader.
         ASSERT_TRUE(commands.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
         ASSERT_TRUE(waitForLine("first-frame")) << transcript().toStdString();
@@ -129,16 +130,38 @@ protected:
             .translated(window()->geometry.topLeft());
     }
     void click(const QString& name) { display().click(place(name).center()); }
+    /// The name of the control that has the keys.
+    QString focus() { return ask(QStringLiteral("focus"), QStringLiteral("focused")); }
+    /// Presses Tab, and waits until it was heard: keys and questions reach the editor on different ways.
+    void tab() {
+        const QString before = focus();
+        display().key({"Tab"});
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] { return focus() != before; }, 2000)) << before.toStdString();
+    }
+    /// Presses Tab until the control has the keys.
+    void tabTo(const QString& name) {
+        for (int i = 0; i < 60; ++i) {
+            if (focus() == name)
+                return;
+            tab();
+        }
+        FAIL() << name.toStdString() << " is out of Tab's reach";
+    }
     /// Until the control of that name has the keys.
     bool waitForFocus(const QString& name) {
-        return VirtualDesktop::waitFor(
-            [&] { return ask(QStringLiteral("focus"), QStringLiteral("focused")) == name; });
+        return VirtualDesktop::waitFor([&] { return focus() == name; });
     }
     /// Presses a slider where `fraction` of its range lies.
     void clickSlider(const QString& name, double fraction) { display().click(sliderPoint(name, fraction)); }
     QPoint sliderPoint(const QString& name, double fraction) {
         const QRect area = place(name + QStringLiteral(".slider"));
         return {int(area.x() + 8 + fraction * (area.width() - 16)), area.center().y()};
+    }
+    /// The preview as it is drawn.
+    QImage frame() {
+        const QString path = scratch("frame.png");
+        EXPECT_EQ(ask(QStringLiteral("frame ") + path, QStringLiteral("done")), QString());
+        return pixels(QImage(path));
     }
     /// What Copy and Save give for the style in force.
     QImage finalPicture() {

@@ -1,6 +1,6 @@
 // Opens the editor on a picture, as the program does, and tells a test on standard output what happens.
 //
-//   editor_host PICTURE [--dark] [--commands FIFO]
+//   editor_host PICTURE [--dark] [--still] [--commands FIFO]
 //
 // Commands come a line each from the named pipe: "where NAME" (the item's frame in the window), "open
 // PICTURE", "close", "dark", "light", "frame FILE" (the preview as drawn), "final FILE" (what Copy and Save
@@ -103,6 +103,7 @@ int main(int argc, char** argv) {
     QGuiApplication::setQuitOnLastWindowClosed(false);
     QCommandLineParser parser;
     parser.addOption({QStringLiteral("dark"), QStringLiteral("Dark appearance.")});
+    parser.addOption({QStringLiteral("still"), QStringLiteral("No motion.")});
     const QCommandLineOption commands(QStringLiteral("commands"), QStringLiteral("Where commands come from."),
                                       QStringLiteral("fifo"));
     parser.addOption(commands);
@@ -110,6 +111,7 @@ int main(int argc, char** argv) {
     parser.process(application);
 
     EditorHostServices services;
+    services.appearance.reducedMotion = parser.isSet(QStringLiteral("still"));
     services.appearance.dark = parser.isSet(QStringLiteral("dark"));
     ScreenshotEditorWindow::provide([&] { return services.forWindow(); });
     ScreenshotEditorWindow& editor = ScreenshotEditorWindow::shared();
@@ -160,7 +162,8 @@ int main(int argc, char** argv) {
             say(QStringLiteral("no-window"));
         } else if (command == u"pass") {
             // Longer than any motion of the views.
-            QTimer::singleShot(250, [] { say(QStringLiteral("passed")); });
+            QTimer::singleShot(services.appearance.reducedMotion ? 30 : 250,
+                               [] { say(QStringLiteral("passed")); });
         } else if (command == u"where") {
             const QQuickItem* item = findItem(window->contentItem(), argument);
             say(item ? QStringLiteral("at %1 %2 %3 %4")

@@ -11,11 +11,15 @@ namespace framora {
 namespace {
 
 const QString accessibleInterface = QStringLiteral("org.a11y.atspi.Accessible");
+const QString valueInterface = QStringLiteral("org.a11y.atspi.Value");
 const QString rootPath = QStringLiteral("/org/a11y/atspi/accessible/root");
 constexpr int callTimeoutMs = 3000;
 
 // Bits of the first word of a node's state.
 constexpr quint32 checkedBit = 1U << 4;
+constexpr quint32 enabledBit = 1U << 8;
+constexpr quint32 focusableBit = 1U << 11;
+constexpr quint32 focusedBit = 1U << 12;
 constexpr quint32 showingBit = 1U << 25;
 
 QString accessibilityAddress(const QString& sessionAddress) {
@@ -95,8 +99,12 @@ void AccessibleTree::collect(const QString& service, const QString& path, int de
     if (!state.isEmpty()) {
         QList<uint> words;
         state[0].value<QDBusArgument>() >> words;
-        node.showing = !words.isEmpty() && (words[0] & showingBit);
-        node.checked = !words.isEmpty() && (words[0] & checkedBit);
+        const auto has = [&](quint32 bit) { return !words.isEmpty() && (words[0] & bit); };
+        node.showing = has(showingBit);
+        node.checked = has(checkedBit);
+        node.enabled = has(enabledBit);
+        node.focusable = has(focusableBit);
+        node.focused = has(focusedBit);
     }
     constexpr uint screenCoordinates = 0;
     const auto extents = call(service, path, QStringLiteral("org.a11y.atspi.Component"),
@@ -134,9 +142,44 @@ std::optional<AccessibleNode> AccessibleTree::find(const QString& application, c
 }
 
 std::optional<double> AccessibleTree::value(const AccessibleNode& node) {
-    const QVariant value = property(node.service, node.path, QStringLiteral("org.a11y.atspi.Value"),
-                                    QStringLiteral("CurrentValue"));
+    const QVariant value = property(node.service, node.path, valueInterface, QStringLiteral("CurrentValue"));
     return value.isValid() ? std::optional(value.toDouble()) : std::nullopt;
+}
+
+void AccessibleTree::setValue(const AccessibleNode& node, double value) {
+    call(node.service, node.path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Set"),
+         {valueInterface, QStringLiteral("CurrentValue"), QVariant::fromValue(QDBusVariant(value))});
+}
+
+std::optional<std::pair<double, double>> AccessibleTree::range(const AccessibleNode& node) {
+    const QVariant low = property(node.service, node.path, valueInterface, QStringLiteral("MinimumValue"));
+    const QVariant high = property(node.service, node.path, valueInterface, QStringLiteral("MaximumValue"));
+    if (!low.isValid() || !high.isValid())
+        return {};
+    return std::pair(low.toDouble(), high.toDouble());
+}
+
+bool AccessibleTree::press(const AccessibleNode& node) {
+    const QString interface = QStringLiteral("org.a11y.atspi.Action");
+    const auto reply = call(node.service, node.path, interface, QStringLiteral("GetActions"));
+    if (reply.isEmpty())
+        return false;
+    const auto actions = reply[0].value<QDBusArgument>();
+    int index = 0;
+    std::optional<int> wanted;
+    actions.beginArray();
+    while (!actions.atEnd()) {
+        QString name, description, keys;
+        actions.beginStructure();
+        actions >> name >> description >> keys;
+        actions.endStructure();
+        if (!wanted && (name == u"Press" || name == u"Toggle"))
+            wanted = index;
+        ++index;
+    }
+    actions.endArray();
+    return wanted &&
+           call(node.service, node.path, interface, QStringLiteral("DoAction"), {*wanted}).value(0).toBool();
 }
 
 } // namespace framora

@@ -18,6 +18,9 @@ struct AccessibleNode {
     QRect area;   ///< Pixels of the root window.
     bool showing = false;
     bool checked = false;
+    bool enabled = false;
+    bool focusable = false;
+    bool focused = false;
 };
 
 /// The programs of a desktop as a screen reader finds them: controls by name, with the place they are in.
@@ -37,6 +40,12 @@ public:
                                        const QString& role = {});
     /// The present value of a slider.
     std::optional<double> value(const AccessibleNode& node);
+    void setValue(const AccessibleNode& node, double value);
+    /// The range of a slider.
+    std::optional<std::pair<double, double>> range(const AccessibleNode& node);
+    /// Does what the node is there for, as a screen reader's user asks: presses a button, chooses a choice.
+    /// False when it has no such action.
+    bool press(const AccessibleNode& node);
 
 private:
     void collect(const QString& service, const QString& path, int depth, std::vector<AccessibleNode>& result);
