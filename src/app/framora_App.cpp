@@ -31,6 +31,7 @@
 #include "platform/x11/X11Permissions.h"
 #include "platform/x11/X11Screens.h"
 #include "platform/x11/X11ToastPanels.h"
+#include "settings/Settings.h"
 #include "settings/SettingsServices.h"
 #include "settings/window/SettingsModule.h"
 
@@ -65,9 +66,11 @@ struct framora_App::Desktop {
     ThreadBackgroundQueue backgroundQueue{mainQueue};
     ConfiguredDesktopPictures desktopPictures{screens};
     ProcessCaptureTool captureTool{gate, ProcessCaptureTool::defaultExecutable(), [this](bool screenIsTaken) {
-                                       if (screenIsTaken)
+                                       if (screenIsTaken) {
                                            toastPanels.withdraw();
-                                       else // After the capture's own toast has replaced the earlier one.
+                                           if (Settings::load(defaults).soundEffectsEnabled)
+                                               soundOutput.prepare();
+                                       } else // After the capture's own toast has replaced the earlier one.
                                            mainQueue.async([this] { toastPanels.restore(); });
                                    }};
     TrayStatusBar statusBar{gate, appearance, notifications};
@@ -122,6 +125,7 @@ struct framora_App::Desktop {
             sayModuleIsMissing();
             return nullptr;
         }
+        soundOutput.prepare(); // One can be tried there.
         return std::unique_ptr<SettingsWindow>(
             make({mainQueue, notifications, defaults, keyMonitors, keyboardLayout, desktopShortcuts,
                   permissions, privacyPanes, loginItem, appearance, componentVersions,

@@ -1,11 +1,13 @@
 #include "platform/desktop/PulseSoundOutput.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QHash>
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
+#include <future>
 #include <mutex>
 #include <pulse/error.h>
 #include <pulse/simple.h>
@@ -41,23 +43,64 @@ struct StreamCloser {
 };
 using Stream = std::unique_ptr<pa_simple, StreamCloser>;
 
-/// One sound that waits or plays. The player's thread hands it over; the worker alone reads the file.
-struct Playback {
+struct OpenedFile {
     SoundFile file;
     SF_INFO format{};
+};
+
+/// Null when it is no sound that can be played.
+OpenedFile openFile(const QString& path) {
+    OpenedFile opened;
+    if (path.isEmpty())
+        return opened;
+    opened.file.reset(sf_open(QFile::encodeName(path).constData(), SFM_READ, &opened.format));
+    if (opened.format.channels < 1 || opened.format.samplerate < 1)
+        opened.file.reset();
+    return opened;
+}
+
+/// On a thread that nobody waits for in the end: a disk that does not answer keeps that thread alone.
+std::future<OpenedFile> openLater(std::function<QString()> path) {
+    std::packaged_task<OpenedFile()> task([path = std::move(path)] { return openFile(path()); });
+    auto result = task.get_future();
+    std::thread(std::move(task)).detach();
+    return result;
+}
+
+/// One sound that waits or plays. The player's thread hands it over; the worker alone reads the file.
+struct Playback {
+    std::future<OpenedFile> opening; ///< Valid while the file is not there yet.
+    OpenedFile opened;
     std::atomic<float> volume = 1;
     std::atomic<bool> stopped = false;
 };
 
+/// False when there is nothing to play.
+bool waitForFile(Playback& playback) {
+    constexpr std::chrono::milliseconds pause{20};
+    while (playback.opening.valid()) {
+        if (playback.opening.wait_for(pause) == std::future_status::ready)
+            playback.opened = playback.opening.get();
+        else if (playback.stopped)
+            return false;
+    }
+    return playback.opened.file != nullptr;
+}
+
 void run(Playback& playback) {
-    const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, std::uint32_t(playback.format.samplerate),
-                              std::uint8_t(playback.format.channels)};
+    if (!waitForFile(playback))
+        return;
+    const SF_INFO& format = playback.opened.format;
+    SNDFILE* file = playback.opened.file.get();
+    const pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, std::uint32_t(format.samplerate),
+                              std::uint8_t(format.channels)};
     if (!pa_sample_spec_valid(&spec))
         return;
     // A short buffer, so that a sound which is cut off falls silent at once.
     pa_buffer_attr buffer{};
     buffer.maxlength = std::uint32_t(-1);
-    buffer.prebuf = std::uint32_t(-1);
+    // Starts as soon as there is something to start with.
+    buffer.prebuf = std::uint32_t(pa_usec_to_bytes(10'000, &spec));
     buffer.minreq = std::uint32_t(-1);
     buffer.fragsize = std::uint32_t(-1);
     buffer.tlength = std::uint32_t(pa_usec_to_bytes(80'000, &spec));
@@ -65,14 +108,14 @@ void run(Playback& playback) {
                                       nullptr, &buffer, nullptr));
     if (!stream)
         return;
-    const sf_count_t framesAtOnce = std::max(1, playback.format.samplerate / 50);
-    std::vector<float> samples(std::size_t(framesAtOnce * playback.format.channels));
-    sf_seek(playback.file.get(), 0, SEEK_SET);
+    const sf_count_t framesAtOnce = std::max(1, format.samplerate / 50);
+    std::vector<float> samples(std::size_t(framesAtOnce * format.channels));
+    sf_seek(file, 0, SEEK_SET);
     while (!playback.stopped) {
-        const sf_count_t frames = sf_readf_float(playback.file.get(), samples.data(), framesAtOnce);
+        const sf_count_t frames = sf_readf_float(file, samples.data(), framesAtOnce);
         if (frames <= 0)
             break;
-        const auto count = std::size_t(frames * playback.format.channels);
+        const auto count = std::size_t(frames * format.channels);
         const float volume = playback.volume;
         std::for_each_n(samples.begin(), count, [&](float& sample) { sample *= volume; });
         if (pa_simple_write(stream.get(), samples.data(), count * sizeof(float), nullptr) < 0)
@@ -165,7 +208,7 @@ private:
     std::shared_ptr<Playback> m_playback;
 };
 
-PulseSoundOutput::PulseSoundOutput(SoundTheme theme)
+PulseSoundOutput::PulseSoundOutput(ThemeSource theme)
     : m_theme(std::move(theme)), m_worker(std::make_shared<Worker>()) {}
 
 PulseSoundOutput::~PulseSoundOutput() = default;
@@ -175,17 +218,24 @@ bool PulseSoundOutput::fileExists(const QString& path) const {
 }
 
 std::unique_ptr<AudioPlayer> PulseSoundOutput::playerForFile(const QUrl& url) {
+    // A pipe or a device would keep its reader waiting.
+    const QFileInfo file(url.toLocalFile());
+    if (!file.isFile())
+        return nullptr;
     auto playback = std::make_shared<Playback>();
-    playback->file.reset(
-        sf_open(QFile::encodeName(url.toLocalFile()).constData(), SFM_READ, &playback->format));
-    if (!playback->file || playback->format.channels < 1 || playback->format.samplerate < 1)
+    playback->opened = openFile(file.filePath());
+    if (!playback->opened.file)
         return nullptr;
     return std::make_unique<Player>(m_worker, std::move(playback));
 }
 
 std::unique_ptr<AudioPlayer> PulseSoundOutput::systemSound(const QString& name) {
-    const QString file = m_theme.find(themeName(name));
-    return file.isEmpty() ? nullptr : playerForFile(QUrl::fromLocalFile(file));
+    const QString wanted = themeName(name);
+    if (wanted.isEmpty())
+        return nullptr;
+    auto playback = std::make_shared<Playback>();
+    playback->opening = openLater([theme = m_theme, wanted] { return theme().find(wanted); });
+    return std::make_unique<Player>(m_worker, std::move(playback));
 }
 
 } // namespace framora

@@ -1,5 +1,7 @@
 #include "platform/desktop/SoundTheme.h"
 
+#include "platform/x11/X11ThemeName.h"
+
 #include <QFile>
 #include <QSettings>
 #include <QStandardPaths>
@@ -20,7 +22,11 @@ SoundTheme::SoundTheme(QStringList dataFolders, QString theme)
     : m_dataFolders(std::move(dataFolders)), m_theme(std::move(theme)) {}
 
 SoundTheme SoundTheme::ofDesktop() {
-    return SoundTheme(QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation));
+    const QString theme = x11SoundThemeName();
+    // A name is a folder's; what would lead elsewhere is none.
+    const bool isName = !theme.isEmpty() && !theme.contains(u'/') && !theme.startsWith(u'.');
+    return SoundTheme(QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation),
+                      isName ? theme : fallbackTheme);
 }
 
 QStringList SoundTheme::inheritance() const {

@@ -10,7 +10,8 @@ class SoundTheme {
 public:
     /// `dataFolders` hold "sounds" folders, the most important first.
     explicit SoundTheme(QStringList dataFolders, QString theme = QStringLiteral("freedesktop"));
-    /// The user's and the system's data folders.
+    /// The theme that the desktop's settings name, in the user's and the system's data folders. Any thread
+    /// may ask; what it waits for is the X server and the disk.
     static SoundTheme ofDesktop();
 
     /// The sound file of `name`, or of the more general name before its last dash, and so on; looked for in

@@ -69,7 +69,7 @@ QByteArray readProperty(xcb_connection_t* connection, int screen) {
 
 } // namespace
 
-QString themeNameInXSettings(const QByteArray& property) {
+QString textInXSettings(const QByteArray& property, QByteArrayView wanted) {
     enum Type : std::uint8_t { integer = 0, string = 1, color = 2 };
     Reader reader(property);
     if (!reader.skip(8)) // Byte order and serial.
@@ -88,7 +88,7 @@ QString themeNameInXSettings(const QByteArray& property) {
             const auto value = length ? reader.text(qsizetype(*length)) : std::nullopt;
             if (!value)
                 return {};
-            if (*name == "Net/ThemeName")
+            if (*name == wanted)
                 return QString::fromUtf8(*value);
         } else if (*type > color || !reader.skip(*type == integer ? 4 : 8)) {
             return {};
@@ -97,13 +97,25 @@ QString themeNameInXSettings(const QByteArray& property) {
     return {};
 }
 
-QString x11ThemeName() {
+namespace {
+
+QString x11Setting(QByteArrayView name) {
     int screen = 0;
     xcb_connection_t* connection = xcb_connect(nullptr, &screen);
     const QByteArray property =
         xcb_connection_has_error(connection) ? QByteArray() : readProperty(connection, screen);
     xcb_disconnect(connection);
-    return themeNameInXSettings(property);
+    return textInXSettings(property, name);
+}
+
+} // namespace
+
+QString x11ThemeName() {
+    return x11Setting("Net/ThemeName");
+}
+
+QString x11SoundThemeName() {
+    return x11Setting("Net/SoundThemeName");
 }
 
 } // namespace framora

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 
 namespace framora {
@@ -9,7 +10,11 @@ namespace framora {
 /// connection of its own for the moment.
 QString x11ThemeName();
 
-/// Net/ThemeName in the value of an _XSETTINGS_SETTINGS property; empty when it is not there or damaged.
-QString themeNameInXSettings(const QByteArray& property);
+/// The sound theme that it names ("freedesktop"), likewise. Any thread may ask.
+QString x11SoundThemeName();
+
+/// The text of the setting `name` in the value of an _XSETTINGS_SETTINGS property; empty when it is not there
+/// or damaged.
+QString textInXSettings(const QByteArray& property, QByteArrayView name);
 
 } // namespace framora

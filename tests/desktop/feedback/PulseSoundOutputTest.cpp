@@ -1,6 +1,7 @@
 #include "platform/desktop/PulseSoundOutput.h"
 #include "desktop/support/ChildProcess.h"
 #include "desktop/support/VirtualDesktop.h"
+#include "feedback/SoundManager.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -11,7 +12,9 @@
 #include <csignal>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <map>
 #include <optional>
+#include <sys/stat.h>
 #include <thread>
 
 namespace framora {
@@ -39,16 +42,31 @@ protected:
         EXPECT_TRUE(VirtualDesktop::waitFor(
             [&] { return QFile::exists(folder.filePath(QStringLiteral("socket"))); }));
         qputenv("PULSE_SERVER", address().toLocal8Bit());
+        record();
+    }
+    ~PulseSoundOutputTest() override { qunsetenv("PULSE_SERVER"); }
+
+    void record() {
+        const qint64 before = QFileInfo(recording()).size();
+        auto environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("HOME"), folder.path());
         recorder.emplace(
             QStringLiteral("sh"),
             QStringList{QStringLiteral("-c"),
                         QStringLiteral("exec parec --device=out.monitor --format=float32le --rate=44100 "
-                                       "--channels=1 --latency-msec=20 > ") +
+                                       "--channels=1 --latency-msec=20 >> ") +
                             recording()},
             environment);
-        EXPECT_TRUE(VirtualDesktop::waitFor([&] { return QFileInfo(recording()).size() > 4096; }));
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] { return QFileInfo(recording()).size() > before + 4096; }));
     }
-    ~PulseSoundOutputTest() override { qunsetenv("PULSE_SERVER"); }
+    /// What was started before is no longer in what comes next.
+    void waitForSilence() {
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] {
+            const qint64 from = QFileInfo(recording()).size();
+            QTest::qWait(120);
+            return QFileInfo(recording()).size() > from + 4096 && peak(from) == 0;
+        }));
+    }
 
     QString address() { return QStringLiteral("unix:") + folder.filePath(QStringLiteral("socket")); }
     QString recording() { return folder.filePath(QStringLiteral("recording")); }
@@ -68,9 +86,9 @@ protected:
         return most;
     }
 
-    /// An AIFF tone of one second at half of full scale.
-    QString tone() {
-        QString path = folder.filePath(QStringLiteral("tone.aiff"));
+    /// An AIFF tone of one second, at half of full scale unless said otherwise.
+    QString tone(double hertz = 440, double amplitude = 0.5) {
+        QString path = folder.filePath(QStringLiteral("tone-%1-%2.aiff").arg(hertz).arg(amplitude));
         QByteArray body;
         const auto number = [&](QByteArray& to, quint32 value, int bytes) {
             for (int i = bytes - 1; i >= 0; --i)
@@ -78,7 +96,9 @@ protected:
         };
         QByteArray samples;
         for (int i = 0; i < 44100; ++i)
-            number(samples, quint32(int(16384 * std::sin(i * 0.0627))) & 0xffff, 2);
+            number(samples,
+                   quint32(int(32767 * amplitude * std::sin(i * hertz * 2 * 3.14159265 / 44100))) & 0xffff,
+                   2);
         body.append("AIFFCOMM");
         number(body, 18, 4);
         number(body, 1, 2);
@@ -153,12 +173,175 @@ TEST_F(PulseSoundOutputTest, aServerThatHangsHoldsNobodyUp) {
 
 TEST_F(PulseSoundOutputTest, playsTheDesktopsSoundOfEveryName) {
     PulseSoundOutput output;
-    for (const char* name : {"Hero", "Submarine", "Blow", "Frog", "Funk", "Sosumi", "Basso", "Pop"})
-        EXPECT_TRUE(output.systemSound(QLatin1String(name))) << name;
     EXPECT_FALSE(output.systemSound(QStringLiteral("Glass")));
-    const auto player = output.systemSound(QStringLiteral("Frog"));
+    for (const char* name : {"Hero", "Submarine", "Blow", "Frog", "Funk", "Sosumi", "Basso", "Pop"}) {
+        waitForSilence();
+        const qint64 from = QFileInfo(recording()).size();
+        const auto player = output.systemSound(QLatin1String(name));
+        ASSERT_TRUE(player) << name;
+        player->play();
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] { return peak(from) > 0.005f; }, 5000)) << name;
+    }
+}
+
+TEST_F(PulseSoundOutputTest, theRecordedLevelFollowsTheVolume) {
+    PulseSoundOutput output;
+    const QString file = tone();
+    std::map<float, float> levels;
+    for (const float volume : {1.0f, 0.5f, 0.0f}) {
+        waitForSilence();
+        const qint64 from = QFileInfo(recording()).size();
+        const auto player = output.playerForFile(QUrl::fromLocalFile(file));
+        ASSERT_TRUE(player);
+        player->setVolume(volume);
+        player->play();
+        // The tone's middle: half a second, after its start has been recorded or would have been.
+        QTest::qWait(800);
+        levels[volume] = peak(from);
+    }
+    EXPECT_EQ(levels[0.0f], 0);
+    const auto decibels = [](float level, double full) { return 20 * std::log10(double(level) / full); };
+    EXPECT_NEAR(decibels(levels[1.0f], 0.5), 0, 1) << "the tone is half of full scale";
+    EXPECT_NEAR(decibels(levels[0.5f], 0.25), 0, 1);
+}
+
+TEST_F(PulseSoundOutputTest, theSecondSoundTakesTheFirstOnesPlace) {
+    PulseSoundOutput output;
+    auto first = output.playerForFile(QUrl::fromLocalFile(tone(880)));
+    first->play();
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return peak() > 0.4f; }, 5000));
+    const auto second = output.playerForFile(QUrl::fromLocalFile(tone(220)));
+    second->setVolume(0.5f);
+    second->play();
+    // Together they would be louder than the second alone.
+    EXPECT_TRUE(VirtualDesktop::waitFor(
+        [&] {
+            const qint64 from = QFileInfo(recording()).size();
+            QTest::qWait(150);
+            const float level = peak(from);
+            return level > 0.2f && level < 0.27f;
+        },
+        700));
+}
+
+TEST_F(PulseSoundOutputTest, everyFormatIsHeard) {
+    PulseSoundOutput output;
+    const QString aiff = tone();
+    for (const char* format : {"wav", "ogg", "oga", "aifc"}) {
+        const QString file = folder.filePath(QStringLiteral("tone.") + QLatin1String(format));
+        // AIFF-C is AIFF whose header names its coding.
+        QStringList arguments{QStringLiteral("-y"), QStringLiteral("-loglevel"), QStringLiteral("error"),
+                              QStringLiteral("-i"), aiff};
+        if (QLatin1String(format).startsWith(QLatin1String("og")))
+            arguments << QStringLiteral("-c:a") << QStringLiteral("libvorbis");
+        if (QLatin1String(format) == QLatin1String("aifc"))
+            arguments << QStringLiteral("-c:a") << QStringLiteral("pcm_s16le") << QStringLiteral("-f")
+                      << QStringLiteral("aiff");
+        ASSERT_EQ(QProcess::execute(QStringLiteral("ffmpeg"), arguments << file), 0) << format;
+        waitForSilence();
+        const qint64 from = QFileInfo(recording()).size();
+        const auto player = output.playerForFile(QUrl::fromLocalFile(file));
+        ASSERT_TRUE(player) << format;
+        player->play();
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] { return peak(from) > 0.35f; }, 5000)) << format;
+    }
+}
+
+TEST_F(PulseSoundOutputTest, aSinkThatVanishesLeavesSilenceAndTheNextOneIsHeard) {
+    PulseSoundOutput output;
+    const auto player = output.playerForFile(QUrl::fromLocalFile(tone()));
     player->play();
-    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return peak() > 0.01f; }, 5000));
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return peak() > 0.4f; }, 5000));
+    recorder.reset();
+    const auto pactl = [&](const QStringList& arguments) {
+        return QProcess::execute(QStringLiteral("pactl"),
+                                 QStringList{QStringLiteral("-s"), address()} + arguments);
+    };
+    ASSERT_EQ(pactl({QStringLiteral("unload-module"), QStringLiteral("module-null-sink")}), 0);
+    QElapsedTimer timer;
+    timer.start();
+    const auto nowhere = output.playerForFile(QUrl::fromLocalFile(tone()));
+    nowhere->play();
+    EXPECT_LT(timer.elapsed(), 1000);
+    QTest::qWait(200);
+    ASSERT_EQ(pactl({QStringLiteral("load-module"), QStringLiteral("module-null-sink"),
+                     QStringLiteral("sink_name=out"), QStringLiteral("rate=44100")}),
+              0);
+    record();
+    const qint64 from = QFileInfo(recording()).size();
+    const auto again = output.playerForFile(QUrl::fromLocalFile(tone()));
+    again->play();
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return peak(from) > 0.4f; }, 5000));
+}
+
+TEST_F(PulseSoundOutputTest, aFileThatDoesNotAnswerIsSilenceAndHoldsUpNeitherTheCallNorTheNextSound) {
+    const QString pipe = folder.filePath(QStringLiteral("pipe.aiff"));
+    ASSERT_EQ(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    PulseSoundOutput output;
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_FALSE(output.playerForFile(QUrl::fromLocalFile(pipe)));
+    // Nor one that the theme leads to.
+    const QString themeFile = folder.filePath(QStringLiteral("sounds/freedesktop/stereo/complete.oga"));
+    QDir().mkpath(QFileInfo(themeFile).path());
+    ASSERT_EQ(mkfifo(QFile::encodeName(themeFile).constData(), 0600), 0);
+    PulseSoundOutput themed([root = folder.path()] { return SoundTheme({root}); });
+    const auto stuck = themed.systemSound(QStringLiteral("Hero"));
+    ASSERT_TRUE(stuck);
+    stuck->play();
+    EXPECT_LT(timer.elapsed(), 500);
+    const auto next = themed.playerForFile(QUrl::fromLocalFile(tone()));
+    next->play();
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return peak() > 0.4f; }, 5000));
+    // Ends the waiting of whoever opened it.
+    QFile end(themeFile);
+    ASSERT_TRUE(end.open(QIODevice::ReadWrite));
+}
+
+/// The manager's own order of places, with real files: a stand-in for the two fixed folders.
+TEST_F(PulseSoundOutputTest, aFileInTheFirstFolderWinsOverTheSecondAndBothOverTheTheme) {
+    class MovedOutput final : public SoundOutput {
+    public:
+        MovedOutput(PulseSoundOutput& output, QString root) : m_output(output), m_root(std::move(root)) {}
+        bool fileExists(const QString& path) const override { return m_output.fileExists(m_root + path); }
+        std::unique_ptr<AudioPlayer> playerForFile(const QUrl& url) override {
+            return m_output.playerForFile(QUrl::fromLocalFile(m_root + url.toLocalFile()));
+        }
+        std::unique_ptr<AudioPlayer> systemSound(const QString& name) override {
+            return m_output.systemSound(name);
+        }
+
+    private:
+        PulseSoundOutput& m_output;
+        QString m_root;
+    };
+    PulseSoundOutput real;
+    MovedOutput output(real, folder.path());
+    SoundManager manager(output);
+    const auto levelOf = [&] {
+        waitForSilence();
+        const qint64 from = QFileInfo(recording()).size();
+        manager.play(CaptureSound::hero, 1.0f);
+        QTest::qWait(600);
+        return peak(from);
+    };
+    const auto place = [&](const QString& path, double amplitude) {
+        const QString file = folder.path() + path;
+        QDir().mkpath(QFileInfo(file).path());
+        QFile::remove(file);
+        EXPECT_TRUE(QFile::copy(tone(440, amplitude), file));
+    };
+    place(QStringLiteral("/System/Library/Components/CoreAudio.component/Contents/SharedSupport/SystemSounds/"
+                         "system/Hero.aif"),
+          0.125);
+    EXPECT_NEAR(levelOf(), 0.125, 0.015);
+    place(QStringLiteral("/System/Library/Sounds/Hero.aiff"), 0.75);
+    EXPECT_NEAR(levelOf(), 0.75, 0.03);
+    QFile text(folder.path() + QStringLiteral("/System/Library/Sounds/Hero.aiff"));
+    ASSERT_TRUE(text.open(QIODevice::WriteOnly));
+    text.write("no sound at all");
+    text.close();
+    EXPECT_NEAR(levelOf(), 0.125, 0.015) << "an unreadable file gives way to the next";
 }
 
 TEST(PulseSoundOutputAlone, isSilentAtOnceWithoutAServerAndRefusesWhatIsNoSound) {

@@ -62,27 +62,27 @@ QByteArray example(bool bigEndian) {
 }
 
 TEST(XSettings, theThemesNameIsFoundInEitherByteOrder) {
-    EXPECT_EQ(themeNameInXSettings(example(false)), QStringLiteral("Greybird-dark"));
-    EXPECT_EQ(themeNameInXSettings(example(true)), QStringLiteral("Greybird-dark"));
+    EXPECT_EQ(textInXSettings(example(false), "Net/ThemeName"), QStringLiteral("Greybird-dark"));
+    EXPECT_EQ(textInXSettings(example(true), "Net/ThemeName"), QStringLiteral("Greybird-dark"));
 }
 
 TEST(XSettings, withoutTheNameThereIsNone) {
     SettingsWriter writer(false);
     writer.addString("Gtk/FontName", "Sans 10");
-    EXPECT_EQ(themeNameInXSettings(writer.property()), QString());
-    EXPECT_EQ(themeNameInXSettings({}), QString());
+    EXPECT_EQ(textInXSettings(writer.property(), "Net/ThemeName"), QString());
+    EXPECT_EQ(textInXSettings({}, "Net/ThemeName"), QString());
 }
 
 TEST(XSettings, damageIsNeverReadPastItsEnd) {
     const QByteArray whole = example(false);
     for (qsizetype length = 0; length < whole.size(); ++length) {
-        const QString name = themeNameInXSettings(whole.left(length));
+        const QString name = textInXSettings(whole.left(length), "Net/ThemeName");
         EXPECT_TRUE(name.isEmpty() || name == QStringLiteral("Greybird-dark")) << length;
     }
     for (qsizetype i = 0; i < whole.size(); ++i) {
         QByteArray damaged = whole;
         damaged[i] = char(0xff);
-        themeNameInXSettings(damaged); // Must return; the sanitizers watch what it reads.
+        textInXSettings(damaged, "Net/ThemeName"); // Must return; the sanitizers watch what it reads.
     }
 }
 
