@@ -73,7 +73,12 @@ void RoundedBox::itemChange(ItemChange change, const ItemChangeData& data) {
 }
 
 void RoundedBox::followPosition() {
-    if (isVisible() && mapToScene({0, 0}) != m_scenePosition)
+    if (!isVisible() || !window())
+        return;
+    // By whole pixels it moves as it is.
+    const QPointF moved = (mapToScene({0, 0}) - m_scenePosition) * window()->effectiveDevicePixelRatio();
+    const auto isWhole = [](double pixels) { return std::abs(pixels - std::round(pixels)) < 1e-3; };
+    if (!isWhole(moved.x()) || !isWhole(moved.y()))
         update();
 }
 

@@ -16,9 +16,13 @@ Item {
     /// Typing ended by a key that goes nowhere else: the keys belong to the slider again.
     signal done
 
+    /// What the field began with: the value cut to the digits shown, which is not to be taken for typed.
+    property string untouched: ""
+
     function open(text: string): void {
         editor.active = true;
         const field = editor.item as T.TextField;
+        untouched = text === "" ? number.text : "";
         field.text = text !== "" ? text : number.text;
         field.forceActiveFocus(Qt.MouseFocusReason);
         if (text === "")
@@ -29,7 +33,7 @@ Item {
             return;
         const text = (editor.item as T.TextField).text;
         editor.active = false;
-        if (take)
+        if (take && text !== untouched)
             typed(text);
     }
 
