@@ -81,7 +81,7 @@ Item {
         focusPolicy: Qt.TabFocus
         Accessible.role: Accessible.Slider
         Accessible.name: control.label
-        Accessible.description: control.enabled ? control.valueText : qsTr("Unavailable")
+        Accessible.description: control.enabled ? control.valueText : Strings.localized("unavailable")
         // What a screen reader sets.
         onValueChanged: {
             if (enabled && Math.abs(value - bound) > 1e-9)

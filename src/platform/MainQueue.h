@@ -24,6 +24,8 @@ public:
     virtual void async(Work work) = 0;
     /// Runs `work` once after `seconds`, unless the item is cancelled or destroyed before.
     [[nodiscard]] virtual std::unique_ptr<WorkItem> after(double seconds, Work work) = 0;
+    /// The same, whatever becomes of the caller: nothing cancels it but the queue's end.
+    virtual void asyncAfter(double seconds, Work work) = 0;
     /// Runs `work` every `seconds` until the item is cancelled or destroyed.
     [[nodiscard]] virtual std::unique_ptr<WorkItem> every(double seconds, Work work) = 0;
 };

@@ -67,9 +67,10 @@ void PermissionsMonitor::disappear() {
 
 void PermissionsMonitor::grantAccessibility() {
     m_permissions.requestAccessibility();
-    m_paneOpening = m_mainQueue.after(paneDelay, [this] {
-        if (!openPrivacyPane(m_panes, PrivacyPane::accessibility))
-            Q_EMIT noSettingsToOpen();
+    // Also where the section has gone meanwhile, to show what the desktop asks.
+    m_mainQueue.asyncAfter(paneDelay, [self = QPointer(this), &panes = m_panes] {
+        if (!openPrivacyPane(panes, PrivacyPane::accessibility) && self)
+            Q_EMIT self->noSettingsToOpen();
     });
 }
 

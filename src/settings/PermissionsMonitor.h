@@ -59,7 +59,6 @@ private:
     std::unique_ptr<WorkItem> m_timerSubscription;
     std::optional<NotificationCenter::Token> m_appActiveSubscription;
     std::optional<NotificationCenter::Token> m_permissionsStatusSubscription;
-    std::unique_ptr<WorkItem> m_paneOpening;
 };
 
 } // namespace framora

@@ -102,8 +102,8 @@ void SettingsForm::setVolume(double volume) {
 }
 
 QString SettingsForm::volumeText() const {
-    // Cut off, but not by what a product such as 0.29 * 100 lacks in its last place.
-    const auto percent = static_cast<long long>(std::floor(m_settings.soundEffectsVolume * 100 + 1e-9));
+    // Cut off, not rounded: 0.29 * 100 lacks a little of 29 and shows as 28.
+    const auto percent = static_cast<long long>(m_settings.soundEffectsVolume * 100);
     return QStringLiteral("%1%").arg(percent);
 }
 

@@ -19,6 +19,10 @@ public:
         return schedule(seconds, 0, std::move(work));
     }
 
+    void asyncAfter(double seconds, Work work) override {
+        m_entries.push_back(std::make_shared<Entry>(Entry{m_now + seconds, 0, std::move(work)}));
+    }
+
     std::unique_ptr<WorkItem> every(double seconds, Work work) override {
         return schedule(seconds, seconds, std::move(work));
     }

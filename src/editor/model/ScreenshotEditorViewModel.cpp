@@ -47,6 +47,7 @@ void ScreenshotEditorViewModel::useStartupTexture() {
     useBackgroundImage(m_config, texture->url);
     m_selectedWallpaperURL = texture->url;
     m_wallpaperImages = {{texture->url, texture->thumbnail}};
+    updateSelectedWallpaperIndex();
 }
 
 StyleHistory::State ScreenshotEditorViewModel::state() const {
@@ -57,8 +58,11 @@ void ScreenshotEditorViewModel::storeConfig(const ScreenshotStyleConfig& config)
     if (m_config == config)
         return;
     m_followsFit = m_followsFit && config.zoom == m_config.zoom;
+    const bool hadImage = hasBackgroundImage();
     m_config = config;
     Q_EMIT configChanged();
+    if (hasBackgroundImage() != hadImage)
+        updateSelectedWallpaperIndex();
 }
 
 void ScreenshotEditorViewModel::apply(const StyleHistory::State& next, const QString& field) {
@@ -82,6 +86,8 @@ bool ScreenshotEditorViewModel::set(const QString& field, const QVariant& value)
     ScreenshotStyleConfig config = m_config;
     if (!writeStyleField(config, field, value))
         return false;
+    if (field == u"backgroundType")
+        noteChoice();
     apply(config, m_history.isEditing(field) || comesInBursts(field, value) ? field : QString());
     return true;
 }
@@ -105,6 +111,7 @@ void ScreenshotEditorViewModel::redo() {
 void ScreenshotEditorViewModel::restore(std::optional<StyleHistory::State> state) {
     if (!state)
         return;
+    noteChoice();
     state->config.zoom = m_config.zoom;
     setSelectedWallpaperURL(state->selectedWallpaperURL);
     setOffset(state->lastOffset);
@@ -137,6 +144,19 @@ QString ScreenshotEditorViewModel::wallpaperName(int index) const {
 void ScreenshotEditorViewModel::setWallpaperImages(std::vector<Wallpaper> wallpapers) {
     m_wallpaperImages = std::move(wallpapers);
     Q_EMIT wallpaperImagesChanged();
+    updateSelectedWallpaperIndex();
+}
+
+void ScreenshotEditorViewModel::updateSelectedWallpaperIndex() {
+    const auto selected =
+        std::find_if(m_wallpaperImages.begin(), m_wallpaperImages.end(),
+                     [&](const auto& entry) { return entry.first == m_selectedWallpaperURL; });
+    const bool isOnOffer = selected != m_wallpaperImages.end() && hasBackgroundImage();
+    const int index = isOnOffer ? int(selected - m_wallpaperImages.begin()) : -1;
+    if (index == m_selectedWallpaperIndex)
+        return;
+    m_selectedWallpaperIndex = index;
+    Q_EMIT selectedWallpaperIndexChanged();
 }
 
 void ScreenshotEditorViewModel::setCanvasSize(QSizeF size) {
@@ -171,6 +191,7 @@ void ScreenshotEditorViewModel::setSelectedWallpaperURL(const QUrl& url) {
         return;
     m_selectedWallpaperURL = url;
     Q_EMIT selectedWallpaperURLChanged();
+    updateSelectedWallpaperIndex();
 }
 
 void ScreenshotEditorViewModel::zoomTo(double percent) {
@@ -221,6 +242,7 @@ void ScreenshotEditorViewModel::randomizeGradient() {
     ScreenshotStyleConfig config = m_config;
     framora::randomizeGradient(config.gradientConfig, m_services.random);
     config.selectedGradientPreset.reset();
+    noteChoice();
     apply(config);
 }
 
@@ -229,7 +251,7 @@ void ScreenshotEditorViewModel::selectMagicPreset(int index) {
     if (index < 0 || index >= presets.size())
         return;
     ScreenshotStyleConfig config = m_config;
-    m_shownChoice = ++m_lastChoice;
+    noteChoice();
     config.selectedMagicPreset = presets[index];
     config.selectedGradient.reset();
     config.selectedSolidColor.reset();
@@ -243,6 +265,7 @@ void ScreenshotEditorViewModel::selectGradientPreset(int index) {
     if (index < 0 || index >= presets.size())
         return;
     ScreenshotStyleConfig config = m_config;
+    noteChoice();
     config.gradientConfig = presets[index].config;
     config.selectedGradientPreset = presets[index];
     apply(config);
@@ -286,7 +309,7 @@ void ScreenshotEditorViewModel::pickCustomColor(const QColor& color) {
     ScreenshotStyleConfig config = m_config;
     config.customColor = fromQColor(color);
     if (color.alpha() != 0) {
-        m_shownChoice = ++m_lastChoice;
+        noteChoice();
         config.selectedMagicPreset.reset();
         config.selectedGradient.reset();
         config.selectedSolidColor.reset();

@@ -43,6 +43,8 @@ class ScreenshotEditorViewModel final : public QObject {
     Q_PROPERTY(QSizeF offset READ offset WRITE setOffset NOTIFY offsetChanged)
     Q_PROPERTY(QSizeF lastOffset READ lastOffset WRITE setLastOffset NOTIFY lastOffsetChanged)
     Q_PROPERTY(QUrl selectedWallpaperURL READ selectedWallpaperURL NOTIFY selectedWallpaperURLChanged)
+    /// Where the selected one stands in `wallpaperURLs`; -1 when it is not there or the style has no image.
+    Q_PROPERTY(int selectedWallpaperIndex READ selectedWallpaperIndex NOTIFY selectedWallpaperIndexChanged)
     Q_PROPERTY(QString newTextContent MEMBER m_newTextContent NOTIFY newTextContentChanged)
     Q_PROPERTY(double newTextFontSize MEMBER m_newTextFontSize NOTIFY newTextFontSizeChanged)
     Q_PROPERTY(QColor newTextColor MEMBER m_newTextColor NOTIFY newTextColorChanged)
@@ -62,7 +64,6 @@ class ScreenshotEditorViewModel final : public QObject {
     Q_PROPERTY(int magicPresetIndex READ magicPresetIndex NOTIFY configChanged)
     Q_PROPERTY(int gradientPresetIndex READ gradientPresetIndex NOTIFY configChanged)
     Q_PROPERTY(int socialPresetIndex READ socialPresetIndex NOTIFY configChanged)
-    Q_PROPERTY(bool hasBackgroundImage READ hasBackgroundImage NOTIFY configChanged)
     Q_PROPERTY(bool canUndo READ canUndo NOTIFY historyChanged)
     Q_PROPERTY(bool canRedo READ canRedo NOTIFY historyChanged)
 
@@ -143,6 +144,7 @@ public:
     QSizeF lastOffset() const { return m_lastOffset; }
     void setLastOffset(QSizeF offset);
     QUrl selectedWallpaperURL() const { return m_selectedWallpaperURL; }
+    int selectedWallpaperIndex() const { return m_selectedWallpaperIndex; }
     QString newTextContent() const { return m_newTextContent; }
     double newTextFontSize() const { return m_newTextFontSize; }
     QColor newTextColor() const { return m_newTextColor; }
@@ -199,6 +201,7 @@ Q_SIGNALS:
     void offsetChanged();
     void lastOffsetChanged();
     void selectedWallpaperURLChanged();
+    void selectedWallpaperIndexChanged();
     void newTextContentChanged();
     void newTextFontSizeChanged();
     void newTextColorChanged();
@@ -226,6 +229,9 @@ private:
     void finishImport(const Import& import, const std::optional<Wallpaper>& wallpaper);
     void setLoading(bool wallpapers, int imports);
     void chooseWallpaper(const QUrl& url, bool showImages);
+    /// The user has chosen what the background shows: an import that was asked for before comes too late.
+    void noteChoice() { m_shownChoice = ++m_lastChoice; }
+    void updateSelectedWallpaperIndex();
     void setSelectedWallpaperURL(const QUrl& url);
     void setWallpaperImages(std::vector<Wallpaper> wallpapers);
     void fitNow();
@@ -243,6 +249,7 @@ private:
     QSizeF m_offset{0, 0};
     QSizeF m_lastOffset{0, 0};
     QUrl m_selectedWallpaperURL;
+    int m_selectedWallpaperIndex = -1;
     QString m_newTextContent;
     double m_newTextFontSize = 24.0;
     QColor m_newTextColor = Qt::white;

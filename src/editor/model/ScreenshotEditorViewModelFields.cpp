@@ -55,7 +55,7 @@ int ScreenshotEditorViewModel::gradientPresetIndex() const {
     const auto& selected = m_config.selectedGradientPreset;
     const auto looks = [](const SimpleGradientConfig& gradient) {
         return std::tuple(gradient.style, gradient.color1, gradient.color2, gradient.useThreeColors,
-                          gradient.angle);
+                          gradient.useThreeColors ? gradient.color3 : Color(), gradient.angle);
     };
     if (!selected || looks(selected->config) != looks(m_config.gradientConfig))
         return -1;

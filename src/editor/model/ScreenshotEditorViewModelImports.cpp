@@ -108,7 +108,7 @@ void ScreenshotEditorViewModel::finishImport(const Import& import,
 }
 
 void ScreenshotEditorViewModel::selectWallpaper(const QUrl& url) {
-    m_shownChoice = ++m_lastChoice;
+    noteChoice();
     chooseWallpaper(url, false);
 }
 

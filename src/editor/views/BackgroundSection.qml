@@ -20,10 +20,10 @@ Section {
         stacked: true
         fitted: true
         options: [
-            { value: "transparent", label: "Transparent", symbol: "checkerboard.rectangle" },
-            { value: "color", label: "Color", symbol: "drop.fill" },
-            { value: "gradient", label: "Gradient", symbol: "circle.lefthalf.filled" },
-            { value: "image", label: "Image", symbol: "photo" }
+            { value: "transparent", label: Strings.localized("transparent"), symbol: "checkerboard.rectangle" },
+            { value: "color", label: Strings.localized("color"), symbol: "drop.fill" },
+            { value: "gradient", label: Strings.localized("gradient"), symbol: "circle.lefthalf.filled" },
+            { value: "image", label: Strings.localized("image"), symbol: "photo" }
         ]
         value: section.viewModel.backgroundType
         onChosen: value => section.viewModel.set("backgroundType", value)

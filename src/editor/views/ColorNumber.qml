@@ -51,9 +51,14 @@ Item {
             restore();
             selectAll();
         }
-        Keys.onUpPressed: event => number.stepped(event.modifiers & Qt.ShiftModifier ? 10 : 1)
-        Keys.onDownPressed: event => number.stepped(event.modifiers & Qt.ShiftModifier ? -10 : -1)
+        Keys.onUpPressed: event => step(event.modifiers & Qt.ShiftModifier ? 10 : 1)
+        Keys.onDownPressed: event => step(event.modifiers & Qt.ShiftModifier ? -10 : -1)
 
+        /// From what was typed, where something was.
+        function step(steps: int): void {
+            take();
+            number.stepped(steps);
+        }
         // Typing has broken the binding.
         function restore(): void {
             text = Qt.binding(() => number.shown);

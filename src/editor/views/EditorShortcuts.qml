@@ -31,20 +31,27 @@ Item {
     }
 
     Shortcut { sequence: "Escape"; enabled: !shortcuts.editingText; onActivated: shortcuts.cancelled() }
-    Shortcut { id: closeKeys; sequence: "Ctrl+W"; onActivated: shortcuts.session.close() }
+    Shortcut { id: closeKeys; sequence: "Ctrl+W"; autoRepeat: false; onActivated: shortcuts.session.close() }
 
     Shortcut {
         id: copyKeys
         sequence: "Ctrl+C"
+        autoRepeat: false
         enabled: !shortcuts.editingText
         onActivated: shortcuts.session.triggerToolbarItem("CopyItem")
     }
     Shortcut {
         sequence: "Ctrl+Ins"
+        autoRepeat: false
         enabled: copyKeys.enabled
         onActivated: shortcuts.session.triggerToolbarItem("CopyItem")
     }
-    Shortcut { id: saveKeys; sequence: "Ctrl+S"; onActivated: shortcuts.session.triggerToolbarItem("SaveItem") }
+    Shortcut {
+        id: saveKeys
+        sequence: "Ctrl+S"
+        autoRepeat: false
+        onActivated: shortcuts.session.triggerToolbarItem("SaveItem")
+    }
 
     // Not in the middle of a drag, which would go on from another place.
     Shortcut {

@@ -35,7 +35,7 @@ Rectangle {
         height: 34
         tabs: true
         fitted: true
-        label: "Style"
+        label: Strings.localized("panels")
         options: [
             { value: 0, label: "Appearance", symbol: "paintbrush" },
             { value: 1, label: "Background", symbol: "photo" },

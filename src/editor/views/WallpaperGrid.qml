@@ -21,11 +21,6 @@ Column {
 
         readonly property int rows: Math.ceil(count / 3)
         readonly property bool scrolls: rows > editor.rowsAtMost
-        readonly property int chosenIndex: {
-            const chosen = String(editor.viewModel.selectedWallpaperURL);
-            return editor.viewModel.hasBackgroundImage
-                ? editor.viewModel.wallpaperURLs.findIndex(url => String(url) === chosen) : -1;
-        }
 
         objectName: "wallpapers"
         // Rings need a little room around the thumbnails; half a row more says that there is more.
@@ -51,7 +46,7 @@ Column {
             objectName: "wallpaper." + index
             width: grid.cellWidth - editor.gap
             height: grid.cellHeight - editor.gap
-            chosen: grid.chosenIndex === index
+            chosen: editor.viewModel.selectedWallpaperIndex === index
             stop: grid.currentIndex === index
             text: editor.viewModel.wallpaperName(index)
             thumbnail: editor.viewModel.wallpaperThumbnail(index) // qmllint disable type

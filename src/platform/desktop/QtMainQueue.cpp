@@ -82,6 +82,14 @@ std::unique_ptr<WorkItem> QtMainQueue::after(double seconds, Work work) {
     return std::make_unique<TimerItem>(m_gate, seconds, false, std::move(work));
 }
 
+void QtMainQueue::asyncAfter(double seconds, Work work) {
+    const auto item = m_uncancelled.emplace(m_uncancelled.end());
+    *item = after(seconds, [this, item, work = std::move(work)] {
+        work();
+        m_uncancelled.erase(item);
+    });
+}
+
 std::unique_ptr<WorkItem> QtMainQueue::every(double seconds, Work work) {
     return std::make_unique<TimerItem>(m_gate, seconds, true, std::move(work));
 }

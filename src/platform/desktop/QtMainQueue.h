@@ -5,6 +5,7 @@
 
 #include <QObject>
 #include <deque>
+#include <list>
 
 namespace framora {
 
@@ -16,6 +17,7 @@ public:
 
     void async(Work work) override;
     std::unique_ptr<WorkItem> after(double seconds, Work work) override;
+    void asyncAfter(double seconds, Work work) override;
     std::unique_ptr<WorkItem> every(double seconds, Work work) override;
 
 private:
@@ -24,7 +26,8 @@ private:
 
     CommandGate& m_gate;
     std::deque<Work> m_work; ///< What async() was given, in its order; each has a turn queued.
-    QObject m_context;       ///< Work that is still queued when the queue goes is dropped with it.
+    std::list<std::unique_ptr<WorkItem>> m_uncancelled; ///< What asyncAfter() waits with.
+    QObject m_context; ///< Work that is still queued when the queue goes is dropped with it.
 };
 
 } // namespace framora

