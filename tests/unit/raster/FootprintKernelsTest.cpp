@@ -39,25 +39,28 @@ TEST(FootprintKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
                 20 * unit(random),
                 unit(random) / 50,
                 0.7f,
-                FootprintTaps::widthCount - 1};
-            std::vector<Footprint> fast(count + 1, Footprint{-7, -7, -7, -7});
-            std::vector<Footprint> slow = fast;
-            projectFootprints(row, count, fast.data());
-            plain::projectFootprints(row, count, slow.data());
-            EXPECT_EQ(fast, slow);
+                FootprintTaps::widthCount - 1,
+                count % 2 ? 128 : 256};
+            FootprintPlaces fast;
+            FootprintPlaces slow;
+            projectFootprints(row, count, fast);
+            plain::projectFootprints(row, count, slow);
+            for (std::size_t i = 0; i < count; ++i)
+                EXPECT_EQ(fast.at(i), slow.at(i));
 
             const FootprintLine lines[] = {{}, {2, 90, -31}, {3, 140, 200}};
             const FootprintLine& line = lines[count % 3];
-            for (Footprint& footprint : fast) {
-                footprint.across = int(random() % (5 << FootprintTaps::widthBits));
-                footprint.down = int(random() % (count % 2 ? 5 : 8 << FootprintTaps::widthBits));
-                footprint.column = (60 << FootprintTaps::phaseBits) + int(random() % 999);
-                footprint.row = (55 << FootprintTaps::phaseBits) + int(random() % 999);
+            for (std::size_t i = 0; i < FootprintPlaces::most; ++i) {
+                fast.across[i] = int(random() % (5 << FootprintTaps::widthBits));
+                fast.down[i] = int(random() % (count % 2 ? 5 : 8 << FootprintTaps::widthBits));
+                fast.columns[i] = (60 << FootprintTaps::phaseBits) + int(random() % 999);
+                fast.rows[i] = (55 << FootprintTaps::phaseBits) + int(random() % 999);
             }
+            const std::size_t first = random() % (FootprintPlaces::most - count);
             std::vector<MixPixel> read(count + 1, MixPixel{{1, 2, 3, 4}});
             std::vector<MixPixel> expected = read;
-            readFootprints(box, fast.data(), line, count, read.data());
-            plain::readFootprints(box, fast.data(), line, count, expected.data());
+            readFootprints(box, fast, first, line, count, read.data());
+            plain::readFootprints(box, fast, first, line, count, expected.data());
             EXPECT_EQ(read, expected);
         }
     });

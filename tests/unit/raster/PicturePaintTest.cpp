@@ -240,6 +240,8 @@ TEST(PicturePyramid, HalvesEverySecondLevel) {
     EXPECT_EQ(picture.pyramid->level(0).width, 64);
     EXPECT_EQ(picture.pyramid->level(1).width, 45);
     EXPECT_EQ(picture.pyramid->level(2).width, 32);
+    EXPECT_EQ(picture.pyramid->level(4, 2).width, 16) << "across by more than down";
+    EXPECT_EQ(picture.pyramid->level(4, 2).height, picture.pyramid->level(2).height);
     EXPECT_EQ(picture.pyramid->level(23).width, 1);
     EXPECT_EQ(picture.pyramid->level(99).height, 1);
 }

@@ -12,19 +12,19 @@ namespace framora::raster::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR || HWY_HAVE_SCALABLE
 
 // No vectors of a known size: the plain kernels.
-void projectRowFootprints(const FootprintRow& row, std::size_t count, Footprint* out) {
+void projectRowFootprints(const FootprintRow& row, std::size_t count, FootprintPlaces& out) {
     plain::projectFootprints(row, count, out);
 }
-void readRowFootprints(const SourceBox& box, const Footprint* footprints, const FootprintLine& line,
-                       std::size_t count, MixPixel* out) {
-    plain::readFootprints(box, footprints, line, count, out);
+void readRowFootprints(const SourceBox& box, const FootprintPlaces& places, std::size_t first,
+                       const FootprintLine& line, std::size_t count, MixPixel* out) {
+    plain::readFootprints(box, places, first, line, count, out);
 }
 
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Floats = hn::CappedTag<float, 8>;
+using Floats = hn::CappedTag<float, 16>;
 using Vector = hn::Vec<Floats>;
 constexpr Floats floats;
 constexpr hn::RebindToSigned<Floats> words;
@@ -33,47 +33,54 @@ constexpr Lanes lanes;
 using OnePixel = hn::CappedTag<std::int16_t, 4>;
 constexpr OnePixel onePixel;
 
-HWY_INLINE hn::Vec<decltype(words)> wholeSteps(Vector value) {
-    const Vector inside =
-        hn::Min(hn::Max(value, hn::Set(floats, -farthestPlace)), hn::Set(floats, farthestPlace));
-    return hn::ConvertTo(words, hn::Mul(inside, hn::Set(floats, float(FootprintTaps::phases))));
-}
-
-HWY_INLINE hn::Vec<decltype(words)> widthIndex(Vector x, Vector y, float share, int most) {
+void projectRowFootprints(const FootprintRow& row, std::size_t count, FootprintPlaces& out) {
     constexpr int fractionBits = 23 - FootprintTaps::widthBits;
     constexpr std::int32_t bitsOfOne = 0x3f800000;
-    const Vector square = hn::Mul(hn::Add(hn::Mul(x, x), hn::Mul(y, y)), hn::Set(floats, share));
-    const auto bits = hn::BitCast(words, hn::Max(square, hn::Set(floats, 1.0f)));
-    const auto rounded =
-        hn::Add(hn::Sub(bits, hn::Set(words, bitsOfOne)), hn::Set(words, 1 << (fractionBits - 1)));
-    return hn::Min(hn::ShiftRight<fractionBits>(rounded), hn::Set(words, most));
-}
-
-void projectRowFootprints(const FootprintRow& row, std::size_t count, Footprint* out) {
-    const ProjectiveRow& place = row.place;
+    const auto all = [](float value) HWY_ATTR { return hn::Set(floats, value); };
+    // What does not change is not read again between the stores.
+    const Vector x = all(row.place.x);
+    const Vector y = all(row.place.y);
+    const Vector w = all(row.place.w);
+    const Vector stepX = all(row.place.stepX);
+    const Vector stepY = all(row.place.stepY);
+    const Vector stepW = all(row.place.stepW);
+    const Vector downX = all(row.downX);
+    const Vector downY = all(row.downY);
+    const Vector downW = all(row.downW);
+    const Vector share = all(row.share);
+    const Vector phases = all(float(row.phases));
+    const auto most = hn::Set(words, row.most);
+    const bool isWide = row.most > 0;
+    const auto steps = [&](Vector value) HWY_ATTR {
+        const Vector inside = hn::Min(hn::Max(value, all(-farthestPlace)), all(farthestPlace));
+        return hn::NearestInt(hn::Mul(inside, phases));
+    };
+    const auto widthIndex = [&](Vector across, Vector down) HWY_ATTR {
+        const Vector square = hn::Mul(hn::Add(hn::Mul(across, across), hn::Mul(down, down)), share);
+        const auto bits = hn::BitCast(words, hn::Max(square, all(1)));
+        const auto rounded =
+            hn::Add(hn::Sub(bits, hn::Set(words, bitsOfOne)), hn::Set(words, 1 << (fractionBits - 1)));
+        return hn::Min(hn::ShiftRight<fractionBits>(rounded), most);
+    };
     const std::size_t step = hn::Lanes(floats);
-    for (std::size_t i = 0; i < count; i += step) {
-        const Vector index = hn::Add(hn::Iota(floats, 0.0f), hn::Set(floats, float(i)));
-        const auto along = [&](float first, float grow) HWY_ATTR {
-            return hn::Add(hn::Set(floats, first), hn::Mul(index, hn::Set(floats, grow)));
-        };
-        const Vector near = hn::Div(hn::Set(floats, 1.0f), along(place.w, place.stepW));
-        const Vector x = hn::Mul(along(place.x, place.stepX), near);
-        const Vector y = hn::Mul(along(place.y, place.stepY), near);
-        const auto slope = [&](float grow, Vector at, float depth) HWY_ATTR {
-            return hn::Mul(hn::Sub(hn::Set(floats, grow), hn::Mul(at, hn::Set(floats, depth))), near);
-        };
-        alignas(32) std::int32_t part[4][8];
-        hn::Store(wholeSteps(x), words, part[0]);
-        hn::Store(wholeSteps(y), words, part[1]);
-        hn::Store(widthIndex(slope(place.stepX, x, place.stepW), slope(row.downX, x, row.downW), row.share,
-                             row.most),
-                  words, part[2]);
-        hn::Store(widthIndex(slope(place.stepY, y, place.stepW), slope(row.downY, y, row.downW), row.share,
-                             row.most),
-                  words, part[3]);
-        for (std::size_t lane = 0; lane < step && i + lane < count; ++lane)
-            out[i + lane] = {part[0][lane], part[1][lane], part[2][lane], part[3][lane]};
+    Vector index = hn::Iota(floats, 0.0f);
+    for (std::size_t i = 0; i < count; i += step, index = hn::Add(index, all(float(step)))) {
+        const auto along = [&](Vector first, Vector grow)
+                               HWY_ATTR { return hn::Add(first, hn::Mul(index, grow)); };
+        const Vector near = hn::Div(all(1), along(w, stepW));
+        const Vector atX = hn::Mul(along(x, stepX), near);
+        const Vector atY = hn::Mul(along(y, stepY), near);
+        hn::Store(steps(atX), words, out.columns + i);
+        hn::Store(steps(atY), words, out.rows + i);
+        if (!isWide) {
+            hn::Store(hn::Zero(words), words, out.across + i);
+            hn::Store(hn::Zero(words), words, out.down + i);
+            continue;
+        }
+        const auto slope = [&](Vector grow, Vector at, Vector depth)
+                               HWY_ATTR { return hn::Mul(hn::Sub(grow, hn::Mul(at, depth)), near); };
+        hn::Store(widthIndex(slope(stepX, atX, stepW), slope(downX, atX, downW)), words, out.across + i);
+        hn::Store(widthIndex(slope(stepY, atY, stepW), slope(downY, atY, downW)), words, out.down + i);
     }
 }
 
@@ -153,8 +160,8 @@ HWY_INLINE hn::Vec<OnePixel> readFootprint(const SourceBox& box, const Footprint
     }
 }
 
-void readRowFootprints(const SourceBox& box, const Footprint* footprints, const FootprintLine& line,
-                       std::size_t count, MixPixel* out) {
+void readRowFootprints(const SourceBox& box, const FootprintPlaces& places, std::size_t first,
+                       const FootprintLine& line, std::size_t count, MixPixel* out) {
     const hn::Repartition<std::uint8_t, OnePixel> bytes;
     alignas(16) static constexpr std::uint8_t ofAlpha[8] = {6, 7, 6, 7, 6, 7, 6, 7};
     const auto alphaPattern = hn::Load(bytes, ofAlpha);
@@ -162,11 +169,12 @@ void readRowFootprints(const SourceBox& box, const Footprint* footprints, const 
     for (std::size_t i = 0; i < count; ++i) {
         auto total = hn::Zero(onePixel);
         if (line.count == 1)
-            total = readFootprint(box, footprints[i]);
+            total = readFootprint(box, places.at(first + i));
         else
             for (int reading = 0; reading < line.count; ++reading)
-                total = hn::Add(total, hn::MulFixedPoint15(
-                                           readFootprint(box, line.reading(footprints[i], reading)), weight));
+                total = hn::Add(total,
+                                hn::MulFixedPoint15(
+                                    readFootprint(box, line.reading(places.at(first + i), reading)), weight));
         const auto positive = hn::Max(total, hn::Zero(onePixel));
         const auto alpha =
             hn::BitCast(onePixel, hn::TableLookupBytes(hn::BitCast(bytes, positive), alphaPattern));
@@ -187,13 +195,13 @@ namespace framora::raster {
 HWY_EXPORT(projectRowFootprints);
 HWY_EXPORT(readRowFootprints);
 
-void projectFootprints(const FootprintRow& row, std::size_t count, Footprint* out) {
+void projectFootprints(const FootprintRow& row, std::size_t count, FootprintPlaces& out) {
     HWY_DYNAMIC_DISPATCH(projectRowFootprints)(row, count, out);
 }
 
-void readFootprints(const SourceBox& box, const Footprint* footprints, const FootprintLine& line,
-                    std::size_t count, MixPixel* out) {
-    HWY_DYNAMIC_DISPATCH(readRowFootprints)(box, footprints, line, count, out);
+void readFootprints(const SourceBox& box, const FootprintPlaces& places, std::size_t first,
+                    const FootprintLine& line, std::size_t count, MixPixel* out) {
+    HWY_DYNAMIC_DISPATCH(readRowFootprints)(box, places, first, line, count, out);
 }
 
 } // namespace framora::raster

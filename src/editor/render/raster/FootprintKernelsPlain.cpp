@@ -3,14 +3,15 @@
 #include "editor/render/raster/ResampleKernels.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace framora::raster::plain {
 
-void projectFootprints(const FootprintRow& row, std::size_t count, Footprint* out) {
+void projectFootprints(const FootprintRow& row, std::size_t count, FootprintPlaces& out) {
     const ProjectiveRow& place = row.place;
-    const auto whole = [](float value) {
+    const auto whole = [&row](float value) {
         const float inside = std::min(std::max(value, -farthestPlace), farthestPlace);
-        return std::int32_t(inside * float(FootprintTaps::phases));
+        return std::int32_t(std::lrint(inside * float(row.phases)));
     };
     for (std::size_t i = 0; i < count; ++i) {
         const auto index = float(i);
@@ -21,23 +22,24 @@ void projectFootprints(const FootprintRow& row, std::size_t count, Footprint* ou
         const float acrossY = (row.downX - x * row.downW) * near;
         const float downX = (place.stepY - y * place.stepW) * near;
         const float downY = (row.downY - y * row.downW) * near;
-        out[i] = {whole(x), whole(y),
-                  FootprintTaps::index((acrossX * acrossX + acrossY * acrossY) * row.share, row.most),
-                  FootprintTaps::index((downX * downX + downY * downY) * row.share, row.most)};
+        out.columns[i] = whole(x);
+        out.rows[i] = whole(y);
+        out.across[i] = FootprintTaps::index((acrossX * acrossX + acrossY * acrossY) * row.share, row.most);
+        out.down[i] = FootprintTaps::index((downX * downX + downY * downY) * row.share, row.most);
     }
 }
 
-void readFootprints(const SourceBox& box, const Footprint* footprints, const FootprintLine& line,
-                    std::size_t count, MixPixel* out) {
+void readFootprints(const SourceBox& box, const FootprintPlaces& places, std::size_t first,
+                    const FootprintLine& line, std::size_t count, MixPixel* out) {
     for (std::size_t i = 0; i < count; ++i) {
         int total[4] = {};
         for (int reading = 0; reading < line.count; ++reading) {
-            const Footprint footprint = line.reading(footprints[i], reading);
+            const Footprint footprint = line.reading(places.at(first + i), reading);
             const FootprintTaps& across = FootprintTaps::of(footprint.across);
             const FootprintTaps& down = FootprintTaps::of(footprint.down);
             const int column = footprint.column & (FootprintTaps::phases - 1);
             const int row = footprint.row & (FootprintTaps::phases - 1);
-            const MixPixel* first =
+            const MixPixel* from =
                 box.pixels +
                 std::ptrdiff_t((footprint.row >> FootprintTaps::phaseBits) + down.first(row)) * box.width +
                 (footprint.column >> FootprintTaps::phaseBits) + across.first(column);
@@ -46,7 +48,7 @@ void readFootprints(const SourceBox& box, const Footprint* footprints, const Foo
                 for (int c = 0; c < 4; ++c) {
                     int sum = 0;
                     for (int y = 0; y < down.count(); ++y)
-                        sum += mulFixed(first[y * box.width + x].channel[c], down.weights(row)[y]);
+                        sum += mulFixed(from[y * box.width + x].channel[c], down.weights(row)[y]);
                     sums[c] += mulFixed(std::int16_t(sum), across.weights(column)[x]);
                 }
             for (int c = 0; c < 4; ++c)

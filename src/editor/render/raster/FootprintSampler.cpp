@@ -1,6 +1,6 @@
 #include "editor/render/raster/FootprintSampler.h"
 
-#include "editor/render/raster/ResampleKernels.h"
+#include "editor/render/raster/CubicKernels.h"
 
 #include <algorithm>
 #include <array>
@@ -32,6 +32,10 @@ FootprintSampler::Ellipse widened(const FootprintSampler::Ellipse& exact) {
             narrowSide + (longSide - narrowSide) * (1 - alongX)};
 }
 
+double inside(double value, double size) {
+    return value > -4 ? std::min(value, size + 4) : -4; // what is not a number goes to the edge
+}
+
 } // namespace
 
 double FootprintSampler::Ellipse::longest() const {
@@ -56,8 +60,10 @@ FootprintSampler::FootprintSampler(const PicturePyramid& pyramid, const Homograp
     : m_pyramid(pyramid), m_toSource(toSource) {}
 
 FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
-    const auto ellipseAt = [this](double x, double y) {
+    bool isInFront = true;
+    const auto ellipseAt = [&](double x, double y) {
         const double depth = m_toSource.depth({x, y});
+        isInFront = isInFront && depth > 0;
         return depth > 0 ? ellipse(m_toSource, m_toSource.map({x, y}), depth) : Ellipse{1e12, 0, 1e12};
     };
     Plan plan;
@@ -85,22 +91,38 @@ FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
             std::ceil(std::sqrt(1 + 12 * variance * slant / (widestGap * widestGap))), mostReadings));
     }
 
-    double narrow = 1e12;
-    double largest = 1;
+    double narrowX = 1e12;
+    double narrowY = 1e12;
+    double largestX = 1;
+    double largestY = 1;
     for (const Ellipse& corner : corners) {
         const double xx = std::max(corner.xx * double(plan.share), 1.0);
         const double yy = std::max(corner.yy * double(plan.share), 1.0);
-        constexpr double most = longestFootprint * longestFootprint;
-        narrow = std::min(narrow, std::max(std::min(xx, yy), std::max(xx, yy) / most));
-        largest = std::max(largest, std::max(xx, yy));
+        const double narrowest = std::max(xx, yy) / (longestFootprint * longestFootprint);
+        narrowX = std::min(narrowX, std::max(xx, narrowest));
+        narrowY = std::min(narrowY, std::max(yy, narrowest));
+        largestX = std::max(largestX, xx);
+        largestY = std::max(largestY, yy);
     }
     // A level halves the square of a side; the exponent of a double is the whole part of its logarithm.
-    plan.level = m_pyramid.level(std::ilogb(narrow * (1 + 1e-9)));
+    int levelX = std::ilogb(narrowX * (1 + 1e-9));
+    int levelY = std::ilogb(narrowY * (1 + 1e-9));
+    // Different ones across and down of almost the picture's size would take long to make, and much memory.
+    if (std::min(levelX, levelY) < 2)
+        levelX = levelY = std::min(levelX, levelY);
+    plan.level = m_pyramid.level(levelX, levelY);
     const double scaleX = double(plan.level.width) / m_pyramid.picture().width;
     const double scaleY = double(plan.level.height) / m_pyramid.picture().height;
     plan.toLevel = Homography::scaling(scaleX, scaleY) * m_toSource;
-    const double most = largest * std::max(scaleX * scaleX, scaleY * scaleY);
-    plan.most = FootprintTaps::index(float(most), FootprintTaps::widthCount - 2) + 1;
+    const int mostX = FootprintTaps::index(float(largestX * scaleX * scaleX), FootprintTaps::widthCount - 2);
+    const int mostY = FootprintTaps::index(float(largestY * scaleY * scaleY), FootprintTaps::widthCount - 2);
+    plan.most = std::max(mostX, mostY);
+    // The picture itself may hold what a reduction has lost already.
+    const auto fits = [](int most, int level) {
+        return most <= (level == 0 ? CubicTaps::lastThorough : CubicTaps::widthCount);
+    };
+    plan.isCubic = isInFront && fits(mostX, levelX) && fits(mostY, levelY);
+    plan.most = plan.isCubic ? std::min(plan.most, CubicTaps::widthCount - 1) : plan.most + 1;
 
     if (plan.line.count > 1) {
         const int gaps = plan.line.count * plan.line.count - 1;
@@ -113,8 +135,13 @@ FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
             plan.line.stepY = -plan.line.stepY;
     }
     const int longStep = std::max(plan.line.stepX, std::abs(plan.line.stepY));
-    plan.reach = FootprintTaps::of(plan.most).reach() + 2 +
-                 (plan.line.count * longStep / 2 >> FootprintTaps::phaseBits);
+    plan.reach = plan.line.count * longStep / 2 >> FootprintTaps::phaseBits;
+    if (plan.isCubic) {
+        plan.line.stepX *= CubicTaps::phases / FootprintTaps::phases;
+        plan.line.stepY *= CubicTaps::phases / FootprintTaps::phases;
+        return plan;
+    }
+    plan.reach += FootprintTaps::of(plan.most).reach() + 2;
     // Near the picture's pixels places are exact.
     const Vec2 first = plan.toLevel.map({block.x + 0.5, block.y + 0.5});
     const auto near = [](double place, int size) {
@@ -125,20 +152,29 @@ FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
     return plan;
 }
 
-void FootprintSampler::project(const Plan& plan, const TileRect& block, int y, int count,
-                               Footprint* out) const {
-    const Homography map = Homography::translation(-0.5 - plan.originX, -0.5 - plan.originY) * plan.toLevel *
-                           Homography::translation(block.x + 0.5, y + 0.5);
+void FootprintSampler::project(const Plan& plan, const Homography& map, const TileRect& block, int y,
+                               int count, FootprintPlaces& out) {
+    const int down = y - block.y;
+    const auto first = [&](int row) { return map(row, 2) + map(row, 1) * down; };
     // The depth may pass through nothing at any one pixel.
-    const double scale = 1 / std::max(std::abs(map(2, 2)), std::abs(map(2, 0)) * block.width);
-    const auto at = [&](int row, int column) { return float(map(row, column) * scale); };
-    const FootprintRow row{{at(0, 2), at(1, 2), at(2, 2), at(0, 0), at(1, 0), at(2, 0)},
-                           at(0, 1),
-                           at(1, 1),
-                           at(2, 1),
+    const double scale = 1 / std::max(std::abs(first(2)), std::abs(map(2, 0)) * block.width);
+    const auto at = [&](int row) { return float(first(row) * scale); };
+    const auto step = [&](int row, int column) { return float(map(row, column) * scale); };
+    const FootprintRow row{{at(0), at(1), at(2), step(0, 0), step(1, 0), step(2, 0)},
+                           step(0, 1),
+                           step(1, 1),
+                           step(2, 1),
                            plan.share,
-                           plan.most};
+                           plan.most,
+                           plan.isCubic ? CubicTaps::phases : FootprintTaps::phases};
     projectFootprints(row, std::size_t(count), out);
+}
+
+void FootprintSampler::projectWide(const Plan& plan, const TileRect& block, int y, int count,
+                                   FootprintPlaces& out) {
+    const Homography map = Homography::translation(-0.5 - plan.originX, -0.5 - plan.originY) * plan.toLevel *
+                           Homography::translation(block.x + 0.5, block.y + 0.5);
+    project(plan, map, block, y, count, out);
     // A pixel that shows some of the picture has its middle elsewhere at times: it shows what is near it.
     constexpr int bits = FootprintTaps::phaseBits;
     const auto bounds = [](int size, int origin) {
@@ -148,20 +184,100 @@ void FootprintSampler::project(const Plan& plan, const TileRect& block, int y, i
     const auto [left, right] = bounds(plan.level.width, plan.originX);
     const auto [top, bottom] = bounds(plan.level.height, plan.originY);
     for (int i = 0; i < count; ++i) {
-        out[i].column = std::clamp(out[i].column, left, right);
-        out[i].row = std::clamp(out[i].row, top, bottom);
+        out.columns[i] = std::clamp(out.columns[i], left, right);
+        out.rows[i] = std::clamp(out.rows[i], top, bottom);
+    }
+}
+
+Homography FootprintSampler::cubicMap(const Plan& plan, const TileRect& block, const TileRect& box) {
+    return Homography::translation(-1.5 - box.x, -1.5 - box.y) * plan.toLevel *
+           Homography::translation(block.x + 0.5, block.y + 0.5);
+}
+
+TileRect FootprintSampler::cubicBox(const Plan& plan, const TileRect& part) {
+    double left = plan.level.width + 4;
+    double right = -4;
+    double top = plan.level.height + 4;
+    double bottom = -4;
+    for (const int x : {part.x, part.x + part.width})
+        for (const int y : {part.y, part.y + part.height}) {
+            const Vec2 corner = plan.toLevel.map({double(x), double(y)});
+            left = std::min(left, inside(corner.x, plan.level.width));
+            right = std::max(right, inside(corner.x, plan.level.width));
+            top = std::min(top, inside(corner.y, plan.level.height));
+            bottom = std::max(bottom, inside(corner.y, plan.level.height));
+        }
+    // The neighbours of the pixels that lie between, and one more for rounding.
+    const int margin = 3 + plan.reach;
+    const int firstColumn = int(std::floor(left)) - margin;
+    const int firstRow = int(std::floor(top)) - margin;
+    return TileRect{firstColumn, firstRow, int(std::ceil(right)) + margin - firstColumn,
+                    int(std::ceil(bottom)) + margin - firstRow};
+}
+
+void FootprintSampler::readCubic(const Plan& plan, const TileRect& block, int x, int y, int count,
+                                 Float4* out) const {
+    const TileRect box = cubicBox(plan, block);
+    FootprintPlaces places;
+    project(plan, cubicMap(plan, block, box), block, y, x - block.x + count, places);
+    for (int i = 0; i < count; ++i) {
+        Float4 total = splat(0);
+        for (int reading = 0; reading < plan.line.count; ++reading) {
+            const Footprint place = plan.line.reading(places.at(std::size_t(x - block.x + i)), reading);
+            const auto clamped = [](int at, int size) {
+                return std::clamp(at, 0, (size - 3) * CubicTaps::phases - 1);
+            };
+            const int column = clamped(place.column, box.width);
+            const int row = clamped(place.row, box.height);
+            const std::int16_t* across = CubicTaps::spread(place.across, column % CubicTaps::phases);
+            const std::int16_t* down = CubicTaps::spread(place.down, row % CubicTaps::phases);
+            const int left = box.x + column / CubicTaps::phases;
+            const int top = box.y + row / CubicTaps::phases;
+            for (int j = 0; j < 4; ++j) {
+                const std::uint32_t* line = plan.level.row(std::clamp(top + j, 0, plan.level.height - 1));
+                Float4 sum = splat(0);
+                for (int k = 0; k < 4; ++k)
+                    sum += unpack(line[std::clamp(left + k, 0, plan.level.width - 1)]) * splat(across[4 * k]);
+                total += sum * splat(down[4 * j]);
+            }
+        }
+        constexpr float one = float(CubicTaps::one) * float(CubicTaps::one);
+        out[i] = clampPremultiplied(total * splat(1 / one / float(plan.line.count)), 255);
+    }
+}
+
+void FootprintSampler::mixCubic(const Plan& plan, const TileRect& block, const TileRect& part, MixPixel* out,
+                                int stride) const {
+    const TileRect whole = cubicBox(plan, block);
+    const TileRect read = cubicBox(plan, part);
+    SourceBox box{nullptr, read.width, read.height};
+    thread_local std::vector<MixPixel> pixels;
+    pixels.resize(std::max(pixels.size(), std::size_t(box.width) * std::size_t(box.height)));
+    widenBox(plan.level, read.x, read.y, box, pixels.data());
+    box.pixels = pixels.data();
+    // The places are told from the block's corner in what the whole block reads, so that they come out alike
+    // for any part of it.
+    const Homography map = cubicMap(plan, block, whole);
+    const CubicOrigin origin{read.x - whole.x, read.y - whole.y};
+    const int skipped = part.x - block.x;
+    FootprintPlaces places;
+    for (int y = part.y; y < part.y + part.height; ++y, out += stride) {
+        project(plan, map, block, y, skipped + part.width, places);
+        interpolateRow(box, origin, places, std::size_t(skipped), plan.line, std::size_t(part.width), out);
     }
 }
 
 void FootprintSampler::read(const TileRect& block, int x, int y, int count, Float4* out) const {
     const Plan plan = this->plan(block);
-    std::array<Footprint, mostBlockWidth> footprints;
-    project(plan, block, y, x - block.x + count, footprints.data());
+    if (plan.isCubic)
+        return readCubic(plan, block, x, y, count, out);
+    FootprintPlaces places;
+    projectWide(plan, block, y, x - block.x + count, places);
     constexpr int fraction = FootprintTaps::phases - 1;
     for (int i = 0; i < count; ++i) {
         Float4 total = splat(0);
         for (int reading = 0; reading < plan.line.count; ++reading) {
-            const Footprint footprint = plan.line.reading(footprints[std::size_t(x - block.x + i)], reading);
+            const Footprint footprint = plan.line.reading(places.at(std::size_t(x - block.x + i)), reading);
             const FootprintTaps& across = FootprintTaps::of(footprint.across);
             const FootprintTaps& down = FootprintTaps::of(footprint.down);
             const std::int16_t* columns = across.weights(footprint.column & fraction);
@@ -185,21 +301,25 @@ void FootprintSampler::read(const TileRect& block, int x, int y, int count, Floa
 
 bool FootprintSampler::mix(const TileRect& block, const TileRect& part, MixPixel* out, int stride) const {
     const Plan plan = this->plan(block);
+    if (plan.isCubic) {
+        mixCubic(plan, block, part, out, stride);
+        return true;
+    }
     constexpr int bits = FootprintTaps::phaseBits;
-    thread_local std::vector<Footprint> footprints;
-    footprints.resize(std::size_t(mostBlockWidth) * std::size_t(part.height));
+    thread_local std::array<FootprintPlaces, mostBlockHeight> places;
+    const int skipped = part.x - block.x;
     int left = 1 << 30;
     int right = -(1 << 30);
     int top = left;
     int bottom = right;
     for (int y = 0; y < part.height; ++y) {
-        Footprint* row = footprints.data() + std::ptrdiff_t(y) * mostBlockWidth;
-        project(plan, block, part.y + y, part.x - block.x + part.width, row);
-        for (int x = part.x - block.x; x < part.x - block.x + part.width; ++x) {
-            left = std::min(left, row[x].column);
-            right = std::max(right, row[x].column);
-            top = std::min(top, row[x].row);
-            bottom = std::max(bottom, row[x].row);
+        FootprintPlaces& row = places[std::size_t(y)];
+        projectWide(plan, block, part.y + y, skipped + part.width, row);
+        for (int x = skipped; x < skipped + part.width; ++x) {
+            left = std::min(left, row.columns[x]);
+            right = std::max(right, row.columns[x]);
+            top = std::min(top, row.rows[x]);
+            bottom = std::max(bottom, row.rows[x]);
         }
     }
     const int firstColumn = (left >> bits) - plan.reach;
@@ -216,12 +336,12 @@ bool FootprintSampler::mix(const TileRect& block, const TileRect& part, MixPixel
     widenBox(plan.level, plan.originX + firstColumn, plan.originY + firstRow, box, pixels.data());
     box.pixels = pixels.data();
     for (int y = 0; y < part.height; ++y, out += stride) {
-        Footprint* row = footprints.data() + std::ptrdiff_t(y) * mostBlockWidth + (part.x - block.x);
-        for (int x = 0; x < part.width; ++x) {
-            row[x].column -= firstColumn * FootprintTaps::phases;
-            row[x].row -= firstRow * FootprintTaps::phases;
+        FootprintPlaces& row = places[std::size_t(y)];
+        for (int x = skipped; x < skipped + part.width; ++x) {
+            row.columns[x] -= firstColumn * FootprintTaps::phases;
+            row.rows[x] -= firstRow * FootprintTaps::phases;
         }
-        readFootprints(box, row, plan.line, std::size_t(part.width), out);
+        readFootprints(box, row, std::size_t(skipped), plan.line, std::size_t(part.width), out);
     }
     return true;
 }

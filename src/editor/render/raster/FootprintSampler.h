@@ -7,13 +7,16 @@
 
 namespace framora::raster {
 
-/// Reads the blocks of a picture that a projective map makes smaller. Each pixel mixes what lies under its
-/// footprint: with a cubic stretched along both axes of the reduction that fits the footprint's narrow side,
-/// and where the footprint is long and lies aslant, with several of them along it.
+/// Reads the blocks of a picture under a projective map. Each pixel mixes what lies under its footprint: with
+/// a cubic along both axes of the reduction that fits the footprint, and where the footprint is long and lies
+/// aslant, with several of them along it. Where the reduction fits so well everywhere in a block that four
+/// pixels a side are enough, that is all they read (CubicTaps), else as many as the widths want
+/// (FootprintTaps).
 class FootprintSampler {
 public:
-    /// Blocks are this high and wide at most.
-    static constexpr int mostBlockWidth = 64;
+    /// Blocks are this wide and this high at most.
+    static constexpr int mostBlockWidth = int(FootprintPlaces::most);
+    static constexpr int mostBlockHeight = 32;
 
     /// `toSource` maps output pixels to pixels of the pyramid's picture. `pyramid` must live as long as this.
     FootprintSampler(const PicturePyramid& pyramid, const Homography& toSource);
@@ -21,7 +24,7 @@ public:
     /// The premultiplied colours, 0...255, of the `count` pixels from (x, y); they lie in `block`.
     void read(const TileRect& block, int x, int y, int count, Float4* out) const;
     /// The same for a part of a block, 0...mixOne. Its rows in `out` are `stride` pixels apart. False, and
-    /// nothing done, where the picture is too small to be read fast.
+    /// nothing done, where more of the picture would be read than is worth it.
     bool mix(const TileRect& block, const TileRect& part, MixPixel* out, int stride) const;
 
     /// The square of a footprint: the source offsets d with d' m^-1 d = 1 lie on its border.
@@ -40,6 +43,7 @@ private:
     struct Plan {
         PixelView level;
         Homography toLevel;
+        bool isCubic = false; ///< With four pixels a side.
         /// The pixel of the level that places are counted from.
         int originX = 0;
         int originY = 0;
@@ -49,8 +53,18 @@ private:
         int reach = 0; ///< Pixels of the level beyond a place that its reading may use.
     };
     Plan plan(const TileRect& block) const;
-    /// The footprints of the first `count` pixels of row y of a block.
-    void project(const Plan& plan, const TileRect& block, int y, int count, Footprint* out) const;
+    /// The footprints of the first `count` pixels of row y of a block, which lies at `map` in the level.
+    static void project(const Plan& plan, const Homography& map, const TileRect& block, int y, int count,
+                        FootprintPlaces& out);
+    /// project() for what FootprintTaps read.
+    static void projectWide(const Plan& plan, const TileRect& block, int y, int count, FootprintPlaces& out);
+    /// From a block's pixels to the first of the four by four of the level, counted from the corner of `box`.
+    static Homography cubicMap(const Plan& plan, const TileRect& block, const TileRect& box);
+    /// The columns and rows of the level that a part of a block reads four by four of.
+    static TileRect cubicBox(const Plan& plan, const TileRect& part);
+    void readCubic(const Plan& plan, const TileRect& block, int x, int y, int count, Float4* out) const;
+    void mixCubic(const Plan& plan, const TileRect& block, const TileRect& part, MixPixel* out,
+                  int stride) const;
 
     const PicturePyramid& m_pyramid;
     Homography m_toSource;

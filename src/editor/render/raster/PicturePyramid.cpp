@@ -25,19 +25,23 @@ PicturePyramid::PicturePyramid(PixelView picture) : m_picture(picture) {
     m_isOpaque = isOpaque;
 }
 
-PixelView PicturePyramid::level(int level) const {
-    if (level <= 0)
+PixelView PicturePyramid::level(int across, int down) const {
+    across = std::clamp(across, 0, levelCount - 1);
+    down = std::clamp(down, 0, levelCount - 1);
+    if (across == 0 && down == 0)
         return m_picture;
-    level = std::min(level, levelCount - 1);
-    const auto index = std::size_t(level);
-    std::call_once(m_made[index], [&] {
-        const double factor = std::exp2(-level / 2.0);
-        m_levels[index] = PixelBuffer::create(std::max(1, int(std::lround(m_picture.width * factor))),
-                                              std::max(1, int(std::lround(m_picture.height * factor))));
+    Level& level = m_levels[std::size_t(across)][std::size_t(down)];
+    std::call_once(level.made, [&] {
+        const auto reduced = [](int size, int steps) {
+            return std::max(1, int(std::lround(size * std::exp2(-steps / 2.0))));
+        };
+        level.pixels = PixelBuffer::create(reduced(m_picture.width, across), reduced(m_picture.height, down));
         // From the next larger half, quarter and so on, which most levels are asked for with anyway.
-        resample(this->level(level % 2 ? level - 1 : level - 2), m_levels[index].mutableView());
+        const auto larger = [](int steps) { return steps - (steps % 2 ? 1 : 2); };
+        resample(this->level(across >= down ? larger(across) : across, down >= across ? larger(down) : down),
+                 level.pixels.mutableView());
     });
-    return m_levels[index].isEmpty() ? m_picture : m_levels[index].view();
+    return level.pixels.isEmpty() ? m_picture : level.pixels.view();
 }
 
 } // namespace framora::raster

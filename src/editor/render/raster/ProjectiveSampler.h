@@ -6,8 +6,6 @@
 #include "editor/render/raster/MixTile.h"
 #include "editor/render/raster/PicturePyramid.h"
 
-#include <optional>
-
 namespace framora::raster {
 
 /// Reads a picture under any projective map, block by block. Where it is magnified it interpolates with a
@@ -24,12 +22,8 @@ public:
     void mix(const TileRect& tile, MixPixel* out) const;
 
 private:
-    /// mix() of a part of a block where every pixel of the block is magnified; false, and nothing done,
-    /// elsewhere. The rows of `out` are `stride` pixels apart.
-    bool mixMagnified(const TileRect& block, const TileRect& part, MixPixel* out, int stride) const;
-    /// The source columns and rows around a block and the neighbours that it reads; none where not every
-    /// pixel of the block is magnified.
-    std::optional<TileRect> magnifiedSource(const TileRect& block) const;
+    /// Whether no pixel of a block spans more than one of the picture's in any direction.
+    bool isMagnified(const TileRect& block) const;
     Float4 interpolated(Vec2 source) const;
 
     const PicturePyramid& m_pyramid;

@@ -1,12 +1,14 @@
-#include "editor/render/raster/ProjectiveKernels.h"
+#include "editor/render/raster/CubicKernels.h"
 
 #include "editor/render/raster/PixelBuffer.h"
 #include "editor/render/raster/ProjectiveSampler.h"
 #include "editor/render/raster/ResampleKernels.h"
 #include "unit/raster/EachTarget.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <numbers>
 #include <random>
 #include <vector>
 
@@ -22,10 +24,9 @@ std::vector<std::uint32_t> randomPicture(std::mt19937& random, std::size_t count
     return pixels;
 }
 
-TEST(ProjectiveKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
+TEST(CubicKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
     forEachTarget([](const char* target) {
         std::mt19937 random(5);
-        std::uniform_real_distribution<float> unit(-1, 1);
         for (std::size_t count = 0; count < 40; ++count) {
             SCOPED_TRACE(testing::Message() << target << ", " << count << " pixels");
             constexpr int width = 23;
@@ -38,41 +39,84 @@ TEST(ProjectiveKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
             EXPECT_EQ(pixels, expected);
             plain::widenRow(picture.data(), picture.size(), pixels.data());
             const SourceBox box{pixels.data(), width, height};
-            const ProjectiveRow row{5 + 9 * unit(random), 5 + 9 * unit(random), 1,
-                                    unit(random),         unit(random),         unit(random) / 50};
-            std::vector<std::int32_t> columns(count + 1, -7);
-            std::vector<std::int32_t> rows(count + 1, -7);
-            auto plainColumns = columns;
-            auto plainRows = rows;
-            projectRow(row, box, count, columns.data(), rows.data());
-            plain::projectRow(row, box, count, plainColumns.data(), plainRows.data());
-            EXPECT_EQ(columns, plainColumns);
-            EXPECT_EQ(rows, plainRows);
+            const std::size_t first = random() % (FootprintPlaces::most - count);
+            FootprintPlaces places;
+            for (std::size_t i = 0; i < FootprintPlaces::most; ++i) {
+                // Some lie beyond the box.
+                places.columns[i] = int(random() % 8000) - 800;
+                places.rows[i] = int(random() % 6000) - 600;
+                places.across[i] = int(random() % CubicTaps::widthCount);
+                places.down[i] = int(random() % CubicTaps::widthCount);
+            }
+            const FootprintLine lines[] = {{}, {2, 90, -31}, {3, 140, 200}};
+            const CubicOrigin origins[] = {{0, 0}, {2, -1}};
             std::vector<MixPixel> fast(count + 1, MixPixel{{1, 2, 3, 4}});
             std::vector<MixPixel> slow = fast;
-            interpolateRow(box, columns.data(), rows.data(), count, fast.data());
-            plain::interpolateRow(box, columns.data(), rows.data(), count, slow.data());
+            interpolateRow(box, origins[count % 2], places, first, lines[count % 3], count, fast.data());
+            plain::interpolateRow(box, origins[count % 2], places, first, lines[count % 3], count,
+                                  slow.data());
             EXPECT_EQ(fast, slow);
         }
     });
 }
 
-TEST(ProjectiveKernels, StayInsideTheBoxWhateverTheMap) {
-    const std::vector<MixPixel> pixels(64);
-    const SourceBox box{pixels.data(), 8, 8};
-    std::vector<std::int32_t> columns(64);
-    std::vector<std::int32_t> rows(64);
+TEST(CubicKernels, StayInsideTheBoxWhateverTheMap) {
+    // Every pixel of the box is white, and what lies around it is not.
+    std::vector<MixPixel> pixels(64 + 200);
+    std::fill_n(pixels.begin() + 100, 64, MixPixel{{32640, 32640, 32640, 32640}});
+    const SourceBox box{pixels.data() + 100, 8, 8};
+    FootprintPlaces places;
+    std::vector<MixPixel> out(FootprintPlaces::most);
     for (const ProjectiveRow& row :
          {ProjectiveRow{-1e9f, 1e9f, 1, 1e8f, -1e8f, 0}, ProjectiveRow{1, 1, 1, 0, 0, -0.1f},
           ProjectiveRow{1, 1, 0, 0, 0, 0}, ProjectiveRow{NAN, NAN, NAN, 0, 0, 0}}) {
-        projectRow(row, box, 64, columns.data(), rows.data());
-        for (int i = 0; i < 64; ++i) {
-            EXPECT_GE(columns[std::size_t(i)], 0);
-            EXPECT_LE(columns[std::size_t(i)] >> positionBits, 4);
-            EXPECT_GE(rows[std::size_t(i)], 0);
-            EXPECT_LE(rows[std::size_t(i)] >> positionBits, 4);
-        }
+        projectFootprints({row, 0, 0, 0, 1, CubicTaps::widthCount - 1, CubicTaps::phases}, out.size(),
+                          places);
+        interpolateRow(box, {}, places, 0, {}, out.size(), out.data());
+        for (const MixPixel& pixel : out)
+            EXPECT_GT(pixel.channel[0], 32600);
     }
+}
+
+/// What a wave of `cycles` a pixel becomes when it is read at every place between two pixels.
+double passed(int width, double cycles) {
+    double sum = 0;
+    for (int phase = 0; phase < CubicTaps::phases; ++phase) {
+        const double place = double(phase) / CubicTaps::phases;
+        double value = 0;
+        for (int tap = 0; tap < 4; ++tap)
+            value += CubicTaps::spread(width, phase)[4 * tap] *
+                     std::cos(2 * std::numbers::pi * cycles * (tap - 1 - place));
+        sum += value / CubicTaps::one;
+    }
+    return sum / CubicTaps::phases;
+}
+
+TEST(CubicTaps, KeepAPlainSurfaceAndTheMiddle) {
+    for (int width = 0; width < CubicTaps::widthCount; ++width)
+        for (int phase = 0; phase < CubicTaps::phases; ++phase) {
+            const std::int16_t* weights = CubicTaps::spread(width, phase);
+            double middle = 0;
+            int sum = 0;
+            for (int tap = 0; tap < 4; ++tap) {
+                for (int channel = 0; channel < 4; ++channel)
+                    ASSERT_EQ(weights[4 * tap + channel], weights[4 * tap]);
+                sum += weights[4 * tap];
+                middle += double(weights[4 * tap]) * (tap - 1);
+            }
+            ASSERT_EQ(sum, CubicTaps::one);
+            ASSERT_NEAR(middle / sum, double(phase) / CubicTaps::phases, 0.001) << width << ": " << phase;
+        }
+}
+
+TEST(CubicTaps, PassLessOfWhatIsTooFineTheSmallerThePictureBecomes) {
+    for (int width = 1; width < CubicTaps::widthCount; ++width)
+        EXPECT_LE(passed(width, 0.45), passed(width - 1, 0.45)) << width;
+    // The finest detail of an output whose pixels span so many of the picture's: about a third is left.
+    const double step = std::exp2(0.5 * CubicTaps::lastThorough / (1 << FootprintTaps::widthBits));
+    EXPECT_LT(passed(CubicTaps::lastThorough, 0.5 / step), 0.36);
+    EXPECT_GT(passed(0, 0.5 / step), 0.5) << "which interpolation would pass half of";
+    EXPECT_GT(passed(CubicTaps::lastThorough, 0.1), 0.85) << "and next to all of what is coarse";
 }
 
 /// How far mix() is from read() at most, in steps of 255, over a tile.

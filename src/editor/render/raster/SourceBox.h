@@ -1,0 +1,19 @@
+#pragma once
+
+#include "editor/render/raster/MixTile.h"
+#include "editor/render/raster/PixelView.h"
+
+namespace framora::raster {
+
+/// A part of a picture as the kernels read it: channels of 0...255 << 7, rows without gaps.
+struct SourceBox {
+    const MixPixel* pixels = nullptr;
+    int width = 0; ///< At least 4, like the height.
+    int height = 0;
+};
+
+/// Fills `pixels` with what a box holds from (firstColumn, firstRow) of a picture on; beyond the picture its
+/// edge repeats.
+void widenBox(PixelView picture, int firstColumn, int firstRow, const SourceBox& box, MixPixel* pixels);
+
+} // namespace framora::raster
