@@ -56,6 +56,11 @@ TEST(MixKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
                  [&](auto& p) { plain::blendOver(p.data(), over.data(), coverage.data(), count); });
             same([&](auto& p) { blendOverlay(p.data(), over.data(), coverage.data(), count); },
                  [&](auto& p) { plain::blendOverlay(p.data(), over.data(), coverage.data(), count); });
+            const auto even = std::int16_t(count % 3 == 0 ? coverageOne : int(random() % 32768u));
+            same([&](auto& p) { blendOver(p.data(), over.data(), even, count); },
+                 [&](auto& p) { plain::blendOver(p.data(), over.data(), even, count); });
+            same([&](auto& p) { blendOverlay(p.data(), over.data(), even, count); },
+                 [&](auto& p) { plain::blendOverlay(p.data(), over.data(), even, count); });
             same([&](auto& p) { blendInstead(p.data(), over.data(), coverage.data(), count); },
                  [&](auto& p) { plain::blendInstead(p.data(), over.data(), coverage.data(), count); });
             std::vector<std::uint32_t> fast(count + 1, 0x12345678u);

@@ -214,11 +214,12 @@ void blendLayer(const Layer& layer, std::size_t index, const LayerShape& shape, 
     const bool isUsual = layer.opacity == 1 && layer.blend == Layer::Blend::normal;
     if (isPartly)
         cover(shape, index, layer.opacity, block, scratch);
-    else if (!isUsual)
+    else if (layer.blend == Layer::Blend::replace)
         std::fill_n(scratch.coverage.data(), block.area(), replicated(layer.opacity));
     if (isPartly && layer.sharesEdge)
         mixEdge(layer, block, tile, scratch);
     const auto width = std::size_t(block.width);
+    const std::int16_t even = replicated(layer.opacity).channel[0];
     for (int y = 0; y < block.height; ++y) {
         MixPixel* under =
             scratch.mixed.data() + std::ptrdiff_t(block.y - tile.y + y) * tile.width + (block.x - tile.x);
@@ -234,6 +235,10 @@ void blendLayer(const Layer& layer, std::size_t index, const LayerShape& shape, 
                 blendOver(under, shaded, coverage, width);
         } else if (layer.blend == Layer::Blend::replace) {
             blendInstead(under, shaded, coverage, width);
+        } else if (!isPartly && layer.blend == Layer::Blend::overlay) {
+            blendOverlay(under, shaded, even, width);
+        } else if (!isPartly) {
+            blendOver(under, shaded, even, width);
         } else if (layer.blend == Layer::Blend::overlay) {
             blendOverlay(under, shaded, coverage, width);
         } else {
@@ -320,11 +325,17 @@ void compose(MutablePixelView output, const std::vector<Layer>& layers) {
         return;
     const bool isLarge = std::size_t(output.height) * std::size_t(output.stride) > cachedBytes;
     const auto pack = isLarge ? streamPixels : packPixels;
+    // Tiles that start where lines of the cache do are written in whole lines.
+    constexpr std::size_t line = 64;
+    const std::size_t misplaced = reinterpret_cast<std::uintptr_t>(output.data) % line;
+    const bool isRegular = isLarge && std::size_t(output.stride) % line == 0 && misplaced > 0;
+    const int lead = isRegular ? int((line - misplaced) / sizeof(std::uint32_t)) : 0;
     forEachBand(
         output.width, output.height, layers,
         [&](const TileRect& band, int tileWidth, const std::vector<LayerShape>& shapes, Scratch& scratch) {
-            for (int x = 0; x < band.width; x += tileWidth) {
-                const TileRect tile{x, band.y, std::min(tileWidth, band.width - x), band.height};
+            for (int x = 0, end = 0; x < band.width; x = end) {
+                end = std::min(x < lead ? lead : x + tileWidth, band.width);
+                const TileRect tile{x, band.y, end - x, band.height};
                 const bool isDrawn = mixTile(layers, shapes, tile, scratch);
                 for (int y = 0; y < tile.height; ++y) {
                     std::uint32_t* out = output.row(tile.y + y) + tile.x;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstring>
 #include <hwy/cache_control.h>
+#include <type_traits>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "editor/render/raster/MixKernels.cpp"
@@ -24,6 +25,12 @@ void blendOverCovered(MixPixel* under, const MixPixel* above, const MixPixel* co
 }
 void blendOverlayCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage,
                          std::size_t count) {
+    plain::blendOverlay(under, above, coverage, count);
+}
+void blendOverEvenly(MixPixel* under, const MixPixel* above, std::int16_t coverage, std::size_t count) {
+    plain::blendOver(under, above, coverage, count);
+}
+void blendOverlayEvenly(MixPixel* under, const MixPixel* above, std::int16_t coverage, std::size_t count) {
     plain::blendOverlay(under, above, coverage, count);
 }
 void blendInsteadCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage,
@@ -132,6 +139,22 @@ void blendOverlayCovered(MixPixel* under, const MixPixel* above, const MixPixel*
     });
 }
 
+void blendOverEvenly(MixPixel* under, const MixPixel* above, std::int16_t coverage, std::size_t count) {
+    const Vector share = hn::Set(lanes, coverage);
+    forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
+        const Vector part = hn::MulFixedPoint15(load(above + i, n), share);
+        store(over(load(under + i, n), part), under + i, n);
+    });
+}
+
+void blendOverlayEvenly(MixPixel* under, const MixPixel* above, std::int16_t coverage, std::size_t count) {
+    const Vector share = hn::Set(lanes, coverage);
+    forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
+        const Vector part = hn::MulFixedPoint15(load(above + i, n), share);
+        store(overlay(load(under + i, n), part), under + i, n);
+    });
+}
+
 void blendInsteadCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage,
                          std::size_t count) {
     forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
@@ -162,6 +185,29 @@ void packAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
     });
 }
 
+#if HWY_MAX_BYTES >= 32
+/// Packs a vector of pixels and writes `count` of them, from the one at `skipped` on.
+HWY_INLINE void packFew(const MixPixel* pixels, std::size_t skipped, std::size_t count, std::uint32_t* out) {
+    const hn::Rebind<std::uint8_t, Lanes> bytes;
+    const std::size_t step = hn::Lanes(lanes) / pixelLanes;
+    alignas(32) std::uint32_t all[8];
+    hn::StoreU(packed(load(pixels, step)), bytes, reinterpret_cast<std::uint8_t*>(all));
+    const std::uint32_t* from = all + skipped;
+    // Copies of a fixed size are a move each.
+    const auto copy = [&](auto size) HWY_ATTR {
+        if ((count & size()) == 0)
+            return;
+        std::memcpy(out, from, size() * sizeof *out);
+        out += size();
+        from += size();
+    };
+    copy(std::integral_constant<std::size_t, 8>());
+    copy(std::integral_constant<std::size_t, 4>());
+    copy(std::integral_constant<std::size_t, 2>());
+    copy(std::integral_constant<std::size_t, 1>());
+}
+#endif
+
 void streamAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
 #if HWY_MAX_BYTES < 32
     packAll(pixels, count, out); // a packed vector would be too short for a store past the caches
@@ -172,11 +218,17 @@ void streamAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
     constexpr std::size_t line = 64;
     const std::size_t head =
         std::min(count, (line - reinterpret_cast<std::uintptr_t>(out) % line) % line / sizeof(std::uint32_t));
-    packAll(pixels, head, out);
-    std::size_t i = head;
+    if (count < head + step) {
+        packAll(pixels, count, out);
+        return;
+    }
+    std::size_t i = 0;
+    for (; i < head; i += step)
+        packFew(pixels + i, 0, std::min(head - i, step), out + i);
+    i = head;
     for (; i + step <= count; i += step)
         hn::Stream(packed(load(pixels + i, step)), bytes, reinterpret_cast<std::uint8_t*>(out + i));
-    packAll(pixels + i, count - i, out + i);
+    packFew(pixels + count - step, step - (count - i), count - i, out + i);
 #endif
 }
 
@@ -191,6 +243,8 @@ namespace framora::raster {
 HWY_EXPORT(blendOverAll);
 HWY_EXPORT(blendOverCovered);
 HWY_EXPORT(blendOverlayCovered);
+HWY_EXPORT(blendOverEvenly);
+HWY_EXPORT(blendOverlayEvenly);
 HWY_EXPORT(blendInsteadCovered);
 HWY_EXPORT(packAll);
 HWY_EXPORT(streamAll);
@@ -205,6 +259,14 @@ void blendOver(MixPixel* under, const MixPixel* over, const MixPixel* coverage, 
 
 void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count) {
     HWY_DYNAMIC_DISPATCH(blendOverlayCovered)(under, over, coverage, count);
+}
+
+void blendOver(MixPixel* under, const MixPixel* over, std::int16_t coverage, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(blendOverEvenly)(under, over, coverage, count);
+}
+
+void blendOverlay(MixPixel* under, const MixPixel* over, std::int16_t coverage, std::size_t count) {
+    HWY_DYNAMIC_DISPATCH(blendOverlayEvenly)(under, over, coverage, count);
 }
 
 void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count) {

@@ -14,9 +14,12 @@ inline constexpr int coverageOne = 32767;
 void blendOver(MixPixel* under, const MixPixel* over, std::size_t count);
 /// `over` on `under`, where it covers.
 void blendOver(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
+/// The same with one coverage of them all.
+void blendOver(MixPixel* under, const MixPixel* over, std::int16_t coverage, std::size_t count);
 /// `over` on `under`, where it covers, dark where `under` is dark and light where it is light (the overlay
 /// mode of compositing).
 void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
+void blendOverlay(MixPixel* under, const MixPixel* over, std::int16_t coverage, std::size_t count);
 /// `over` in the place of `under`, where it covers.
 void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
 /// Rounds to pixels of a picture.
@@ -28,7 +31,9 @@ void flushPixels();
 namespace plain {
 void blendOver(MixPixel* under, const MixPixel* over, std::size_t count);
 void blendOver(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
+void blendOver(MixPixel* under, const MixPixel* over, std::int16_t coverage, std::size_t count);
 void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
+void blendOverlay(MixPixel* under, const MixPixel* over, std::int16_t coverage, std::size_t count);
 void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
 void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out);
 } // namespace plain

@@ -53,6 +53,18 @@ void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverag
     }
 }
 
+void blendOver(MixPixel* under, const MixPixel* over, std::int16_t coverage, std::size_t count) {
+    const MixPixel all{{coverage, coverage, coverage, coverage}};
+    for (std::size_t i = 0; i < count; ++i)
+        plain::blendOver(under + i, over + i, &all, 1);
+}
+
+void blendOverlay(MixPixel* under, const MixPixel* over, std::int16_t coverage, std::size_t count) {
+    const MixPixel all{{coverage, coverage, coverage, coverage}};
+    for (std::size_t i = 0; i < count; ++i)
+        plain::blendOverlay(under + i, over + i, &all, 1);
+}
+
 void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i)
         for (int c = 0; c < 4; ++c) {
