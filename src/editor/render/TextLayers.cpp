@@ -62,8 +62,9 @@ QTransform toOutput(const TextOverlay& overlay, const Layout& layout, const Text
     return transform;
 }
 
-MixBuffer drawn(const TextOverlay& overlay, const Layout& layout, const QColor& color,
-                const QTransform& transform, const QRect& area) {
+/// The text where `transform` puts it in an area of the output.
+QImage drawn(const TextOverlay& overlay, const Layout& layout, const QColor& color,
+             const QTransform& transform, const QRect& area) {
     QImage image(area.size(), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
@@ -73,8 +74,33 @@ MixBuffer drawn(const TextOverlay& overlay, const Layout& layout, const QColor& 
     painter.setPen(color);
     painter.drawText(QRectF(QPointF(), layout.size), Qt::AlignLeft | Qt::AlignTop | Qt::TextDontClip,
                      overlay.text);
-    painter.end();
-    return {rasterView(image), area.left(), area.top()};
+    return image;
+}
+
+/// The part of a picture where something is.
+QRect ink(const QImage& image) {
+    QRect found;
+    for (int y = 0; y < image.height(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        const auto isSet = [](QRgb pixel) { return pixel != 0; };
+        const QRgb* first = std::find_if(row, row + image.width(), isSet);
+        if (first == row + image.width())
+            continue;
+        const QRgb* last = row + image.width() - 1;
+        while (*last == 0)
+            --last;
+        found |= QRect(QPoint(int(first - row), y), QPoint(int(last - row), y));
+    }
+    return found;
+}
+
+/// `part` of a picture that lies at `origin` in the output.
+MixBuffer mixBuffer(const QImage& image, QPoint origin, const QRect& part) {
+    raster::PixelView view = rasterView(image);
+    view.data = reinterpret_cast<const std::byte*>(view.row(part.top()) + part.left());
+    view.width = part.width();
+    view.height = part.height();
+    return {view, origin.x() + part.left(), origin.y() + part.top()};
 }
 
 int reach(double deviation) {
@@ -109,12 +135,19 @@ std::shared_ptr<const MixBuffer> textPixels(const TextOverlay& overlay, const Te
         float(std::clamp(overlay.color.red, 0.0, 1.0)), float(std::clamp(overlay.color.green, 0.0, 1.0)),
         float(std::clamp(overlay.color.blue, 0.0, 1.0)), float(std::clamp(overlay.color.alpha, 0.0, 1.0)));
     const QColor shadowColor = QColor::fromRgbF(0, 0, 0, color.alphaF());
-    MixBuffer text = drawn(overlay, lines, color, transform, area);
+    const QImage letters = drawn(overlay, lines, color, transform, area);
+    const QImage below =
+        drawn(overlay, lines, shadowColor, toOutput(overlay, lines, place, shadowOffset), area);
+    // The letters take a part of their lines only, and what is empty need not be blurred nor mixed.
+    const QRect inked = ink(letters) | ink(below);
+    if (inked.isEmpty())
+        return nullptr;
+    const QRect part = inked.adjusted(-margin, -margin, margin, margin).intersected(letters.rect());
+    MixBuffer text = mixBuffer(letters, area.topLeft(), part);
     text.blur(blur);
     text.fade(overlay.opacity);
     // The shadow of a blurred text: two Gaussians in a row are one.
-    auto pixels = std::make_shared<MixBuffer>(
-        drawn(overlay, lines, shadowColor, toOutput(overlay, lines, place, shadowOffset), area));
+    auto pixels = std::make_shared<MixBuffer>(mixBuffer(below, area.topLeft(), part));
     pixels->blur(shadowBlur);
     pixels->fade(shadowOpacity * std::min(overlay.opacity, 1.0));
     pixels->put(text);

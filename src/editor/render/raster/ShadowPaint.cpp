@@ -121,14 +121,38 @@ void ShadowPaint::mix(const TileRect& tile, MixPixel* out) const {
                 *out++ = black(alpha(m_toLocal.map({x + 0.5, y + 0.5})), x, y);
         return;
     }
+    const auto column = [&](int x) {
+        return m_columns.place(std::abs(m_toLocal.map({x + 0.5, tile.y + 0.5}).x));
+    };
+    const auto row = [&](int y) { return m_rows.place(std::abs(m_toLocal.map({tile.x + 0.5, y + 0.5}).y)); };
     thread_local std::vector<Place> columns;
     columns.clear();
     for (int x = tile.x; x < tile.x + tile.width; ++x)
-        columns.push_back(m_columns.place(std::abs(m_toLocal.map({x + 0.5, tile.y + 0.5}).x)));
-    for (int y = tile.y; y < tile.y + tile.height; ++y) {
-        const Place row = m_rows.place(std::abs(m_toLocal.map({tile.x + 0.5, y + 0.5}).y));
+        columns.push_back(column(x));
+    // Along the middle of a straight side, and in the middle of the card, the columns are alike; but for the
+    // dither, which repeats.
+    const auto isMiddle = [](Place place) { return place.index == 0 && place.part == 0; };
+    const bool isAlike = tile.width > Dither::period && std::all_of(columns.begin(), columns.end(), isMiddle);
+    Place above{-1, 0};
+    for (int y = tile.y; y < tile.y + tile.height; ++y, out += tile.width) {
+        const Place here = row(y);
+        if (isAlike) {
+            const float middle = read(columns.front(), here);
+            for (int x = 0; x < Dither::period; ++x)
+                out[x] = black(middle, tile.x + x, y);
+            for (int x = Dither::period; x < tile.width; ++x)
+                out[x] = out[x - Dither::period];
+            continue;
+        }
+        // The same from top to bottom.
+        thread_local std::vector<float> alphas;
+        alphas.resize(columns.size());
+        if (here.index != above.index || here.part != above.part)
+            for (std::size_t x = 0; x < columns.size(); ++x)
+                alphas[x] = read(columns[x], here);
+        above = here;
         for (int x = 0; x < tile.width; ++x)
-            *out++ = black(read(columns[std::size_t(x)], row), tile.x + x, y);
+            out[x] = black(alphas[std::size_t(x)], tile.x + x, y);
     }
 }
 
