@@ -1,5 +1,6 @@
-// How long the editor takes to show itself, and one frame of the preview while the screenshot is dragged.
-// Needs a display: on a virtual one, run it under xvfb-run. With the argument "open" nothing is dragged.
+// How long the editor takes to show itself, and what each frame of it takes of the main thread while
+// something is dragged. Needs a display: on a virtual one, run it under xvfb-run. See usage() for what it can
+// be asked.
 
 #include "desktop/editor/EditorHostServices.h"
 #include "editor/model/ScreenshotEditorViewModel.h"
@@ -7,33 +8,118 @@
 #include "editor/views/ScreenshotPreviewCanvas.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QPainter>
 #include <QQuickItem>
 #include <QQuickView>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
+#include <QWheelEvent>
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
+#include <functional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 using namespace framora;
 
 namespace {
 
-void print(const char* what, std::vector<double> milliseconds) {
-    std::sort(milliseconds.begin(), milliseconds.end());
-    std::printf("%-46s median %7.2f ms   worst %7.2f ms   (%zu)\n", what,
-                milliseconds[milliseconds.size() / 2], milliseconds.back(), milliseconds.size());
+/// As many as ten seconds have at 60 a second.
+int framesPerGesture = 600;
+
+int usage() {
+    std::puts(
+        "editor_bench                     opening, dragging the screenshot and every slider, wheel zoom\n"
+        "editor_bench open                opening only\n"
+        "editor_bench frames NUMBER       as without arguments, with other than 600 frames a gesture\n"
+        "editor_bench only NAME           of the gestures only those with NAME in theirs\n"
+        "editor_bench scan                dragging while 60 wallpapers of 6000 x 4000 are looked through");
+    return 2;
 }
 
-QImage makePicture() {
-    QImage image(1440, 900, QImage::Format_ARGB32_Premultiplied);
+double milliseconds(clockid_t clock) {
+    timespec now{};
+    clock_gettime(clock, &now);
+    return double(now.tv_sec) * 1e3 + double(now.tv_nsec) / 1e6;
+}
+
+/// A window full of text and shapes, as most captures are.
+QImage makePicture(QSize size) {
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
     image.fill(QColor(245, 246, 248));
     QPainter painter(&image);
-    for (int i = 0; i < 40; ++i)
-        painter.drawText(60, 40 + i * 20,
-                         QStringLiteral("The quick brown fox jumps over the lazy dog %1").arg(i));
+    painter.fillRect(0, 0, size.width(), 48, QColor(40, 42, 48));
+    for (int y = 80; y < size.height(); y += 20)
+        for (int x = 60; x < size.width(); x += 640)
+            painter.drawText(x, y,
+                             QStringLiteral("The quick brown fox jumps over the lazy dog, line %1").arg(y));
     return image;
+}
+
+/// Knows how long the main thread was at work, and not waiting for something to do.
+class MeteredApplication final : public QApplication {
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override {
+        bool result = false;
+        meter([&] { result = QApplication::notify(receiver, event); });
+        return result;
+    }
+    void meter(const std::function<void()>& work) {
+        // What this thread does is delivered as events, which deliver others.
+        const double start = m_depth++ == 0 ? milliseconds(CLOCK_MONOTONIC) : 0;
+        work();
+        if (--m_depth == 0)
+            m_busy += milliseconds(CLOCK_MONOTONIC) - start;
+    }
+    /// In milliseconds, since the start.
+    double busy() const { return m_busy; }
+
+private:
+    int m_depth = 0;
+    double m_busy = 0;
+};
+
+MeteredApplication& application() {
+    return static_cast<MeteredApplication&>(*QCoreApplication::instance());
+}
+
+struct Frames {
+    std::vector<double> busy; ///< Of the main thread.
+    std::vector<double> cpu;  ///< Of all threads.
+};
+
+double quantile(std::vector<double>& sorted, double part) {
+    return sorted[std::min(sorted.size() - 1, std::size_t(part * double(sorted.size())))];
+}
+
+void printHead() {
+    std::printf(
+        "\nmilliseconds of the main thread a frame; aims: median under 4, 99 %% under 12, none over 50\n");
+    std::printf("%-44s %8s %8s %8s %8s   %s\n", "", "median", "99 %", "worst", "over 50",
+                "processor, median");
+}
+
+void print(const std::string& what, Frames frames) {
+    std::sort(frames.busy.begin(), frames.busy.end());
+    std::sort(frames.cpu.begin(), frames.cpu.end());
+    const auto over =
+        std::count_if(frames.busy.begin(), frames.busy.end(), [](double each) { return each > 50; });
+    std::printf("%-44s %8.2f %8.2f %8.2f %8td   %8.2f\n", what.c_str(), quantile(frames.busy, 0.5),
+                quantile(frames.busy, 0.99), frames.busy.back(), over, quantile(frames.cpu, 0.5));
+}
+
+void printOpening(const char* what, std::vector<double> times) {
+    std::sort(times.begin(), times.end());
+    std::printf("%-44s median %7.2f ms   worst %7.2f ms   (%zu)\n", what, times[times.size() / 2],
+                times.back(), times.size());
 }
 
 /// From the call to the frame on screen, by the window's own account.
@@ -55,69 +141,248 @@ void settle(int milliseconds) {
     QTest::qWait(milliseconds);
 }
 
-/// A drag by real mouse events in the window: each frame from the event to the swap.
-std::vector<double> dragFrames(QQuickView& window, int count) {
-    auto* canvas = window.rootObject()->findChild<ScreenshotPreviewCanvas*>();
-    const QPointF middle = canvas->mapToScene({canvas->width() / 2, canvas->height() / 2});
-    std::vector<double> frames;
-    bool swapped = false;
-    QElapsedTimer timer;
-    const auto connection = QObject::connect(&window, &QQuickWindow::frameSwapped, [&] { swapped = true; });
-    QTest::mousePress(&window, Qt::LeftButton, {}, middle.toPoint());
-    for (int i = 1; i <= count; ++i) {
-        swapped = false;
-        timer.start();
-        QTest::mouseMove(&window, (middle + QPointF(i % 90, i % 40)).toPoint());
-        while (!swapped)
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-        frames.push_back(double(timer.nsecsElapsed()) / 1e6);
+/// One open editor, and gestures in it.
+class Editor {
+public:
+    explicit Editor(ScreenshotEditorWindow& editor)
+        : m_window(*editor.editorWindow()), m_session(*editor.session()), m_model(*m_session.viewModel()),
+          m_canvas(*m_window.rootObject()->findChild<ScreenshotPreviewCanvas*>()) {}
+
+    ScreenshotEditorViewModel& model() { return m_model; }
+    QQuickView& window() { return m_window; }
+
+    /// Takes step 0, 1, ... `count` - 1 and the frame that follows each.
+    Frames measure(int count, const std::function<void(int)>& step) {
+        Frames frames;
+        bool swapped = false;
+        QObject context;
+        QObject::connect(&m_window, &QQuickWindow::frameSwapped, &context, [&] { swapped = true; });
+        QTimer waking; // From waiting for a frame that does not come.
+        waking.start(50);
+        for (int i = 0; i < count; ++i) {
+            swapped = false;
+            const double cpu = milliseconds(CLOCK_PROCESS_CPUTIME_ID);
+            const double busy = application().busy();
+            application().meter([&] { step(i); });
+            // A step at the end of a range changes nothing.
+            QElapsedTimer patience;
+            patience.start();
+            while (!swapped && patience.elapsed() < 200)
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents);
+            if (!swapped)
+                continue;
+            frames.busy.push_back(application().busy() - busy);
+            frames.cpu.push_back(milliseconds(CLOCK_PROCESS_CPUTIME_ID) - cpu);
+        }
+        return frames;
     }
-    QTest::mouseRelease(&window, Qt::LeftButton, {}, middle.toPoint());
-    QObject::disconnect(connection);
-    return frames;
+
+    /// By real mouse events in the window.
+    Frames drag(int count) {
+        const QPointF middle = m_canvas.mapToScene({m_canvas.width() / 2, m_canvas.height() / 2});
+        QTest::mousePress(&m_window, Qt::LeftButton, {}, middle.toPoint());
+        Frames frames = measure(count, [&](int i) {
+            const QPointF away(150.0 * std::sin((i + 1) / 40.0), 90.0 * std::sin((i + 1) / 27.0));
+            QTest::mouseMove(&m_window, (middle + away + QPointF(i % 2, 0)).toPoint());
+        });
+        QTest::mouseRelease(&m_window, Qt::LeftButton, {}, middle.toPoint());
+        m_model.undo();
+        return frames;
+    }
+
+    /// Back and forth over the range, as the slider does it while it is held.
+    Frames slide(int count, const QString& field, double from, double to) {
+        const QVariant before = m_model.property("config");
+        m_model.beginEdit(field);
+        Frames frames = measure(count, [&](int i) {
+            constexpr int there = 150;
+            const int step = (i + 1) % (2 * there);
+            const double part = double(step < there ? step : 2 * there - step) / there;
+            m_model.set(field, from + part * (to - from));
+        });
+        m_model.endEdit();
+        m_model.setProperty("config", before);
+        return frames;
+    }
+
+    Frames wheel(int count) {
+        const QPointF middle = m_canvas.mapToScene({m_canvas.width() * 0.6, m_canvas.height() * 0.4});
+        return measure(count, [&](int i) {
+            constexpr int notches = 10;
+            QWheelEvent event(middle, m_window.mapToGlobal(middle), {}, {0, i / notches % 2 ? -120 : 120},
+                              Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(&m_window, &event);
+        });
+    }
+
+    void showTab(int index) { m_session.setProperty("selectedTab", index); }
+
+private:
+    QQuickView& m_window;
+    EditorSession& m_session;
+    ScreenshotEditorViewModel& m_model;
+    ScreenshotPreviewCanvas& m_canvas;
+};
+
+struct Slider {
+    const char* field;
+    double from, to;
+    int tab;
+    /// What the style has beside it.
+    std::vector<std::pair<const char*, QVariant>> style;
+};
+
+/// Every slider of the editor, by the tab that it is in.
+std::vector<Slider> sliders() {
+    const QVariant gradient = QStringLiteral("gradient");
+    const QVariant image = QStringLiteral("image");
+    return {
+        {"mockupBorderSize", 0, 10, 0, {{"mockupStyle", QStringLiteral("border")}}},
+        {"borderRadius", 0, 40, 0, {}},
+        {"scale", 0.1, 3, 0, {}},
+        {"rotationX", -90, 90, 0, {}},
+        {"rotationY", -90, 90, 0, {}},
+        {"gradientConfig.angle", 0, 360, 1, {{"backgroundType", gradient}}},
+        {"gradientConfig.blurAmount", 0, 50, 1, {{"backgroundType", image}}},
+        {"gradientConfig.blurAmount", 0, 50, 1, {{"backgroundType", gradient}}},
+        {"gradientConfig.noiseAmount", 0, 100, 1, {{"backgroundType", image}}},
+        {"gradientConfig.noiseAmount", 0, 100, 1, {{"backgroundType", gradient}}},
+        {"gradientConfig.saturation", 0, 200, 1, {{"backgroundType", gradient}}},
+        {"gradientConfig.brightness", 0, 200, 1, {{"backgroundType", gradient}}},
+        {"padding", 0, 200, 2, {}},
+        {"imageScale", 10, 200, 2, {}},
+    };
+}
+
+void measureGestures(Editor& editor, const std::string& only) {
+    const auto wanted = [&](const std::string& name) { return name.find(only) != std::string::npos; };
+    const auto run = [&](const std::string& name, const std::function<Frames(int)>& gesture) {
+        if (!wanted(name))
+            return;
+        settle(250);
+        gesture(20);
+        settle(150);
+        print(name, gesture(framesPerGesture));
+    };
+    ScreenshotEditorViewModel& model = editor.model();
+    const ScreenshotStyleConfig start = model.config();
+    const auto restore = [&] {
+        ScreenshotStyleConfig config = start;
+        config.zoom = model.config().zoom;
+        model.setConfig(config);
+    };
+    printHead();
+    run("drag, image background", [&](int count) { return editor.drag(count); });
+    model.set(QStringLiteral("backgroundType"), QStringLiteral("gradient"));
+    run("drag, gradient", [&](int count) { return editor.drag(count); });
+    model.set(QStringLiteral("rotationX"), 20);
+    model.set(QStringLiteral("rotation"), 10);
+    run("drag, gradient, turned and tilted", [&](int count) { return editor.drag(count); });
+    restore();
+    model.zoomToActualSize();
+    run("drag at 100 %, image background", [&](int count) { return editor.drag(count); });
+    model.fitToWindow();
+    settle(300);
+    for (const Slider& slider : sliders()) {
+        editor.showTab(slider.tab);
+        restore();
+        std::string name = slider.field;
+        for (const auto& [field, value] : slider.style) {
+            model.set(QString::fromLatin1(field), value);
+            name += ", " + value.toString().toStdString();
+        }
+        run(name, [&](int count) {
+            return editor.slide(count, QString::fromLatin1(slider.field), slider.from, slider.to);
+        });
+    }
+    restore();
+    editor.showTab(1);
+    run("wheel zoom", [&](int count) { return editor.wheel(count); });
+}
+
+/// Every name is another picture to the scan.
+void makePhotographs(const QString& folder, int count) {
+    QDir().mkpath(folder);
+    QImage noise(750, 500, QImage::Format_RGB32);
+    QRandomGenerator random(7);
+    for (int y = 0; y < noise.height(); ++y)
+        for (int x = 0; x < noise.width(); ++x)
+            noise.setPixel(x, y, random.generate());
+    const QImage picture = noise.scaled(6000, 4000, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    const QString first = folder + QStringLiteral("/photograph-0.jpg");
+    picture.save(first, "jpeg", 92);
+    for (int i = 1; i < count; ++i)
+        QFile::copy(first, folder + QStringLiteral("/photograph-%1.jpg").arg(i));
+}
+
+void measureScan(Editor& editor) {
+    printHead();
+    int rounds = 0;
+    QElapsedTimer timer;
+    timer.start();
+    Frames all;
+    while (editor.model().isLoadingWallpapers()) {
+        const Frames frames = editor.drag(60);
+        all.busy.insert(all.busy.end(), frames.busy.begin(), frames.busy.end());
+        all.cpu.insert(all.cpu.end(), frames.cpu.begin(), frames.cpu.end());
+        ++rounds;
+    }
+    const double seconds = double(timer.elapsed()) / 1e3;
+    if (rounds == 0)
+        std::puts("the scan was over before the first frame");
+    else
+        print("drag while wallpapers are looked for", all);
+    std::printf("%zu frames in %.1f s until %zu wallpapers were there\n", all.busy.size(), seconds,
+                editor.model().wallpaperImages().size());
+    editor.showTab(1);
+    settle(500);
+    print("drag afterwards", editor.drag(framesPerGesture));
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
+    std::setvbuf(stdout, nullptr, _IOLBF, 0);
+    const std::string mode = argc > 1 ? argv[1] : "";
+    const std::string operand = argc > 2 ? argv[2] : "";
+    const bool scans = mode == "scan";
+    if (mode == "frames" && !operand.empty())
+        framesPerGesture = std::max(20, std::atoi(operand.c_str()));
+    else if (!(mode.empty() || scans || mode == "open" || (mode == "only" && !operand.empty())))
+        return usage();
+
     qputenv("QT_QUICK_BACKEND", "software");
-    QApplication application(argc, argv);
+    // Nobody's own pictures are in the figures.
+    const QTemporaryDir home;
+    qputenv("HOME", home.path().toLocal8Bit());
+    MeteredApplication application(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
+    if (scans)
+        makePhotographs(home.path() + QStringLiteral("/Pictures"), 60);
     EditorHostServices services;
-    const QImage picture = makePicture();
-    {
-        ScreenshotEditorWindow editor(services.forWindow());
-        print("open to first frame, first of the process", {openOnce(editor, picture)});
+    const QImage picture = makePicture({3840, 2160});
+    ScreenshotEditorWindow window(services.forWindow());
+    printOpening("open to first frame, first of the process", {openOnce(window, picture)});
+    if (!scans && mode != "only") {
         std::vector<double> again;
         for (int i = 0; i < 9; ++i) {
             settle(300);
-            editor.close();
+            window.close();
             settle(50);
-            again.push_back(openOnce(editor, picture));
+            again.push_back(openOnce(window, picture));
         }
-        print("open to first frame, later ones", again);
-        if (argc > 1 && std::string_view(argv[1]) == "open")
-            return 0;
-        settle(500);
-        QQuickView& window = *editor.editorWindow();
-        std::printf("window %d x %d, zoom %.0f %%, ratio %.2f\n", window.width(), window.height(),
-                    editor.session()->viewModel()->config().zoom, window.effectiveDevicePixelRatio());
-        ScreenshotEditorViewModel& model = *editor.session()->viewModel();
-        const auto measure = [&](const char* what) {
-            settle(200);
-            dragFrames(window, 20);
-            print(what, dragFrames(window, 120));
-        };
-        measure("drag frame, image background");
-        model.set(QStringLiteral("backgroundType"), QStringLiteral("gradient"));
-        measure("drag frame, gradient background");
-        model.set(QStringLiteral("rotationX"), 20);
-        model.set(QStringLiteral("rotation"), 10);
-        measure("drag frame, gradient, turned and tilted");
-        model.set(QStringLiteral("rotationX"), 0);
-        model.set(QStringLiteral("rotation"), 0);
-        model.set(QStringLiteral("zoom"), 100);
-        measure("drag frame, gradient, at 100 %");
+        printOpening("open to first frame, later ones", again);
     }
+    if (mode == "open")
+        return 0;
+    settle(scans ? 150 : 800);
+    Editor editor(window);
+    std::printf("window %d x %d, picture %d x %d, zoom %.0f %%, ratio %.2f\n", editor.window().width(),
+                editor.window().height(), picture.width(), picture.height(), editor.model().config().zoom,
+                editor.window().effectiveDevicePixelRatio());
+    if (scans)
+        measureScan(editor);
+    else
+        measureGestures(editor, mode == "only" ? operand : "");
     return 0;
 }
