@@ -70,7 +70,7 @@ TEST(CubicKernels, StayInsideTheBoxWhateverTheMap) {
     for (const ProjectiveRow& row :
          {ProjectiveRow{-1e9f, 1e9f, 1, 1e8f, -1e8f, 0}, ProjectiveRow{1, 1, 1, 0, 0, -0.1f},
           ProjectiveRow{1, 1, 0, 0, 0, 0}, ProjectiveRow{NAN, NAN, NAN, 0, 0, 0}}) {
-        projectFootprints({row, 0, 0, 0, 1, CubicTaps::widthCount - 1, CubicTaps::phases}, out.size(),
+        projectFootprints({row, 0, 0, 0, 1, CubicTaps::widthCount - 1, CubicTaps::phases}, 0, out.size(),
                           places);
         interpolateRow(box, {}, places, 0, {}, out.size(), out.data());
         for (const MixPixel& pixel : out)
@@ -85,7 +85,7 @@ double passed(int width, double cycles) {
         const double place = double(phase) / CubicTaps::phases;
         double value = 0;
         for (int tap = 0; tap < 4; ++tap)
-            value += CubicTaps::spread(width, phase)[4 * tap] *
+            value += CubicTaps::weights(width, phase)[tap] *
                      std::cos(2 * std::numbers::pi * cycles * (tap - 1 - place));
         sum += value / CubicTaps::one;
     }
@@ -95,14 +95,12 @@ double passed(int width, double cycles) {
 TEST(CubicTaps, KeepAPlainSurfaceAndTheMiddle) {
     for (int width = 0; width < CubicTaps::widthCount; ++width)
         for (int phase = 0; phase < CubicTaps::phases; ++phase) {
-            const std::int16_t* weights = CubicTaps::spread(width, phase);
+            const std::int16_t* weights = CubicTaps::weights(width, phase);
             double middle = 0;
             int sum = 0;
             for (int tap = 0; tap < 4; ++tap) {
-                for (int channel = 0; channel < 4; ++channel)
-                    ASSERT_EQ(weights[4 * tap + channel], weights[4 * tap]);
-                sum += weights[4 * tap];
-                middle += double(weights[4 * tap]) * (tap - 1);
+                sum += weights[tap];
+                middle += double(weights[tap]) * (tap - 1);
             }
             ASSERT_EQ(sum, CubicTaps::one);
             ASSERT_NEAR(middle / sum, double(phase) / CubicTaps::phases, 0.001) << width << ": " << phase;

@@ -43,9 +43,10 @@ TEST(FootprintKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
                 count % 2 ? 128 : 256};
             FootprintPlaces fast;
             FootprintPlaces slow;
-            projectFootprints(row, count, fast);
-            plain::projectFootprints(row, count, slow);
-            for (std::size_t i = 0; i < count; ++i)
+            const std::size_t start = count / 3;
+            projectFootprints(row, start, count, fast);
+            plain::projectFootprints(row, start, count, slow);
+            for (std::size_t i = start; i < count; ++i)
                 EXPECT_EQ(fast.at(i), slow.at(i));
 
             const FootprintLine lines[] = {{}, {2, 90, -31}, {3, 140, 200}};

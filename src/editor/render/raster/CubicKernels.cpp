@@ -68,34 +68,56 @@ HWY_INLINE void locate(const SourceBox& box, CubicOrigin origin, const Footprint
         out.pixel[i] = out.across[i] = out.down[i] = 0;
 }
 
+using Bytes = hn::Repartition<std::uint8_t, Lanes>;
+constexpr Bytes bytes;
+
+/// What the weights of a place are spread with: each row's to all lanes, and each column's to its pixel's.
+struct Spread {
+    hn::Vec<Bytes> row[4];
+    hn::Vec<Bytes> columns;
+};
+
+HWY_INLINE Spread makeSpread() {
+    alignas(32) static constexpr std::uint8_t columns[32] = {0, 1, 0, 1, 0, 1, 0, 1, 2, 3, 2, 3, 2, 3, 2, 3,
+                                                             4, 5, 4, 5, 4, 5, 4, 5, 6, 7, 6, 7, 6, 7, 6, 7};
+    const auto row = [](int index) HWY_ATTR {
+        return hn::BitCast(bytes, hn::Set(lanes, std::int16_t((2 * index + 1) << 8 | 2 * index)));
+    };
+    return {{row(0), row(1), row(2), row(3)}, hn::Load(bytes, columns)};
+}
+
 /// The four columns of a pixel's neighbours, weighed: their sum is the pixel.
 HWY_INLINE Vector columnsOf(const std::int16_t* pixels, std::ptrdiff_t stride, const std::int16_t* weights,
-                            const Reading& at, std::size_t i) {
+                            const Spread& spread, const Reading& at, std::size_t i) {
     const std::int16_t* from = pixels + std::ptrdiff_t(at.pixel[i]) * 4;
-    const std::int16_t* down = weights + std::ptrdiff_t(at.down[i]) * 16;
+    const auto four = [&](std::int32_t entry) HWY_ATTR {
+        std::uint64_t all = 0;
+        std::memcpy(&all, weights + std::ptrdiff_t(entry) * 4, sizeof(all));
+        return hn::BitCast(bytes, hn::Set(wholePixels, all));
+    };
+    const auto down = four(at.down[i]);
     const auto weighed = [&](int row) HWY_ATTR {
-        std::uint64_t weight = 0;
-        std::memcpy(&weight, down + row * 4, sizeof(weight));
         return hn::MulFixedPoint15(hn::LoadU(lanes, from + row * stride),
-                                   hn::BitCast(lanes, hn::Set(wholePixels, weight)));
+                                   hn::BitCast(lanes, hn::TableLookupBytes(down, spread.row[row])));
     };
     const auto sum = hn::Add(hn::Add(weighed(0), weighed(1)), hn::Add(weighed(2), weighed(3)));
-    return hn::MulFixedPoint15(sum, hn::Load(lanes, weights + std::ptrdiff_t(at.across[i]) * 16));
+    return hn::MulFixedPoint15(sum,
+                               hn::BitCast(lanes, hn::TableLookupBytes(four(at.across[i]), spread.columns)));
 }
 
 /// Four pixels.
 HWY_INLINE Vector readFour(const std::int16_t* pixels, std::ptrdiff_t stride, const std::int16_t* weights,
-                           const Reading& at, std::size_t i) {
+                           const Spread& spread, const Reading& at, std::size_t i) {
     const auto pairOf = [](Vector a, Vector b) HWY_ATTR {
         const auto first = hn::BitCast(wholePixels, a);
         const auto second = hn::BitCast(wholePixels, b);
         return hn::Add(hn::BitCast(lanes, hn::InterleaveLower(wholePixels, first, second)),
                        hn::BitCast(lanes, hn::InterleaveUpper(wholePixels, first, second)));
     };
-    const auto one =
-        pairOf(columnsOf(pixels, stride, weights, at, i), columnsOf(pixels, stride, weights, at, i + 1));
-    const auto other =
-        pairOf(columnsOf(pixels, stride, weights, at, i + 2), columnsOf(pixels, stride, weights, at, i + 3));
+    const auto one = pairOf(columnsOf(pixels, stride, weights, spread, at, i),
+                            columnsOf(pixels, stride, weights, spread, at, i + 1));
+    const auto other = pairOf(columnsOf(pixels, stride, weights, spread, at, i + 2),
+                              columnsOf(pixels, stride, weights, spread, at, i + 3));
     return hn::Add(hn::ConcatLowerLower(lanes, other, one), hn::ConcatUpperUpper(lanes, other, one));
 }
 
@@ -103,9 +125,9 @@ void interpolate(const SourceBox& box, CubicOrigin origin, const FootprintPlaces
                  const FootprintLine& line, std::size_t count, MixPixel* out) {
     alignas(16) static constexpr std::uint8_t ofAlpha[16] = {6,  7,  6,  7,  6,  7,  6,  7,
                                                              14, 15, 14, 15, 14, 15, 14, 15};
-    const hn::Repartition<std::uint8_t, Lanes> bytes;
     const auto alphaPattern = hn::LoadDup128(bytes, ofAlpha);
-    const std::int16_t* weights = CubicTaps::spread();
+    const std::int16_t* weights = CubicTaps::weights();
+    const Spread spread = makeSpread();
     const std::ptrdiff_t stride = std::ptrdiff_t(box.width) * 4;
     const auto* pixels = reinterpret_cast<const std::int16_t*>(box.pixels);
     Reading at;
@@ -120,14 +142,15 @@ void interpolate(const SourceBox& box, CubicOrigin origin, const FootprintPlaces
             const Footprint step = line.reading({}, reading);
             locate(box, origin, places, first, step.column, step.row, count, at);
             for (std::size_t i = 0; i < count; i += 4)
-                hn::Store(hn::Add(hn::Load(lanes, sum + 4 * i),
-                                  hn::MulFixedPoint15(readFour(pixels, stride, weights, at, i), weight)),
-                          lanes, sum + 4 * i);
+                hn::Store(
+                    hn::Add(hn::Load(lanes, sum + 4 * i),
+                            hn::MulFixedPoint15(readFour(pixels, stride, weights, spread, at, i), weight)),
+                    lanes, sum + 4 * i);
         }
     }
     for (std::size_t i = 0; i < count; i += 4) {
         const auto total =
-            line.count == 1 ? readFour(pixels, stride, weights, at, i) : hn::Load(lanes, sum + 4 * i);
+            line.count == 1 ? readFour(pixels, stride, weights, spread, at, i) : hn::Load(lanes, sum + 4 * i);
         const auto positive = hn::Max(total, hn::Zero(lanes));
         const auto alpha =
             hn::BitCast(lanes, hn::TableLookupBytes(hn::BitCast(bytes, positive), alphaPattern));

@@ -19,15 +19,15 @@ void interpolateRow(const SourceBox& box, CubicOrigin origin, const FootprintPla
             const int row = std::clamp(place.row - origin.top * CubicTaps::phases, 0, lastRow);
             const MixPixel* from = box.pixels + std::ptrdiff_t(row >> CubicTaps::phaseBits) * box.width +
                                    (column >> CubicTaps::phaseBits);
-            const std::int16_t* across = CubicTaps::spread(place.across, column & fraction);
-            const std::int16_t* down = CubicTaps::spread(place.down, row & fraction);
+            const std::int16_t* across = CubicTaps::weights(place.across, column & fraction);
+            const std::int16_t* down = CubicTaps::weights(place.down, row & fraction);
             for (int c = 0; c < 4; ++c) {
                 int sum = 0;
                 for (int x = 0; x < 4; ++x) {
                     int weighed = 0;
                     for (int y = 0; y < 4; ++y)
-                        weighed += mulFixed(from[y * box.width + x].channel[c], down[4 * y]);
-                    sum += mulFixed(std::int16_t(weighed), across[4 * x]);
+                        weighed += mulFixed(from[y * box.width + x].channel[c], down[y]);
+                    sum += mulFixed(std::int16_t(weighed), across[x]);
                 }
                 total[c] += line.count == 1 ? sum : mulFixed(std::int16_t(sum), line.weight());
             }

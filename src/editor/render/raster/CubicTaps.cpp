@@ -12,9 +12,7 @@ namespace framora::raster {
 namespace {
 
 constexpr std::size_t entryCount = std::size_t(CubicTaps::widthCount) * CubicTaps::phases;
-struct Table {
-    alignas(32) std::array<std::int16_t, entryCount * 16> weights;
-};
+using Table = std::array<std::int16_t, entryCount * 4>;
 
 /// The smoothest cubic of support 2.
 double smoothCubic(double x) {
@@ -45,10 +43,10 @@ double smoothness(double step) {
 
 Table makeTable() {
     Table table;
-    auto* entry = table.weights.data();
+    std::int16_t* entry = table.data();
     for (int width = 0; width < CubicTaps::widthCount; ++width) {
         const double smooth = smoothness(std::exp2(width / 2.0 / (CubicTaps::widthCount - 1)));
-        for (int phase = 0; phase < CubicTaps::phases; ++phase, entry += 16) {
+        for (int phase = 0; phase < CubicTaps::phases; ++phase, entry += 4) {
             std::array<int, 4> weights;
             int sum = 0;
             for (int tap = 0; tap < 4; ++tap) {
@@ -60,7 +58,7 @@ Table makeTable() {
             // A plain surface stays what it is.
             weights[phase < CubicTaps::phases / 2 ? 1 : 2] += CubicTaps::one - sum;
             for (int tap = 0; tap < 4; ++tap)
-                std::fill_n(entry + tap * 4, 4, std::int16_t(weights[std::size_t(tap)]));
+                entry[tap] = std::int16_t(weights[std::size_t(tap)]);
         }
     }
     return table;
@@ -68,9 +66,9 @@ Table makeTable() {
 
 } // namespace
 
-const std::int16_t* CubicTaps::spread() {
+const std::int16_t* CubicTaps::weights() {
     static const Table table = makeTable();
-    return table.weights.data();
+    return table.data();
 }
 
 } // namespace framora::raster

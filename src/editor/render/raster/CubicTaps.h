@@ -19,10 +19,10 @@ public:
     /// The sum of a place's weights.
     static constexpr int one = 1 << 14;
 
-    /// All weights: 16 for each width and each place of it, every weight once for each channel of its pixel.
-    static const std::int16_t* spread();
-    static const std::int16_t* spread(int width, int phase) {
-        return spread() + (width * phases + phase) * 16;
+    /// All weights: four for each width and each place of it.
+    static const std::int16_t* weights();
+    static const std::int16_t* weights(int width, int phase) {
+        return weights() + (width * phases + phase) * 4;
     }
 };
 

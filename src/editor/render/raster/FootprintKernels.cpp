@@ -12,8 +12,8 @@ namespace framora::raster::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR || HWY_HAVE_SCALABLE
 
 // No vectors of a known size: the plain kernels.
-void projectRowFootprints(const FootprintRow& row, std::size_t count, FootprintPlaces& out) {
-    plain::projectFootprints(row, count, out);
+void projectRowFootprints(const FootprintRow& row, std::size_t first, std::size_t end, FootprintPlaces& out) {
+    plain::projectFootprints(row, first, end, out);
 }
 void readRowFootprints(const SourceBox& box, const FootprintPlaces& places, std::size_t first,
                        const FootprintLine& line, std::size_t count, MixPixel* out) {
@@ -33,7 +33,7 @@ constexpr Lanes lanes;
 using OnePixel = hn::CappedTag<std::int16_t, 4>;
 constexpr OnePixel onePixel;
 
-void projectRowFootprints(const FootprintRow& row, std::size_t count, FootprintPlaces& out) {
+void projectRowFootprints(const FootprintRow& row, std::size_t first, std::size_t end, FootprintPlaces& out) {
     constexpr int fractionBits = 23 - FootprintTaps::widthBits;
     constexpr std::int32_t bitsOfOne = 0x3f800000;
     const auto all = [](float value) HWY_ATTR { return hn::Set(floats, value); };
@@ -63,8 +63,9 @@ void projectRowFootprints(const FootprintRow& row, std::size_t count, FootprintP
         return hn::Min(hn::ShiftRight<fractionBits>(rounded), most);
     };
     const std::size_t step = hn::Lanes(floats);
-    Vector index = hn::Iota(floats, 0.0f);
-    for (std::size_t i = 0; i < count; i += step, index = hn::Add(index, all(float(step)))) {
+    first -= first % step;
+    Vector index = hn::Iota(floats, float(first));
+    for (std::size_t i = first; i < end; i += step, index = hn::Add(index, all(float(step)))) {
         const auto along = [&](Vector first, Vector grow)
                                HWY_ATTR { return hn::Add(first, hn::Mul(index, grow)); };
         const Vector near = hn::Div(all(1), along(w, stepW));
@@ -195,8 +196,8 @@ namespace framora::raster {
 HWY_EXPORT(projectRowFootprints);
 HWY_EXPORT(readRowFootprints);
 
-void projectFootprints(const FootprintRow& row, std::size_t count, FootprintPlaces& out) {
-    HWY_DYNAMIC_DISPATCH(projectRowFootprints)(row, count, out);
+void projectFootprints(const FootprintRow& row, std::size_t first, std::size_t end, FootprintPlaces& out) {
+    HWY_DYNAMIC_DISPATCH(projectRowFootprints)(row, first, end, out);
 }
 
 void readFootprints(const SourceBox& box, const FootprintPlaces& places, std::size_t first,

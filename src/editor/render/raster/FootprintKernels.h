@@ -58,8 +58,9 @@ struct FootprintPlaces {
 /// Places beyond `farthest` pixels are there.
 inline constexpr float farthestPlace = 1 << 20;
 
-/// The first `count` footprints of a row, FootprintPlaces::most at most.
-void projectFootprints(const FootprintRow& row, std::size_t count, FootprintPlaces& out);
+/// The footprints [first, end) of a row; `end` is FootprintPlaces::most at most. Others may be written as
+/// well.
+void projectFootprints(const FootprintRow& row, std::size_t first, std::size_t end, FootprintPlaces& out);
 
 /// Some readings along a line instead of one.
 struct FootprintLine {
@@ -86,7 +87,7 @@ void readFootprints(const SourceBox& box, const FootprintPlaces& places, std::si
 inline constexpr int footprintSlack = 8;
 
 namespace plain {
-void projectFootprints(const FootprintRow& row, std::size_t count, FootprintPlaces& out);
+void projectFootprints(const FootprintRow& row, std::size_t first, std::size_t end, FootprintPlaces& out);
 void readFootprints(const SourceBox& box, const FootprintPlaces& places, std::size_t first,
                     const FootprintLine& line, std::size_t count, MixPixel* out);
 } // namespace plain

@@ -7,13 +7,13 @@
 
 namespace framora::raster::plain {
 
-void projectFootprints(const FootprintRow& row, std::size_t count, FootprintPlaces& out) {
+void projectFootprints(const FootprintRow& row, std::size_t first, std::size_t end, FootprintPlaces& out) {
     const ProjectiveRow& place = row.place;
     const auto whole = [&row](float value) {
         const float inside = std::min(std::max(value, -farthestPlace), farthestPlace);
         return std::int32_t(std::lrint(inside * float(row.phases)));
     };
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = first; i < end; ++i) {
         const auto index = float(i);
         const float near = 1.0f / (place.w + index * place.stepW);
         const float x = (place.x + index * place.stepX) * near;

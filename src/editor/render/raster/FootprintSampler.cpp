@@ -153,7 +153,7 @@ FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
 }
 
 void FootprintSampler::project(const Plan& plan, const Homography& map, const TileRect& block, int y,
-                               int count, FootprintPlaces& out) {
+                               int from, int end, FootprintPlaces& out) {
     const int down = y - block.y;
     const auto first = [&](int row) { return map(row, 2) + map(row, 1) * down; };
     // The depth may pass through nothing at any one pixel.
@@ -167,14 +167,14 @@ void FootprintSampler::project(const Plan& plan, const Homography& map, const Ti
                            plan.share,
                            plan.most,
                            plan.isCubic ? CubicTaps::phases : FootprintTaps::phases};
-    projectFootprints(row, std::size_t(count), out);
+    projectFootprints(row, std::size_t(from), std::size_t(end), out);
 }
 
-void FootprintSampler::projectWide(const Plan& plan, const TileRect& block, int y, int count,
+void FootprintSampler::projectWide(const Plan& plan, const TileRect& block, int y, int from, int end,
                                    FootprintPlaces& out) {
     const Homography map = Homography::translation(-0.5 - plan.originX, -0.5 - plan.originY) * plan.toLevel *
                            Homography::translation(block.x + 0.5, block.y + 0.5);
-    project(plan, map, block, y, count, out);
+    project(plan, map, block, y, from, end, out);
     // A pixel that shows some of the picture has its middle elsewhere at times: it shows what is near it.
     constexpr int bits = FootprintTaps::phaseBits;
     const auto bounds = [](int size, int origin) {
@@ -183,7 +183,7 @@ void FootprintSampler::projectWide(const Plan& plan, const TileRect& block, int 
     };
     const auto [left, right] = bounds(plan.level.width, plan.originX);
     const auto [top, bottom] = bounds(plan.level.height, plan.originY);
-    for (int i = 0; i < count; ++i) {
+    for (int i = from; i < end; ++i) {
         out.columns[i] = std::clamp(out.columns[i], left, right);
         out.rows[i] = std::clamp(out.rows[i], top, bottom);
     }
@@ -219,7 +219,7 @@ void FootprintSampler::readCubic(const Plan& plan, const TileRect& block, int x,
                                  Float4* out) const {
     const TileRect box = cubicBox(plan, block);
     FootprintPlaces places;
-    project(plan, cubicMap(plan, block, box), block, y, x - block.x + count, places);
+    project(plan, cubicMap(plan, block, box), block, y, x - block.x, x - block.x + count, places);
     for (int i = 0; i < count; ++i) {
         Float4 total = splat(0);
         for (int reading = 0; reading < plan.line.count; ++reading) {
@@ -229,16 +229,16 @@ void FootprintSampler::readCubic(const Plan& plan, const TileRect& block, int x,
             };
             const int column = clamped(place.column, box.width);
             const int row = clamped(place.row, box.height);
-            const std::int16_t* across = CubicTaps::spread(place.across, column % CubicTaps::phases);
-            const std::int16_t* down = CubicTaps::spread(place.down, row % CubicTaps::phases);
+            const std::int16_t* across = CubicTaps::weights(place.across, column % CubicTaps::phases);
+            const std::int16_t* down = CubicTaps::weights(place.down, row % CubicTaps::phases);
             const int left = box.x + column / CubicTaps::phases;
             const int top = box.y + row / CubicTaps::phases;
             for (int j = 0; j < 4; ++j) {
                 const std::uint32_t* line = plan.level.row(std::clamp(top + j, 0, plan.level.height - 1));
                 Float4 sum = splat(0);
                 for (int k = 0; k < 4; ++k)
-                    sum += unpack(line[std::clamp(left + k, 0, plan.level.width - 1)]) * splat(across[4 * k]);
-                total += sum * splat(down[4 * j]);
+                    sum += unpack(line[std::clamp(left + k, 0, plan.level.width - 1)]) * splat(across[k]);
+                total += sum * splat(down[j]);
             }
         }
         constexpr float one = float(CubicTaps::one) * float(CubicTaps::one);
@@ -262,7 +262,7 @@ void FootprintSampler::mixCubic(const Plan& plan, const TileRect& block, const T
     const int skipped = part.x - block.x;
     FootprintPlaces places;
     for (int y = part.y; y < part.y + part.height; ++y, out += stride) {
-        project(plan, map, block, y, skipped + part.width, places);
+        project(plan, map, block, y, skipped, skipped + part.width, places);
         interpolateRow(box, origin, places, std::size_t(skipped), plan.line, std::size_t(part.width), out);
     }
 }
@@ -272,7 +272,7 @@ void FootprintSampler::read(const TileRect& block, int x, int y, int count, Floa
     if (plan.isCubic)
         return readCubic(plan, block, x, y, count, out);
     FootprintPlaces places;
-    projectWide(plan, block, y, x - block.x + count, places);
+    projectWide(plan, block, y, x - block.x, x - block.x + count, places);
     constexpr int fraction = FootprintTaps::phases - 1;
     for (int i = 0; i < count; ++i) {
         Float4 total = splat(0);
@@ -314,7 +314,7 @@ bool FootprintSampler::mix(const TileRect& block, const TileRect& part, MixPixel
     int bottom = right;
     for (int y = 0; y < part.height; ++y) {
         FootprintPlaces& row = places[std::size_t(y)];
-        projectWide(plan, block, part.y + y, skipped + part.width, row);
+        projectWide(plan, block, part.y + y, skipped, skipped + part.width, row);
         for (int x = skipped; x < skipped + part.width; ++x) {
             left = std::min(left, row.columns[x]);
             right = std::max(right, row.columns[x]);

@@ -53,11 +53,12 @@ private:
         int reach = 0; ///< Pixels of the level beyond a place that its reading may use.
     };
     Plan plan(const TileRect& block) const;
-    /// The footprints of the first `count` pixels of row y of a block, which lies at `map` in the level.
-    static void project(const Plan& plan, const Homography& map, const TileRect& block, int y, int count,
-                        FootprintPlaces& out);
+    /// The footprints [from, end) of row y of a block, which lies at `map` in the level.
+    static void project(const Plan& plan, const Homography& map, const TileRect& block, int y, int from,
+                        int end, FootprintPlaces& out);
     /// project() for what FootprintTaps read.
-    static void projectWide(const Plan& plan, const TileRect& block, int y, int count, FootprintPlaces& out);
+    static void projectWide(const Plan& plan, const TileRect& block, int y, int from, int end,
+                            FootprintPlaces& out);
     /// From a block's pixels to the first of the four by four of the level, counted from the corner of `box`.
     static Homography cubicMap(const Plan& plan, const TileRect& block, const TileRect& box);
     /// The columns and rows of the level that a part of a block reads four by four of.

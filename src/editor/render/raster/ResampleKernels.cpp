@@ -69,7 +69,14 @@ void widenAll(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
     std::size_t i = 0;
     for (; i + step <= count; i += step)
         hn::StoreU(widened(pixels + i), lanes, reinterpret_cast<std::int16_t*>(out + i));
-    plain::widenRow(pixels + i, count - i, out + i);
+    // The last vector again, from where it ends with the row.
+    if (i == count)
+        return;
+    if (count >= step)
+        hn::StoreU(widened(pixels + count - step), lanes,
+                   reinterpret_cast<std::int16_t*>(out + count - step));
+    else
+        plain::widenRow(pixels, count, out);
 }
 
 HWY_INLINE Vector weighed(const std::uint32_t* const* rows, const std::int16_t* weights, int taps,
