@@ -11,6 +11,7 @@
 #include <array>
 #include <dirent.h>
 #include <fcntl.h>
+#include <iterator>
 #include <sys/stat.h>
 
 namespace framora {
@@ -74,6 +75,8 @@ public:
         m_paths.clear();
         m_entriesLeft = WallpaperScan::mostEntries;
         walk(folder, 0);
+        if (m_stop.stop_requested())
+            return {};
         m_paths.sort();
         return onePerPackage(m_paths);
     }
@@ -125,28 +128,31 @@ public:
         struct stat status {};
         if (!url.isLocalFile() || !readStatus(path, status) || !isNew(path))
             return;
-        append(path, QStringLiteral("Current Wallpaper"), status);
+        current.push_back(candidate(path, QStringLiteral("Current Wallpaper"), status));
         if (const auto picture = PackagePicture::of(path); !picture.folder.isEmpty())
             m_currentPackages.insert(picture.folder);
     }
 
-    /// False when there is no room for more.
-    bool addFromFolder(const QString& path) {
-        if (all.size() >= WallpaperScan::mostInAll)
-            return false;
-        struct stat status {};
-        if (!readStatus(path, status) || m_currentPackages.contains(PackagePicture::of(path).folder))
-            return true;
-        const bool isInReference =
-            !m_folders.referenceFolder.isEmpty() && path.contains(m_folders.referenceFolder);
-        const qint64 smallest = isInReference ? smallestInReference : smallestElsewhere;
-        const bool isLarge = S_ISREG(status.st_mode) && status.st_size > smallest;
-        if ((isLarge || BackgroundDecoder::isVideo(QUrl::fromLocalFile(path))) && isNew(path))
-            append(path, QFileInfo(path).fileName(), status);
-        return true;
+    /// The files among these paths, which are those of one folder, that are wallpapers and not listed yet.
+    void addFolder(const QStringList& paths, const std::stop_token& stop) {
+        std::vector<WallpaperCandidate>& files = inFolders.emplace_back();
+        for (const QString& path : paths) {
+            if (stop.stop_requested() || files.size() >= WallpaperScan::mostInAll)
+                return;
+            struct stat status {};
+            if (!readStatus(path, status) || m_currentPackages.contains(PackagePicture::of(path).folder))
+                continue;
+            const bool isInReference =
+                !m_folders.referenceFolder.isEmpty() && path.contains(m_folders.referenceFolder);
+            const qint64 smallest = isInReference ? smallestInReference : smallestElsewhere;
+            const bool isLarge = S_ISREG(status.st_mode) && status.st_size > smallest;
+            if ((isLarge || BackgroundDecoder::isVideo(QUrl::fromLocalFile(path))) && isNew(path))
+                files.push_back(candidate(path, QFileInfo(path).fileName(), status));
+        }
     }
 
-    std::vector<WallpaperCandidate> all;
+    std::vector<WallpaperCandidate> current;
+    std::vector<std::vector<WallpaperCandidate>> inFolders; ///< By folder, in the order of the calls.
 
 private:
     static bool readStatus(const QString& path, struct stat& status) {
@@ -161,15 +167,33 @@ private:
         return m_taken.size() > before;
     }
 
-    void append(const QString& path, const QString& name, const struct stat& status) {
+    static WallpaperCandidate candidate(const QString& path, const QString& name, const struct stat& status) {
         const QUrl url = QUrl::fromLocalFile(path);
-        all.push_back({url, name, qint64(status.st_size), BackgroundDecoder::isVideo(url)});
+        return {url, name, qint64(status.st_size), BackgroundDecoder::isVideo(url)};
     }
 
     const WallpaperFolders& m_folders;
     QSet<QString> m_taken;
     QSet<QString> m_currentPackages; ///< Offered already, in the size that the desktop shows.
 };
+
+/// How many files each folder may offer: the same for all that have as many, such that it comes to
+/// `WallpaperScan::mostInAll`; what is left over by a division goes to the first ones.
+std::vector<std::size_t> fairShares(const std::vector<std::vector<WallpaperCandidate>>& folders) {
+    std::vector<std::size_t> shares(folders.size(), 0);
+    std::size_t left = WallpaperScan::mostInAll;
+    while (left > 0) {
+        const std::size_t before = left;
+        for (std::size_t i = 0; i < folders.size() && left > 0; ++i)
+            if (shares[i] < folders[i].size()) {
+                ++shares[i];
+                --left;
+            }
+        if (left == before)
+            break;
+    }
+    return shares;
+}
 
 } // namespace
 
@@ -194,13 +218,14 @@ std::vector<WallpaperCandidate> WallpaperScan::candidates(const std::vector<QUrl
     for (const QUrl& url : currentPictures)
         list.addCurrent(url);
     FolderWalk walk(stop);
-    for (const QString& folder : folders.folders) {
-        const std::size_t before = list.all.size();
-        for (const QString& path : walk.paths(folder))
-            if (list.all.size() - before >= mostInFolder || !list.addFromFolder(path))
-                break;
-    }
-    return std::move(list.all);
+    for (const QString& folder : folders.folders)
+        list.addFolder(walk.paths(folder), stop);
+    std::vector<WallpaperCandidate> all = std::move(list.current);
+    const std::vector<std::size_t> shares = fairShares(list.inFolders);
+    for (std::size_t i = 0; i < shares.size(); ++i)
+        std::move(list.inFolders[i].begin(), list.inFolders[i].begin() + std::ptrdiff_t(shares[i]),
+                  std::back_inserter(all));
+    return all;
 }
 
 } // namespace framora

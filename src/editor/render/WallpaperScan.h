@@ -31,10 +31,11 @@ struct WallpaperFolders {
 /// Finds the files: the desktop's current pictures first, then each folder's, by path. One pass, any thread.
 class WallpaperScan {
 public:
-    /// A folder offers no more than these, and all of them together; and of one no more entries are looked
-    /// at. A folder of photographs is no folder of wallpapers.
-    static constexpr std::size_t mostInFolder = 250;
-    static constexpr std::size_t mostInAll = 500;
+    /// All folders together offer no more than these, so that what the program keeps of them is bounded; the
+    /// current pictures come beside. A folder of photographs takes no room from the others: where not all
+    /// files fit, each folder gets as many as every other, or all of its own.
+    static constexpr std::size_t mostInAll = 400;
+    /// Of one folder no more entries are looked at.
     static constexpr int mostEntries = 100'000;
 
     /// `currentPictures` in screen order; a file that does not exist is left out.

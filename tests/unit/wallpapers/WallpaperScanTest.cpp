@@ -1,17 +1,30 @@
 #include "unit/wallpapers/WallpaperFixture.h"
 
+#include <QRegularExpression>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace framora {
 namespace {
 
-using WallpaperScanOf = WallpaperFixture;
 constexpr qint64 enough = 100'001;
 
 QString text(const char* utf8) {
     return QString::fromUtf8(utf8);
 }
+
+class WallpaperScanOf : public WallpaperFixture {
+protected:
+    /// Puts so many pictures into a folder, as links of the same bytes: each a file of its own.
+    void fill(const QString& folder, int count) const {
+        const QString first = put(folder + text("/0000.jpg"), enough);
+        for (int i = 1; i < count; ++i) {
+            const QString name = text("%1/%2.jpg").arg(folder).arg(i, 4, 10, QLatin1Char('0'));
+            ASSERT_EQ(link(QFile::encodeName(first).constData(), QFile::encodeName(path(name)).constData()),
+                      0);
+        }
+    }
+};
 
 TEST_F(WallpaperScanOf, FoldersGoesThroughThemInTheirOrderAndByPathWithin) {
     const QStringList names{
@@ -174,18 +187,38 @@ TEST_F(WallpaperScanOf, AVeryDeepFolderEndsSomewhere) {
 }
 
 TEST_F(WallpaperScanOf, AFolderOfPhotographsGivesItsFirstOnesAndLeavesRoomForTheOthers) {
-    const QString photograph = put(text("home/Pictures/0000.jpg"), enough);
-    for (int i = 1; i < 300; ++i)
-        // As links of the same bytes: each a file of its own.
-        ASSERT_EQ(link(QFile::encodeName(photograph).constData(),
-                       QFile::encodeName(path(text("home/Pictures/%1.jpg").arg(i, 4, 10, QLatin1Char('0'))))
-                           .constData()),
-                  0);
+    const int most = int(WallpaperScan::mostInAll);
+    fill(text("home/Pictures"), most * 3);
     put(text("usr/share/backgrounds/a.jpg"), enough);
-    const QStringList found = foundPaths();
-    ASSERT_EQ(found.size(), qsizetype(WallpaperScan::mostInFolder) + 1);
-    EXPECT_EQ(found[249], text("home/Pictures/0249.jpg"));
+    const QString shown = put(text("shown.jpg"), enough);
+    const QStringList found = foundPaths({url(shown)});
+    ASSERT_EQ(found.size(), most + 1) << "the current one comes beside";
+    EXPECT_EQ(found[0], text("shown.jpg"));
+    EXPECT_EQ(found[most - 1], text("home/Pictures/%1.jpg").arg(most - 2, 4, 10, QLatin1Char('0')));
     EXPECT_EQ(found.last(), text("usr/share/backgrounds/a.jpg"));
+}
+
+TEST_F(WallpaperScanOf, FullFoldersShareTheRoomAndNoneIsLeftOut) {
+    const int most = int(WallpaperScan::mostInAll);
+    fill(text("home/Pictures"), most);
+    fill(text("home/.local/share/backgrounds"), most);
+    fill(text("usr/share/backgrounds"), 70);
+    fill(text("usr/share/wallpapers"), most);
+    const QStringList found = foundPaths();
+    const auto countOf = [&](const char* folder) {
+        return found.filter(QRegularExpression(u'^' + text(folder))).size();
+    };
+    EXPECT_EQ(found.size(), most);
+    EXPECT_EQ(countOf("home/Pictures"), (most - 70) / 3);
+    EXPECT_EQ(countOf("home/.local"), (most - 70) / 3);
+    EXPECT_EQ(countOf("usr/share/backgrounds"), 70);
+    EXPECT_EQ(countOf("usr/share/wallpapers"), (most - 70) / 3);
+}
+
+TEST_F(WallpaperScanOf, ASingleFolderMayTakeAllTheRoom) {
+    const int most = int(WallpaperScan::mostInAll);
+    fill(text("usr/share/wallpapers"), most - 5);
+    EXPECT_EQ(foundPaths().size(), most - 5);
 }
 
 TEST_F(WallpaperScanOf, APackageOfSizesIsOnePictureOfItsLargest) {
