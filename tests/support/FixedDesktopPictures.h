@@ -8,7 +8,7 @@ namespace framora {
 class FixedDesktopPictures final : public DesktopPictures {
 public:
     Lookup lookup() override {
-        return [found = pictures] { return found; };
+        return [found = pictures](const std::stop_token&) { return found; };
     }
 
     std::vector<QUrl> pictures;

@@ -1,8 +1,9 @@
 #include "editor/render/BackgroundDecoder.h"
 
 #include "editor/render/DecoderProcess.h"
+#include "editor/render/IsoMediaSize.h"
 #include "editor/render/PictureFile.h"
-#include "editor/render/RegularFile.h"
+#include "platform/RegularFile.h"
 
 #include <QDateTime>
 #include <QFile>
@@ -25,19 +26,24 @@ struct KeptPicture {
 QMutex keptMutex;
 KeptPicture kept;
 
+KeptPicture takeKept(const QUrl& url) {
+    const QMutexLocker lock(&keptMutex);
+    return url == kept.url ? std::exchange(kept, {}) : KeptPicture();
+}
+
 QDateTime modificationTime(const QUrl& url) {
     return QFileInfo(url.toLocalFile()).lastModified();
 }
 
-QImage decodeFile(const QUrl& url) {
+QImage decodeFile(const QUrl& url, const std::stop_token& stop) {
     QFile file;
     if (!openRegularFile(file, url.toLocalFile()))
         return {};
     if (BackgroundDecoder::isVideo(url))
-        return decodeInProcess(QStringLiteral("framora-video-still"), file.handle());
+        return decodeInProcess(QStringLiteral("framora-video-still"), file.handle(), {.stop = stop});
     if (isHeif(file.handle()))
-        return decodeInProcess(QStringLiteral("framora-heif"), file.handle());
-    return loadPicture(file).image;
+        return decodeInProcess(QStringLiteral("framora-heif"), file.handle(), {.stop = stop});
+    return loadPicture(file, {.stop = stop}).image;
 }
 
 } // namespace
@@ -47,21 +53,19 @@ bool BackgroundDecoder::isVideo(const QUrl& url) {
     return extension == QLatin1String("mov") || extension == QLatin1String("mp4");
 }
 
-QImage BackgroundDecoder::decode(const QUrl& url) {
-    if (!url.isLocalFile())
+QImage BackgroundDecoder::decode(const QUrl& url, const std::stop_token& stop) {
+    if (!url.isLocalFile() || stop.stop_requested())
         return {};
-    {
-        const QMutexLocker lock(&keptMutex);
-        const KeptPicture taken = url == kept.url ? std::exchange(kept, {}) : KeptPicture();
-        if (!taken.image.isNull() && taken.modified == modificationTime(url))
-            return taken.image;
-    }
-    return decodeFile(url);
+    const KeptPicture taken = takeKept(url);
+    // A file system may take its time to say: not while the main thread may wait for the lock.
+    if (!taken.image.isNull() && taken.modified == modificationTime(url))
+        return taken.image;
+    return decodeFile(url, stop);
 }
 
-QImage BackgroundDecoder::decodeForTwo(const QUrl& url) {
+QImage BackgroundDecoder::decodeForTwo(const QUrl& url, const std::stop_token& stop) {
     const QDateTime modified = modificationTime(url);
-    QImage image = decode(url);
+    QImage image = decode(url, stop);
     const QMutexLocker lock(&keptMutex);
     kept = {url, modified, image};
     return image;

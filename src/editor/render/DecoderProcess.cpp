@@ -30,6 +30,7 @@ namespace {
 
 /// Beyond its own bound in seconds, for its start; then it is ended from here.
 constexpr unsigned decoderGrace = 3;
+constexpr qint64 mebibyte = 1 << 20;
 
 /// Waits for the end of a child without collecting it, and brings that end about after so many seconds.
 void awaitEnd(pid_t child, unsigned seconds) {
@@ -83,16 +84,18 @@ bool runDecoder(const QByteArray& program, int input, int output, const DecoderO
     const QByteArray texts[] = {QByteArray::number(std::max(order.box.width(), 0)),
                                 QByteArray::number(std::max(order.box.height(), 0)),
                                 QByteArray::number(order.seconds > 0 ? order.seconds : whole.seconds),
-                                QByteArray::number(order.threads)};
-    char* const arguments[] = {
-        const_cast<char*>(program.constData()),  const_cast<char*>(texts[0].constData()),
-        const_cast<char*>(texts[1].constData()), const_cast<char*>(texts[2].constData()),
-        const_cast<char*>(texts[3].constData()), nullptr};
+                                QByteArray::number(order.threads),
+                                QByteArray::number(order.bytes > 0 ? (order.bytes + mebibyte - 1) / mebibyte
+                                                                   : qint64(whole.mebibytes))};
+    std::vector<char*> arguments{const_cast<char*>(program.constData())};
+    for (const QByteArray& text : texts)
+        arguments.push_back(const_cast<char*>(text.constData()));
+    arguments.push_back(nullptr);
     QByteArray tunables;
     const std::vector<char*> environment = decoderEnvironment(tunables);
     pid_t child = 0;
     const int error =
-        posix_spawn(&child, program.constData(), &streams, &attributes, arguments, environment.data());
+        posix_spawn(&child, program.constData(), &streams, &attributes, arguments.data(), environment.data());
     if (error != 0) {
         qWarning("framora: %s: %s", program.constData(), std::strerror(error));
         return false;

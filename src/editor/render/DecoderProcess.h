@@ -12,6 +12,7 @@ struct DecoderOrder {
     QSize box = {};            ///< The picture may be reduced while it fills this box in one direction.
     unsigned seconds = 0;      ///< More than these it may not take; 0 for its own bound.
     int threads = 0;           ///< 0: as many as it takes by itself.
+    qint64 bytes = 0;          ///< More memory than this it may not take; 0 for its own bound.
     std::stop_token stop = {}; ///< Ends it, with no picture.
 };
 

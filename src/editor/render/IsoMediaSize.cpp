@@ -14,9 +14,10 @@ quint32 number(QByteArrayView bytes, qsizetype at) {
     return at >= 0 && at + 4 <= bytes.size() ? qFromBigEndian<quint32>(bytes.data() + at) : 0;
 }
 
-/// Of "ispe" boxes, which say a picture's size.
+/// Of "ispe" boxes, which say a picture's size: any two numbers of 32 bits.
 qint64 pictureSize(QByteArrayView box, qsizetype at) {
-    return qint64(number(box, at + 8)) * number(box, at + 12);
+    constexpr quint32 mostSide = 1 << 24;
+    return qint64(std::min(number(box, at + 8), mostSide)) * std::min(number(box, at + 12), mostSide);
 }
 
 /// Of "tkhd" boxes, a track's header: in two widths of its times, and in 65536ths of a pixel.
@@ -26,6 +27,12 @@ qint64 trackSize(QByteArrayView box, qsizetype at) {
 }
 
 } // namespace
+
+bool isHeif(int descriptor) {
+    std::array<char, 8> start{};
+    return pread(descriptor, start.data(), start.size(), 0) == ssize_t(start.size()) &&
+           QByteArrayView(start).sliced(4) == "ftyp";
+}
 
 qint64 isoMediaPixels(int fileDescriptor) {
     constexpr int mostBoxes = 64;

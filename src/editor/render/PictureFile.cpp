@@ -3,11 +3,12 @@
 #include "editor/render/NamelessFile.h"
 #include "editor/render/PictureCompleteness.h"
 #include "editor/render/SrgbPicture.h"
+#include "editor/render/StillFormat.h"
+#include "editor/render/WatchedBytes.h"
 #include "editor/render/raster/HugePages.h"
 #include "editor/render/raster/PngReader.h"
 #include "platform/PictureResolution.h"
 
-#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
@@ -47,7 +48,7 @@ QImage roomFor(const QImageReader& reader, QSize size) {
 
 /// A PNG of the usual kind, several times faster than by the reader for all kinds. Null for everything that
 /// it does not take: the other reader knows what it is, or what is wrong with it.
-QImage readPlainPng(const QByteArray& encoded) {
+QImage readPlainPng(const QByteArray& encoded, DecodingWatch& watch) {
     const auto png = raster::plainPng(
         {reinterpret_cast<const std::uint8_t*>(encoded.constData()), std::size_t(encoded.size())});
     if (!png || !isWithinBounds({png->width, png->height}))
@@ -56,8 +57,11 @@ QImage readPlainPng(const QByteArray& encoded) {
     if (image.isNull())
         return {};
     raster::adviseHugePages(image.bits(), std::size_t(image.sizeInBytes()));
-    const bool decoded = raster::decodePlainPng(*png, {reinterpret_cast<std::byte*>(image.bits()),
-                                                       image.width(), image.height(), image.bytesPerLine()});
+    constexpr int rowsAtOnce = 64;
+    const bool decoded = raster::decodePlainPng(
+        *png,
+        {reinterpret_cast<std::byte*>(image.bits()), image.width(), image.height(), image.bytesPerLine()},
+        [&watch](int y) { return y % rowsAtOnce != 0 || !watch.isOver(); });
     return decoded ? image : QImage();
 }
 
@@ -73,19 +77,22 @@ QString decodingError(const QImageReader& reader) {
 
 } // namespace
 
-LoadedPicture loadPicture(const QByteArray& encoded) {
+LoadedPicture loadPicture(const QByteArray& encoded, const DecodingBounds& bounds) {
     if (encoded.isEmpty())
         return failure(QStringLiteral("the file is empty"));
-    if (QImage image = readPlainPng(encoded); !image.isNull()) {
+    const char* format = stillFormat(encoded);
+    if (!format)
+        return failure(QStringLiteral("not a picture that can be read"));
+    DecodingWatch watch(bounds);
+    if (QImage image = readPlainPng(encoded, watch); !image.isNull()) {
         image.setDevicePixelRatio(storedPixelRatio(encoded));
         return {.image = image, .error = QString()};
     }
     raiseDecoderLimit();
-    QBuffer buffer;
-    buffer.setData(encoded);
-    buffer.open(QIODevice::ReadOnly);
-    QImageReader reader(&buffer);
-    reader.setDecideFormatFromContent(true);
+    const bool isJpeg = qstrcmp(format, "jpeg") == 0;
+    WatchedBytes bytes(encoded, watch, isJpeg ? jpegPieceBytes : encoded.size());
+    QImageReader reader(&bytes, format);
+    reader.setAutoDetectImageFormat(false);
     reader.setAutoTransform(true);
     if (!reader.canRead())
         return failure(QStringLiteral("not a picture that can be read"));
@@ -98,7 +105,10 @@ LoadedPicture loadPicture(const QByteArray& encoded) {
         return failure(QStringLiteral("the picture is damaged or cut off"));
 
     QImage image = roomFor(reader, claimed);
-    if (!reader.read(&image) || image.isNull())
+    const bool isRead = reader.read(&image) && !image.isNull();
+    if (watch.isOver())
+        return failure(QStringLiteral("decoding the picture takes too long"));
+    if (!isRead)
         return failure(decodingError(reader));
     if (!isWithinBounds(image.size()))
         return failure(QStringLiteral("the picture has more pixels than can be drawn"));
@@ -121,10 +131,10 @@ LoadedPicture loadPicture(const QString& path) {
     return loadPicture(file);
 }
 
-LoadedPicture loadPicture(QIODevice& device) {
+LoadedPicture loadPicture(QIODevice& device, const DecodingBounds& bounds) {
     constexpr qint64 pieceBytes = 1 << 20;
     QByteArray encoded;
-    while (true) {
+    while (!bounds.stop.stop_requested()) {
         const QByteArray piece = device.read(pieceBytes);
         if (piece.isEmpty())
             break;
@@ -135,7 +145,7 @@ LoadedPicture loadPicture(QIODevice& device) {
     const auto* file = qobject_cast<QFileDevice*>(&device);
     if (file && file->error() != QFileDevice::NoError)
         return failure(QStringLiteral("cannot be read: %1").arg(device.errorString()));
-    return loadPicture(encoded);
+    return loadPicture(encoded, bounds);
 }
 
 QByteArray encodePng(const QImage& image, double dotsPerInch, raster::PngSpeed speed) {

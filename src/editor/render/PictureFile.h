@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editor/render/DecodingWatch.h"
 #include "editor/render/decoders/DecodedPicture.h"
 #include "editor/render/raster/PngEncoder.h"
 
@@ -21,11 +22,11 @@ struct LoadedPicture {
 /// Files beyond this are not read at all; a pipe or a device may never end.
 inline constexpr qint64 maximumPictureBytes = qint64(1) << 28;
 
-/// Reads any still picture that the installed decoders know. A missing or cut-off file, absurd dimensions and
-/// what is no picture each give an error and no image. From any thread.
+/// Reads a PNG, JPEG, WebP, TIFF, GIF or BMP file. A missing or cut-off file, absurd dimensions, what takes
+/// longer than the bounds and what is no picture each give an error and no image. From any thread.
 LoadedPicture loadPicture(const QString& path);
-LoadedPicture loadPicture(QIODevice& openDevice);
-LoadedPicture loadPicture(const QByteArray& encoded);
+LoadedPicture loadPicture(QIODevice& openDevice, const DecodingBounds& bounds = {});
+LoadedPicture loadPicture(const QByteArray& encoded, const DecodingBounds& bounds = {});
 
 /// `image` as a PNG file of that resolution; empty when the image is null or memory is short.
 QByteArray encodePng(const QImage& image, double dotsPerInch,

@@ -56,7 +56,7 @@ void WallpaperCache::load(Completion completion) {
                                       lookup = m_services.desktopPictures.lookup(),
                                       folders = m_services.folders]() -> MainQueue::Work {
         auto found = std::make_shared<std::vector<Wallpaper>>(
-            makeWallpapers(WallpaperScan::candidates(lookup(), folders, stop), stop));
+            makeWallpapers(WallpaperScan::candidates(lookup(stop), folders, stop), stop));
         // Decoding took a hundred times what its thumbnails need.
         malloc_trim(0);
         return [self, found] {

@@ -26,8 +26,14 @@ DesktopPictures::Lookup ConfiguredDesktopPictures::lookup() {
     for (const QString& name : qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':'))
         for (const Desktop& desktop : desktops)
             if (name.compare(QLatin1String(desktop.name), Qt::CaseInsensitive) == 0)
-                return [place, &desktop] { return desktop.pictures(place); };
-    return [] { return std::vector<QUrl>(); };
+                return [place, &desktop](const std::stop_token& stop) {
+                    DesktopSettingsPlace asked = place;
+                    asked.schemaValue = [&](const QString& schema, const QString& key) {
+                        return DesktopSettingsPlace::valueOfSchema(schema, key, stop);
+                    };
+                    return desktop.pictures(asked);
+                };
+    return [](const std::stop_token&) { return std::vector<QUrl>(); };
 }
 
 } // namespace framora

@@ -8,6 +8,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace framora {
 namespace {
@@ -70,6 +71,39 @@ TEST_F(DesktopPicturesOf, GnomeGoByTheColourScheme) {
     EXPECT_TRUE(gnomePictures(place).empty());
     schemas.clear();
     EXPECT_TRUE(gnomePictures(place).empty());
+}
+
+TEST_F(DesktopPicturesOf, PipesInPlaceOfSettingsAreNotWaitedFor) {
+    const auto putPipe = [this](const char* name) {
+        const QString path = folder.filePath(text(name));
+        EXPECT_TRUE(QDir().mkpath(QFileInfo(path).path()));
+        EXPECT_EQ(mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+        return path;
+    };
+    EXPECT_TRUE(timedPicture(putPipe("slides.xml"), place.now).isEmpty());
+    putPipe("config/xfce4/xfconf/xfce-perchannel-xml/xfce4-desktop.xml");
+    putPipe("config/pcmanfm-qt/lxqt/settings.conf");
+    putPipe("config/plasma-org.kde.plasma.desktop-appletsrc");
+    putPipe("config/kdeglobals");
+    EXPECT_TRUE(xfcePictures(place).empty());
+    EXPECT_TRUE(lxqtPictures(place).empty());
+    for (const QUrl& url : plasmaPictures(place))
+        EXPECT_TRUE(url.isEmpty());
+}
+
+TEST_F(DesktopPicturesOf, SettingsLargerThanAnyAreLeftAlone) {
+    QByteArray settings = "[Desktop]\nWallpaper=/pictures/a.jpg\nWallpaperMode=zoom\n";
+    write(text("config/pcmanfm-qt/lxqt/settings.conf"), settings);
+    EXPECT_FALSE(lxqtPictures(place).empty());
+    write(text("config/pcmanfm-qt/lxqt/settings.conf"), settings + QByteArray(9 << 20, '\n'));
+    EXPECT_TRUE(lxqtPictures(place).empty());
+}
+
+TEST_F(DesktopPicturesOf, ASettingIsNotAskedForOnceAStopIs) {
+    std::stop_source source;
+    source.request_stop();
+    EXPECT_FALSE(DesktopSettingsPlace::valueOfSchema(text("org.gnome.desktop.background"),
+                                                     text("picture-uri"), source.get_token()));
 }
 
 TEST_F(DesktopPicturesOf, CinnamonAndMateAreTheirOwnSettings) {
@@ -189,7 +223,7 @@ TEST_F(DesktopPicturesOf, TheSessionChoosesWhoseSettingsCount) {
     ConfiguredDesktopPictures pictures(screens);
     const auto with = [&](const char* desktop) {
         qputenv("XDG_CURRENT_DESKTOP", desktop);
-        return paths(pictures.lookup()());
+        return paths(pictures.lookup()({}));
     };
     EXPECT_EQ(with("LXQt"), QStringList({text("/pictures/a.jpg"), text("/pictures/a.jpg")}));
     EXPECT_EQ(with("XFCE"), QStringList(text("/pictures/x.jpg")));

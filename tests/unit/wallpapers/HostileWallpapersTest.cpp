@@ -1,12 +1,20 @@
 #include "editor/render/BackgroundDecoder.h"
 #include "editor/render/DecoderProcess.h"
-#include "editor/render/WallpaperThumbnails.h"
+#include "editor/render/IsoMediaSize.h"
+#include "editor/render/PictureFile.h"
+#include "editor/render/ReducedPicture.h"
+#include "editor/render/WallpaperCache.h"
+#include "platform/desktop/ThreadBackgroundQueue.h"
+#include "support/FixedDesktopPictures.h"
+#include "support/ManualMainQueue.h"
 #include "support/MediaFiles.h"
 #include "unit/wallpapers/WallpaperFixture.h"
 
 #include <QBuffer>
 #include <QElapsedTimer>
+#include <QThread>
 #include <QtEndian>
+#include <ctime>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
@@ -57,6 +65,55 @@ protected:
         EXPECT_GT(frame, 0);
         qToBigEndian(height, jpeg.data() + frame + 5);
         qToBigEndian(width, jpeg.data() + frame + 7);
+        return jpeg;
+    }
+
+    static QByteArray segment(char marker, const QByteArray& content) {
+        QByteArray bytes("\xff", 1);
+        bytes += marker;
+        const qsizetype length = content.size() + 2;
+        bytes += char(length >> 8);
+        bytes += char(length);
+        return bytes + content;
+    }
+
+    /// A valid grey JPEG whose every scan goes through the whole picture to change nothing of it: two bits
+    /// for each 32767 blocks.
+    static QByteArray jpegOfScans(int side, int scans) {
+        const auto side16 = QByteArray(1, char(side >> 8)) + char(side);
+        const qint64 blocks = qint64((side + 7) / 8) * ((side + 7) / 8);
+        QByteArray jpeg("\xff\xd8", 2);
+        jpeg += segment('\xdb', QByteArray(1, 0) + QByteArray(64, 1));
+        jpeg += segment('\xc2', QByteArray(1, 8) + side16 + side16 + QByteArray::fromHex("01011100"));
+        jpeg += segment('\xc4', QByteArray::fromHex("0001") + QByteArray(15, 0) + QByteArray(1, 0));
+        // '0' begins a run of 16384 blocks and more, '10' ends one block.
+        jpeg +=
+            segment('\xc4', QByteArray::fromHex("100101") + QByteArray(14, 0) + QByteArray::fromHex("e000"));
+        jpeg += segment('\xda', QByteArray::fromHex("010100000000")) + QByteArray((blocks + 7) / 8, 0);
+        QByteArray bits;
+        for (qint64 left = blocks; left > 0;) {
+            const qint64 run = left >= 16384 ? std::min<qint64>(left, 32767) : 1;
+            bits += run == 1 ? QByteArray("10")
+                             : '0' + QByteArray::number(run - 16384, 2).rightJustified(14, '0');
+            left -= run;
+        }
+        bits += QByteArray(-bits.size() & 7, '1');
+        QByteArray passes = segment('\xda', QByteArray::fromHex("010100013f00"));
+        for (qsizetype at = 0; at < bits.size(); at += 8) {
+            const auto byte = char(bits.mid(at, 8).toUInt(nullptr, 2));
+            passes += byte;
+            if (byte == '\xff')
+                passes += '\0';
+        }
+        return jpeg + passes.repeated(scans) + QByteArray("\xff\xd9", 2);
+    }
+
+    /// The file's header says it is coded in passes, its colours as fine as its light.
+    static QByteArray madeProgressive(QByteArray jpeg) {
+        const qsizetype frame = jpeg.indexOf(QByteArray::fromHex("ffc0"));
+        EXPECT_GT(frame, 0);
+        jpeg[frame + 1] = '\xc2';
+        jpeg[frame + 11] = '\x11';
         return jpeg;
     }
 
@@ -193,6 +250,117 @@ TEST_F(HostileWallpapers, AStopEndsADecoderThatIsUnderWay) {
     decoding.join();
     EXPECT_TRUE(image.isNull());
     EXPECT_LT(timer.elapsed(), 10'000);
+}
+
+TEST_F(HostileWallpapers, AJpegOfEndlessScansIsGivenUp) {
+    // Takes most of a minute by itself.
+    const QByteArray bytes = jpegOfScans(4000, 40'000);
+    const QString path = write(QStringLiteral("scans.jpg"), bytes);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    ReducedPicture picture(file, {600, 450});
+    ASSERT_GT(picture.bytesNeeded(), 0);
+    const clock_t before = clock();
+    EXPECT_TRUE(picture.decode({.patience = std::chrono::milliseconds(200)}).isNull());
+    EXPECT_TRUE(loadPicture(bytes, {.patience = std::chrono::milliseconds(200)}).image.isNull());
+    EXPECT_LT(double(clock() - before) / CLOCKS_PER_SEC, 5);
+    // The same picture with few of them is one.
+    EXPECT_EQ(entriesOf({write(QStringLiteral("few.jpg"), jpegOfScans(4000, 5))}), 1);
+}
+
+TEST_F(HostileWallpapers, TheEndOfTheProgramDoesNotWaitForADecoder) {
+    ManualMainQueue mainQueue;
+    FixedDesktopPictures desktop;
+    const QString slow = write(QStringLiteral("scans.jpg"), jpegOfScans(4000, 40'000));
+    desktop.pictures = {url(slow)};
+    auto queue = std::make_unique<ThreadBackgroundQueue>(mainQueue);
+    auto cache = std::make_unique<WallpaperCache>(WallpaperCache::Services{*queue, desktop, folders()});
+    cache->load([] {});
+    QThread::msleep(300); // into the decoder; where it has not begun there is nothing to wait for either
+    QElapsedTimer timer;
+    timer.start();
+    cache.reset();
+    queue.reset();
+    EXPECT_LT(timer.elapsed(), 3000) << "some milliseconds on a machine that does nothing else";
+}
+
+TEST_F(HostileWallpapers, ABackgroundIsNotDecodedOnOnceAStopIsAskedFor) {
+    const QUrl slow = url(write(QStringLiteral("scans.jpg"), jpegOfScans(4000, 40'000)));
+    std::stop_source source;
+    QImage image(1, 1, QImage::Format_RGB32);
+    std::jthread decoding([&] { image = BackgroundDecoder::decode(slow, source.get_token()); });
+    QThread::msleep(100);
+    QElapsedTimer timer;
+    timer.start();
+    source.request_stop();
+    decoding.join();
+    EXPECT_TRUE(image.isNull());
+    EXPECT_LT(timer.elapsed(), 3000);
+}
+
+TEST_F(HostileWallpapers, AJpegInPassesCountsWithAllItsCoefficients) {
+    const auto needed = [this](const QByteArray& jpeg) {
+        QFile file(write(QStringLiteral("a.jpg"), jpeg));
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return ReducedPicture(file, {600, 450}).bytesNeeded();
+    };
+    constexpr qint64 pixels = 11585 * 11585;
+    const QByteArray plain = jpegClaiming(11585, 11585);
+    EXPECT_GT(needed(plain), 0);
+    EXPECT_LT(needed(plain), pixels / 4) << "its decoder keeps a few rows";
+    EXPECT_GE(needed(madeProgressive(plain)), pixels * 6);
+    EXPECT_EQ(entriesOf({write(QStringLiteral("large.jpg"), madeProgressive(plain))}), 0);
+}
+
+TEST_F(HostileWallpapers, OnlyTheKnownFormatsAreReadWhateverTheMachineKnows) {
+    const QImage picture = fourQuarters(320, 240);
+    QStringList files;
+    for (const char* format : {"ppm", "xpm", "xbm", "ico", "icns", "tga"}) {
+        const QByteArray bytes = [&] {
+            QByteArray written;
+            QBuffer buffer(&written);
+            buffer.open(QIODevice::WriteOnly);
+            return picture.save(&buffer, format) ? written : QByteArray();
+        }();
+        if (!bytes.isEmpty())
+            files.append(write(QStringLiteral("%1.jpg").arg(QLatin1String(format)), bytes));
+    }
+    EXPECT_GE(files.size(), 3) << "the decoders that come with every Qt";
+    files.append(write(QStringLiteral("svg.jpg"),
+                       "<svg xmlns='http://www.w3.org/2000/svg' width='90' height='90'>"
+                       "<rect width='50' height='50' fill='red'/></svg>"));
+    EXPECT_EQ(entriesOf(files), 0);
+    for (const QString& file : files)
+        EXPECT_FALSE(loadPicture(file)) << file.toStdString();
+}
+
+TEST_F(HostileWallpapers, AVideoThatIsLargerThanItsHeaderSaysGetsNoMoreMemoryThanThatTakes) {
+    const QString honest = path(QStringLiteral("honest.mp4"));
+    ASSERT_EQ(runFfmpeg({QStringLiteral("-f"), QStringLiteral("lavfi"), QStringLiteral("-i"),
+                         QStringLiteral("testsrc=size=7680x4320:rate=5:duration=1.4"), QStringLiteral("-c:v"),
+                         QStringLiteral("libx264"), QStringLiteral("-preset"), QStringLiteral("ultrafast"),
+                         QStringLiteral("-pix_fmt"), QStringLiteral("yuv420p"), honest}),
+              QString());
+    EXPECT_EQ(entriesOf({honest}), 1);
+    QFile file(honest);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QByteArray bytes = file.readAll();
+    const qsizetype track = bytes.indexOf("tkhd");
+    ASSERT_GT(track, 0);
+    qToBigEndian(quint32(16 << 16), bytes.data() + track + 80);
+    qToBigEndian(quint32(16 << 16), bytes.data() + track + 84);
+    EXPECT_EQ(entriesOf({write(QStringLiteral("liar.mp4"), bytes)}), 0);
+}
+
+TEST_F(HostileWallpapers, AClaimOfTheLargestNumbersIsALargeOne) {
+    QByteArray heif = heifFile(fourQuarters(128, 128));
+    const qsizetype sizes = heif.indexOf("ispe");
+    ASSERT_GT(sizes, 0);
+    qToBigEndian(0xffffffffu, heif.data() + sizes + 8);
+    qToBigEndian(0xffffffffu, heif.data() + sizes + 12);
+    QFile file(write(QStringLiteral("a.heic"), heif));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_GT(isoMediaPixels(file.handle()), qint64(1) << 40);
 }
 
 } // namespace

@@ -122,7 +122,7 @@ TEST_F(WallpaperThumbnail, OfAWideGamutPictureKeepsItsColours) {
     QImage picture(2000, 1200, QImage::Format_RGB32);
     picture.fill(QColor(200, 60, 60));
     picture.setColorSpace(QColorSpace(QColorSpace::DisplayP3));
-    for (const char* name : {"a.jpg", "a.png"}) {
+    for (const char* name : {"a.jpg", "a.png", "a.webp", "a.tiff"}) {
         const QString file = path(QLatin1String(name));
         ASSERT_TRUE(picture.save(file, nullptr, 95));
         const QColor expected = BackgroundDecoder::decode(url(file)).pixelColor(5, 5);
@@ -196,6 +196,54 @@ TEST_F(WallpaperThumbnail, TakesAHeifsOwnThumbnailOnlyWhenItIsLargeEnoughAndOfIt
     EXPECT_GT(shown({1200, 800}, 750).green(), 200);
     EXPECT_GT(shown({1200, 800}, 320).red(), 200) << "it would have to be enlarged";
     EXPECT_GT(shown({800, 800}, 750).red(), 200) << "of an earlier crop";
+}
+
+TEST_F(WallpaperThumbnail, OfAHeifsOwnThumbnailWithoutColoursIsInThePictures) {
+    QImage picture(1500, 1000, QImage::Format_RGB32);
+    picture.fill(QColor(200, 60, 60));
+    HeifOptions options;
+    options.profile = QColorSpace(QColorSpace::DisplayP3).iccProfile();
+    options.thumbnail = QImage(1200, 800, QImage::Format_RGB32);
+    options.thumbnail.fill(QColor(200, 60, 60));
+    options.thumbnailSide = 750;
+    QByteArray bytes = heifFile(picture, options);
+    int removed = 0;
+    for (qsizetype at = bytes.indexOf("colrnclx"); at > 0; at = bytes.indexOf("colrnclx"), ++removed)
+        bytes.replace(at, 4, "free");
+    ASSERT_GT(removed, 0);
+    const QString file = write(QStringLiteral("a.heic"), bytes);
+    const QColor expected = BackgroundDecoder::decode(url(file)).pixelColor(5, 5);
+    const QColor found = thumbnail(file).pixelColor(5, 5);
+    EXPECT_GT(expected.red(), 205);
+    EXPECT_NEAR(found.red(), expected.red(), 2);
+    EXPECT_NEAR(found.green(), expected.green(), 2);
+}
+
+TEST_F(WallpaperThumbnail, KeepsTransparencyAndTakesNoMoreThanItNeedsWithout) {
+    const QString opaque = path(QStringLiteral("opaque.png"));
+    ASSERT_TRUE(scene(1200, 900).save(opaque));
+    EXPECT_LE(thumbnail(opaque).sizeInBytes(), 400 * 300 * 3);
+    QImage veil(1200, 900, QImage::Format_ARGB32);
+    veil.fill(QColor(255, 0, 0, 100));
+    for (const char* name : {"veil.png", "veil.webp", "veil.tiff"}) {
+        const QString file = path(QLatin1String(name));
+        ASSERT_TRUE(veil.save(file)) << name;
+        const QColor found = thumbnail(file).pixelColor(200, 150);
+        EXPECT_NEAR(found.alpha(), 100, 1) << name;
+        EXPECT_NEAR(found.red(), 255, 2) << name;
+    }
+}
+
+TEST_F(WallpaperThumbnail, OfEveryReductionOfAPngWebpOrTiffFillsTheBoundAndLooksLikeIt) {
+    for (const int width : {599, 1201, 1799, 2400, 4801})
+        for (const char* format : {"png", "webp", "tiff"}) {
+            const QString file = path(QStringLiteral("a.") + QLatin1String(format));
+            QImageWriter writer(file);
+            writer.setQuality(95);
+            ASSERT_TRUE(writer.write(scene(width, width * 5 / 8))) << format;
+            EXPECT_EQ(thumbnail(file).width(), 400) << width << format;
+            EXPECT_LT(distance(thumbnail(file), wholeThenReduced(file)), 2.5) << width << format;
+        }
 }
 
 TEST_F(WallpaperThumbnail, ListKeepsItsOrderAndDropsWhatCannotBeDecoded) {

@@ -21,15 +21,15 @@ void limit(__rlimit_resource resource, rlim_t most) {
 
 } // namespace
 
-void limitDecoder(unsigned seconds, bool isOneOfMany) {
+void limitDecoder(unsigned seconds, unsigned mebibytes) {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
     limit(RLIMIT_CORE, 0);
     limit(RLIMIT_FSIZE, rlim_t(1) << 30);
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // their shadow is larger than any bound
-    limit(RLIMIT_DATA, rlim_t(isOneOfMany ? 1024 : 2048) << 20);
+    limit(RLIMIT_DATA, rlim_t(mebibytes) << 20);
 #else
-    static_cast<void>(isOneOfMany);
+    static_cast<void>(mebibytes);
 #endif
     std::signal(SIGALRM, SIG_DFL);
     sigset_t alarmSignal;

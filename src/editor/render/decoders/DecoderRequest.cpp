@@ -26,12 +26,13 @@ int DecoderRequest::reduction(int width, int height) const {
 
 DecoderRequest DecoderRequest::fromArguments(int count, const char* const* arguments) {
     DecoderRequest request;
-    if (count < 5)
+    if (count < 6)
         return request;
     take(arguments[1], 0, maximumPictureSide, request.boxWidth);
     take(arguments[2], 0, maximumPictureSide, request.boxHeight);
     take(arguments[3], 1u, decoderSeconds, request.seconds);
     take(arguments[4], 0, decoderThreads(), request.threads);
+    take(arguments[5], 1u, decoderMebibytes, request.mebibytes);
     return request;
 }
 

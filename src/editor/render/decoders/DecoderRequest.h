@@ -12,12 +12,14 @@ struct DecoderRequest {
     int boxHeight = 0;
     unsigned seconds = decoderSeconds; ///< More than these it may not take.
     int threads = 0;                   ///< 0: as many as a decoder has by itself.
+    /// The memory that it may take, in MiB; beyond it, it dies. One of many gets less than one by itself.
+    unsigned mebibytes = decoderMebibytes;
 
     bool wantsReduced() const { return boxWidth > 0 && boxHeight > 0; }
     /// By how much each side of a picture may be divided in whole pixels; 1 or more.
     int reduction(int width, int height) const;
 
-    /// From BOXWIDTH BOXHEIGHT SECONDS THREADS; what is missing or out of range stays as above.
+    /// From BOXWIDTH BOXHEIGHT SECONDS THREADS MEBIBYTES; what is missing or out of range stays as above.
     static DecoderRequest fromArguments(int count, const char* const* arguments);
 };
 

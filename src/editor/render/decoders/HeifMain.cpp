@@ -17,9 +17,9 @@
 #include <unistd.h>
 #include <vector>
 
-// framora-heif [BOXWIDTH BOXHEIGHT SECONDS THREADS]: the primary picture of the HEIF file in standard input,
-// upright, as a DecodedPicture in standard output. A box asks for a reduced one, which may come from the
-// file's own thumbnail. Exits with 1 when there is none.
+// framora-heif [BOXWIDTH BOXHEIGHT SECONDS THREADS MEBIBYTES]: the primary picture of the HEIF file in
+// standard input, upright, as a DecodedPicture in standard output. A box asks for a reduced one, which may
+// come from the file's own thumbnail. Exits with 1 when there is none.
 
 namespace framora {
 namespace {
@@ -189,8 +189,12 @@ bool decode(std::span<const std::uint8_t> file, const DecoderRequest& request) {
     DecoderOutput output(STDOUT_FILENO, width, height);
     if (!output.isOpen())
         return false;
-    const std::vector<std::uint8_t> profile = storedProfile(primary);
-    const CodedColors colors = profile.empty() ? codedColors(primary) : CodedColors(1, 13);
+    // A thumbnail without colours of its own is in the picture's.
+    const bool ownColors =
+        heif_image_handle_get_color_profile_type(primary) != heif_color_profile_type_not_present;
+    const heif_image_handle* colored = ownColors ? primary : whole;
+    const std::vector<std::uint8_t> profile = storedProfile(colored);
+    const CodedColors colors = profile.empty() ? codedColors(colored) : CodedColors(1, 13);
     std::vector<std::uint16_t> row(std::size_t(output.width()) * 4);
     for (int y = 0; y < output.height(); ++y) {
         if (samples.bits == 8 && !samples.isPremultiplied && colors.isSrgb()) {
@@ -221,7 +225,7 @@ int main(int argc, char** argv) {
     if (argc == 2 && std::strcmp(argv[1], "--version") == 0)
         return std::printf("libheif %s\n", heif_get_version()) > 0 ? 0 : 1;
     const auto request = framora::DecoderRequest::fromArguments(argc, argv);
-    framora::limitDecoder(request.seconds, request.wantsReduced());
+    framora::limitDecoder(request.seconds, request.mebibytes);
     const auto file = framora::mappedFile(STDIN_FILENO);
     const bool isDecoded = !file.empty() && framora::decode(file, request);
     _exit(isDecoded ? 0 : 1); // nothing is worth taking down piece by piece

@@ -8,9 +8,9 @@
 #include <unistd.h>
 #include <utility>
 
-// framora-video-still [BOXWIDTH BOXHEIGHT SECONDS THREADS]: one frame of the video in standard input as a
-// DecodedPicture in standard output: the one that is shown at one second, else the first; with a box, scaled
-// down into it. Exits with 1 when there is none.
+// framora-video-still [BOXWIDTH BOXHEIGHT SECONDS THREADS MEBIBYTES]: one frame of the video in standard
+// input as a DecodedPicture in standard output: the one that is shown at one second, else the first; with a
+// box, scaled down into it. Exits with 1 when there is none.
 
 namespace framora {
 namespace {
@@ -65,7 +65,7 @@ int main(int argc, char** argv) {
     if (argc == 2 && std::strcmp(argv[1], "--version") == 0)
         return std::printf("FFmpeg %s\n", av_version_info()) > 0 ? 0 : 1;
     const auto request = framora::DecoderRequest::fromArguments(argc, argv);
-    framora::limitDecoder(request.seconds, request.wantsReduced());
+    framora::limitDecoder(request.seconds, request.mebibytes);
     av_log_set_level(AV_LOG_QUIET);
     _exit(framora::decode(request) ? 0 : 1); // nothing is worth taking down piece by piece
 }

@@ -152,9 +152,11 @@ std::optional<PlainPng> plainPng(std::span<const std::uint8_t> file) {
     return {};
 }
 
-bool decodePlainPng(const PlainPng& png, MutablePixelView out) {
-    if (out.width != png.width || out.height != png.height)
-        return false;
+namespace {
+
+/// Decodes each row into the memory that `rowOf` says, then calls `done` with it; false ends it.
+template <typename RowOf, typename Done>
+bool decodeRows(const PlainPng& png, const RowOf& rowOf, const Done& done) {
     const std::size_t pixelBytes = png.hasAlpha ? 4 : 3;
     const std::size_t rowBytes = std::size_t(png.width) * pixelBytes;
     const std::size_t filteredBytes = rowBytes + 1;
@@ -174,11 +176,30 @@ bool decodePlainPng(const PlainPng& png, MutablePixelView out) {
             undoPngFilter(PngFilter(filtered[0]),
                           {filtered + 1, above.data(), now.data(), rowBytes, pixelBytes});
             const auto unpack = png.hasAlpha ? unpackRgba : unpackRgb;
-            unpack(now.data(), std::size_t(png.width), out.row(first + y));
+            std::uint32_t* row = rowOf(first + y);
+            unpack(now.data(), std::size_t(png.width), row);
+            if (!done(first + y, row))
+                return false;
             above.swap(now);
         }
     }
     return stream->isAtEnd();
+}
+
+} // namespace
+
+bool decodePlainPngRows(const PlainPng& png, const PngRowTaker& takeRow) {
+    std::vector<std::uint32_t> row(std::size_t(png.width));
+    return decodeRows(
+        png, [&](int) { return row.data(); }, takeRow);
+}
+
+bool decodePlainPng(const PlainPng& png, MutablePixelView out, const std::function<bool(int y)>& goesOn) {
+    if (out.width != png.width || out.height != png.height)
+        return false;
+    return decodeRows(
+        png, [&](int y) { return out.row(y); },
+        [&](int y, const std::uint32_t*) { return !goesOn || goesOn(y); });
 }
 
 } // namespace framora::raster

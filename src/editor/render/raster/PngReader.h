@@ -3,6 +3,7 @@
 #include "editor/render/raster/PixelView.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
@@ -24,8 +25,16 @@ struct PlainPng {
 /// what is amiss.
 std::optional<PlainPng> plainPng(std::span<const std::uint8_t> file);
 
+/// Gets each row in turn, premultiplied; false ends it.
+using PngRowTaker = std::function<bool(int y, const std::uint32_t* row)>;
+
+/// Decodes it row by row; besides, it takes half a megabyte. False when it was ended, or when the compressed
+/// data is damaged, too short or too long.
+bool decodePlainPngRows(const PlainPng& png, const PngRowTaker& takeRow);
+
 /// Decodes it into `out`, which has its size, premultiplied. Besides, it takes half a megabyte. False when
-/// the compressed data is damaged, too short or too long; `out` then holds something.
-bool decodePlainPng(const PlainPng& png, MutablePixelView out);
+/// the compressed data is damaged, too short or too long; `out` then holds something. `goesOn`, if there is
+/// one, is asked after each row and may end it.
+bool decodePlainPng(const PlainPng& png, MutablePixelView out, const std::function<bool(int y)>& goesOn = {});
 
 } // namespace framora::raster

@@ -2,6 +2,7 @@
 
 #include "platform/desktop/Installation.h"
 
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QProcess>
 
@@ -18,21 +19,6 @@ QString folder(const char* variable, const QString& inHome) {
     return value.isEmpty() ? QDir::home().filePath(inHome) : value;
 }
 
-/// Asked of a small program: the library that knows would stay in this one with its threads.
-std::optional<QString> valueOfSchema(const QString& schema, const QString& key) {
-    constexpr int patience = 5000; // ms
-    QProcess process;
-    process.start(privateExecutable(QStringLiteral("framora-desktop-setting")), {schema, key});
-    if (!process.waitForFinished(patience)) {
-        process.kill();
-        process.waitForFinished(patience);
-        return {};
-    }
-    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
-        return {};
-    return QString::fromUtf8(process.readAllStandardOutput());
-}
-
 } // namespace
 
 DesktopSettingsPlace DesktopSettingsPlace::ofThisSession() {
@@ -42,8 +28,30 @@ DesktopSettingsPlace DesktopSettingsPlace::ofThisSession() {
     place.dataFolders = QStringList(folder("XDG_DATA_HOME", QStringLiteral(".local/share"))) +
                         folderList("XDG_DATA_DIRS", QStringLiteral("/usr/local/share:/usr/share"));
     place.now = QDateTime::currentDateTime();
-    place.schemaValue = valueOfSchema;
+    place.schemaValue = [](const QString& schema, const QString& key) { return valueOfSchema(schema, key); };
     return place;
+}
+
+std::optional<QString> DesktopSettingsPlace::valueOfSchema(const QString& schema, const QString& key,
+                                                           const std::stop_token& stop) {
+    // Asked of a small program: the library that knows would stay in this one with its threads.
+    constexpr int patience = 1000; // ms
+    constexpr int step = 20;
+    QProcess process;
+    if (stop.stop_requested())
+        return {};
+    process.start(privateExecutable(QStringLiteral("framora-desktop-setting")), {schema, key});
+    const QDeadlineTimer deadline(patience);
+    while (!process.waitForFinished(step) && process.state() != QProcess::NotRunning) {
+        if (!deadline.hasExpired() && !stop.stop_requested())
+            continue;
+        process.kill();
+        process.waitForFinished(patience);
+        return {};
+    }
+    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+        return {};
+    return QString::fromUtf8(process.readAllStandardOutput());
 }
 
 } // namespace framora

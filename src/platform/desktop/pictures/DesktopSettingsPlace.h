@@ -8,6 +8,7 @@
 #include <QUrl>
 #include <functional>
 #include <optional>
+#include <stop_token>
 #include <vector>
 
 namespace framora {
@@ -24,6 +25,9 @@ struct DesktopSettingsPlace {
 
     /// As the environment of this process says.
     static DesktopSettingsPlace ofThisSession();
+    /// What `schemaValue` is in a session. Waits a second at most, and no longer once `stop` is asked for.
+    static std::optional<QString> valueOfSchema(const QString& schema, const QString& key,
+                                                const std::stop_token& stop = {});
 };
 
 // The pictures, one a screen, none for a screen without; the files need not exist.

@@ -1,6 +1,6 @@
 #include "platform/desktop/pictures/KdeConfig.h"
 
-#include <QFile>
+#include "platform/desktop/pictures/SettingsFile.h"
 
 namespace framora {
 namespace {
@@ -24,11 +24,7 @@ QString unescaped(QStringView text) {
 } // namespace
 
 KdeConfig::KdeConfig(const QString& path) {
-    constexpr qint64 largest = 8 << 20;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || file.isSequential() || file.size() > largest)
-        return;
-    const QString text = QString::fromUtf8(file.readAll());
+    const QString text = QString::fromUtf8(readSettingsFile(path));
     QString group;
     for (QStringView line : QStringView(text).split(u'\n')) {
         line = line.trimmed();

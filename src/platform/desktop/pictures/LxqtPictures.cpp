@@ -12,7 +12,9 @@ std::vector<QUrl> lxqtPictures(const DesktopSettingsPlace& place) {
         for (const char* profile : {"lxqt", "default"}) {
             const QString path =
                 QStringLiteral("%1/pcmanfm-qt/%2/settings.conf").arg(folder, QLatin1String(profile));
-            if (!QFileInfo(path).isFile())
+            constexpr qint64 largest = 1 << 20; // the reader takes all of it
+            const QFileInfo file(path);
+            if (!file.isFile() || file.size() > largest)
                 continue;
             QSettings settings(path, QSettings::IniFormat);
             settings.beginGroup(QStringLiteral("Desktop"));

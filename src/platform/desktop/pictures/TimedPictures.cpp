@@ -1,6 +1,7 @@
 #include "platform/desktop/pictures/TimedPictures.h"
 
-#include <QFile>
+#include "platform/desktop/pictures/SettingsFile.h"
+
 #include <QXmlStreamReader>
 #include <cmath>
 #include <vector>
@@ -63,11 +64,7 @@ Slide readSlide(QXmlStreamReader& xml) {
 } // namespace
 
 QUrl timedPicture(const QString& path, const QDateTime& now) {
-    constexpr qint64 largestList = 1 << 20;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly) || file.isSequential() || file.size() > largestList)
-        return {};
-    QXmlStreamReader xml(&file);
+    QXmlStreamReader xml(readSettingsFile(path));
     QDateTime start;
     std::vector<Slide> slides;
     double cycle = 0;

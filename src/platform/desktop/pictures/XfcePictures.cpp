@@ -1,6 +1,6 @@
 #include "platform/desktop/pictures/DesktopSettingsPlace.h"
+#include "platform/desktop/pictures/SettingsFile.h"
 
-#include <QFile>
 #include <QMap>
 #include <QXmlStreamReader>
 
@@ -30,10 +30,8 @@ Channel readChannel(const DesktopSettingsPlace& place) {
     folders.prepend(place.configFolder);
     // The user's last: it goes over the system's.
     for (auto folder = folders.rbegin(); folder != folders.rend(); ++folder) {
-        QFile file(*folder + QStringLiteral("/xfce4/xfconf/xfce-perchannel-xml/xfce4-desktop.xml"));
-        if (!file.open(QIODevice::ReadOnly) || file.isSequential())
-            continue;
-        QXmlStreamReader xml(&file);
+        QXmlStreamReader xml(readSettingsFile(
+            *folder + QStringLiteral("/xfce4/xfconf/xfce-perchannel-xml/xfce4-desktop.xml")));
         if (xml.readNextStartElement())
             readProperties(xml, {}, 0, channel);
     }

@@ -1,6 +1,5 @@
-#include "editor/render/RegularFile.h"
+#include "platform/RegularFile.h"
 
-#include <array>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,12 +16,6 @@ bool openRegularFile(QFile& file, const QString& path) {
         return true;
     close(descriptor);
     return false;
-}
-
-bool isHeif(int descriptor) {
-    std::array<char, 8> start{};
-    return pread(descriptor, start.data(), start.size(), 0) == ssize_t(start.size()) &&
-           QByteArrayView(start).sliced(4) == "ftyp";
 }
 
 } // namespace framora

@@ -8,7 +8,4 @@ namespace framora {
 /// Opens a regular file only, for reading, and never waits for the other end of a pipe.
 bool openRegularFile(QFile& file, const QString& path);
 
-/// HEIF files are ISO media files, whatever their name; no other still picture is.
-bool isHeif(int descriptor);
-
 } // namespace framora

@@ -1,0 +1,23 @@
+#include "editor/render/DecodingWatch.h"
+
+#include <ctime>
+
+namespace framora {
+namespace {
+
+std::chrono::nanoseconds threadTime() {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
+
+} // namespace
+
+DecodingWatch::DecodingWatch(const DecodingBounds& bounds) : m_bounds(bounds), m_start(threadTime()) {}
+
+bool DecodingWatch::isOver() {
+    m_isOver = m_isOver || m_bounds.stop.stop_requested() || threadTime() - m_start > m_bounds.patience;
+    return m_isOver;
+}
+
+} // namespace framora
