@@ -28,11 +28,12 @@ public:
     bool canPan() const;
     double zoom() const { return m_zoom; }
     QPointF canvasCentre() const;
+    /// The canvas at the zoom in force.
+    QSizeF content() const { return m_canvas * m_zoom; }
     /// In canvas points about the canvas centre.
     QPointF toCanvas(QPointF position) const { return (position - canvasCentre()) / m_zoom; }
 
 private:
-    QSizeF content() const { return m_canvas * m_zoom; }
     void keepMiddleCovered();
 
     QSizeF m_room{0, 0};

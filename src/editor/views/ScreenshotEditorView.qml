@@ -75,6 +75,7 @@ Item {
         // The linter knows no QImage.
         image: root.viewModel.originalImage // qmllint disable type
         config: root.viewModel.config
+        dark: root.dark
         Accessible.role: Accessible.Graphic
         Accessible.name: Strings.localized("preview")
         Accessible.focusable: true

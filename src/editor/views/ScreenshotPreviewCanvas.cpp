@@ -1,12 +1,14 @@
 #include "editor/views/ScreenshotPreviewCanvas.h"
 
 #include "editor/render/BackgroundDecoder.h"
+#include "editor/views/CanvasEdge.h"
 
 #include <QCoreApplication>
 #include <QPointer>
 #include <QQuickWindow>
 #include <QSGImageNode>
 #include <QThreadPool>
+#include <cmath>
 
 namespace framora {
 
@@ -18,7 +20,9 @@ ScreenshotPreviewCanvas::ScreenshotPreviewCanvas(QQuickItem* parent) : QQuickIte
     setActiveFocusOnTab(true);
 }
 
-ScreenshotPreviewCanvas::~ScreenshotPreviewCanvas() = default;
+ScreenshotPreviewCanvas::~ScreenshotPreviewCanvas() {
+    m_backgroundLoading.request_stop();
+}
 
 void ScreenshotPreviewCanvas::setImage(const QImage& image) {
     if (m_image.cacheKey() == image.cacheKey())
@@ -50,21 +54,35 @@ void ScreenshotPreviewCanvas::setConfig(const ScreenshotStyleConfig& config) {
     update();
 }
 
+void ScreenshotPreviewCanvas::setDark(bool dark) {
+    if (m_isDark == dark)
+        return;
+    m_isDark = dark;
+    Q_EMIT darkChanged();
+    update();
+}
+
 void ScreenshotPreviewCanvas::loadBackground() {
     m_loadedBackgroundImage = {};
+    // An earlier one is not waited for: neither by this one nor by the program's end.
+    m_backgroundLoading.request_stop();
+    m_backgroundLoading = {};
     if (!m_backgroundURL)
         return;
-    QThreadPool::globalInstance()->start([canvas = QPointer(this), url = *m_backgroundURL] {
-        const QImage image = BackgroundDecoder::decode(url);
-        QMetaObject::invokeMethod(QCoreApplication::instance(), [canvas, url, image] {
-            // A picture that comes after the user has chosen another one is of no use any more.
-            if (!canvas || canvas->m_backgroundURL != url)
+    QThreadPool::globalInstance()->start(
+        [canvas = QPointer(this), url = *m_backgroundURL, stop = m_backgroundLoading.get_token()] {
+            const QImage image = BackgroundDecoder::decode(url, stop);
+            if (stop.stop_requested())
                 return;
-            canvas->m_loadedBackgroundImage = image;
-            canvas->update();
-            Q_EMIT canvas->backgroundLoaded();
+            QMetaObject::invokeMethod(QCoreApplication::instance(), [canvas, url, image] {
+                // A picture that comes after the user has chosen another one is of no use any more.
+                if (!canvas || canvas->m_backgroundURL != url)
+                    return;
+                canvas->m_loadedBackgroundImage = image;
+                canvas->update();
+                Q_EMIT canvas->backgroundLoaded();
+            });
         });
-    });
 }
 
 void ScreenshotPreviewCanvas::geometryChange(const QRectF& newGeometry, const QRectF& oldGeometry) {
@@ -93,27 +111,47 @@ void ScreenshotPreviewCanvas::drawFrame() {
     m_rasterizer.drawInto(m_frames[m_front], composition, {size, m_viewport.zoom() * ratio, centre});
 }
 
+QRect ScreenshotPreviewCanvas::canvasPixels() const {
+    const double ratio = window()->effectiveDevicePixelRatio();
+    const QSizeF size = m_viewport.content() * ratio;
+    QRectF place({0, 0}, size);
+    place.moveCenter((m_viewport.canvasCentre() * ratio).toPoint());
+    // What the canvas covers a little of belongs to it, but for what rounding makes of nothing.
+    constexpr double nothing = 1e-3;
+    const QPoint topLeft(int(std::floor(place.left() + nothing)), int(std::floor(place.top() + nothing)));
+    return {topLeft, QSize(int(std::ceil(place.right() - nothing)) - topLeft.x(),
+                           int(std::ceil(place.bottom() - nothing)) - topLeft.y())};
+}
+
 QSGNode* ScreenshotPreviewCanvas::updatePaintNode(QSGNode* node, UpdatePaintNodeData*) {
-    auto* imageNode = static_cast<QSGImageNode*>(node);
     if (width() < 1 || height() < 1) {
-        delete imageNode;
+        delete node;
         return nullptr;
     }
     drawFrame();
     if (m_frames[m_front].isNull()) {
-        delete imageNode;
+        delete node;
         return nullptr;
     }
-    if (!imageNode) {
-        imageNode = window()->createImageNode();
-        imageNode->setOwnsTexture(true);
-        imageNode->setFiltering(QSGTexture::Nearest);
+    // The edge under the frame, whose screenshot may reach beyond the canvas.
+    if (!node) {
+        node = new QSGNode;
+        node->appendChildNode(new CanvasEdge);
+        QSGImageNode* frame = window()->createImageNode();
+        frame->setFlag(QSGNode::OwnedByParent);
+        frame->setOwnsTexture(true);
+        frame->setFiltering(QSGTexture::Nearest);
+        node->appendChildNode(frame);
     }
+    static_cast<CanvasEdge*>(node->firstChild())
+        ->place(*window(), canvasPixels(), m_frames[m_front].size(), window()->effectiveDevicePixelRatio(),
+                m_isDark);
+    auto* imageNode = static_cast<QSGImageNode*>(node->lastChild());
     imageNode->setTexture(
         window()->createTextureFromImage(m_frames[m_front], QQuickWindow::TextureHasAlphaChannel));
     imageNode->setRect(boundingRect());
     imageNode->markDirty(QSGNode::DirtyMaterial);
-    return imageNode;
+    return node;
 }
 
 } // namespace framora

@@ -11,6 +11,7 @@
 #include <QtQml/qqmlregistration.h>
 #include <array>
 #include <optional>
+#include <stop_token>
 #include <utility>
 
 namespace framora {
@@ -27,6 +28,8 @@ class ScreenshotPreviewCanvas : public QQuickItem {
     Q_PROPERTY(QSizeF dragOffset READ dragOffset NOTIFY dragOffsetChanged)
     /// While it is true, a drag with the left button pans.
     Q_PROPERTY(bool panKeyHeld READ panKeyHeld WRITE setPanKeyHeld NOTIFY panKeyHeldChanged)
+    /// Whether the ground around the canvas is a dark one.
+    Q_PROPERTY(bool dark READ isDark WRITE setDark NOTIFY darkChanged)
     /// It has the keys, and they were brought here by the keyboard.
     Q_PROPERTY(bool visualFocus READ visualFocus NOTIFY visualFocusChanged)
 
@@ -44,6 +47,8 @@ public:
     bool panKeyHeld() const { return m_panKeyHeld; }
     void setPanKeyHeld(bool held);
     bool visualFocus() const { return m_visualFocus; }
+    bool isDark() const { return m_isDark; }
+    void setDark(bool dark);
     /// The decoded background; null while there is none.
     QImage loadedBackgroundImage() const { return m_loadedBackgroundImage; }
     /// The drawn frame, in device pixels.
@@ -62,6 +67,7 @@ Q_SIGNALS:
     void dragOffsetChanged();
     void panKeyHeldChanged();
     void visualFocusChanged();
+    void darkChanged();
     /// Once at the end of each drag: where the screenshot stands now, in canvas points.
     void screenshotOffsetChanged(QSizeF offset);
     /// The user asks for another zoom, in percent and without limits; the style answers with its own.
@@ -110,6 +116,8 @@ private:
     void updateCursor();
     void loadBackground();
     void drawFrame();
+    /// The device pixels of the view that the canvas covers.
+    QRect canvasPixels() const;
 
     QImage m_image;
     ScreenshotStyleConfig m_config;
@@ -123,10 +131,12 @@ private:
     QPointF m_pointer; ///< Where it was seen last.
     bool m_panKeyHeld = false;
     bool m_visualFocus = false;
+    bool m_isDark = false;
     std::optional<QPointF> m_zoomAnchor; ///< While a zoom about a place is being asked for.
     QImage m_loadedBackgroundImage;
     std::optional<QUrl> m_backgroundURL;
     bool m_watchesBackground = false;
+    std::stop_source m_backgroundLoading; ///< Of the latest decoding.
     CompositionRasterizer m_rasterizer;
     /// Two, so that drawing the next frame does not copy the one that is being shown.
     std::array<QImage, 2> m_frames;

@@ -105,5 +105,64 @@ TEST_F(Canvas, AMissingBackgroundLeavesItEmpty) {
     EXPECT_TRUE(canvas->loadedBackgroundImage().isNull());
 }
 
+// The canvas stands at (150, 100) to (450, 300) in what follows, on white.
+
+TEST_F(Canvas, LiesOnItsGroundWithASoftEdgeThatFadesOutwards) {
+    const QImage grabbed = window.grabWindow();
+    const auto grey = [&](int x, int y) { return qGray(grabbed.pixel(x, y)); };
+    EXPECT_EQ(grey(60, 40), 255) << "the ground itself is as it was";
+    EXPECT_LT(grey(300, 300), grey(300, 302)) << "the hairline";
+    int before = 0;
+    for (const int distance : {2, 6, 12, 18, 24}) {
+        for (const int shade :
+             {grey(150 - distance - 1, 200), grey(450 + distance, 200), grey(300, 300 + distance)}) {
+            EXPECT_GT(shade, before) << distance;
+            EXPECT_LT(shade, 255) << distance;
+        }
+        EXPECT_EQ(grey(150 - distance - 1, 200), grey(450 + distance, 200)) << "alike on both sides";
+        EXPECT_LT(grey(300, 300 + distance), grey(300, 99 - distance)) << "it falls";
+        before = grey(300, 300 + distance) - 1;
+    }
+    for (const QPoint corner : {QPoint(140, 95), QPoint(459, 95), QPoint(140, 310), QPoint(459, 310)})
+        EXPECT_LT(qGray(grabbed.pixel(corner)), 255);
+}
+
+TEST_F(Canvas, ItsEdgeIsNeverInsideAndNeverDrawnIntoThePicture) {
+    set([](auto& style) {
+        style.backgroundType = BackgroundType::transparent;
+        style.screenshotOffset = {0, 1000};
+    });
+    const QImage light = window.grabWindow();
+    EXPECT_EQ(canvas->frame().pixelColor(300, 302).alpha(), 0);
+    canvas->setDark(true);
+    const QImage dark = window.grabWindow();
+    EXPECT_NE(dark.pixel(300, 302), light.pixel(300, 302)) << "there is one around a clear canvas too";
+    const QRect inside(150, 100, 300, 200);
+    EXPECT_EQ(dark.copy(inside), light.copy(inside));
+}
+
+TEST_F(Canvas, ItsEdgeGoesWithTheCanvasAndWhenNothingIsAroundIt) {
+    const QColor beside = shown(140, 200);
+    set([](auto& style) { style.padding = 100; }); // 400 x 300
+    EXPECT_EQ(shown(90, 200), beside);
+    EXPECT_EQ(shown(60, 20), QColor(Qt::white));
+    set([](auto& style) {
+        style.padding = 50;
+        style.zoom = 300;
+        style.customColor = {0, 0.5, 1, 1};
+    });
+    const QImage grabbed = window.grabWindow().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    EXPECT_EQ(grabbed, canvas->frame()) << "nothing but the composition";
+}
+
+TEST_F(Canvas, ItsEdgeSuitsACanvasSmallerThanTheShadow) {
+    canvas->setImage(image.copy(0, 0, 20, 10));
+    set([](auto& style) { style.padding = 0; }); // 20 x 10
+    const QImage grabbed = window.grabWindow();
+    EXPECT_LT(qGray(grabbed.pixel(300, 206)), 250);
+    EXPECT_LT(qGray(grabbed.pixel(288, 200)), 250);
+    EXPECT_EQ(qGray(grabbed.pixel(300, 250)), 255);
+}
+
 } // namespace
 } // namespace framora

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QImage>
+#include <QRect>
+#include <QSGNode>
+#include <array>
+
+class QQuickWindow;
+class QSGImageNode;
+
+namespace framora {
+
+/// The quiet shadow and the hairline with which the canvas lies on its ground; nothing of it is inside the
+/// canvas. What is drawn of it changes only when it is placed anew.
+class CanvasEdge final : public QSGNode {
+public:
+    /// How far the shadow reaches, in points.
+    static constexpr int farthest = 32;
+
+    /// `canvas` and `view` in device pixels of the item. Where the canvas covers all of the view there is no
+    /// edge.
+    void place(QQuickWindow& window, const QRect& canvas, QSize view, double ratio, bool dark);
+
+    /// The edge around a hole of 2 x reach + 1 pixels, with its middle row and column to be stretched;
+    /// `reach` in pixels.
+    static QImage picture(int reach, double ratio, bool dark);
+
+private:
+    static constexpr std::size_t partCount = 12;
+
+    void makeParts(QQuickWindow& window, int reach, double ratio, bool dark);
+
+    std::array<QSGImageNode*, partCount> m_parts{};
+    QRect m_canvas;
+    QSize m_view;
+    double m_ratio = 0;
+    bool m_dark = false;
+};
+
+} // namespace framora
