@@ -28,7 +28,8 @@ T.AbstractButton {
     implicitHeight: 72
     padding: 12
     hoverEnabled: true
-    focusPolicy: Qt.TabFocus
+    // A click brings the keys here too: the next thing one does is to type.
+    focusPolicy: Qt.StrongFocus
     Accessible.role: Accessible.Button
     Accessible.name: text
     Accessible.description: isActive && caps.length === 0 ? "Enter a key combination"
@@ -86,6 +87,8 @@ T.AbstractButton {
             color: Theme.secondaryText
             font.family: Theme.fontFamily
             font.pixelSize: 13
+            Accessible.role: Accessible.StaticText
+            Accessible.name: text
         }
         // No shortcut at all.
         Text {

@@ -20,7 +20,7 @@ Rectangle {
 
         Repeater {
             model: sidebar.session.tabs
-            delegate: T.AbstractButton {
+            delegate: T.RadioButton {
                 id: entry
 
                 required property var modelData
@@ -36,9 +36,11 @@ Rectangle {
                 checked: current
                 Accessible.role: Accessible.RadioButton
                 Accessible.name: text
-                Accessible.checkable: true
-                Accessible.checked: current
-                onClicked: sidebar.session.selectedTab = modelData.value
+                onClicked: {
+                    sidebar.session.selectedTab = modelData.value;
+                    // The user's click broke the binding.
+                    checked = Qt.binding(() => current);
+                }
                 Keys.onUpPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
                 Keys.onDownPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
                 Keys.onReturnPressed: clicked()

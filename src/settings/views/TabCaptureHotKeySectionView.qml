@@ -1,5 +1,4 @@
 import QtQuick
-import Framora.Controls
 import Framora.Settings
 
 /// The shortcut of the window capture.
