@@ -2,7 +2,11 @@
 
 #include "editor/render/DecoderProcess.h"
 #include "editor/render/IsoMediaSize.h"
+#include "editor/render/PictureCompleteness.h"
 #include "editor/render/PictureFile.h"
+#include "editor/render/SrgbPicture.h"
+#include "editor/render/StillFormat.h"
+#include "editor/render/WebpReduction.h"
 #include "platform/RegularFile.h"
 
 #include <QDateTime>
@@ -35,6 +39,22 @@ QDateTime modificationTime(const QUrl& url) {
     return QFileInfo(url.toLocalFile()).lastModified();
 }
 
+bool isWebp(QFile& file) {
+    constexpr qint64 startBytes = 16;
+    return qstrcmp(stillFormat(file.peek(startBytes)), "webp") == 0;
+}
+
+/// Not by the reader for all kinds, which cannot be stopped within a picture of this one.
+QImage decodeWebp(QFile& file, const std::stop_token& stop) {
+    const QByteArray encoded = file.size() <= maximumPictureBytes ? file.readAll() : QByteArray();
+    DecodingWatch watch({.stop = stop});
+    if (isCutOff(encoded))
+        return {};
+    if (auto image = reducedWebp(encoded, 1, watch))
+        return srgbPicture(std::move(*image));
+    return loadPicture(encoded, {.stop = stop}).image;
+}
+
 QImage decodeFile(const QUrl& url, const std::stop_token& stop) {
     QFile file;
     if (!openRegularFile(file, url.toLocalFile()))
@@ -43,6 +63,8 @@ QImage decodeFile(const QUrl& url, const std::stop_token& stop) {
         return decodeInProcess(QStringLiteral("framora-video-still"), file.handle(), {.stop = stop});
     if (isHeif(file.handle()))
         return decodeInProcess(QStringLiteral("framora-heif"), file.handle(), {.stop = stop});
+    if (isWebp(file))
+        return decodeWebp(file, stop);
     return loadPicture(file, {.stop = stop}).image;
 }
 

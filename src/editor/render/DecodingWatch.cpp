@@ -16,7 +16,10 @@ std::chrono::nanoseconds threadTime() {
 DecodingWatch::DecodingWatch(const DecodingBounds& bounds) : m_bounds(bounds), m_start(threadTime()) {}
 
 bool DecodingWatch::isOver() {
-    m_isOver = m_isOver || m_bounds.stop.stop_requested() || threadTime() - m_start > m_bounds.patience;
+    constexpr unsigned callsBetweenTimes =
+        8; // a look at the time takes as long as some kilobytes of a picture
+    m_isOver = m_isOver || m_bounds.stop.stop_requested() ||
+               (++m_calls % callsBetweenTimes == 0 && threadTime() - m_start > m_bounds.patience);
     return m_isOver;
 }
 

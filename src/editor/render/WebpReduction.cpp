@@ -1,5 +1,7 @@
 #include "editor/render/WebpReduction.h"
 
+#include "editor/render/decoders/DecodedPicture.h"
+
 #include <QColorSpace>
 #include <QtEndian>
 #include <algorithm>
@@ -40,6 +42,8 @@ std::optional<QImage> reducedWebp(const QByteArray& encoded, int factor, Decodin
         return {};
     const int width = std::max(config.input.width / factor, 1);
     const int height = std::max(config.input.height / factor, 1);
+    if (std::int64_t(config.input.width) * config.input.height > maximumPicturePixels)
+        return QImage();
     QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
     if (image.isNull())
         return image;

@@ -151,6 +151,29 @@ TEST(PngReader, ReadsRowsThatAreLongerThanABand) {
     EXPECT_EQ(read(png.file()), png.pixels());
 }
 
+TEST(PngReader, HandsOutRowsInTheirOrderUntilItIsEnded) {
+    MadePng png;
+    png.width = 333;
+    png.height = 50;
+    const Bytes file = png.file();
+    const auto plain = plainPng(file);
+    ASSERT_TRUE(plain);
+    std::vector<std::uint32_t> pixels;
+    const auto take = [&](int y, const std::uint32_t* row) {
+        EXPECT_EQ(pixels.size(), std::size_t(y) * 333);
+        pixels.insert(pixels.end(), row, row + 333);
+        return true;
+    };
+    EXPECT_TRUE(decodePlainPngRows(*plain, take));
+    EXPECT_EQ(pixels, png.pixels());
+    int rows = 0;
+    EXPECT_FALSE(decodePlainPngRows(*plain, [&](int, const std::uint32_t*) { return ++rows < 7; }));
+    EXPECT_EQ(rows, 7);
+    PixelBuffer buffer = PixelBuffer::create(333, 50);
+    EXPECT_FALSE(decodePlainPng(*plain, buffer.mutableView(), [](int y) { return y < 7; }));
+    EXPECT_TRUE(decodePlainPng(*plain, buffer.mutableView(), [](int) { return true; }));
+}
+
 TEST(PngReader, ReadsWhatIsWrittenHere) {
     PixelBuffer picture = PixelBuffer::create(640, 480);
     std::mt19937 random(3);

@@ -298,6 +298,27 @@ TEST_F(HostileWallpapers, ABackgroundIsNotDecodedOnOnceAStopIsAskedFor) {
     EXPECT_LT(timer.elapsed(), 3000);
 }
 
+TEST_F(HostileWallpapers, DecodersOfEveryFormatEndAtAStopAndAtTheEndOfTheirTime) {
+    QImage picture(3000, 2000, QImage::Format_RGB32);
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            picture.setPixel(x, y, unsigned(x * 2654435761u ^ unsigned(y) * 40503u) >> 7 | 0xff000000u);
+    std::stop_source source;
+    source.request_stop();
+    for (const char* format : {"jpg", "png", "webp", "tiff"}) {
+        const QByteArray bytes = encoded(picture, format);
+        QFile file(write(QLatin1String(format), bytes));
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        ReducedPicture reduced(file, {600, 450});
+        EXPECT_TRUE(reduced.decode({.stop = source.get_token()}).isNull()) << format;
+        EXPECT_TRUE(reduced.decode({.patience = std::chrono::milliseconds(0)}).isNull()) << format;
+        EXPECT_FALSE(reduced.decode().isNull()) << format;
+        EXPECT_FALSE(loadPicture(bytes, {.stop = source.get_token()})) << format;
+        EXPECT_TRUE(BackgroundDecoder::decode(url(file.fileName()), source.get_token()).isNull()) << format;
+        EXPECT_EQ(BackgroundDecoder::decode(url(file.fileName())).size(), picture.size()) << format;
+    }
+}
+
 TEST_F(HostileWallpapers, AJpegInPassesCountsWithAllItsCoefficients) {
     const auto needed = [this](const QByteArray& jpeg) {
         QFile file(write(QStringLiteral("a.jpg"), jpeg));

@@ -20,11 +20,12 @@ public:
     std::size_t size() const { return m_columns * m_channels; }
 
     /// Adds a row of at least the width.
-    void add(const Channel* row) {
-        Sum* sums = m_sums.data();
+    void add(const Channel* __restrict row) {
+        Sum* __restrict sums = m_sums.data();
         const std::size_t count = m_sums.size();
         std::size_t i = 0;
-        // In blocks of a fixed length, which compilers make vectors of at every level of optimization.
+        // In blocks of a fixed length apart from each other, which compilers make vectors of at every level
+        // of optimization.
         constexpr std::size_t block = 32;
         for (; i + block <= count; i += block)
             for (std::size_t j = 0; j < block; ++j)
