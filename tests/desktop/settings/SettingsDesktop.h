@@ -2,6 +2,7 @@
 
 #include "desktop/path/FramoraDriver.h"
 
+#include <QDir>
 #include <gtest/gtest.h>
 
 namespace framora {
@@ -25,6 +26,12 @@ protected:
     /// Starts the program; it has no window then.
     ChildProcess& launch() {
         framora = &desktop.start(FramoraDriver::program(QStringLiteral("framora")));
+        // Until it listens, a second start could become the first.
+        EXPECT_TRUE(soon([&] {
+            return !QDir(desktop.runtimePath())
+                        .entryList({QStringLiteral("framora-*.socket")}, QDir::Files | QDir::System)
+                        .isEmpty();
+        }));
         return *framora;
     }
     /// Where no tray shows the program, starting it again opens the settings.

@@ -51,7 +51,7 @@ TEST_F(ShortcutRecordingTest, escapeAndTabGoToTheRecorderAloneAndEscapeThenClose
     EXPECT_TRUE(soon([&] { return stored().contains("\"keyCode\": 48"); })) << stored().toStdString();
     display().key({"Escape"});
     EXPECT_TRUE(soon([&] { return !isOpen(); }));
-    EXPECT_TRUE(framora->isRunning());
+    EXPECT_TRUE(framora->isRunning()) << framora->exitCode() << framora->output().toStdString();
 }
 
 TEST_F(ShortcutRecordingTest, spaceStartsItFromTheKeyboardAndIsNotRecordedItself) {
