@@ -36,7 +36,9 @@ ScreenshotEditorViewModel::ScreenshotEditorViewModel(QImage image, Services serv
     useStartupTexture();
 }
 
-ScreenshotEditorViewModel::~ScreenshotEditorViewModel() = default;
+ScreenshotEditorViewModel::~ScreenshotEditorViewModel() {
+    m_imports.request_stop();
+}
 
 void ScreenshotEditorViewModel::useStartupTexture() {
     const auto given = std::exchange(m_services.startupTexture, {});

@@ -15,11 +15,12 @@ namespace framora {
 namespace {
 
 /// The first of the files that is a picture. The canvas asks for the same picture as soon as it is chosen.
-std::optional<ScreenshotEditorViewModel::Wallpaper> readFirstPicture(const QList<QUrl>& urls) {
+std::optional<ScreenshotEditorViewModel::Wallpaper> readFirstPicture(const QList<QUrl>& urls,
+                                                                     const std::stop_token& stop) {
     // The threads that draw the editor's frames are not for this.
     const raster::SerialScope serial;
     for (const QUrl& url : urls)
-        if (const QImage image = BackgroundDecoder::decodeForTwo(url); !image.isNull())
+        if (const QImage image = BackgroundDecoder::decodeForTwo(url, stop); !image.isNull())
             return std::pair(url, resizedImage(image, 400, 300));
     return {};
 }
@@ -73,14 +74,15 @@ bool ScreenshotEditorViewModel::dropBackgroundImages(const QList<QUrl>& urls) {
 void ScreenshotEditorViewModel::startImport(const QList<QUrl>& urls, bool showImages) {
     const Import import{++m_lastChoice, showImages};
     setLoading(m_isLoadingWallpapers, m_importsUnderWay + 1);
-    m_services.backgroundQueue.async([self = QPointer(this), urls, import]() -> MainQueue::Work {
-        return [self, import, wallpaper = readFirstPicture(urls)] {
-            if (self)
-                self->finishImport(import, wallpaper);
-            else if (wallpaper)
-                BackgroundDecoder::forget(wallpaper->first);
-        };
-    });
+    m_services.backgroundQueue.async(
+        [self = QPointer(this), urls, import, stop = m_imports.get_token()]() -> MainQueue::Work {
+            return [self, import, wallpaper = readFirstPicture(urls, stop)] {
+                if (self)
+                    self->finishImport(import, wallpaper);
+                else if (wallpaper)
+                    BackgroundDecoder::forget(wallpaper->first);
+            };
+        });
 }
 
 void ScreenshotEditorViewModel::finishImport(const Import& import,

@@ -86,6 +86,8 @@ QImage BackgroundDecoder::decode(const QUrl& url, const std::stop_token& stop) {
 }
 
 QImage BackgroundDecoder::decodeForTwo(const QUrl& url, const std::stop_token& stop) {
+    if (stop.stop_requested())
+        return {};
     const QDateTime modified = modificationTime(url);
     QImage image = decode(url, stop);
     const QMutexLocker lock(&keptMutex);

@@ -2,7 +2,9 @@
 
 #include "editor/model/ColorConversion.h"
 #include "editor/render/ScreenshotRenderer.h"
+#include "support/JpegOfScans.h"
 
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QSignalSpy>
 
@@ -291,6 +293,21 @@ TEST_F(ViewModel, ACancelledOrUnreadableImportChangesNothing) {
     EXPECT_TRUE(shared.isEmpty());
     EXPECT_TRUE(toasts.isEmpty());
     EXPECT_FALSE(model->isLoadingWallpapers());
+}
+
+TEST_F(ViewModel, GoingItEndsItsImports) {
+    const QString path = files.filePath(QStringLiteral("slow.jpg"));
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(jpegOfScans(4000, 40'000)); // most of a minute
+    file.close();
+    auto model = makeModel(picture(20, 10));
+    model->importBackgroundImage(QUrl::fromLocalFile(path));
+    model.reset();
+    QElapsedTimer timer;
+    timer.start();
+    background.runPending();
+    EXPECT_LT(timer.elapsed(), 3000);
 }
 
 TEST_F(ViewModel, AnImportIsReadElsewhereAndArrivesAsOneStep) {
