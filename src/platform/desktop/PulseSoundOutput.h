@@ -10,8 +10,8 @@ namespace framora {
 
 /// Plays sound files through the PulseAudio protocol, one at a time, on a thread of its own that starts with
 /// the first sound. What may take long happens on threads: looking up and opening a sound of the theme, which
-/// may stand on a network's disk, and talking to the server. Without a sound server, or with a file that does not answer, nothing is heard and
-/// nothing waits.
+/// may stand on a network's disk, and talking to the server. Without a sound server, or with a file that does
+/// not answer, nothing is heard and nothing waits.
 class PulseSoundOutput final : public SoundOutput {
 public:
     /// Asked for each of the desktop's sounds, on a thread of its own.
