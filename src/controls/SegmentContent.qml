@@ -10,13 +10,27 @@ Item {
     required property string symbol
     required property bool stacked
     required property bool current
-    readonly property real contentWidth: grid.implicitWidth
+    readonly property int fullFontSize: stacked ? 11 : 12
+    property int fontSize: fullFontSize
+    /// At the full size of the font.
+    readonly property real contentWidth: {
+        const text = button.text !== "" ? metrics.advanceWidth : 0;
+        const icon = symbol === "" ? 0 : stacked ? 20 : 16;
+        return Math.ceil(stacked ? Math.max(text, icon) : text + icon + (text > 0 && icon > 0 ? grid.columnSpacing : 0));
+    }
     readonly property color ink: current || button.hovered ? Theme.text : Theme.secondaryText
 
+    TextMetrics {
+        id: metrics
+        text: content.button.text
+        font.family: Theme.fontFamily
+        font.pixelSize: content.fullFontSize
+        font.weight: Font.Medium
+    }
     Grid {
         id: grid
         anchors.centerIn: parent
-        columns: content.stacked ? 1 : 2
+        columns: content.stacked || content.symbol === "" ? 1 : 2
         columnSpacing: 6
         rowSpacing: 3
         horizontalItemAlignment: Grid.AlignHCenter
@@ -33,7 +47,7 @@ Item {
             text: content.button.text
             color: content.ink
             font.family: Theme.fontFamily
-            font.pixelSize: content.stacked ? 11 : 12
+            font.pixelSize: content.fontSize
             font.weight: Font.Medium
         }
     }

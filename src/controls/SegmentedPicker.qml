@@ -26,12 +26,23 @@ Item {
         return -1;
     }
     readonly property real segmentWidth: (width - 4) / Math.max(1, options.length)
+    readonly property real leastAir: 8
+    readonly property var contentWidths: {
+        const widths = [];
+        for (let i = 0; i < segments.count; ++i)
+            widths.push(segments.itemAt(i)?.contentWidth ?? 0);
+        return widths;
+    }
+    /// Long words of another language make all labels smaller together.
+    readonly property real shrink: {
+        const count = Math.max(1, contentWidths.length);
+        const taken = fitted ? contentWidths.reduce((sum, each) => sum + each, 0) : count * Math.max(0, ...contentWidths);
+        return width > 0 && taken > 0 ? Math.min(1, (width - 4 - leastAir * count) / taken) : 1;
+    }
     /// What is left beside the contents, for each segment.
     readonly property real air: {
-        let taken = 0;
-        for (let i = 0; i < segments.count; ++i)
-            taken += segments.itemAt(i)?.contentWidth ?? 0;
-        return (width - 4 - taken) / Math.max(1, segments.count);
+        const taken = contentWidths.reduce((sum, each) => sum + each * shrink, 0);
+        return (width - 4 - taken) / Math.max(1, contentWidths.length);
     }
     readonly property Item currentItem: currentIndex >= 0 && currentIndex < segments.count
                                         ? segments.itemAt(currentIndex) : null
@@ -67,8 +78,11 @@ Item {
     function isStop(index: int): bool {
         return index === Math.max(0, currentIndex);
     }
+    function fontSizeOf(fullSize: int): int {
+        return Math.max(9, Math.floor(fullSize * shrink));
+    }
     function widthOf(contentWidth: real): real {
-        return fitted ? contentWidth + air : segmentWidth;
+        return fitted ? contentWidth * shrink + air : segmentWidth;
     }
 
     implicitHeight: stacked ? 56 : 32
@@ -131,6 +145,7 @@ Item {
                 button: radioSegment
                 symbol: radioSegment.modelData.symbol ?? ""
                 stacked: picker.stacked
+                fontSize: picker.fontSizeOf(fullFontSize)
                 current: radioSegment.index === picker.currentIndex
             }
         }
@@ -160,6 +175,7 @@ Item {
                 button: tabSegment
                 symbol: tabSegment.modelData.symbol ?? ""
                 stacked: picker.stacked
+                fontSize: picker.fontSizeOf(fullFontSize)
                 current: tabSegment.index === picker.currentIndex
             }
         }

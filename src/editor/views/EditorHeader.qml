@@ -75,26 +75,7 @@ Item {
         x: Math.max(header.sidebarSpace - width - 16, windowCluster.x + windowCluster.width + 8)
         anchors.verticalCenter: parent.verticalCenter
         symbol: "sidebar.left"
-        // The icon font has no pane with a side bar.
-        contentItem: Item {
-            Rectangle {
-                anchors.centerIn: parent
-                width: 18
-                height: 14
-                radius: 3.5
-                color: "transparent"
-                border.width: 1.5
-                border.color: Theme.text
-                Rectangle {
-                    x: 3
-                    y: 3
-                    width: 3.5
-                    height: parent.height - 6
-                    radius: 1
-                    color: Theme.text
-                }
-            }
-        }
+        contentItem: SidebarIcon { color: sidebarToggle.tint }
         help: Strings.localized(header.session.sidebarVisible ? "sidebar.hide" : "sidebar.show")
         onClicked: header.session.sidebarVisible = !header.session.sidebarVisible
     }

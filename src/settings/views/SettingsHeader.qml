@@ -46,6 +46,7 @@ Item {
         x: Math.max(header.sidebarSpace - width - 12, close.x + close.width + 4)
         anchors.verticalCenter: parent.verticalCenter
         symbol: "sidebar.left"
+        contentItem: SidebarIcon { color: toggle.tint }
         help: Strings.localized(header.session.sidebarVisible ? "sidebar.hide" : "sidebar.show")
         tint: Theme.secondaryText
         onClicked: header.session.sidebarVisible = !header.session.sidebarVisible
