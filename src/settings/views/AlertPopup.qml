@@ -15,6 +15,7 @@ T.Popup {
     parent: T.Overlay.overlay
     anchors.centerIn: parent
     width: 340
+    implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
     padding: 22
     modal: true
     focus: true
@@ -24,10 +25,10 @@ T.Popup {
     onOpened: ok.forceActiveFocus(Qt.TabFocusReason)
 
     T.Overlay.modal: Rectangle { color: "#70000000" }
-    background: Rectangle {
+    background: RoundedBox {
         radius: Theme.cardRadius + 2
         color: Theme.card
-        border.color: Theme.outline
+        outline: Theme.outline
     }
     contentItem: Column {
         spacing: 12

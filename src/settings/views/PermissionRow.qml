@@ -29,23 +29,26 @@ Item {
             title: row.title
             symbol: row.symbol
 
-            SymbolIcon {
-                objectName: row.objectName + ".granted"
-                visible: row.granted
-                symbol: "checkmark.circle.fill"
-                size: 20
-                color: Theme.dark ? "#4cc38a" : "#2a8f5c"
-                Accessible.role: Accessible.StaticText
-                Accessible.name: Strings.localized("permission.granted")
-            }
-            PushButton {
-                objectName: row.objectName + ".allow"
-                visible: !row.granted
-                text: Strings.localized("allow")
-                help: row.openLabel
-                primary: true
-                Accessible.description: row.openLabel
-                onClicked: row.allowed()
+            // Of the two only the one that shows takes room.
+            Row {
+                SymbolIcon {
+                    objectName: row.objectName + ".granted"
+                    visible: row.granted
+                    symbol: "checkmark.circle.fill"
+                    size: 20
+                    color: Theme.dark ? "#4cc38a" : "#2a8f5c"
+                    Accessible.role: Accessible.StaticText
+                    Accessible.name: Strings.localized("permission.granted")
+                }
+                PushButton {
+                    objectName: row.objectName + ".allow"
+                    visible: !row.granted
+                    text: Strings.localized("allow")
+                    help: row.openLabel
+                    primary: true
+                    Accessible.description: row.openLabel
+                    onClicked: row.allowed()
+                }
             }
         }
         Row {

@@ -1,7 +1,7 @@
 import QtQuick
 import Framora.Controls
 
-/// One setting in a section: what it is on the left, its control on the right.
+/// One setting in a section: what it is on the left, its control on the right, or below where words would break.
 Item {
     id: row
 
@@ -14,8 +14,17 @@ Item {
     /// A click on the words.
     signal clicked
 
+    readonly property bool stacked: texts.x + Math.max(100, Math.ceil(longestWord.advanceWidth)) + 18 + slot.width > width
+
     width: parent.width
-    implicitHeight: Math.max(24, texts.implicitHeight, slot.childrenRect.height)
+    implicitHeight: stacked ? texts.implicitHeight + 10 + slot.height
+                            : Math.max(24, texts.implicitHeight, slot.height)
+
+    TextMetrics {
+        id: longestWord
+        text: row.title.split(" ").reduce((longest, word) => word.length > longest.length ? word : longest, "")
+        font: title.font
+    }
 
     TapHandler { onTapped: row.clicked() }
     SymbolIcon {
@@ -28,8 +37,8 @@ Item {
     Column {
         id: texts
         x: row.symbol !== "" ? 30 : 0
-        anchors.verticalCenter: parent.verticalCenter
-        width: slot.x - x - 16
+        y: row.stacked ? 0 : (row.height - height) / 2
+        width: row.stacked ? row.width - x : slot.x - x - 16
         spacing: 3
 
         Text {
@@ -55,8 +64,8 @@ Item {
     }
     Item {
         id: slot
-        anchors.right: parent.right
-        anchors.verticalCenter: parent.verticalCenter
+        x: row.stacked ? texts.x : row.width - width
+        y: row.stacked ? texts.height + 10 : (row.height - height) / 2
         width: childrenRect.width
         height: childrenRect.height
     }
