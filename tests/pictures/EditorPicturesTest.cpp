@@ -1,6 +1,7 @@
 #include "editor/views/EditorSession.h"
 #include "editor/window/ScreenshotEditorWindow.h"
 #include "feedback/ToastManager.h"
+#include "pictures/Drawn.h"
 #include "platform/Application.h"
 #include "platform/NotificationCenter.h"
 #include "platform/Notifications.h"
@@ -11,11 +12,7 @@
 #include "support/RecordingToastPanels.h"
 #include "unit/editor/ModelFixture.h"
 
-#include <QDir>
 #include <QPainter>
-#include <QQuickItem>
-#include <QQuickView>
-#include <QSet>
 #include <QTest>
 
 namespace framora {
@@ -59,46 +56,12 @@ QImage sampleScreenshot() {
     return image;
 }
 
-/// What is drawn of a text item although it does not fit; empty when it does.
-QString cutOff(QQuickItem* item) {
-    if (!item->inherits("QQuickText") || !item->isVisible() || item->property("text").toString().isEmpty())
-        return {};
-    const double wanted = item->property("contentWidth").toDouble();
-    const bool overflows = wanted > item->width() + 0.5;
-    if (!item->property("truncated").toBool() && !overflows)
-        return {};
-    return QStringLiteral("\"%1\" wants %2 of %3 points")
-        .arg(item->property("text").toString())
-        .arg(item->implicitWidth())
-        .arg(item->width());
-}
-
 class EditorPictures : public ModelFixture {
 public:
     static void SetUpTestSuite() { QQuickWindow::setGraphicsApi(QSGRendererInterface::Software); }
 
-    EditorPictures() {
-        warnings().clear();
-        qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString& message) {
-            if (message.startsWith(u"qrc:"))
-                warnings().append(message);
-        });
-        addTexture();
-        folder = QDir(QStringLiteral(FRAMORA_PICTURES "/editor/x%1")
-                          .arg(qEnvironmentVariable("QT_SCALE_FACTOR", QStringLiteral("1"))));
-        EXPECT_TRUE(folder.mkpath(QStringLiteral(".")));
-    }
+    EditorPictures() { addTexture(); }
 
-    ~EditorPictures() override {
-        qInstallMessageHandler(nullptr);
-        EXPECT_TRUE(warnings().isEmpty()) << warnings().join(u'\n').toStdString();
-    }
-
-    /// What the views' engine complained about.
-    static QStringList& warnings() {
-        static QStringList all;
-        return all;
-    }
     QQuickView& window() { return *editor.editorWindow(); }
     ScreenshotEditorViewModel& model() { return *editor.session()->viewModel(); }
 
@@ -122,19 +85,8 @@ public:
         queue.advance(1);
     }
 
-    static QQuickItem* find(QQuickItem* parent, const QString& name) {
-        for (QQuickItem* child : parent->childItems()) {
-            if (!child->isVisible())
-                continue;
-            if (child->objectName() == name)
-                return child;
-            if (QQuickItem* found = find(child, name))
-                return found;
-        }
-        return nullptr;
-    }
     QPoint centreOf(const char* name) {
-        QQuickItem* found = find(window().contentItem(), QString::fromLatin1(name));
+        QQuickItem* found = drawn::find(window().contentItem(), QString::fromLatin1(name));
         EXPECT_TRUE(found) << name;
         return found ? found->mapToScene({found->width() / 2, found->height() / 2}).toPoint() : QPoint();
     }
@@ -164,37 +116,12 @@ public:
         settle();
     }
 
-    static void collectCutOff(QQuickItem* parent, QStringList& found) {
-        for (QQuickItem* child : parent->childItems()) {
-            if (const QString text = cutOff(child); !text.isEmpty())
-                found.append(text);
-            if (child->isVisible())
-                collectCutOff(child, found);
-        }
-    }
     void save(const char* name) {
         settle();
-        const QImage image = window().grabWindow();
-        EXPECT_EQ(image.size(), (QSizeF(windowSize) * window().effectiveDevicePixelRatio()).toSize()) << name;
-        QStringList cut;
-        collectCutOff(window().contentItem(), cut);
-        EXPECT_TRUE(cut.isEmpty()) << name << ": " << cut.join(u'\n').toStdString();
-        const QString path =
-            folder.filePath(QLatin1String(name) +
-                            (appearance.dark ? QStringLiteral("-dark.png") : QStringLiteral("-light.png")));
-        ASSERT_TRUE(image.save(path)) << path.toStdString();
-        // A window that was drawn has its two grounds, its texts and its picture.
-        QSet<QRgb> colors;
-        for (int y = 0; y < image.height(); y += 7)
-            for (int x = 0; x < image.width(); x += 7)
-                colors.insert(image.pixel(x, y));
-        EXPECT_GT(colors.size(), 12) << name;
-        EXPECT_EQ(image.pixelColor(image.width() / 50, image.height() - image.height() / 50).lightness() <
-                      128,
-                  appearance.dark)
-            << name;
+        drawn::save(window(), folder, QLatin1String(name), windowSize, appearance.dark);
     }
 
+    drawn::Complaints complaints;
     QSize windowSize{1200, 800};
     NotificationCenter notifications;
     NoPasteboard pasteboard;
@@ -209,7 +136,7 @@ public:
             return std::make_unique<ToastManager>(ToastServices{queue, toastPanels, screens, appearance});
         },
         background, desktopPictures}};
-    QDir folder;
+    QDir folder = drawn::folder(QStringLiteral("editor"));
 };
 
 TEST_F(EditorPictures, OfTheAppearanceTab) {
@@ -323,6 +250,26 @@ TEST_F(EditorPictures, OfTheSmallestWindow) {
         leaveControls();
         settle(250);
         save("small-without-sidebar");
+    });
+}
+
+TEST_F(EditorPictures, OfTheTabsAsTheyAreReadInTheUsersLanguage) {
+    ASSERT_TRUE(qEnvironmentVariableIsSet("LANGUAGE"));
+    inBothAppearances([this] {
+        for (const char* tab : {"tabs.0", "tabs.2", "tabs.1"}) {
+            click(tab);
+            leaveControls();
+            save(tab);
+        }
+        for (const char* type : {"transparent", "color", "gradient", "image"}) {
+            click((std::string("backgroundType.") + type).c_str());
+            if (model().backgroundType() == QLatin1String("gradient"))
+                click("useThreeColors");
+            leaveControls();
+            save((std::string("background-") + type).c_str());
+        }
+        hover("undo", 700);
+        save("help");
     });
 }
 
