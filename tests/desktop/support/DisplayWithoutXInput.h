@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <list>
+#include <thread>
+
+namespace framora {
+
+/// What a client writes to an X server, request by request. Whoever asks for the extension XInputExtension
+/// asks for one that no server has.
+class XInputHider {
+public:
+    /// What may go on to the server of all that came so far.
+    QByteArray passed(const QByteArray& bytes);
+
+private:
+    QByteArray m_waiting;       ///< The beginning of a request that is not whole.
+    qsizetype m_passOn = 0;     ///< How much still belongs to a request that needs no look.
+    bool m_isConnected = false; ///< Whether the client's greeting has gone by.
+};
+
+/// A second display of an X server, on which the server has no XInput; all else is the same, windows and
+/// pointer too. It ends every client's connection when it goes.
+class DisplayWithoutXInput {
+public:
+    /// Throws std::runtime_error when no display number is free.
+    explicit DisplayWithoutXInput(const QString& realDisplay);
+    ~DisplayWithoutXInput();
+    DisplayWithoutXInput(const DisplayWithoutXInput&) = delete;
+    DisplayWithoutXInput& operator=(const DisplayWithoutXInput&) = delete;
+
+    QString displayName() const { return QStringLiteral(":%1").arg(m_number); }
+
+private:
+    struct Client {
+        int client = -1;
+        int server = -1;
+        std::thread requests;
+        std::thread answers;
+    };
+    static void forward(int from, int to, XInputHider* hider);
+    bool take(int number);
+    void accept();
+    void serve(int client);
+
+    QByteArray m_realSocket;
+    int m_number = 0;
+    int m_listener = -1;
+    std::list<Client> m_clients; ///< The accepting thread's, while that runs.
+    std::thread m_accepting;
+};
+
+} // namespace framora
