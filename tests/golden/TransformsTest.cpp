@@ -69,6 +69,16 @@ TEST_F(Transforms, BothTilts) {
     }
 }
 
+TEST_F(Transforms, TiltUntilAlmostNothingIsSeen) {
+    // Near and far parts of the picture lie few pixels apart.
+    m_golden.screenshot = SmoothPicture(900, 560, 1.0, 0.1);
+    m_golden.style.padding = 0.0;
+    for (const double degrees : {86.0, -88.0, 89.5}) {
+        m_golden.style.rotationX = degrees;
+        expectMatch(QStringLiteral("edge-on-%1").arg(degrees));
+    }
+}
+
 TEST_F(Transforms, TheEyeStandsByTheLongerSideWithItsMockup) {
     m_golden.style.mockupStyle = MockupStyle::border;
     m_golden.style.mockupBorderSize = 8.0;

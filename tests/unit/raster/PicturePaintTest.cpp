@@ -1,6 +1,7 @@
 #include "editor/render/raster/PicturePaint.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -108,6 +109,51 @@ TEST(PicturePaint, TurnsAFineGridIntoItsMeanAtAnyAngleAndTilt) {
                 }
             }
     }
+}
+
+TEST(PicturePaint, KeepsWhatIsNearSharpBesideWhatIsFar) {
+    // Almost edge on, a wide picture goes from magnified to a hundredfold reduced within a dozen rows.
+    constexpr int width = 2560;
+    constexpr int height = 1600;
+    constexpr int band = 80;
+    const auto isWhite = [](double x) { return int(x / band) % 2 == 0; };
+    PixelBuffer pixels = PixelBuffer::create(width, height);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            pixels.mutableView().row(y)[x] = isWhite(x) ? 0xffffffffu : 0xff000000u;
+    const auto pyramid = std::make_shared<PicturePyramid>(pixels.view());
+    constexpr int wide = 5440;
+    constexpr int high = 200;
+    const Homography toOutput = Homography::translation(wide / 2.0, high / 2.0) * Homography::scaling(2, 2) *
+                                Homography::tiltX(89.5, width);
+    const PicturePaint paint(pyramid, width, height, {toOutput}, wide, high);
+    const Homography toPicture = Homography::translation(width / 2.0, height / 2.0) * toOutput.inverse();
+    std::vector<MixPixel> drawn(std::size_t(wide) * high);
+    paint.mix({0, 0, wide, high}, drawn.data());
+    int checked = 0;
+    int far = 0;
+    for (int y = 0; y < high; ++y)
+        for (int x = 0; x < wide; ++x) {
+            int inside = 0;
+            int white = 0;
+            for (int i = 0; i < 16; ++i) {
+                const Vec2 at = toPicture.map({x + (i % 4 + 0.5) / 4, y + (i / 4 + 0.5) / 4});
+                inside += at.x >= 0 && at.x < width && at.y >= 0 && at.y < height;
+                white += isWhite(at.x);
+            }
+            if (inside < 16)
+                continue;
+            const Vec2 middle = toPicture.map({x + 0.5, y + 0.5});
+            // Away from the bands' edges, which a cubic softens.
+            const double inBand = std::fmod(middle.x, band);
+            if (inBand < 20 || inBand > band - 20 || (white != 0 && white != 16))
+                continue;
+            ++checked;
+            const int expected = white == 16 ? mixOne : 0;
+            far += std::abs(drawn[std::size_t(y) * wide + std::size_t(x)].channel[1] - expected) > mixOne / 8;
+        }
+    ASSERT_GT(checked, 20'000);
+    EXPECT_LT(far, checked / 50);
 }
 
 TEST(PicturePaint, RepeatsItsEdge) {

@@ -59,6 +59,20 @@ FootprintSampler::Ellipse FootprintSampler::ellipse(const Homography& g, Vec2 so
 FootprintSampler::FootprintSampler(const PicturePyramid& pyramid, const Homography& toSource)
     : m_pyramid(pyramid), m_toSource(toSource) {}
 
+bool FootprintSampler::isUneven(const TileRect& block) const {
+    double narrow = 1e12;
+    double wide = 1;
+    for (int i = 0; i < 4; ++i) {
+        const Vec2 corner{double(block.x + i % 2 * block.width), double(block.y + i / 2 * block.height)};
+        const double depth = m_toSource.depth(corner);
+        const double side = depth > 0 ? ellipse(m_toSource, m_toSource.map(corner), depth).longest() : 1e6;
+        narrow = std::min(narrow, std::max(side, 1.0));
+        wide = std::max(wide, side);
+    }
+    constexpr double mostRatio = 2;
+    return wide > mostRatio * narrow;
+}
+
 FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
     bool isInFront = true;
     const auto ellipseAt = [&](double x, double y) {

@@ -27,6 +27,9 @@ public:
     /// nothing done, where more of the picture would be read than is worth it.
     bool mix(const TileRect& block, const TileRect& part, MixPixel* out, int stride) const;
 
+    /// Whether footprints differ so much in a block that one rule for all of it would read far too much.
+    bool isUneven(const TileRect& block) const;
+
     /// The square of a footprint: the source offsets d with d' m^-1 d = 1 lie on its border.
     struct Ellipse {
         double xx;

@@ -25,6 +25,9 @@ int floorToInt(double value) {
 constexpr int blockWidth = FootprintSampler::mostBlockWidth;
 constexpr int blockHeight = FootprintSampler::mostBlockHeight;
 
+// Nor smaller than this where they are quartered.
+constexpr int leastBlockSide = 4;
+
 int floorToMultiple(int value, int size) {
     return value >= 0 ? value / size * size : -((-value + size - 1) / size) * size;
 }
@@ -69,13 +72,27 @@ Float4 ProjectiveSampler::interpolated(Vec2 source) const {
     return clampPremultiplied(sum, 255);
 }
 
+bool ProjectiveSampler::isQuartered(const TileRect& block) const {
+    return std::min(block.width, block.height) > leastBlockSide && m_footprints.isUneven(block);
+}
+
+TileRect ProjectiveSampler::blockAround(int x, int y) const {
+    TileRect block{floorToMultiple(x, blockWidth), floorToMultiple(y, blockHeight), blockWidth, blockHeight};
+    while (isQuartered(block)) {
+        block.width /= 2;
+        block.height /= 2;
+        block.x += x >= block.x + block.width ? block.width : 0;
+        block.y += y >= block.y + block.height ? block.height : 0;
+    }
+    return block;
+}
+
 void ProjectiveSampler::read(int x, int y, int count, Float4* out) const {
     const PixelView picture = m_pyramid.picture();
     const int right = x + count;
     while (x < right) {
-        const TileRect block{floorToMultiple(x, blockWidth), floorToMultiple(y, blockHeight), blockWidth,
-                             blockHeight};
-        const int end = std::min(right, block.x + blockWidth);
+        const TileRect block = blockAround(x, y);
+        const int end = std::min(right, block.x + block.width);
         if (!isMagnified(block)) {
             m_footprints.read(block, x, y, end - x, out);
             out += end - x;
@@ -102,30 +119,36 @@ bool ProjectiveSampler::isMagnified(const TileRect& block) const {
     return true;
 }
 
-void ProjectiveSampler::mix(const TileRect& tile, MixPixel* out) const {
-    thread_local std::vector<Float4> row;
-    const int right = tile.x + tile.width;
-    const int bottom = tile.y + tile.height;
-    for (int top = tile.y; top < bottom;) {
-        const int blockTop = floorToMultiple(top, blockHeight);
-        const int height = std::min(bottom, blockTop + blockHeight) - top;
-        for (int left = tile.x; left < right;) {
-            const int blockLeft = floorToMultiple(left, blockWidth);
-            const TileRect part{left, top, std::min(right, blockLeft + blockWidth) - left, height};
-            MixPixel* to = out + std::ptrdiff_t(top - tile.y) * tile.width + (left - tile.x);
-            left += part.width;
-            const TileRect block{blockLeft, blockTop, blockWidth, blockHeight};
-            if (m_footprints.mix(block, part, to, tile.width))
-                continue;
-            row.resize(std::max(row.size(), std::size_t(part.width)));
-            for (int y = part.y; y < part.y + height; ++y, to += tile.width) {
-                read(part.x, y, part.width, row.data());
-                for (int x = 0; x < part.width; ++x)
-                    to[x] = toMix(row[std::size_t(x)] * splat(1.0f / 255));
-            }
-        }
-        top += height;
+void ProjectiveSampler::mixBlock(const TileRect& block, const TileRect& tile, MixPixel* out) const {
+    const int left = std::max(block.x, tile.x);
+    const int top = std::max(block.y, tile.y);
+    const TileRect part{left, top, std::min(block.x + block.width, tile.x + tile.width) - left,
+                        std::min(block.y + block.height, tile.y + tile.height) - top};
+    if (part.width <= 0 || part.height <= 0)
+        return;
+    if (isQuartered(block)) {
+        const int width = block.width / 2;
+        const int height = block.height / 2;
+        for (int i = 0; i < 4; ++i)
+            mixBlock({block.x + i % 2 * width, block.y + i / 2 * height, width, height}, tile, out);
+        return;
     }
+    MixPixel* to = out + std::ptrdiff_t(top - tile.y) * tile.width + (left - tile.x);
+    if (m_footprints.mix(block, part, to, tile.width))
+        return;
+    thread_local std::vector<Float4> row;
+    row.resize(std::max(row.size(), std::size_t(part.width)));
+    for (int y = part.y; y < part.y + part.height; ++y, to += tile.width) {
+        read(part.x, y, part.width, row.data());
+        for (int x = 0; x < part.width; ++x)
+            to[x] = toMix(row[std::size_t(x)] * splat(1.0f / 255));
+    }
+}
+
+void ProjectiveSampler::mix(const TileRect& tile, MixPixel* out) const {
+    for (int y = floorToMultiple(tile.y, blockHeight); y < tile.y + tile.height; y += blockHeight)
+        for (int x = floorToMultiple(tile.x, blockWidth); x < tile.x + tile.width; x += blockWidth)
+            mixBlock({x, y, blockWidth, blockHeight}, tile, out);
 }
 
 } // namespace framora::raster

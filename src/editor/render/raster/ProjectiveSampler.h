@@ -22,6 +22,12 @@ public:
     void mix(const TileRect& tile, MixPixel* out) const;
 
 private:
+    /// Whether a block's quarters are read each by a rule of its own.
+    bool isQuartered(const TileRect& block) const;
+    /// The block by whose rule a pixel is read.
+    TileRect blockAround(int x, int y) const;
+    /// mix() for what of `tile`, which begins at `out`, lies in a block.
+    void mixBlock(const TileRect& block, const TileRect& tile, MixPixel* out) const;
     /// Whether no pixel of a block spans more than one of the picture's in any direction.
     bool isMagnified(const TileRect& block) const;
     Float4 interpolated(Vec2 source) const;
