@@ -14,8 +14,8 @@ void parallelFor(int count, const std::function<void(int)>& body);
 /// processor.
 void setParallelThreadLimit(int threads);
 
-/// While one lives, every parallelFor of its thread stays on that thread: for work that is one of many at once,
-/// or of low priority, and must not take the waiting threads from who needs them now.
+/// While one lives, every parallelFor of its thread stays on that thread: for work that is one of many at
+/// once, or of low priority, and must not take the waiting threads from who needs them now.
 class SerialScope {
 public:
     SerialScope();
