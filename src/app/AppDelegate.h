@@ -1,12 +1,12 @@
 #pragma once
 
 #include "app/CaptureFlow.h"
-#include "settings/SettingsWindow.h"
 #include "feedback/ToastManager.h"
 #include "platform/MainQueue.h"
 #include "platform/NotificationCenter.h"
 #include "platform/StatusBar.h"
 #include "settings/HotkeyManager.h"
+#include "settings/SettingsWindow.h"
 
 #include <memory>
 #include <optional>

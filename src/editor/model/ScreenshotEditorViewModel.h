@@ -243,7 +243,7 @@ private:
     std::vector<Wallpaper> m_wallpaperImages;
     bool m_isLoadingWallpapers = false;
     int m_importsUnderWay = 0;
-    std::stop_source m_imports; ///< Nobody waits for them once this is gone.
+    std::stop_source m_imports;             ///< Nobody waits for them once this is gone.
     quint64 m_lastChoice = 0;               ///< Of a background, made or asked for.
     quint64 m_shownChoice = 0;              ///< The last one that was carried out.
     std::vector<quint64> m_importedChoices; ///< The imports' at the front of the list.
