@@ -3,6 +3,7 @@
 #include "editor/render/raster/FootprintSampler.h"
 #include "editor/render/raster/ResampleKernels.h"
 #include "unit/raster/EachTarget.h"
+#include "unit/raster/RandomPicture.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
@@ -11,15 +12,6 @@
 
 namespace framora::raster {
 namespace {
-
-std::vector<std::uint32_t> randomPicture(std::mt19937& random, std::size_t count) {
-    std::vector<std::uint32_t> pixels(count);
-    for (std::uint32_t& pixel : pixels)
-        pixel = random() % 3 == 0   ? 0xffffffffu
-                : random() % 2 == 0 ? 0u
-                                    : 0xff000000u | std::uint32_t(random());
-    return pixels;
-}
 
 TEST(FootprintKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
     forEachTarget([](const char* target) {
