@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <fcntl.h>
+#include <grp.h>
 #include <stdexcept>
 #include <sys/prctl.h>
 #include <unistd.h>
@@ -12,14 +13,18 @@
 namespace framora {
 
 ChildProcess::ChildProcess(const QString& program, const QStringList& arguments,
-                           const QProcessEnvironment& environment, int inheritedDescriptor) {
+                           const QProcessEnvironment& environment, const Options& options) {
     m_process.setProcessEnvironment(environment);
     m_process.setProcessChannelMode(QProcess::MergedChannels);
     m_process.setStandardInputFile(QProcess::nullDevice());
-    m_process.setChildProcessModifier([inheritedDescriptor] {
+    m_process.setChildProcessModifier([options] {
+        if (options.user &&
+            (::setgroups(0, nullptr) != 0 || ::setgid(*options.user) != 0 || ::setuid(*options.user) != 0))
+            ::_exit(126);
+        // A change of the user takes this back, so it comes after.
         ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-        if (inheritedDescriptor >= 0)
-            ::fcntl(inheritedDescriptor, F_SETFD, 0);
+        if (options.inheritedDescriptor >= 0)
+            ::fcntl(options.inheritedDescriptor, F_SETFD, 0);
     });
     m_process.start(program, arguments);
     if (!m_process.waitForStarted())

@@ -2,6 +2,7 @@
 
 #include <QProcess>
 
+#include <optional>
 #include <vector>
 
 namespace framora {
@@ -10,10 +11,16 @@ namespace framora {
 /// ends it should the test itself be killed.
 class ChildProcess {
 public:
-    /// `inheritedDescriptor`, if not negative, stays open in the child. Throws std::runtime_error when the
-    /// program cannot be launched.
+    struct Options {
+        int inheritedDescriptor = -1;      ///< Stays open in the child when not negative.
+        std::optional<unsigned> user = {}; ///< Runs as this user, in the group of the same number.
+    };
+
+    /// Throws std::runtime_error when the program cannot be launched.
     ChildProcess(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment,
-                 int inheritedDescriptor = -1);
+                 const Options& options);
+    ChildProcess(const QString& program, const QStringList& arguments, const QProcessEnvironment& environment)
+        : ChildProcess(program, arguments, environment, Options()) {}
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;

@@ -1,31 +1,14 @@
 #include "desktop/support/VirtualDesktop.h"
 
-#include <QCoreApplication>
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDir>
-#include <QElapsedTimer>
-#include <QFile>
-#include <QUuid>
 
-#include <csignal>
 #include <fcntl.h>
 #include <poll.h>
 #include <stdexcept>
-#include <thread>
 #include <unistd.h>
 
 namespace framora {
 namespace {
-
-constexpr auto markerVariable = "FRAMORA_VIRTUAL_DESKTOP";
-
-void writeFile(const QString& path, const QByteArray& contents) {
-    QDir().mkpath(QFileInfo(path).path());
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
-        throw std::runtime_error("cannot write " + path.toStdString());
-}
 
 /// One line from a descriptor, without its end; empty after the time limit.
 QByteArray readLine(int descriptor, int timeoutMs) {
@@ -127,70 +110,29 @@ constexpr auto frameConfiguration = R"(<?xml version="1.0" encoding="UTF-8"?>
 </openbox_config>
 )";
 
-constexpr auto busConfiguration =
-    R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
- "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
-<busconfig>
-  <type>session</type>
-  <listen>unix:path=%1/bus</listen>
-  <servicedir>%1/services</servicedir>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-)";
-
 } // namespace
 
-VirtualDesktop::VirtualDesktop(const DesktopOptions& options)
-    : m_marker(QUuid::createUuid().toString(QUuid::WithoutBraces)) {
-    if (!m_folder.isValid())
-        throw std::runtime_error("no temporary folder for the virtual desktop");
+VirtualDesktop::VirtualDesktop(const DesktopOptions& options) : DesktopSession(QStringLiteral("x11")) {
     writeConfiguration();
-    try {
-        startServer(options);
-        if (options.sessionBus)
-            startBus();
-        if (options.accessibility)
-            startAccessibility();
-        if (options.windowManager != WindowManager::none)
-            startWindowManager(options.windowManager);
-        if (options.compositor)
-            startCompositor();
-        if (options.trayHost != TrayHost::none)
-            startTrayHost(options.trayHost);
-    } catch (...) {
-        endEverything();
-        throw;
-    }
+    startServer(options);
+    if (options.sessionBus)
+        // The settings daemon of the XFCE programs is all that may start by itself.
+        startBus({QStringLiteral("org.xfce.Xfconf.service")});
+    if (options.accessibility)
+        startAccessibility();
+    if (options.windowManager != WindowManager::none)
+        startWindowManager(options.windowManager);
+    if (options.compositor)
+        startCompositor();
+    if (options.trayHost != TrayHost::none)
+        startTrayHost(options.trayHost);
 }
 
 VirtualDesktop::~VirtualDesktop() {
-    endEverything();
+    m_display.reset();
 }
 
 void VirtualDesktop::writeConfiguration() {
-    for (const char* name : {"home", "config", "runtime", "cache", "data", "scratch"})
-        QDir().mkpath(m_folder.filePath(QLatin1String(name)));
-    QFile::setPermissions(runtimePath(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-
-    for (const char* name : {"PATH", "LD_LIBRARY_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS",
-                             "TSAN_OPTIONS", "QT_PLUGIN_PATH", "QML_IMPORT_PATH"})
-        if (qEnvironmentVariableIsSet(name))
-            m_environment.insert(QLatin1String(name), qEnvironmentVariable(name));
-    m_environment.insert(QLatin1String(markerVariable), m_marker);
-    m_environment.insert(QStringLiteral("LANG"), QStringLiteral("C.UTF-8"));
-    m_environment.insert(QStringLiteral("HOME"), homePath());
-    m_environment.insert(QStringLiteral("XDG_CONFIG_HOME"), configPath());
-    m_environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimePath());
-    m_environment.insert(QStringLiteral("XDG_CACHE_HOME"), m_folder.filePath(QStringLiteral("cache")));
-    m_environment.insert(QStringLiteral("XDG_DATA_HOME"), m_folder.filePath(QStringLiteral("data")));
-    m_environment.insert(QStringLiteral("XDG_SESSION_TYPE"), QStringLiteral("x11"));
-    // GTK programs otherwise look for an accessibility bus first.
-    m_environment.insert(QStringLiteral("NO_AT_BRIDGE"), QStringLiteral("1"));
-
     writeFile(configPath() + QStringLiteral("/pulse/client.conf"), "autospawn = no\n");
     writeFile(configPath() + QStringLiteral("/picom.conf"),
               "backend = \"xrender\";\nshadow = false;\nfading = false;\nvsync = false;\n");
@@ -221,8 +163,8 @@ void VirtualDesktop::startServer(const DesktopOptions& options) {
     for (const QString& name : options.disabledExtensions)
         arguments << QStringLiteral("-extension") << name;
     try {
-        m_children.push_back(
-            std::make_unique<ChildProcess>(QStringLiteral("Xvfb"), arguments, m_environment, channel[1]));
+        m_children.push_back(std::make_unique<ChildProcess>(QStringLiteral("Xvfb"), arguments, m_environment,
+                                                            ChildProcess::Options{channel[1]}));
     } catch (...) {
         ::close(channel[0]);
         ::close(channel[1]);
@@ -236,38 +178,6 @@ void VirtualDesktop::startServer(const DesktopOptions& options) {
     m_displayName = QStringLiteral(":") + QString::fromLatin1(number);
     m_environment.insert(QStringLiteral("DISPLAY"), m_displayName);
     m_display = std::make_unique<DesktopDisplay>(m_displayName);
-}
-
-void VirtualDesktop::startBus() {
-    const QString services = runtimePath() + QStringLiteral("/services");
-    QDir().mkpath(services);
-    // The settings daemon of the XFCE programs is all that may start by itself.
-    const QString settingsService = QStringLiteral("/org.xfce.Xfconf.service");
-    QFile::link(QStringLiteral("/usr/share/dbus-1/services") + settingsService, services + settingsService);
-    const QString configuration = configPath() + QStringLiteral("/session-bus.conf");
-    writeFile(configuration, QString::fromLatin1(busConfiguration).arg(runtimePath()).toUtf8());
-    start(QStringLiteral("dbus-daemon"), {QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
-                                          QStringLiteral("--config-file=") + configuration});
-    const QString socket = runtimePath() + QStringLiteral("/bus");
-    requireSoon("session bus", [&] { return QFile::exists(socket); });
-    m_environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=") + socket);
-}
-
-void VirtualDesktop::startAccessibility() {
-    start(QStringLiteral("/usr/libexec/at-spi-bus-launcher"), {QStringLiteral("--launch-immediately")});
-    requireSoon("accessibility bus", [&] { return serviceIsOnBus(QStringLiteral("org.a11y.Bus")); });
-    m_environment.insert(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"), QStringLiteral("1"));
-}
-
-bool VirtualDesktop::serviceIsOnBus(const QString& name) const {
-    const QString connection = QUuid::createUuid().toString();
-    bool registered = false;
-    {
-        const auto bus = QDBusConnection::connectToBus(busAddress(), connection);
-        registered = bus.interface() && bus.interface()->isServiceRegistered(name);
-    }
-    QDBusConnection::disconnectFromBus(connection);
-    return registered;
 }
 
 ChildProcess& VirtualDesktop::startWindowManager(WindowManager manager) {
@@ -306,31 +216,6 @@ ChildProcess& VirtualDesktop::startTrayHost(TrayHost host) {
     return child;
 }
 
-ChildProcess& VirtualDesktop::start(const QString& program, const QStringList& arguments) {
-    m_children.push_back(std::make_unique<ChildProcess>(program, arguments, m_environment));
-    return *m_children.back();
-}
-
-QByteArray VirtualDesktop::run(const QString& program, const QStringList& arguments, int timeoutMs,
-                               const QByteArray& input) {
-    QProcess process;
-    process.setProcessEnvironment(m_environment);
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(program, arguments);
-    process.write(input);
-    process.closeWriteChannel();
-    QByteArray output;
-    // Our own events are served meanwhile: the program may be asking this very process for its clipboard.
-    const bool ended = waitFor(
-        [&] { return process.waitForFinished(0) || process.state() == QProcess::NotRunning; }, timeoutMs);
-    if (!ended) {
-        process.kill();
-        process.waitForFinished(1000);
-        return {};
-    }
-    return process.readAllStandardOutput();
-}
-
 QByteArray VirtualDesktop::clipboard(const QString& target) {
     return run(QStringLiteral("timeout"),
                {QStringLiteral("20"), QStringLiteral("xclip"), QStringLiteral("-selection"),
@@ -353,45 +238,6 @@ void VirtualDesktop::setClipboard(const QByteArray& bytes, const QString& target
     start(QStringLiteral("xclip"), {QStringLiteral("-quiet"), QStringLiteral("-selection"),
                                     QStringLiteral("clipboard"), QStringLiteral("-t"), target, path});
     requireSoon("clipboard owner", [&] { return clipboard(target) == bytes; });
-}
-
-std::vector<qint64> VirtualDesktop::processes() const {
-    std::vector<qint64> result;
-    const QByteArray wanted = QByteArray(markerVariable) + '=' + m_marker.toUtf8();
-    const auto entries = QDir(QStringLiteral("/proc")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
-    for (const QString& entry : entries) {
-        QFile file(QStringLiteral("/proc/%1/environ").arg(entry));
-        if (entry[0].isDigit() && file.open(QIODevice::ReadOnly) && file.readAll().contains(wanted))
-            result.push_back(entry.toLongLong());
-    }
-    return result;
-}
-
-void VirtualDesktop::endEverything() {
-    m_display.reset();
-    // Last started, first ended: the server goes last, so that nobody complains about it.
-    while (!m_children.empty())
-        m_children.pop_back();
-    // What outlived its parent, or a parent that was killed.
-    for (const qint64 pid : processes())
-        ::kill(pid_t(pid), SIGKILL);
-}
-
-bool VirtualDesktop::waitFor(const std::function<bool()>& condition, int timeoutMs) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.elapsed() > timeoutMs)
-            return false;
-        QCoreApplication::processEvents();
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    }
-    return true;
-}
-
-void VirtualDesktop::requireSoon(const char* what, const std::function<bool()>& condition) {
-    if (!waitFor(condition, 15000))
-        throw std::runtime_error(std::string("the virtual desktop's ") + what + " did not come up");
 }
 
 } // namespace framora
