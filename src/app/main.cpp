@@ -25,7 +25,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     QCoreApplication::setApplicationName(QStringLiteral("framora"));
-    QGuiApplication::setDesktopFileName(QStringLiteral("framora"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.framora.Framora"));
     QApplication application(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
 

@@ -19,7 +19,7 @@ constexpr char newEntry[] = R"([Desktop Entry]
 Type=Application
 Name=Framora
 Comment=Take, dress and share screenshots
-Icon=framora
+Icon=org.framora.Framora
 Terminal=false
 )";
 
@@ -138,7 +138,7 @@ AutostartEntry::AutostartEntry(QString file, QStringList systemFolders, QString 
     : m_file(std::move(file)), m_systemFolders(std::move(systemFolders)), m_program(std::move(program)) {}
 
 AutostartEntry AutostartEntry::ofUser() {
-    const QString name = QStringLiteral("/autostart/framora.desktop");
+    const QString name = QStringLiteral("/autostart/org.framora.Framora.desktop");
     QStringList folders = QStandardPaths::standardLocations(QStandardPaths::GenericConfigLocation);
     const QString own = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
     folders.removeAll(own);

@@ -85,7 +85,7 @@ TEST_F(SettingsWindowDesktopTest, startingAtLoginIsAnEntryForThisProgram) {
     launch();
     openSettings();
     driver.clickControl(QStringLiteral("Start at login"), QStringLiteral("check box"));
-    QFile entry(desktop.configPath() + QStringLiteral("/autostart/framora.desktop"));
+    QFile entry(desktop.configPath() + QStringLiteral("/autostart/org.framora.Framora.desktop"));
     ASSERT_TRUE(soon([&] { return entry.exists(); }));
     ASSERT_TRUE(entry.open(QIODevice::ReadOnly));
     const QString program = QFileInfo(FramoraDriver::program(QStringLiteral("framora"))).canonicalFilePath();

@@ -72,7 +72,7 @@ TEST_F(InstalledTest, everyPartIsThere) {
         EXPECT_FALSE(path(libraries, QStringLiteral("framora/") + QString::fromLatin1(name)).isEmpty())
             << name;
     for (const char* name : {"framora/public/Black and White Gradient Macbook Wallpaper_Texture.png",
-                             "applications/framora.desktop", "icons/hicolor/scalable/apps/framora.svg"})
+                             "applications/org.framora.Framora.desktop", "icons/hicolor/scalable/apps/org.framora.Framora.svg"})
         EXPECT_FALSE(path(data, QString::fromLatin1(name)).isEmpty()) << name;
 }
 

@@ -13,7 +13,7 @@ namespace {
 
 class AutostartEntryTest : public testing::Test {
 protected:
-    QString file() const { return folder.filePath(QStringLiteral("config/autostart/framora.desktop")); }
+    QString file() const { return folder.filePath(QStringLiteral("config/autostart/org.framora.Framora.desktop")); }
     QString systemFolder() const { return folder.filePath(QStringLiteral("etc")); }
     QString makeProgram(const QString& name) {
         QString path = folder.filePath(name);
@@ -125,7 +125,7 @@ TEST_F(AutostartEntryTest, anEntryThatIsOffIsNotFollowedAndNoneIsNotMade) {
 }
 
 TEST_F(AutostartEntryTest, aSystemsEntryCountsUntilTheUserHasOneAndCanBeHidden) {
-    write(systemFolder() + QStringLiteral("/framora.desktop"), "[Desktop Entry]\nExec=framora\n");
+    write(systemFolder() + QStringLiteral("/org.framora.Framora.desktop"), "[Desktop Entry]\nExec=framora\n");
     EXPECT_TRUE(entry().isEnabled());
     EXPECT_TRUE(entry().setEnabled(false));
     EXPECT_FALSE(entry().isEnabled());
