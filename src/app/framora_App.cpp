@@ -6,11 +6,12 @@
 #include "editor/window/EditorModule.h"
 #include "editor/window/EditorServices.h"
 #include "feedback/SoundManager.h"
+#include "platform/Application.h"
+#include "platform/ToastPanel.h"
 #include "platform/desktop/AutostartEntry.h"
 #include "platform/desktop/ConfiguredDesktopPictures.h"
 #include "platform/desktop/DecoderVersions.h"
 #include "platform/desktop/DesktopAppearance.h"
-#include "platform/desktop/DesktopPrivacyPanes.h"
 #include "platform/desktop/FileResourceBundle.h"
 #include "platform/desktop/JsonFileDefaults.h"
 #include "platform/desktop/LazySoundOutput.h"
@@ -23,14 +24,6 @@
 #include "platform/desktop/TerminationSignals.h"
 #include "platform/desktop/ThreadBackgroundQueue.h"
 #include "platform/desktop/TrayStatusBar.h"
-#include "platform/x11/X11Application.h"
-#include "platform/x11/X11DesktopShortcuts.h"
-#include "platform/x11/X11KeyMonitors.h"
-#include "platform/x11/X11KeyboardLayout.h"
-#include "platform/x11/X11Pasteboard.h"
-#include "platform/x11/X11Permissions.h"
-#include "platform/x11/X11Screens.h"
-#include "platform/x11/X11ToastPanels.h"
 #include "settings/Settings.h"
 #include "settings/SettingsServices.h"
 #include "settings/window/SettingsModule.h"
@@ -41,6 +34,10 @@ namespace framora {
 
 /// The real parts, in the order in which they need one another.
 struct framora_App::Desktop {
+    explicit Desktop(const WindowSystemFactory& makeWindowSystem)
+        : windows(makeWindowSystem({gate, notifications, mainQueue,
+                                    [](const QByteArray& file) { return loadPicture(file).image; }})) {}
+
     CommandGate gate;
     NotificationCenter notifications;
     SystemClock clock;
@@ -51,33 +48,25 @@ struct framora_App::Desktop {
     PortalSharing sharing;
     DesktopAppearance appearance{notifications};
     LazySoundOutput soundOutput;
-    X11Connection connection;
-    X11KeyMonitors keyMonitors{connection, gate};
-    X11Pasteboard pasteboard{connection, [](const QByteArray& file) { return loadPicture(file).image; }};
-    X11Screens screens{connection};
-    X11Permissions permissions{keyMonitors};
-    X11KeyboardLayout keyboardLayout{connection, notifications};
-    X11DesktopShortcuts desktopShortcuts{connection};
-    DesktopPrivacyPanes privacyPanes;
+    std::unique_ptr<WindowSystem> windows;
     AutostartEntry loginItem = AutostartEntry::ofUser();
     DecoderVersions componentVersions;
-    X11Application application{connection, notifications};
-    X11ToastPanels toastPanels{mainQueue};
     ThreadBackgroundQueue backgroundQueue{mainQueue};
-    ConfiguredDesktopPictures desktopPictures{screens};
+    ConfiguredDesktopPictures desktopPictures{windows->screens()};
     ProcessCaptureTool captureTool{gate, ProcessCaptureTool::defaultExecutable(), [this](bool screenIsTaken) {
                                        if (screenIsTaken) {
-                                           toastPanels.withdraw();
+                                           windows->toastPanels().withdraw();
                                            if (Settings::load(defaults).soundEffectsEnabled)
                                                soundOutput.prepare();
                                        } else // After the capture's own toast has replaced the earlier one.
-                                           mainQueue.async([this] { toastPanels.restore(); });
+                                           mainQueue.async([this] { windows->toastPanels().restore(); });
                                    }};
     TrayStatusBar statusBar{gate, appearance, notifications};
     TerminationSignals terminationSignals;
 
     ToastServices toastServices() {
-        return {mainQueue, toastPanels, screens, appearance, [this](const QImage& image) {
+        return {mainQueue, windows->toastPanels(), windows->screens(), appearance,
+                [this](const QImage& image) {
                     // In a turn of its own: a capture that is just starting comes first, and the toast's
                     // own code does not wait while the editor loads.
                     mainQueue.async([this, image] {
@@ -111,10 +100,10 @@ struct framora_App::Desktop {
         if (!editor) {
             const auto make = reinterpret_cast<MakeEditor*>(windowsFunction(makeEditorName));
             if (make)
-                editor.reset(
-                    make({mainQueue, clock, filePanels, resources, notifications, pasteboard, application,
-                          appearance, [this] { return std::make_unique<ToastManager>(toastServices()); },
-                          backgroundQueue, desktopPictures, &sharing}));
+                editor.reset(make({mainQueue, clock, filePanels, resources, notifications,
+                                   windows->pasteboard(), windows->application(), appearance,
+                                   [this] { return std::make_unique<ToastManager>(toastServices()); },
+                                   backgroundQueue, desktopPictures, &sharing}));
         }
         return editor.get();
     }
@@ -127,10 +116,11 @@ struct framora_App::Desktop {
         }
         soundOutput.prepare(); // One can be tried there.
         return std::unique_ptr<SettingsWindow>(
-            make({mainQueue, notifications, defaults, keyMonitors, keyboardLayout, desktopShortcuts,
-                  permissions, privacyPanes, loginItem, appearance, componentVersions,
+            make({mainQueue, notifications, defaults, windows->keyMonitors(), windows->keyboardLayout(),
+                  windows->desktopShortcuts(), windows->permissions(), windows->privacyPanes(), loginItem,
+                  appearance, componentVersions,
                   [](CaptureSound sound, float volume) { SoundManager::shared().play(sound, volume); },
-                  [this](QWindow& window) { application.setFrontWindow(window); }},
+                  [this](QWindow& window) { windows->application().setFrontWindow(window); }},
                  std::move(onWillClose)));
     }
 
@@ -138,15 +128,18 @@ struct framora_App::Desktop {
     std::unique_ptr<ToastManager> errorToast;
 };
 
-framora_App::framora_App() : m_desktop(std::make_unique<Desktop>()) {
+framora_App::framora_App(const WindowSystemFactory& makeWindowSystem)
+    : m_desktop(std::make_unique<Desktop>(makeWindowSystem)) {
     Desktop& desktop = *m_desktop;
+    WindowSystem& windows = *desktop.windows;
     SoundManager::setSharedOutput(desktop.soundOutput);
-    _appDelegate = std::make_unique<AppDelegate>(AppServices{
-        desktop.mainQueue, desktop.clock, desktop.notifications, desktop.defaults, desktop.keyMonitors,
-        desktop.pasteboard, desktop.captureTool, desktop.statusBar, desktop.permissions, desktop.application,
-        SoundManager::shared(), desktop.toastServices(), [&desktop](std::function<void()> onWillClose) {
-            return desktop.makeSettingsWindow(std::move(onWillClose));
-        }});
+    _appDelegate = std::make_unique<AppDelegate>(
+        AppServices{desktop.mainQueue, desktop.clock, desktop.notifications, desktop.defaults,
+                    windows.keyMonitors(), windows.pasteboard(), desktop.captureTool, desktop.statusBar,
+                    windows.permissions(), windows.application(), SoundManager::shared(),
+                    desktop.toastServices(), [&desktop](std::function<void()> onWillClose) {
+                        return desktop.makeSettingsWindow(std::move(onWillClose));
+                    }});
 }
 
 framora_App::~framora_App() {
@@ -169,7 +162,7 @@ void framora_App::raiseWindows() {
         _appDelegate->openSettings();
     if (editorIsOpen) {
         m_desktop->editor->raise();
-        m_desktop->application.activate();
+        m_desktop->windows->application().activate();
     }
 }
 

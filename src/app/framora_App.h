@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/WindowSystem.h"
+
+#include <functional>
 #include <memory>
 
 namespace framora {
@@ -9,7 +12,10 @@ class AppDelegate;
 /// The application: it builds the desktop's real parts, joins them, and holds the one delegate.
 class framora_App {
 public:
-    framora_App();
+    using WindowSystemFactory = std::function<std::unique_ptr<WindowSystem>(const WindowSystem::Services&)>;
+
+    /// `makeWindowSystem` is called once, at once.
+    explicit framora_App(const WindowSystemFactory& makeWindowSystem);
     ~framora_App();
     framora_App(const framora_App&) = delete;
     framora_App& operator=(const framora_App&) = delete;

@@ -1,3 +1,4 @@
+#include "app/WindowSession.h"
 #include "app/framora_App.h"
 #include "platform/desktop/SingleInstance.h"
 
@@ -5,36 +6,28 @@
 #include <QStandardPaths>
 #include <cstdio>
 
-namespace {
-
-/// The program speaks X11: in a session of the other kind it does so through that session's X server.
-bool chooseDisplay() {
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
-        if (qEnvironmentVariableIsEmpty("DISPLAY"))
-            return false;
-        qputenv("QT_QPA_PLATFORM", "xcb");
-    }
-    return true;
-}
-
-} // namespace
-
 int main(int argc, char** argv) {
-    if (!chooseDisplay()) {
-        std::fputs("framora: there is no X display to work on (DISPLAY is not set)\n", stderr);
+    framora::WindowSession session;
+    if (!session.exists()) {
+        std::fputs("framora: there is no display to work on (no compositor answers at WAYLAND_DISPLAY, and "
+                   "DISPLAY is not set)\n",
+                   stderr);
         return 1;
     }
+    session.choosePlatform();
     QCoreApplication::setApplicationName(QStringLiteral("framora"));
-    QGuiApplication::setDesktopFileName(QStringLiteral("org.framora.Framora"));
+    QGuiApplication::setDesktopFileName(QStringLiteral("framora"));
     QApplication application(argc, argv);
     QGuiApplication::setQuitOnLastWindowClosed(false);
 
     framora::SingleInstance instance(QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation),
-                                     qEnvironmentVariable("DISPLAY"));
+                                     session.name());
     if (!instance.acquire())
         return 0;
 
-    framora::framora_App app;
+    framora::framora_App app([&session](const framora::WindowSystem::Services& services) {
+        return session.makeWindowSystem(services);
+    });
     instance.onSecondStart([&app] { app.raiseWindows(); });
     app.launch();
     return QApplication::exec();

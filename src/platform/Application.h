@@ -1,5 +1,9 @@
 #pragma once
 
+#include <QString>
+
+class QWindow;
+
 namespace framora {
 
 /// How the program as a whole appears on the desktop.
@@ -14,6 +18,12 @@ public:
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;
     /// Brings the program's front window forward, over whatever is active.
     virtual void activate() = 0;
+    /// The window that activate() brings forward, until another one is shown or gets the focus. A window that
+    /// is merely raised does not say so itself.
+    virtual void setFrontWindow(QWindow& window) = 0;
+    /// What the desktop gave along with the user's wish for a window, by which the next activate() shows that
+    /// it is one. Needed where programs may not come forward by themselves.
+    virtual void useActivationToken(const QString& token) = 0;
     virtual void terminate() = 0;
 };
 

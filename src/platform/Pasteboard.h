@@ -18,6 +18,10 @@ public:
     virtual QImage readImage() = 0;
     /// Offers an encoded PNG file as "image/png" until another owner takes over.
     virtual void writePng(const QByteArray& png) = 0;
+    /// Takes a picture, an encoded PNG file, that the capture tool could not put here itself: it counts as a
+    /// change, readImage() gives it, and it is offered as soon as the desktop lets this program offer
+    /// anything.
+    virtual void adoptPicture(const QByteArray& png) = 0;
 };
 
 } // namespace framora

@@ -53,6 +53,11 @@ public:
     /// what lies beneath.
     virtual std::unique_ptr<ToastPanel> makePanel(const Screen& screen, bool ignoresMouse,
                                                   std::unique_ptr<ToastContent> content) = 0;
+    /// Takes the panels that are there off the screen, so that they are in no picture of it. A panel that
+    /// comes later is not concerned.
+    virtual void withdraw() = 0;
+    /// Shows again what withdraw() took away and what has not been closed since.
+    virtual void restore() = 0;
 };
 
 } // namespace framora

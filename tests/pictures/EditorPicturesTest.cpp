@@ -23,12 +23,15 @@ public:
     std::int64_t changeCount() override { return 0; }
     QImage readImage() override { return {}; }
     void writePng(const QByteArray&) override {}
+    void adoptPicture(const QByteArray&) override {}
 };
 
 class QuietApplication final : public Application {
 public:
     void setActivationPolicy(ActivationPolicy) override {}
     void activate() override {}
+    void setFrontWindow(QWindow&) override {}
+    void useActivationToken(const QString&) override {}
     void terminate() override {}
 };
 

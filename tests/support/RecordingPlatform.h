@@ -37,6 +37,10 @@ public:
         m_log.push_back("write");
         ++count;
     }
+    void adoptPicture(const QByteArray&) override {
+        m_log.push_back("adopt");
+        ++count;
+    }
 
     std::int64_t count = 41;
     QImage image;
@@ -128,6 +132,10 @@ public:
         m_log.push_back(policy == ActivationPolicy::regular ? "regular" : "accessory");
     }
     void activate() override { m_log.push_back("activate"); }
+    void setFrontWindow(QWindow&) override { m_log.push_back("front window"); }
+    void useActivationToken(const QString& token) override {
+        m_log.push_back("token " + token.toStdString());
+    }
     void terminate() override { m_log.push_back("terminate"); }
 
 private:
@@ -204,6 +212,9 @@ public:
         front = panel->content.get();
         return panel;
     }
+
+    void withdraw() override { m_log.push_back("withdraw"); }
+    void restore() override { m_log.push_back("restore"); }
 
     ToastContent* front = nullptr;
 

@@ -63,6 +63,9 @@ public:
         return std::make_unique<Panel>(*this, ++m_made, screen, ignoresMouse, std::move(content));
     }
 
+    void withdraw() override { log.push_back("withdraw"); }
+    void restore() override { log.push_back("restore"); }
+
     /// The panels that are not closed yet.
     const std::vector<Panel*>& open() const { return m_open; }
     Panel* front() const { return m_open.empty() ? nullptr : m_open.back(); }

@@ -1,8 +1,5 @@
 #include "platform/x11/X11Application.h"
 
-#include "platform/Notifications.h"
-
-#include <QEvent>
 #include <QGuiApplication>
 #include <QTimer>
 
@@ -17,23 +14,13 @@ constexpr std::uint32_t sourceApplication = 1;
 /// What pagers say: a user's direct wish, which focus-stealing prevention lets pass.
 constexpr std::uint32_t sourceUserAction = 2;
 
-bool belongsInTaskBar(const QWindow& window) {
-    return window.isTopLevel() && !window.transientParent() &&
-           (window.type() == Qt::Window || window.type() == Qt::Dialog);
-}
-
 } // namespace
 
 X11Application::X11Application(X11Connection& connection, NotificationCenter& notifications)
-    : m_connection(connection), m_notifications(notifications) {
-    qGuiApp->installEventFilter(this);
-    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
-        if (state == Qt::ApplicationActive)
-            m_notifications.post(notifications::applicationDidBecomeActive);
-    });
-    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](QWindow* window) {
-        if (window && belongsInTaskBar(*window))
-            m_frontWindow = window;
+    : m_connection(connection), m_frontWindow(notifications) {
+    m_frontWindow.onShow([this](QWindow& window) {
+        // The window is mapped after this; the window manager takes its state from then on.
+        QTimer::singleShot(0, &window, [this, shown = &window] { applyPolicy(*shown); });
     });
 }
 
@@ -46,30 +33,19 @@ void X11Application::setActivationPolicy(ActivationPolicy policy) {
 }
 
 void X11Application::activate() {
-    if (!m_frontWindow || !m_frontWindow->isVisible())
+    QWindow* const window = m_frontWindow.visible();
+    if (!window)
         return;
-    m_frontWindow->raise();
-    sendToRoot(m_frontWindow->winId(), "_NET_ACTIVE_WINDOW", {sourceUserAction, XCB_CURRENT_TIME, 0, 0, 0});
+    window->raise();
+    sendToRoot(window->winId(), "_NET_ACTIVE_WINDOW", {sourceUserAction, XCB_CURRENT_TIME, 0, 0, 0});
 }
 
 void X11Application::terminate() {
     QCoreApplication::quit();
 }
 
-bool X11Application::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Show && watched->isWindowType()) {
-        auto* window = static_cast<QWindow*>(watched);
-        if (belongsInTaskBar(*window)) {
-            m_frontWindow = window;
-            // The window is mapped after this event; the window manager takes its state from then on.
-            QTimer::singleShot(0, window, [this, window] { applyPolicy(*window); });
-        }
-    }
-    return false;
-}
-
 void X11Application::applyPolicy(QWindow& window) {
-    if (!belongsInTaskBar(window) || !window.handle())
+    if (!FrontWindow::belongsInTaskBar(window) || !window.handle())
         return;
     const auto action = m_policy == ActivationPolicy::accessory ? stateAdd : stateRemove;
     sendToRoot(window.winId(), "_NET_WM_STATE",

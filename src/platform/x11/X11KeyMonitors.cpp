@@ -1,8 +1,5 @@
 #include "platform/x11/X11KeyMonitors.h"
 
-#include "platform/VirtualKeyCodes.h"
-
-#include <QCoreApplication>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <xcb/xinput.h>
@@ -13,31 +10,12 @@
 
 namespace framora {
 
-namespace {
-
-/// X key codes are the kernel's, moved up by eight.
-constexpr std::uint32_t evdevOffset = 8;
-
-/// Those that only change what other keys mean; the codes stand together.
-bool isModifierKey(std::uint16_t virtualKey) {
-    constexpr std::uint16_t rightCommand = 54;
-    constexpr std::uint16_t function = 63;
-    return virtualKey >= rightCommand && virtualKey <= function;
-}
-
-std::optional<std::uint16_t> virtualKeyOf(std::uint32_t keycode) {
-    if (keycode < evdevOffset)
-        return std::nullopt;
-    return virtualKeyFromEvdev(static_cast<std::uint16_t>(keycode - evdevOffset));
-}
-
-} // namespace
-
 X11KeyMonitors::X11KeyMonitors(X11Connection& connection, CommandGate& gate)
-    : m_connection(connection), m_gate(gate), m_modifiers(connection) {
+    : m_connection(connection), m_gate(gate), m_modifiers(connection),
+      m_ownWindows(gate,
+                   [this](const QKeyEvent& press) { return m_modifiers.flags(press.nativeModifiers()); }) {
     selectEvents();
     m_connection.addEventHandler([this](const xcb_generic_event_t& event) { handleEvent(event); });
-    QCoreApplication::instance()->installEventFilter(this);
 }
 
 void X11KeyMonitors::selectEvents() {
@@ -84,19 +62,18 @@ KeyMonitors::Token X11KeyMonitors::addGlobalMonitor(GlobalHandler handler) {
 }
 
 KeyMonitors::Token X11KeyMonitors::addLocalMonitor(LocalHandler handler) {
-    m_localHandlers.emplace(++m_lastToken, std::move(handler));
+    m_ownWindows.addLocal(++m_lastToken, std::move(handler));
     return m_lastToken;
 }
 
 KeyMonitors::Token X11KeyMonitors::addRecordingMonitor(LocalHandler handler) {
-    m_recordingHandlers.emplace(++m_lastToken, std::move(handler));
+    m_ownWindows.addRecording(++m_lastToken, std::move(handler));
     return m_lastToken;
 }
 
 void X11KeyMonitors::removeMonitor(Token token) {
     m_globalHandlers.erase(token);
-    m_localHandlers.erase(token);
-    m_recordingHandlers.erase(token);
+    m_ownWindows.remove(token);
 }
 
 void X11KeyMonitors::handleEvent(const xcb_generic_event_t& event) {
@@ -135,20 +112,20 @@ void X11KeyMonitors::handleStateChange(std::uint32_t keycode, std::uint32_t stat
     const auto before = m_modifiers.flags(m_modifierState);
     m_modifierState = state;
     const auto flags = m_modifiers.flags(state);
-    if (flags == before || m_recordingHandlers.empty() || !m_gate.isOpen())
+    if (flags == before || !m_ownWindows.isRecording())
         return;
     // Keys that are let go of elsewhere are told of as well, or they would seem to be held for ever.
     if ((flags & KeyModifier::shortcutMask) != 0 && !ownWindowHasFocus())
         return;
-    offer(m_recordingHandlers, {virtualKeyOf(keycode).value_or(0), flags, KeyEventType::modifiersChanged});
+    m_ownWindows.offerModifierChange(WindowKeyMonitors::virtualKeyOf(keycode).value_or(0), flags);
 }
 
 void X11KeyMonitors::handleRawKey(std::uint32_t keycode) {
     if (!m_gate.isOpen())
         return;
-    const auto virtualKey = virtualKeyOf(keycode);
+    const auto virtualKey = WindowKeyMonitors::virtualKeyOf(keycode);
     // While one of our windows has the keyboard, its keys are the local monitors'.
-    if (!virtualKey || isModifierKey(*virtualKey) || ownWindowHasFocus())
+    if (!virtualKey || WindowKeyMonitors::isModifierKey(*virtualKey) || ownWindowHasFocus())
         return;
     const KeyEvent key{*virtualKey, m_modifiers.flags(m_modifierState)};
     // A copy: a handler may add and remove monitors; one that was removed meanwhile is not called.
@@ -157,32 +134,6 @@ void X11KeyMonitors::handleRawKey(std::uint32_t keycode) {
         if (m_globalHandlers.contains(token))
             handler(key);
     }
-}
-
-bool X11KeyMonitors::offer(const LocalHandlers& monitors, const KeyEvent& key) {
-    // A copy: a handler may add and remove monitors; one that was removed meanwhile is not called.
-    for (const auto& [token, handler] : LocalHandlers(monitors)) {
-        if (monitors.contains(token) && handler(key))
-            return true;
-    }
-    return false;
-}
-
-bool X11KeyMonitors::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::ShortcutOverride && !m_recordingHandlers.empty()) {
-        // Accepted, it keeps the toolkit from looking for a shortcut; the key itself comes next.
-        event->accept();
-        return true;
-    }
-    // A key reaches the window first, then what is inside: once is enough.
-    if (event->type() != QEvent::KeyPress || !watched->isWindowType() || !m_gate.isOpen())
-        return false;
-    const auto& press = static_cast<const QKeyEvent&>(*event);
-    const auto virtualKey = virtualKeyOf(press.nativeScanCode());
-    if (!virtualKey || isModifierKey(*virtualKey))
-        return false;
-    const KeyEvent key{*virtualKey, m_modifiers.flags(press.nativeModifiers())};
-    return offer(m_recordingHandlers, key) || offer(m_localHandlers, key);
 }
 
 } // namespace framora

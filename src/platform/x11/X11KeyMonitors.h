@@ -2,10 +2,10 @@
 
 #include "platform/CommandGate.h"
 #include "platform/KeyMonitors.h"
+#include "platform/desktop/WindowKeyMonitors.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Modifiers.h"
 
-#include <QObject>
 #include <map>
 
 namespace framora {
@@ -13,9 +13,7 @@ namespace framora {
 /// Key-down events on X11. Other programs' keys come as raw events of the master keyboard, which nothing has
 /// to be grabbed for; their modifiers come from XKB's state, whose changes the server reports in order with
 /// the keys. This program's own keys are seen before a window gets them.
-class X11KeyMonitors final : public QObject, public KeyMonitors {
-    Q_OBJECT
-
+class X11KeyMonitors final : public KeyMonitors {
 public:
     X11KeyMonitors(X11Connection& connection, CommandGate& gate);
 
@@ -27,28 +25,22 @@ public:
     Token addRecordingMonitor(LocalHandler handler) override;
     void removeMonitor(Token token) override;
 
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
 private:
     void selectEvents();
     void handleEvent(const xcb_generic_event_t& event);
     bool ownWindowHasFocus() const;
     void handleRawKey(std::uint32_t keycode);
     void handleStateChange(std::uint32_t keycode, std::uint32_t state);
-    using LocalHandlers = std::map<Token, LocalHandler>;
-    static bool offer(const LocalHandlers& monitors, const KeyEvent& key);
 
     X11Connection& m_connection;
     CommandGate& m_gate;
     X11Modifiers m_modifiers;
+    WindowKeyMonitors m_ownWindows;
     std::uint8_t m_inputOpcode = 0;
     std::uint8_t m_xkbFirstEvent = 0;
     std::uint32_t m_modifierState = 0;
     Token m_lastToken = 0;
     std::map<Token, GlobalHandler> m_globalHandlers;
-    LocalHandlers m_localHandlers;
-    LocalHandlers m_recordingHandlers;
 };
 
 } // namespace framora

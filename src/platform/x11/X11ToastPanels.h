@@ -21,11 +21,8 @@ public:
     std::unique_ptr<ToastPanel> makePanel(const Screen& screen, bool ignoresMouse,
                                           std::unique_ptr<ToastContent> content) override;
 
-    /// Takes the panels that are there off the screen, so that they are in no picture of it. A panel that
-    /// comes later is not concerned.
-    void withdraw();
-    /// Shows again what withdraw() took away and what has not been closed since.
-    void restore();
+    void withdraw() override;
+    void restore() override;
 
 private:
     MainQueue& m_queue;

@@ -25,6 +25,7 @@ public:
     std::int64_t changeCount() override { return written.size(); }
     QImage readImage() override { return {}; }
     void writePng(const QByteArray& png) override { written.append(png); }
+    void adoptPicture(const QByteArray&) override {}
 
     QList<QByteArray> written;
 };
@@ -33,6 +34,8 @@ class CountingApplication final : public Application {
 public:
     void setActivationPolicy(ActivationPolicy) override {}
     void activate() override { ++activations; }
+    void setFrontWindow(QWindow&) override {}
+    void useActivationToken(const QString&) override {}
     void terminate() override {}
 
     int activations = 0;

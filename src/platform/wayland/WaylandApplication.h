@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/Application.h"
+#include "platform/desktop/FrontWindow.h"
+
+namespace framora {
+
+/// The program's windows before a compositor.
+class WaylandApplication final : public Application {
+public:
+    explicit WaylandApplication(NotificationCenter& notifications) : m_frontWindow(notifications) {}
+
+    /// No protocol has a word for windows that skip the task bar.
+    void setActivationPolicy(ActivationPolicy) override {}
+    void activate() override;
+    void setFrontWindow(QWindow& window) override { m_frontWindow.set(window); }
+    void useActivationToken(const QString& token) override { m_token = token; }
+    void terminate() override;
+
+private:
+    FrontWindow m_frontWindow;
+    QString m_token; ///< For one activation.
+};
+
+} // namespace framora

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "platform/WindowSystem.h"
+#include "platform/desktop/DesktopPrivacyPanes.h"
+#include "platform/wayland/WaylandApplication.h"
+#include "platform/wayland/WaylandConnection.h"
+#include "platform/wayland/WaylandDesktopShortcuts.h"
+#include "platform/wayland/WaylandKeyMonitors.h"
+#include "platform/wayland/WaylandKeyboardLayout.h"
+#include "platform/wayland/WaylandPermissions.h"
+#include "platform/wayland/WaylandScreens.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Pasteboard.h"
+#include "platform/x11/X11ToastPanels.h"
+
+#include <memory>
+
+namespace framora {
+
+/// All that a Wayland compositor shows and hears, by the routes that this one offers.
+class WaylandWindowSystem final : public WindowSystem {
+public:
+    /// `connection` is valid.
+    WaylandWindowSystem(std::unique_ptr<WaylandConnection> connection, const Services& services);
+    ~WaylandWindowSystem() override;
+
+    KeyMonitors& keyMonitors() override { return m_keyMonitors; }
+    KeyboardLayout& keyboardLayout() override { return m_keyboardLayout; }
+    DesktopShortcuts& desktopShortcuts() override { return m_desktopShortcuts; }
+    Pasteboard& pasteboard() override { return *m_pasteboard; }
+    Screens& screens() override { return m_screens; }
+    Permissions& permissions() override { return m_permissions; }
+    PrivacyPanes& privacyPanes() override { return m_privacyPanes; }
+    Application& application() override { return m_application; }
+    ToastPanels& toastPanels() override { return *m_toastPanels; }
+
+private:
+    std::unique_ptr<Pasteboard> makePasteboard(const Services& services);
+    std::unique_ptr<ToastPanels> makeToastPanels(const Services& services);
+
+    std::unique_ptr<WaylandConnection> m_connection;
+    std::unique_ptr<X11Connection> m_x11Connection; ///< To XWayland, where its clipboard is the only one.
+    WaylandKeyMonitors m_keyMonitors;
+    WaylandKeyboardLayout m_keyboardLayout;
+    WaylandDesktopShortcuts m_desktopShortcuts;
+    WaylandScreens m_screens;
+    WaylandPermissions m_permissions{m_keyMonitors};
+    DesktopPrivacyPanes m_privacyPanes;
+    WaylandApplication m_application;
+    std::unique_ptr<Pasteboard> m_pasteboard;
+    std::unique_ptr<ToastPanels> m_toastPanels;
+};
+
+} // namespace framora
