@@ -48,7 +48,7 @@ void frameBox(cairo_t* cr, const Rect& r, int thick) {
 
 } // namespace
 
-OverlayPainter::OverlayPainter(const ServerImage& frozen, ServerImage& frame, double ratio)
+OverlayPainter::OverlayPainter(const PixelImage& frozen, PixelImage& frame, double ratio)
     : m_frozen(frozen), m_frame(frame), m_ratio(ratio), m_line(std::max(1, static_cast<int>(ratio))),
       m_label(ratio),
       m_surface(cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(frame.row(0)),

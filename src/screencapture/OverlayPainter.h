@@ -1,7 +1,7 @@
 #pragma once
 
 #include "screencapture/OverlayScene.h"
-#include "screencapture/ServerImage.h"
+#include "screencapture/PixelImage.h"
 #include "screencapture/SizeLabel.h"
 
 #include <cairo.h>
@@ -17,7 +17,7 @@ public:
     static constexpr uint32_t kDim = 96;
 
     /// `frozen` and `frame` have one size and outlive the painter; `ratio` is device pixels a point.
-    OverlayPainter(const ServerImage& frozen, ServerImage& frame, double ratio);
+    OverlayPainter(const PixelImage& frozen, PixelImage& frame, double ratio);
 
     SizeLabel& label() { return m_label; }
     /// The boxes in which two scenes differ, clipped to the frame; they may overlap.
@@ -37,8 +37,8 @@ private:
     void paintGuides(cairo_t* cr, const OverlayScene::Guides& guides) const;
     Rect bounds() const { return {0, 0, m_frame.width(), m_frame.height()}; }
 
-    const ServerImage& m_frozen;
-    ServerImage& m_frame;
+    const PixelImage& m_frozen;
+    PixelImage& m_frame;
     double m_ratio;
     int m_line; // pixels of a thin line
     SizeLabel m_label;

@@ -1,6 +1,6 @@
 #include "screencapture/OverlayPainter.h"
 
-#include "screencapture/XConnection.h"
+#include "screencapture/MemoryImage.h"
 
 #include <gtest/gtest.h>
 #include <random>
@@ -19,19 +19,14 @@ protected:
                 frozen->row(y)[x] = static_cast<uint32_t>(x * 7 + y * 131) * 2654435761U;
     }
 
-    std::unique_ptr<ServerImage> image() const { return ServerImage::create(connection, kWidth, kHeight); }
+    static std::unique_ptr<PixelImage> image() { return MemoryImage::create(kWidth, kHeight); }
     static Rect whole() { return {0, 0, kWidth, kHeight}; }
 
-    // To no server: the images are then plain memory.
-    struct NoDisplay {
-        NoDisplay() { unsetenv("DISPLAY"); }
-    } noDisplay;
-    XConnection connection;
-    std::unique_ptr<ServerImage> frozen = image();
-    std::unique_ptr<ServerImage> frame = image();
+    std::unique_ptr<PixelImage> frozen = image();
+    std::unique_ptr<PixelImage> frame = image();
 };
 
-int differingPixels(const ServerImage& a, const ServerImage& b) {
+int differingPixels(const PixelImage& a, const PixelImage& b) {
     int count = 0;
     for (int y = 0; y < kHeight; ++y)
         for (int x = 0; x < kWidth; ++x)
