@@ -83,12 +83,18 @@ void KwinDesktop::startCompositor(const KwinOptions& options) {
     setEnvironmentVariable(QStringLiteral("KWIN_WAYLAND_NO_PERMISSION_CHECKS"), QStringLiteral("1"));
     if (options.everyoneMayCapture)
         setEnvironmentVariable(QStringLiteral("KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"), QStringLiteral("1"));
-    QStringList arguments = {QStringLiteral("--virtual"),      QStringLiteral("--no-lockscreen"),
-                             QStringLiteral("--no-kactivities"), QStringLiteral("--socket"),
-                             m_socket,                         QStringLiteral("--width"),
-                             QString::number(options.size.width()), QStringLiteral("--height"),
-                             QString::number(options.size.height()), QStringLiteral("--scale"),
-                             QString::number(options.scale),   QStringLiteral("--output-count"),
+    QStringList arguments = {QStringLiteral("--virtual"),
+                             QStringLiteral("--no-lockscreen"),
+                             QStringLiteral("--no-kactivities"),
+                             QStringLiteral("--socket"),
+                             m_socket,
+                             QStringLiteral("--width"),
+                             QString::number(options.size.width()),
+                             QStringLiteral("--height"),
+                             QString::number(options.size.height()),
+                             QStringLiteral("--scale"),
+                             QString::number(options.scale),
+                             QStringLiteral("--output-count"),
                              QString::number(options.outputs)};
     if (options.xwayland)
         arguments << QStringLiteral("--xwayland");
@@ -103,9 +109,12 @@ void KwinDesktop::startCompositor(const KwinOptions& options) {
 
 void KwinDesktop::startPortalBackends() {
     start(QStringLiteral("/usr/libexec/xdg-permission-store"));
+    // Its dialogs stand on one part of the whole Plasma workspace, which we put in the place of.
+    setEnvironmentVariable(QStringLiteral("QML2_IMPORT_PATH"), QStringLiteral(FRAMORA_PORTAL_QML));
     start(QString::fromLatin1(backendProgram));
-    requireSoon("permission store",
-                [&] { return serviceIsOnBus(QStringLiteral("org.freedesktop.impl.portal.PermissionStore")); });
+    requireSoon("permission store", [&] {
+        return serviceIsOnBus(QStringLiteral("org.freedesktop.impl.portal.PermissionStore"));
+    });
     requireSoon("portal's backend",
                 [&] { return serviceIsOnBus(QStringLiteral("org.freedesktop.impl.portal.desktop.kde")); });
 }
@@ -140,7 +149,8 @@ QImage KwinDesktop::screenshot() {
         const QVariantMap result = reply.value();
         const int stride = result.value(QStringLiteral("stride")).toInt();
         const int height = result.value(QStringLiteral("height")).toInt();
-        const QByteArray pixels = reply.isValid() ? readAll(channel[0], qsizetype(stride) * height) : QByteArray();
+        const QByteArray pixels =
+            reply.isValid() ? readAll(channel[0], qsizetype(stride) * height) : QByteArray();
         if (height > 0 && pixels.size() == qsizetype(stride) * height)
             image = QImage(reinterpret_cast<const uchar*>(pixels.constData()),
                            result.value(QStringLiteral("width")).toInt(), height, stride,

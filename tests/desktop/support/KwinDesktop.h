@@ -21,8 +21,8 @@ struct KwinOptions {
     bool everyoneMayCapture = true;
 };
 
-/// KWin as a Wayland compositor without a screen, on a private bus. Everything that was started here ends with
-/// it, as do the programs that were started on its bus.
+/// KWin as a Wayland compositor without a screen, on a private bus. Everything that was started here ends
+/// with it, as do the programs that were started on its bus.
 class KwinDesktop : public DesktopSession {
 public:
     /// Returns when everything asked for answers; throws std::runtime_error when something does not come up.

@@ -11,8 +11,8 @@ struct org_kde_kwin_fake_input;
 
 namespace framora {
 
-/// Keys and the pointer of a KwinDesktop, which reach its programs as a person's would. Each call returns when
-/// KWin has taken it.
+/// Keys and the pointer of a KwinDesktop, which reach its programs as a person's would. Each call returns
+/// when KWin has taken it.
 class KwinInput {
 public:
     /// `socket` is the compositor's, by its whole path. Throws std::runtime_error when there is no such
