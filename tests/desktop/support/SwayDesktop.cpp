@@ -155,6 +155,14 @@ void SwayDesktop::startCompositor(const SwayOptions& options) {
             return display.endsWith('\n');
         });
         m_environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(display.trimmed()));
+        if (asUser.user) {
+            // The X server is that user's and lets in nobody else by itself.
+            environment.insert(QStringLiteral("DISPLAY"), QString::fromLatin1(display.trimmed()));
+            ChildProcess opener(QStringLiteral("xhost"), {QStringLiteral("+local:")}, environment, asUser);
+            if (!opener.waitForExit() || opener.exitCode() != 0)
+                throw std::runtime_error("the X server on sway stays closed: " +
+                                         opener.output().toStdString());
+        }
     }
 }
 
