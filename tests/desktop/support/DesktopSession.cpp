@@ -194,7 +194,7 @@ QStringList filesBelow(const QString& folder) {
 
 } // namespace
 
-QStringList DesktopSession::leftovers() {
+QStringList DesktopSession::leftovers(int timeoutMs) {
     QStringList left;
     const auto look = [&] {
         left.clear();
@@ -215,7 +215,7 @@ QStringList DesktopSession::leftovers() {
         left << filesBelow(homePath() + QStringLiteral("/Pictures")) << filesBelow(temporaryPath());
         return left.isEmpty();
     };
-    waitFor(look, 3000);
+    waitFor(look, timeoutMs);
     return left;
 }
 

@@ -47,8 +47,8 @@ public:
     std::vector<qint64> processes() const;
 
     /// What Framora's programs left: their processes that nobody here started, and the files in the Pictures
-    /// and the temporary folder. A process that is just ending gets three seconds.
-    QStringList leftovers();
+    /// and the temporary folder. What is just going gets `timeoutMs` for it.
+    QStringList leftovers(int timeoutMs = 3000);
 
     /// True when the bus has an owner for the name.
     bool serviceIsOnBus(const QString& name) const;

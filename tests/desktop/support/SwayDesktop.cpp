@@ -22,7 +22,32 @@ default_floating_border none
 for_window [app_id=".*"] floating enable
 for_window [class=".*"] floating enable
 focus_on_window_activation focus
+seat * xcursor_theme unseen
 )";
+
+/// A cursor file of one transparent pixel.
+QByteArray transparentCursor() {
+    constexpr quint32 image = 0xfffd0002;
+    constexpr quint32 nominalSize = 24;
+    constexpr quint32 words[] = {0x72756358 /* "Xcur" */,
+                                 16,
+                                 0x10000,
+                                 1,
+                                 image,
+                                 nominalSize,
+                                 28,
+                                 36,
+                                 image,
+                                 nominalSize,
+                                 1,
+                                 1,
+                                 1,
+                                 0,
+                                 0,
+                                 0,
+                                 0};
+    return QByteArray(reinterpret_cast<const char*>(words), sizeof words);
+}
 
 QRect rectangle(const QJsonValue& value) {
     return {value[QStringLiteral("x")].toInt(), value[QStringLiteral("y")].toInt(),
@@ -86,6 +111,10 @@ void SwayDesktop::startCompositor(const SwayOptions& options) {
         QDir().mkpath(swayPath(name));
     writeFile(swayPath("config"),
               QByteArray(configuration) + (options.xwayland ? "xwayland enable\n" : "xwayland disable\n"));
+    // Without a graphics card the compositor draws the pointer into the picture itself. Its own one is
+    // unseen, as a card's is in screenshots.
+    writeFile(swayPath("cursors/unseen/cursors/left_ptr"), transparentCursor());
+    environment.insert(QStringLiteral("XCURSOR_PATH"), swayPath("cursors"));
     environment.insert(QStringLiteral("HOME"), swayPath("home"));
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), swayPath("home"));
     environment.insert(QStringLiteral("XDG_CACHE_HOME"), swayPath("home"));

@@ -60,7 +60,8 @@ public:
     QString outputName(int index) const;
     QRect outputArea(int index);
 
-    /// What the output shows, in its device pixels and upright; the pointer is not in it.
+    /// What the output shows, in its device pixels and upright. A pointer that a program has set is in it,
+    /// the compositor's own is not.
     QImage screenshot(int output = 0);
     /// The same when nothing on it changes any more.
     QImage settledScreenshot(int output = 0);

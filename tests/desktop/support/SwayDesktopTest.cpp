@@ -30,7 +30,9 @@ TEST(SwayDesktopTest, showsAPicturePixelForPixelAtEveryScaleAndTurn) {
                                     area.size(),
                                     {},
                                     desktop.outputName(index)}));
-        EXPECT_TRUE(desktop.screenshot(index) == backgrounds.back()->picture()) << index;
+        EXPECT_TRUE(SwayDesktop::waitFor([&] {
+            return desktop.screenshot(index) == backgrounds.back()->picture();
+        })) << index;
     }
 }
 
@@ -81,7 +83,7 @@ TEST(SwayDesktopTest, tellsWhatIsLeftAndLeavesNothingItself) {
         QFile forgotten(desktop.temporaryPath() + QStringLiteral("/forgotten"));
         ASSERT_TRUE(forgotten.open(QIODevice::WriteOnly));
         desktop.run(QStringLiteral("sh"), {QStringLiteral("-c"), QStringLiteral("setsid sleep 1000 >&2 &")});
-        const QStringList left = desktop.leftovers();
+        const QStringList left = desktop.leftovers(300);
         ASSERT_EQ(left.size(), 2) << left.join(QLatin1Char('\n')).toStdString();
         EXPECT_TRUE(left[0].endsWith(QStringLiteral("sleep")));
         EXPECT_EQ(left[1], forgotten.fileName());
