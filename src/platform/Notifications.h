@@ -10,6 +10,8 @@ inline constexpr char permissionsStatusChanged[] = "PermissionsStatusChanged";
 inline constexpr char settingsChanged[] = "SettingsChanged";
 /// Posted by the desktop when one of the program's windows becomes active and none was before.
 inline constexpr char applicationDidBecomeActive[] = "ApplicationDidBecomeActive";
+/// Posted by the desktop when it binds the global shortcuts otherwise.
+inline constexpr char shortcutBindingsChanged[] = "ShortcutBindingsChanged";
 /// Posted by the desktop when keys print something else from now on.
 inline constexpr char keyboardLayoutChanged[] = "KeyboardLayoutChanged";
 /// Posted by the desktop when it turns dark or light, or takes another accent colour.
