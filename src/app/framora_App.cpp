@@ -7,6 +7,8 @@
 #include "editor/window/EditorServices.h"
 #include "feedback/SoundManager.h"
 #include "platform/Application.h"
+#include "platform/Localized.h"
+#include "platform/Pasteboard.h"
 #include "platform/ToastPanel.h"
 #include "platform/desktop/AutostartEntry.h"
 #include "platform/desktop/ConfiguredDesktopPictures.h"
@@ -36,7 +38,18 @@ namespace framora {
 struct framora_App::Desktop {
     explicit Desktop(const WindowSystemFactory& makeWindowSystem)
         : windows(makeWindowSystem({gate, notifications, mainQueue,
-                                    [](const QByteArray& file) { return loadPicture(file).image; }})) {}
+                                    [](const QByteArray& file) { return loadPicture(file).image; },
+                                    [this] { return wantedShortcuts(); }})) {}
+
+    std::vector<GlobalShortcut> wantedShortcuts() const {
+        const Settings settings = Settings::load(defaults);
+        const auto wanted = [](const char* id, const char* name, const HotkeyConfiguration& keys) {
+            return GlobalShortcut{QString::fromLatin1(id), localized(QString::fromLatin1(name)), keys.keyCode,
+                                  keys.modifiers};
+        };
+        return {wanted(shortcutId::captureArea, "screenshot", settings.hotkey),
+                wanted(shortcutId::captureWindow, "window capture", settings.tabCaptureHotkey)};
+    }
 
     CommandGate gate;
     NotificationCenter notifications;
@@ -53,16 +66,22 @@ struct framora_App::Desktop {
     DecoderVersions componentVersions;
     ThreadBackgroundQueue backgroundQueue{mainQueue};
     ConfiguredDesktopPictures desktopPictures{windows->screens()};
-    ProcessCaptureTool captureTool{gate, ProcessCaptureTool::defaultExecutable(), [this](bool screenIsTaken) {
-                                       if (screenIsTaken) {
-                                           windows->toastPanels().withdraw();
-                                           if (Settings::load(defaults).soundEffectsEnabled)
-                                               soundOutput.prepare();
-                                       } else // After the capture's own toast has replaced the earlier one.
-                                           mainQueue.async([this] { windows->toastPanels().restore(); });
-                                   }};
+    ProcessCaptureTool captureTool{
+        gate,
+        ProcessCaptureTool::defaultExecutable(),
+        {[this](bool isTaken) { screenTaken(isTaken); },
+         [this](const QByteArray& png) { windows->pasteboard().adoptPicture(png); }}};
     TrayStatusBar statusBar{gate, appearance, notifications};
     TerminationSignals terminationSignals;
+
+    void screenTaken(bool isTaken) {
+        if (isTaken) {
+            windows->toastPanels().withdraw();
+            if (Settings::load(defaults).soundEffectsEnabled)
+                soundOutput.prepare();
+        } else // After the capture's own toast has replaced the earlier one.
+            mainQueue.async([this] { windows->toastPanels().restore(); });
+    }
 
     ToastServices toastServices() {
         return {mainQueue, windows->toastPanels(), windows->screens(), appearance,
@@ -153,9 +172,36 @@ void framora_App::launch() {
     _appDelegate->applicationDidFinishLaunching();
 }
 
-void framora_App::raiseWindows() {
+void framora_App::perform(ProgramCommand command, const QString& activationToken) {
     if (!m_desktop->gate.isOpen())
         return;
+    // Whoever brought the command is answered first. What closes the gate meanwhile comes before it.
+    m_desktop->mainQueue.async([this, command, activationToken, closings = m_desktop->gate.closings()] {
+        if (m_desktop->gate.closings() != closings)
+            return;
+        if (!activationToken.isEmpty())
+            m_desktop->windows->application().useActivationToken(activationToken);
+        switch (command) {
+        case ProgramCommand::activate:
+            raiseWindows();
+            break;
+        case ProgramCommand::captureArea:
+            _appDelegate->screenshotCapture();
+            break;
+        case ProgramCommand::captureWindow:
+            _appDelegate->tabCapture();
+            break;
+        case ProgramCommand::settings:
+            _appDelegate->openSettings();
+            break;
+        case ProgramCommand::quit:
+            _appDelegate->quitApp();
+            break;
+        }
+    });
+}
+
+void framora_App::raiseWindows() {
     const bool editorIsOpen = m_desktop->editor && m_desktop->editor->isOpen();
     // Where no tray shows the program, starting it again is the way to its preferences.
     if (_appDelegate->settingsWindow() || !editorIsOpen)

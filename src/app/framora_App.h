@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ProgramCommand.h"
 #include "platform/WindowSystem.h"
 
 #include <functional>
@@ -21,11 +22,14 @@ public:
     framora_App& operator=(const framora_App&) = delete;
 
     void launch();
-    /// Brings forward what is open, and opens the preferences when nothing is. Nothing while a capture has
-    /// the screen.
-    void raiseWindows();
+    /// What the menu's commands do, for those who come by other ways, in a turn of its own. Nothing while a
+    /// capture has the screen. Windows come forward by the token, which may be empty.
+    void perform(ProgramCommand command, const QString& activationToken);
 
 private:
+    /// Brings forward what is open, and opens the preferences when nothing is.
+    void raiseWindows();
+
     struct Desktop;
     std::unique_ptr<Desktop> m_desktop;
     std::unique_ptr<AppDelegate> _appDelegate;

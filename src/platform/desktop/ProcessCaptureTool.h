@@ -6,28 +6,44 @@
 #include <QProcess>
 #include <QString>
 #include <functional>
+#include <memory>
 
 namespace framora {
 
 /// The capture tool as a process of its own.
+///
+/// The tool inherits two files, named by their numbers in its environment. Into FRAMORA_READY_FD, a pipe, it
+/// writes a byte as soon as it is about to show or ask something. Into FRAMORA_PICTURE_FD, a file in memory,
+/// it puts the PNG where this desktop lets it own no clipboard.
 class ProcessCaptureTool final : public CaptureTool {
 public:
-    /// `onScreenTaken` is told true before the tool is launched and false when it has gone.
-    ProcessCaptureTool(CommandGate& gate, QString executable, std::function<void(bool)> onScreenTaken = {});
+    struct Events {
+        std::function<void(bool)> screenTaken; ///< True before the tool is launched, false when it has gone.
+        std::function<void(const QByteArray& png)> pictureLeft; ///< By a tool that owns no clipboard.
+    };
+    ProcessCaptureTool(CommandGate& gate, QString executable, Events events = {});
+    ~ProcessCaptureTool() override;
 
     /// Where the tool stands.
     static QString defaultExecutable();
 
+    /// Returns when the tool says that it is ready, or has ended. The window system is served meanwhile, as
+    /// in waitUntilExit(). False also when it ends because it finds no way to take pictures here.
     bool launch(const QStringList& arguments) override;
     void waitUntilExit() override;
 
 private:
-    void runUntilExit();
+    struct Run;
+    /// Serves the window system until the tool is ready, or until it has ended.
+    void serve(bool untilReady);
+    void end();
+    void tellThatScreenIsFree();
 
     CommandGate& m_gate;
     QString m_executable;
-    std::function<void(bool)> m_onScreenTaken;
+    Events m_events;
     QProcess m_process;
+    std::unique_ptr<Run> m_run; ///< While the tool runs.
 };
 
 } // namespace framora

@@ -22,10 +22,16 @@ std::uint64_t flagsOf(const QKeyEvent& press) {
 
 } // namespace
 
-WaylandKeyMonitors::WaylandKeyMonitors(CommandGate& gate) : m_ownWindows(gate, flagsOf) {}
+WaylandKeyMonitors::WaylandKeyMonitors(CommandGate& gate, PortalShortcuts& shortcuts)
+    : m_shortcuts(shortcuts), m_ownWindows(gate, flagsOf) {}
 
-KeyMonitors::Token WaylandKeyMonitors::addGlobalMonitor(GlobalHandler) {
-    return 0;
+KeyMonitors::Token WaylandKeyMonitors::addGlobalMonitor(GlobalHandler handler) {
+    // The desktop keeps the keys of a shortcut from our windows, too: a recorder learns of them here.
+    const bool isAdded = m_shortcuts.addMonitor(++m_lastToken, [this, handler](const KeyEvent& key) {
+        if (!m_ownWindows.offerToRecorder(key))
+            handler(key);
+    });
+    return isAdded ? m_lastToken : 0;
 }
 
 KeyMonitors::Token WaylandKeyMonitors::addLocalMonitor(LocalHandler handler) {
@@ -39,6 +45,7 @@ KeyMonitors::Token WaylandKeyMonitors::addRecordingMonitor(LocalHandler handler)
 }
 
 void WaylandKeyMonitors::removeMonitor(Token token) {
+    m_shortcuts.removeMonitor(token);
     m_ownWindows.remove(token);
 }
 

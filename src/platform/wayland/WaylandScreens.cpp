@@ -5,14 +5,35 @@
 
 namespace framora {
 
+namespace {
+
+/// What Qt makes up where there is no monitor.
+Screen placeholder() {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        return {QRect(0, 0, 1920, 1080), 1, {}};
+    const double ratio = screen->devicePixelRatio();
+    return {QRect(QPoint(), (QSizeF(screen->size()) * ratio).toSize().expandedTo({1, 1})), ratio, {}};
+}
+
+} // namespace
+
 std::vector<Screen> WaylandScreens::screens() {
+    // An output that has just come tells of itself within one round.
+    m_connection.roundTrip();
     std::vector<Screen> screens;
-    for (const QScreen* screen : QGuiApplication::screens()) {
-        const double own = screen->devicePixelRatio();
-        const QSize pixels(qRound(screen->size().width() * own), qRound(screen->size().height() * own));
-        screens.push_back({QRect(screen->geometry().topLeft(), pixels), own, screen->name()});
+    for (const auto& output : m_outputs.all()) {
+        if (!output->isKnown())
+            continue;
+        const double ratio = output->pixelRatio();
+        const QPoint origin = (QPointF(output->logicalPosition()) * ratio).toPoint();
+        screens.push_back({QRect(origin, output->pixelSize()), ratio, output->name()});
     }
-    return screens;
+    if (!screens.empty())
+        m_last = screens;
+    else if (m_last.empty())
+        m_last = {placeholder()};
+    return m_last;
 }
 
 } // namespace framora

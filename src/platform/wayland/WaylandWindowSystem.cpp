@@ -1,11 +1,20 @@
 #include "platform/wayland/WaylandWindowSystem.h"
 
+#include "platform/desktop/AdoptingPasteboard.h"
+#include "platform/wayland/WaylandPasteboard.h"
+#include "platform/x11/X11Pasteboard.h"
+#include "platform/x11/X11ToastPanels.h"
+
 namespace framora {
 
 WaylandWindowSystem::WaylandWindowSystem(std::unique_ptr<WaylandConnection> connection,
                                          const Services& services)
-    : m_connection(std::move(connection)), m_keyMonitors(services.gate),
-      m_application(services.notifications), m_pasteboard(makePasteboard(services)),
+    : m_connection(std::move(connection)), m_application(services.notifications),
+      m_globalShortcuts({m_shortcutsPortal, services.mainQueue, services.notifications, services.gate,
+                         m_keyboardLayout, services.wantedShortcuts,
+                         [this](const QString& token) { m_application.useActivationToken(token); }}),
+      m_keyMonitors(services.gate, m_globalShortcuts), m_outputs(*m_connection),
+      m_screens(*m_connection, m_outputs), m_pasteboard(makePasteboard(services)),
       m_toastPanels(makeToastPanels(services)) {
     m_connection->listen();
 }
@@ -13,8 +22,14 @@ WaylandWindowSystem::WaylandWindowSystem(std::unique_ptr<WaylandConnection> conn
 WaylandWindowSystem::~WaylandWindowSystem() = default;
 
 std::unique_ptr<Pasteboard> WaylandWindowSystem::makePasteboard(const Services& services) {
+    if (auto clipboard = WaylandClipboard::make(*m_connection))
+        return std::make_unique<WaylandPasteboard>(*m_connection, std::move(clipboard),
+                                                   services.decodePicture);
+    // Desktops that keep the clipboard from programs without the focus share it with their X server.
     m_x11Connection = std::make_unique<X11Connection>();
-    return std::make_unique<X11Pasteboard>(*m_x11Connection, services.decodePicture);
+    if (m_x11Connection->isValid())
+        return std::make_unique<X11Pasteboard>(*m_x11Connection, services.decodePicture);
+    return std::make_unique<AdoptingPasteboard>(services.decodePicture);
 }
 
 std::unique_ptr<ToastPanels> WaylandWindowSystem::makeToastPanels(const Services& services) {

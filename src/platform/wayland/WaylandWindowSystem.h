@@ -1,17 +1,18 @@
 #pragma once
 
 #include "platform/WindowSystem.h"
+#include "platform/desktop/BusShortcutsPortal.h"
 #include "platform/desktop/DesktopPrivacyPanes.h"
+#include "platform/desktop/PortalShortcuts.h"
 #include "platform/wayland/WaylandApplication.h"
 #include "platform/wayland/WaylandConnection.h"
 #include "platform/wayland/WaylandDesktopShortcuts.h"
 #include "platform/wayland/WaylandKeyMonitors.h"
 #include "platform/wayland/WaylandKeyboardLayout.h"
+#include "platform/wayland/WaylandOutputs.h"
 #include "platform/wayland/WaylandPermissions.h"
 #include "platform/wayland/WaylandScreens.h"
 #include "platform/x11/X11Connection.h"
-#include "platform/x11/X11Pasteboard.h"
-#include "platform/x11/X11ToastPanels.h"
 
 #include <memory>
 
@@ -25,6 +26,7 @@ public:
     ~WaylandWindowSystem() override;
 
     KeyMonitors& keyMonitors() override { return m_keyMonitors; }
+    GlobalShortcuts& globalShortcuts() override { return m_globalShortcuts; }
     KeyboardLayout& keyboardLayout() override { return m_keyboardLayout; }
     DesktopShortcuts& desktopShortcuts() override { return m_desktopShortcuts; }
     Pasteboard& pasteboard() override { return *m_pasteboard; }
@@ -40,13 +42,16 @@ private:
 
     std::unique_ptr<WaylandConnection> m_connection;
     std::unique_ptr<X11Connection> m_x11Connection; ///< To XWayland, where its clipboard is the only one.
-    WaylandKeyMonitors m_keyMonitors;
     WaylandKeyboardLayout m_keyboardLayout;
+    WaylandApplication m_application;
+    BusShortcutsPortal m_shortcutsPortal;
+    PortalShortcuts m_globalShortcuts;
+    WaylandKeyMonitors m_keyMonitors;
     WaylandDesktopShortcuts m_desktopShortcuts;
+    WaylandOutputs m_outputs;
     WaylandScreens m_screens;
     WaylandPermissions m_permissions{m_keyMonitors};
     DesktopPrivacyPanes m_privacyPanes;
-    WaylandApplication m_application;
     std::unique_ptr<Pasteboard> m_pasteboard;
     std::unique_ptr<ToastPanels> m_toastPanels;
 };

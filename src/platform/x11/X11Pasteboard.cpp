@@ -1,12 +1,11 @@
 #include "platform/x11/X11Pasteboard.h"
 
-#include "platform/desktop/Installation.h"
+#include "platform/desktop/ClipboardKeeper.h"
 
 #include <QClipboard>
 #include <QDeadlineTimer>
 #include <QGuiApplication>
 #include <QMimeData>
-#include <QProcess>
 #include <algorithm>
 #include <string>
 #include <utility>
@@ -22,7 +21,6 @@ constexpr std::size_t answerPlaces = 8;
 /// Larger than any screen's picture; more is a broken or hostile owner.
 constexpr qsizetype maximumBytes = qsizetype(512) << 20;
 const QString pngType = QStringLiteral("image/png");
-const QString keeperName = QStringLiteral("framora-clipboard");
 
 /// Whether the clipboard's owner is Qt's clipboard at this moment. What Qt itself believes is as old as the
 /// last event that it has taken.
@@ -221,19 +219,16 @@ void X11Pasteboard::handOver() {
     const QByteArray png = data ? data->data(pngType) : QByteArray();
     if (png.isEmpty())
         return;
-    QProcess process;
-    // No pipes from it: the process it leaves behind would keep them open.
-    process.setProcessChannelMode(QProcess::ForwardedChannels);
-    process.start(privateExecutable(keeperName), QStringList());
-    process.write(png);
-    process.closeWriteChannel();
-    process.waitForFinished(answerMilliseconds);
+    leaveWithClipboardKeeper(png);
     // Qt learns that it is the owner no more, and then asks no manager.
     syncWithServer();
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
 }
 
 void X11Pasteboard::writePng(const QByteArray& png) {
+    // Where Qt's clipboard is another one, X11's is served from outside from the start.
+    if (!qGuiApp->nativeInterface<QNativeInterface::QX11Application>() && leaveWithClipboardKeeper(png))
+        return;
     auto data = std::make_unique<QMimeData>();
     data->setData(pngType, png);
     QGuiApplication::clipboard()->setMimeData(data.release());

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "platform/wayland/WaylandConnection.h"
+
+#include <QPoint>
+#include <QSize>
+#include <QString>
+#include <memory>
+#include <vector>
+
+struct zxdg_output_manager_v1;
+struct zxdg_output_v1;
+struct zxdg_output_v1_listener;
+
+namespace framora {
+
+/// One monitor as the compositor tells of it.
+class WaylandOutput {
+public:
+    WaylandOutput(WaylandConnection& connection, const WaylandConnection::Global& global);
+    ~WaylandOutput();
+    WaylandOutput(const WaylandOutput&) = delete;
+    WaylandOutput& operator=(const WaylandOutput&) = delete;
+
+    operator wl_output*() const { return m_output; }
+    std::uint32_t globalName() const { return m_globalName; }
+    QString name() const { return m_name; }
+    /// In the compositor's space, where scaled outputs are as large as they seem.
+    QPoint logicalPosition() const { return m_logicalPosition; }
+    QSize logicalSize() const;
+    /// As it is looked at, after rotation.
+    QSize pixelSize() const;
+    /// Pixels a unit of the compositor's space. Exact also where that is no whole number.
+    double pixelRatio() const;
+    /// Whether the compositor has told all of it.
+    bool isKnown() const { return !m_mode.isEmpty(); }
+
+    /// Where the compositor tells how large outputs seem.
+    void describeBy(zxdg_output_manager_v1& manager);
+
+private:
+    static const wl_output_listener listener;
+    static const zxdg_output_v1_listener logicalListener;
+
+    const std::uint32_t m_globalName;
+    wl_output* m_output;
+    zxdg_output_v1* m_logical = nullptr;
+    QString m_name;
+    QPoint m_position;
+    QPoint m_logicalPosition;
+    QSize m_mode; ///< Pixels, before rotation.
+    QSize m_logicalSize;
+    std::int32_t m_transform = 0;
+    std::int32_t m_scale = 1; ///< Rounded up where it is no whole number.
+};
+
+/// The monitors that there are now, in the order in which the compositor named them.
+class WaylandOutputs {
+public:
+    explicit WaylandOutputs(WaylandConnection& connection);
+    ~WaylandOutputs();
+    WaylandOutputs(const WaylandOutputs&) = delete;
+    WaylandOutputs& operator=(const WaylandOutputs&) = delete;
+
+    const std::vector<std::unique_ptr<WaylandOutput>>& all() const { return m_outputs; }
+    /// Null when there is none of that name, or none any more.
+    const WaylandOutput* named(const QString& name) const;
+    const WaylandOutput* of(const wl_output* output) const;
+
+private:
+    void add(const WaylandConnection::Global& global);
+    void remove(const WaylandConnection::Global& global);
+
+    WaylandConnection& m_connection;
+    zxdg_output_manager_v1* m_manager;
+    std::vector<std::unique_ptr<WaylandOutput>> m_outputs;
+};
+
+/// The nearest of the ratios that desktops let their users choose, quarters and steps of 1/120, for an output
+/// of so many pixels whose size in the compositor's space was rounded to whole numbers.
+double outputRatio(QSize pixels, QSize logical);
+
+} // namespace framora
