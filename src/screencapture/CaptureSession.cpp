@@ -1,9 +1,8 @@
 #include "screencapture/CaptureSession.h"
 
-#include "screencapture/Monitors.h"
-#include "screencapture/PixelRatio.h"
 #include "screencapture/XConnection.h"
 
+#include <cstdlib>
 #include <poll.h>
 #include <xcb/randr.h>
 
@@ -14,6 +13,11 @@ namespace {
 // How long another program's grab is waited for.
 constexpr std::chrono::milliseconds kGrabPatience{1000};
 constexpr int kRepaintPoll = 10; // ms
+
+std::string_view environment(const char* name) {
+    const char* text = std::getenv(name);
+    return text ? text : std::string_view{};
+}
 
 SelectionModel::Button buttonOf(uint8_t detail) {
     switch (detail) {
@@ -45,7 +49,8 @@ CaptureSession::Outcome CaptureSession::run() {
 }
 
 bool CaptureSession::begin() {
-    m_monitors = monitorsOf(m_connection);
+    m_monitors =
+        monitorsOf(m_connection, {environment("QT_SCREEN_SCALE_FACTORS"), environment("QT_SCALE_FACTOR")});
     if (m_monitors.empty()) {
         m_failure = "the screen has no monitor";
         return false;
@@ -55,21 +60,30 @@ bool CaptureSession::begin() {
         m_failure = "the screen cannot be read";
         return false;
     }
-    m_ratio =
-        pixelRatioFromResources(m_connection.stringProperty(m_connection.root(), XCB_ATOM_RESOURCE_MANAGER));
-    const PictureFormats formats = PictureFormats::of(m_connection);
-    m_overlay = std::make_unique<Overlay>(m_connection, *m_frozen, formats, m_ratio);
+    m_formats = PictureFormats::of(m_connection);
+    m_overlay = std::make_unique<Overlay>(m_connection, *m_frozen, m_formats);
     m_keyboard.emplace(m_connection);
-    m_cursors.emplace(m_connection, formats, m_ratio);
-    if (!m_input.acquire(m_cursors->forMode(m_mode), kGrabPatience)) {
+    Point at;
+    const auto askPointer = [&] {
+        if (const auto pointer = m_connection.reply(xcb_query_pointer(m_connection, m_connection.root()),
+                                                    xcb_query_pointer_reply))
+            at = {pointer->root_x, pointer->root_y};
+    };
+    // The cursor's ratio is needed before the pointer is held, its place after.
+    if (std::any_of(m_monitors.begin(), m_monitors.end(),
+                    [&](const Monitor& monitor) { return monitor.ratio != m_monitors[0].ratio; }))
+        askPointer();
+    m_ratio = ratioAt(m_monitors, at);
+    if (!m_input.acquire(cursor(), kGrabPatience)) {
         m_failure = "another program holds the pointer or the keyboard";
         return false;
     }
-    Point at;
-    if (const auto pointer =
-            m_connection.reply(xcb_query_pointer(m_connection, m_connection.root()), xcb_query_pointer_reply))
-        at = {pointer->root_x, pointer->root_y};
-    m_model.emplace(m_mode, m_monitors, at);
+    askPointer();
+    std::vector<Rect> areas;
+    for (const Monitor& monitor : m_monitors)
+        areas.push_back(monitor.area);
+    m_model.emplace(m_mode, std::move(areas), at);
+    pointerAt(at);
     // Asked now that the keyboard is held: what came up while it was not yet would never be told.
     for (const uint8_t code : Keyboard::keysDown(m_connection))
         m_model->keyHeldAtStart(code);
@@ -84,6 +98,19 @@ bool CaptureSession::begin() {
     if (m_mode == CaptureMode::Window)
         enterWindowMode();
     return true;
+}
+
+xcb_cursor_t CaptureSession::cursor() {
+    return m_cursors.try_emplace(m_ratio, m_connection, m_formats, m_ratio).first->second.forMode(m_mode);
+}
+
+/// The pointer takes the ratio of its monitor with it until a drag holds on to it.
+void CaptureSession::pointerAt(Point at) {
+    const double ratio = ratioAt(m_monitors, at);
+    if (m_model->dragging() || m_clicked || ratio == m_ratio)
+        return;
+    m_ratio = ratio;
+    m_input.setCursor(cursor());
 }
 
 void CaptureSession::endOnScreen() {
@@ -110,7 +137,7 @@ void CaptureSession::modeMayHaveChanged() {
     if (m_model->mode() == m_mode)
         return;
     m_mode = m_model->mode();
-    m_input.setCursor(m_cursors->forMode(m_mode));
+    m_input.setCursor(cursor());
     if (m_mode == CaptureMode::Window)
         enterWindowMode();
 }
@@ -128,14 +155,14 @@ OverlayScene CaptureSession::scene() {
     const Rect monitor = m_model->monitorUnderPointer();
     scene.selection = m_model->selection();
     if (!scene.selection.empty())
-        scene.label = m_overlay->labelFor(scene.selection, m_model->activeCorner(), monitor);
+        scene.label = m_overlay->labelFor(scene.selection, m_model->activeCorner(), monitor, m_ratio);
     else
         scene.guides = OverlayScene::Guides{m_model->pointer(), monitor};
     return scene;
 }
 
 void CaptureSession::updateScene() {
-    m_overlay->setScene(scene());
+    m_overlay->setScene(scene(), m_ratio);
     m_overlay->flush();
 }
 
@@ -157,7 +184,7 @@ CaptureSession::Outcome CaptureSession::loop() {
             continue;
         if (!warm && !m_overlay->busy()) {
             warm = true;
-            m_overlay->warmUp();
+            m_overlay->warmUp(m_ratio);
             continue;
         }
         xcb_flush(m_connection);
@@ -183,6 +210,7 @@ std::optional<CaptureSession::Outcome> CaptureSession::handle(const xcb_generic_
     switch (type) {
     case XCB_MOTION_NOTIFY: {
         const auto& motion = reinterpret_cast<const xcb_motion_notify_event_t&>(event);
+        pointerAt({motion.root_x, motion.root_y});
         outcome = m_model->pointerMoved({motion.root_x, motion.root_y});
         break;
     }
@@ -190,6 +218,7 @@ std::optional<CaptureSession::Outcome> CaptureSession::handle(const xcb_generic_
     case XCB_BUTTON_RELEASE: {
         const auto& button = reinterpret_cast<const xcb_button_press_event_t&>(event);
         const Point at{button.root_x, button.root_y};
+        pointerAt(at);
         outcome = type == XCB_BUTTON_PRESS ? m_model->buttonPressed(buttonOf(button.detail), at)
                                            : m_model->buttonReleased(buttonOf(button.detail), at);
         break;
@@ -251,8 +280,8 @@ CaptureSession::Outcome CaptureSession::takeArea() {
     }
     // What no monitor shows is transparent.
     std::vector<Rect> dark{part};
-    for (const Rect& monitor : m_monitors)
-        dark = subtracted(dark, monitor);
+    for (const Monitor& monitor : m_monitors)
+        dark = subtracted(dark, monitor.area);
     for (const Rect& hole : dark)
         for (int y = hole.y; y < hole.bottom(); ++y)
             std::fill_n(image->row(y) + hole.x, hole.width, 0U);

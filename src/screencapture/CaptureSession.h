@@ -5,12 +5,14 @@
 #include "screencapture/FrozenScreen.h"
 #include "screencapture/InputGrab.h"
 #include "screencapture/Keyboard.h"
+#include "screencapture/Monitors.h"
 #include "screencapture/Overlay.h"
 #include "screencapture/Picture.h"
 #include "screencapture/SelectionModel.h"
 #include "screencapture/WindowGrab.h"
 #include "screencapture/WindowList.h"
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -32,7 +34,7 @@ public:
     Outcome run();
     /// The picture of a run that ended with Captured; handed over once.
     Picture takePicture() { return std::move(m_picture); }
-    /// Device pixels a point on this screen.
+    /// Device pixels a point on the monitor where the capture was begun.
     double pixelRatio() const { return m_ratio; }
     /// One line for the user after Failed.
     const std::string& failure() const { return m_failure; }
@@ -51,6 +53,8 @@ private:
     void enterWindowMode();
     void modeMayHaveChanged();
     void updateScene();
+    void pointerAt(Point at);
+    xcb_cursor_t cursor();
     OverlayScene scene();
     void endOnScreen();
 
@@ -58,11 +62,12 @@ private:
     CaptureMode m_mode;
     double m_ratio = 1;
     std::string m_failure;
-    std::vector<Rect> m_monitors;
+    std::vector<Monitor> m_monitors;
     std::unique_ptr<FrozenScreen> m_frozen;
     std::optional<Keyboard> m_keyboard;
     std::optional<SelectionModel> m_model;
-    std::optional<CaptureCursor> m_cursors;
+    PictureFormats m_formats;
+    std::map<double, CaptureCursor> m_cursors; // by their ratio
     std::optional<WindowGrab> m_windowGrab;
     WindowList m_windows;
     bool m_windowsKnown = false;

@@ -24,6 +24,12 @@ std::vector<Rect> subtracted(const std::vector<Rect>& from, const Rect& cut) {
     return rest;
 }
 
+long squaredDistance(const Rect& r, Point p) {
+    const long dx = std::max({r.x - p.x, p.x - (r.right() - 1), 0});
+    const long dy = std::max({r.y - p.y, p.y - (r.bottom() - 1), 0});
+    return dx * dx + dy * dy;
+}
+
 Rect boundingBox(const std::vector<Rect>& rects) {
     Rect box;
     for (const Rect& r : rects)

@@ -57,6 +57,9 @@ struct Rect {
 /// What remains of `from` without `cut`, as boxes that do not overlap where those of `from` do not.
 std::vector<Rect> subtracted(const std::vector<Rect>& from, const Rect& cut);
 
+/// From a place to the nearest pixel of a box; 0 inside it.
+long squaredDistance(const Rect& r, Point p);
+
 /// The smallest box around all.
 Rect boundingBox(const std::vector<Rect>& rects);
 

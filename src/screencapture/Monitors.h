@@ -1,6 +1,7 @@
 #pragma once
 
 #include "screencapture/Geometry.h"
+#include "screencapture/PixelRatio.h"
 
 #include <vector>
 
@@ -8,8 +9,17 @@ namespace framora {
 
 class XConnection;
 
-/// The monitors in root coordinates, clipped to the root window. The whole root window where the server does
-/// not tell monitors apart; none when every output is off or the screen has no area.
-std::vector<Rect> monitorsOf(const XConnection& connection);
+/// A monitor in root coordinates: in pixels of the frame buffer, whatever an output makes of them.
+struct Monitor {
+    Rect area;
+    double ratio = 1; ///< Device pixels a point.
+};
+
+/// The monitors, the primary one first, clipped to the root window. The whole root window where the server
+/// does not tell monitors apart; none when every output is off or the screen has no area.
+std::vector<Monitor> monitorsOf(const XConnection& connection, const MonitorScales& scales);
+
+/// The ratio of the monitor at that place, or of the nearest one.
+double ratioAt(const std::vector<Monitor>& monitors, Point at);
 
 } // namespace framora

@@ -7,9 +7,8 @@
 
 namespace framora {
 
-Overlay::Overlay(const XConnection& connection, FrozenScreen& frozen, const PictureFormats& formats,
-                 double ratio)
-    : m_connection(connection), m_frozen(frozen), m_rootFormat(formats.root), m_ratio(ratio) {
+Overlay::Overlay(const XConnection& connection, FrozenScreen& frozen, const PictureFormats& formats)
+    : m_connection(connection), m_frozen(frozen), m_rootFormat(formats.root) {
     if (const auto* shm = xcb_get_extension_data(connection, &xcb_shm_id); shm && shm->present)
         m_completionEvent = static_cast<uint8_t>(shm->first_event + XCB_SHM_COMPLETION);
 
@@ -43,16 +42,17 @@ void Overlay::put(const Rect& part, bool notify) {
 }
 
 bool Overlay::prepare() {
-    if (m_painter)
+    if (m_frame)
         return true;
     const ServerImage* frozen = m_frozen.image();
     if (!frozen)
         return false;
     m_frame = ServerImage::create(m_connection, frozen->width(), frozen->height());
-    if (!m_frame)
-        return false;
-    m_painter = std::make_unique<OverlayPainter>(*frozen, *m_frame, m_ratio);
-    return true;
+    return m_frame != nullptr;
+}
+
+OverlayPainter& Overlay::painter(double ratio) {
+    return m_painters.try_emplace(ratio, *m_frozen.image(), *m_frame, ratio).first->second;
 }
 
 bool Overlay::show() {
@@ -65,7 +65,7 @@ bool Overlay::show() {
     if (byServer)
         showByServer(whole);
     else {
-        m_painter->paint({}, whole);
+        painter(m_shown.ratio).paint({}, whole);
         xcb_map_window(m_connection, m_window);
         put(whole, true);
     }
@@ -94,13 +94,23 @@ void Overlay::hide() {
     xcb_flush(m_connection);
 }
 
+std::vector<Rect> Overlay::difference() {
+    if (m_shown.ratio == m_wanted.ratio)
+        return painter(m_wanted.ratio).difference(m_shown.scene, m_wanted.scene);
+    // Lines of another width: all that is seen goes, all that is wanted comes.
+    auto parts = painter(m_shown.ratio).difference(m_shown.scene, {});
+    const auto coming = painter(m_wanted.ratio).difference({}, m_wanted.scene);
+    parts.insert(parts.end(), coming.begin(), coming.end());
+    return parts;
+}
+
 void Overlay::flush() {
     if (busy() || m_wanted == m_shown || !prepare())
         return;
-    const auto parts = m_painter->difference(m_shown, m_wanted);
+    const auto parts = difference();
     m_shown = m_wanted;
     for (const Rect& part : parts)
-        m_painter->paint(m_shown, part);
+        painter(m_shown.ratio).paint(m_shown.scene, part);
     for (std::size_t i = 0; i < parts.size(); ++i)
         put(parts[i], i + 1 == parts.size());
     xcb_flush(m_connection);
@@ -116,7 +126,7 @@ bool Overlay::handleEvent(const xcb_generic_event_t& event) {
         const auto& expose = reinterpret_cast<const xcb_expose_event_t&>(event);
         if (expose.window == m_window && prepare()) {
             const Rect part{expose.x, expose.y, expose.width, expose.height};
-            m_painter->paint(m_shown, part);
+            painter(m_shown.ratio).paint(m_shown.scene, part);
             put(part, false);
         }
         return true;
@@ -134,18 +144,19 @@ bool Overlay::handleEvent(const xcb_generic_event_t& event) {
     return false;
 }
 
-void Overlay::warmUp() {
+void Overlay::warmUp(double ratio) {
     if (prepare())
-        m_painter->label().prepare();
+        painter(ratio).label().prepare();
 }
 
-OverlayScene::Label Overlay::labelFor(const Rect& selection, Point corner, const Rect& monitor) {
+OverlayScene::Label Overlay::labelFor(const Rect& selection, Point corner, const Rect& monitor,
+                                      double ratio) {
     constexpr double kGap = 14; // points: clears the arms of the crosshair
     if (!prepare())
         return {};
-    const Rect size = m_painter->label().measured(selection.width, selection.height);
+    const Rect size = painter(ratio).label().measured(selection.width, selection.height);
     const Rect box = placeLabel(selection, corner, size.width, size.height,
-                                static_cast<int>(std::lround(kGap * m_ratio)), monitor);
+                                static_cast<int>(std::lround(kGap * ratio)), monitor);
     return {box, selection.width, selection.height};
 }
 

@@ -10,16 +10,18 @@ namespace {
 // Pixels the pointer has to go before the axis that Shift keeps is clear.
 constexpr int kAxisSlack = 4;
 
-long squaredDistance(const Rect& r, Point p) {
-    const long dx = std::max({r.x - p.x, p.x - (r.right() - 1), 0});
-    const long dy = std::max({r.y - p.y, p.y - (r.bottom() - 1), 0});
-    return dx * dx + dy * dy;
-}
-
 } // namespace
 
 SelectionModel::SelectionModel(CaptureMode mode, std::vector<Rect> monitors, Point pointer)
     : m_mode(mode), m_monitors(std::move(monitors)), m_bounds(boundingBox(m_monitors)), m_pointer(pointer) {}
+
+void SelectionModel::setSpace(std::vector<Rect> monitors, Point pointer) {
+    if (m_dragging)
+        return;
+    m_monitors = std::move(monitors);
+    m_bounds = boundingBox(m_monitors);
+    m_pointer = pointer;
+}
 
 void SelectionModel::keyHeldAtStart(int code) {
     m_keysDown.insert(code);
@@ -159,7 +161,7 @@ SelectionModel::Outcome SelectionModel::keyPressed(Key key, int code) {
     case Key::Space:
         if (m_dragging)
             m_moving = true;
-        else if (!m_primaryDown)
+        else if (!m_primaryDown && m_windowsKnown)
             m_mode = m_mode == CaptureMode::Area ? CaptureMode::Window : CaptureMode::Area;
         break;
     case Key::Shift:

@@ -23,6 +23,10 @@ public:
     /// `monitors` in root coordinates, at least one; `pointer` where it stands when the capture begins.
     SelectionModel(CaptureMode mode, std::vector<Rect> monitors, Point pointer);
 
+    /// Other coordinates, as of another screen that the pointer came to. Not while something is dragged.
+    void setSpace(std::vector<Rect> monitors, Point pointer);
+    /// Where windows cannot be told apart, Space does not lead to them. They can at first.
+    void setWindowsKnown(bool known) { m_windowsKnown = known; }
     /// A key that was down before the capture began: it counts only after it was released and pressed anew.
     void keyHeldAtStart(int code);
 
@@ -65,6 +69,7 @@ private:
     Point m_pointer;
     Point m_anchor;
     Point m_corner;
+    bool m_windowsKnown = true;
     bool m_dragging = false;
     bool m_primaryDown = false;
     bool m_secondaryDown = false;

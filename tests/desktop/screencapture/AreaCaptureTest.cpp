@@ -191,6 +191,50 @@ TEST_P(AreaCaptureTest, thePictureCarriesThePixelRatioAsItsResolution) {
     }
 }
 
+TEST_P(AreaCaptureTest, everyMonitorHasItsOwnRatioInThePictureAndInTheOverlaysLines) {
+    for (const auto& [name, place] :
+         {std::pair{"left", "640/170x800/210+0+0"}, {"right", "640/85x800/105+640+0"}})
+        capture.desktop().run(
+            QStringLiteral("xrandr"),
+            {QStringLiteral("--setmonitor"), QLatin1String(name), QLatin1String(place),
+             name == QLatin1String("left") ? QStringLiteral("screen") : QStringLiteral("none")});
+    // As Plasma tells its programs.
+    capture.desktop().setEnvironmentVariable(QStringLiteral("QT_SCREEN_SCALE_FACTORS"),
+                                             QStringLiteral("left=1;right=2;"));
+    screen = capture.settledScreen();
+    // Rows of the column at x that are not as they would be without any line.
+    const auto linesAt = [&](int x) {
+        const QImage shown = display().screenshot({x, 0, 1, screen.height()});
+        int rows = 0;
+        for (int y = 0; y < shown.height(); ++y) {
+            const int dimmed = qRed(screen.pixel(x, y)) * (255 - 96) / 255;
+            rows += std::abs(qRed(shown.pixel(0, y)) - dimmed) > 2;
+        }
+        return rows;
+    };
+    struct Place {
+        QRect area;
+        int x; ///< A column of the same monitor beside the pointer.
+        int ratio;
+    };
+    for (const Place& place : {Place{{100, 100, 90, 70}, 500, 1}, Place{{800, 100, 90, 70}, 1200, 2},
+                               // Begun on the left one.
+                               Place{{600, 300, 90, 70}, 550, 1}}) {
+        ChildProcess* tool = capture.open({QStringLiteral("-i")});
+        ASSERT_TRUE(tool);
+        const QPoint end = place.area.topLeft() + QPoint(place.area.width(), place.area.height());
+        display().moveTo(place.area.topLeft());
+        // A light line between two dark ones.
+        EXPECT_TRUE(VirtualDesktop::waitFor([&] { return linesAt(place.x) == 3 * place.ratio; }))
+            << linesAt(place.x);
+        display().drag(place.area.topLeft(), end);
+        EXPECT_EQ(capture.exitCodeOf(*tool), 0);
+        const QImage picture = clipboard();
+        EXPECT_TRUE(samePixels(picture, screen.copy(place.area))) << "in device pixels whatever the ratio";
+        EXPECT_EQ(picture.dotsPerMeterX(), std::lround(72 * place.ratio / 0.0254));
+    }
+}
+
 TEST_P(AreaCaptureTest, theSelectionSpansMonitorsAndWhatNoneShowsIsTransparent) {
     capture.desktop().run(QStringLiteral("xrandr"),
                           {QStringLiteral("--setmonitor"), QStringLiteral("left"),

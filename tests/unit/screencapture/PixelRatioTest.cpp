@@ -26,5 +26,35 @@ TEST(PixelRatioTest, isOneWithoutAUsableValueAndNeverLess) {
     EXPECT_EQ(pixelRatioFromResources("Xft.dpi: 1e300"), 8.0);
 }
 
+TEST(MonitorScalesTest, areFoundByTheMonitorsName) {
+    const MonitorScales scales("eDP-1=2; HDMI-1 = 1.25 ;", "");
+    EXPECT_TRUE(scales.named());
+    EXPECT_EQ(scales.ratio(0, "HDMI-1", 1.5), 1.25);
+    EXPECT_EQ(scales.ratio(1, "eDP-1", 1.5), 2.0);
+    EXPECT_EQ(scales.ratio(2, "DP-2", 1.5), 1.5) << "the resources hold for the others";
+}
+
+TEST(MonitorScalesTest, areFoundByTheMonitorsPlaceWhereTheyHaveNoNames) {
+    const MonitorScales scales("1;2", "");
+    EXPECT_FALSE(scales.named());
+    EXPECT_EQ(scales.ratio(0, "", 1.5), 1.0);
+    EXPECT_EQ(scales.ratio(1, "", 1.5), 2.0);
+    EXPECT_EQ(scales.ratio(2, "", 1.5), 1.5);
+    EXPECT_EQ(MonitorScales(";2", "").ratio(1, "", 1), 2.0) << "an empty entry has its place";
+}
+
+TEST(MonitorScalesTest, multiplyWithTheOneForAll) {
+    EXPECT_EQ(MonitorScales("", "2").ratio(0, "DP-1", 1), 2.0);
+    EXPECT_EQ(MonitorScales("DP-1=1.5", "2").ratio(0, "DP-1", 1), 3.0);
+}
+
+TEST(MonitorScalesTest, areQuartersFromOneToEightAndPassOverWhatIsNoFactor) {
+    EXPECT_EQ(MonitorScales("A=1.4;B=0.5;C=99", "").ratio(0, "A", 1), 1.5);
+    EXPECT_EQ(MonitorScales("A=1.4;B=0.5;C=99", "").ratio(0, "B", 1), 1.0);
+    EXPECT_EQ(MonitorScales("A=1.4;B=0.5;C=99", "").ratio(0, "C", 1), 8.0);
+    for (const char* text : {"A=", "A=big", "A=-2", "A=0", "A=nan", "A", "=;=;;", "A=2x"})
+        EXPECT_EQ(MonitorScales(text, text).ratio(0, "A", 1.25), 1.25) << text;
+}
+
 } // namespace
 } // namespace framora
