@@ -45,14 +45,18 @@ public:
     virtual void askAgain() = 0;
 };
 
-/// Where the program sees every key itself.
+/// Where the program sees every key itself, or nobody can help it.
 class WatchedShortcuts final : public GlobalShortcuts {
 public:
-    Route route() const override { return Route::watching; }
+    explicit WatchedShortcuts(bool canWatch) : m_canWatch(canWatch) {}
+    Route route() const override { return m_canWatch ? Route::watching : Route::byHand; }
     std::optional<QString> differingKeys(const QString&) const override { return std::nullopt; }
     bool canConfigure() const override { return false; }
     void configure() override {}
     void askAgain() override {}
+
+private:
+    bool m_canWatch;
 };
 
 } // namespace framora

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "platform/CommandGate.h"
+#include "platform/GlobalShortcuts.h"
 #include "platform/MainQueue.h"
 #include "platform/NotificationCenter.h"
 
 #include <QByteArray>
 #include <QImage>
 #include <functional>
+#include <vector>
 
 namespace framora {
 
@@ -31,10 +33,13 @@ public:
         MainQueue& mainQueue;
         /// A file's picture with its pixel ratio; null when it cannot be read.
         std::function<QImage(const QByteArray& file)> decodePicture;
+        /// The global shortcuts that are stored now.
+        std::function<std::vector<GlobalShortcut>()> wantedShortcuts;
     };
 
     virtual ~WindowSystem() = default;
     virtual KeyMonitors& keyMonitors() = 0;
+    virtual GlobalShortcuts& globalShortcuts() = 0;
     virtual KeyboardLayout& keyboardLayout() = 0;
     virtual DesktopShortcuts& desktopShortcuts() = 0;
     virtual Pasteboard& pasteboard() = 0;

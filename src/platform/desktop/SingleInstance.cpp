@@ -57,13 +57,17 @@ SingleInstance::~SingleInstance() {
         close(m_lock);
 }
 
-bool SingleInstance::acquire() {
+bool SingleInstance::tellRunning(const QByteArray& message) const {
+    return !m_socketPath.isEmpty() && tellTheOther(message, patienceMilliseconds);
+}
+
+bool SingleInstance::acquire(const QByteArray& message) {
     m_lock = open(m_lockPath.constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (m_lock < 0)
         return true;
     const QDeadlineTimer patience(patienceMilliseconds);
     while (flock(m_lock, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-        if (tellTheOther(static_cast<int>(patience.remainingTime())) || patience.hasExpired())
+        if (tellTheOther(message, static_cast<int>(patience.remainingTime())) || patience.hasExpired())
             return false;
         // The other has only just begun, or is about to end.
         QThread::msleep(pauseMilliseconds);
@@ -72,15 +76,19 @@ bool SingleInstance::acquire() {
     return true;
 }
 
-bool SingleInstance::tellTheOther(int milliseconds) const {
+bool SingleInstance::tellTheOther(const QByteArray& message, int milliseconds) const {
     sockaddr_un address{};
     const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     if (socket < 0)
         return true;
     bool heard = false;
-    // To connect is all there is to say. The answer is one byte; a process that ends closes without it.
+    // The message ends with this side of the connection. The answer is one byte; a process that ends closes
+    // without it.
     if (makeAddress(m_socketPath, address) &&
         ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0) {
+        const auto length = static_cast<std::size_t>(std::min<qsizetype>(message.size(), longestMessage));
+        std::ignore = send(socket, message.constData(), length, MSG_NOSIGNAL);
+        shutdown(socket, SHUT_WR);
         pollfd answer{socket, POLLIN, 0};
         char byte = 0;
         heard = poll(&answer, 1, milliseconds) == 0 || read(socket, &byte, 1) == 1;
@@ -108,20 +116,53 @@ void SingleInstance::listenForOthers() {
         ::listen(m_socket, 8) != 0)
         return;
     m_notifier = std::make_unique<QSocketNotifier>(m_socket, QSocketNotifier::Read);
-    connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
-        for (int peer; (peer = accept4(m_socket, nullptr, nullptr, SOCK_CLOEXEC)) >= 0;) {
-            const char byte = 0;
-            std::ignore = send(peer, &byte, 1, MSG_NOSIGNAL);
-            close(peer);
-            if (m_handler)
-                m_handler();
-            // The handler may have ended the listening.
-            if (m_socket < 0)
-                return;
-        }
-    });
+    connect(m_notifier.get(), &QSocketNotifier::activated, this, &SingleInstance::accept);
     // What ends the program may take a while; whoever starts it meanwhile wants it to run again.
     connect(qApp, &QCoreApplication::aboutToQuit, this, &SingleInstance::endListening);
+}
+
+void SingleInstance::accept() {
+    for (int peer; (peer = accept4(m_socket, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK)) >= 0;) {
+        const auto message = std::make_shared<QByteArray>();
+        if (hear(peer, *message)) {
+            take(peer, *message);
+        } else {
+            // It is still speaking. The notifier goes with the connection, or with this.
+            auto* more = new QSocketNotifier(peer, QSocketNotifier::Read, this);
+            connect(more, &QSocketNotifier::activated, this, [this, more, peer, message] {
+                if (!hear(peer, *message))
+                    return;
+                more->setEnabled(false);
+                more->deleteLater();
+                take(peer, *message);
+            });
+        }
+        // The handler may have ended the listening.
+        if (m_socket < 0)
+            return;
+    }
+}
+
+bool SingleInstance::hear(int peer, QByteArray& message) {
+    char part[1024];
+    for (;;) {
+        const auto count = read(peer, part, sizeof part);
+        if (count < 0)
+            return errno != EAGAIN && errno != EINTR;
+        if (count == 0)
+            return true;
+        message.append(part, count);
+        if (message.size() >= longestMessage)
+            return true;
+    }
+}
+
+void SingleInstance::take(int peer, const QByteArray& message) {
+    const char byte = 0;
+    std::ignore = send(peer, &byte, 1, MSG_NOSIGNAL);
+    close(peer);
+    if (m_handler)
+        m_handler(message);
 }
 
 } // namespace framora

@@ -36,6 +36,9 @@ public:
     /// Tells the recording monitors of modifier keys that went down or up, unless the gate is closed.
     void offerModifierChange(std::uint16_t virtualKey, std::uint64_t flags);
 
+    /// A key that the desktop took out of the windows' events. True when somebody was recording.
+    bool offerToRecorder(const KeyEvent& key) { return offer(m_recordingHandlers, key); }
+
     /// Whether the key only changes what other keys mean.
     static bool isModifierKey(std::uint16_t virtualKey);
     /// `keycode` as the window system counts.

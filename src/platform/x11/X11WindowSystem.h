@@ -20,6 +20,7 @@ public:
     explicit X11WindowSystem(const Services& services);
 
     KeyMonitors& keyMonitors() override { return m_keyMonitors; }
+    GlobalShortcuts& globalShortcuts() override { return m_globalShortcuts; }
     KeyboardLayout& keyboardLayout() override { return m_keyboardLayout; }
     DesktopShortcuts& desktopShortcuts() override { return m_desktopShortcuts; }
     Pasteboard& pasteboard() override { return m_pasteboard; }
@@ -32,6 +33,7 @@ public:
 private:
     X11Connection m_connection;
     X11KeyMonitors m_keyMonitors;
+    WatchedShortcuts m_globalShortcuts{m_keyMonitors.canMonitorGlobally()};
     X11Pasteboard m_pasteboard;
     X11Screens m_screens{m_connection};
     X11Permissions m_permissions{m_keyMonitors};

@@ -75,7 +75,7 @@ TEST_F(SingleInstanceTest, theSecondStartIsRefusedAndTellsTheFirst) {
     SingleInstance first(folder.path(), display);
     ASSERT_TRUE(first.acquire());
     int starts = 0;
-    first.onSecondStart([&] { ++starts; });
+    first.onSecondStart([&](const QByteArray&) { ++starts; });
     second.go();
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return starts == 1; }));
     EXPECT_EQ(second.exitCode(), 1);
@@ -89,7 +89,7 @@ TEST_F(SingleInstanceTest, aStartWhileTheFirstIsEndingWaitsAndTakesOver) {
     auto first = std::make_unique<SingleInstance>(folder.path(), display);
     ASSERT_TRUE(first->acquire());
     int starts = 0;
-    first->onSecondStart([&] { ++starts; });
+    first->onSecondStart([&](const QByteArray&) { ++starts; });
     first->endListening();
     second.go();
     EXPECT_FALSE(VirtualDesktop::waitFor([&] { return second.hasEnded(); }, 300));
@@ -151,7 +151,7 @@ TEST_F(SingleInstanceTest, whatAKilledProcessLeftIsTakenOver) {
     SingleInstance next(folder.path(), display);
     ASSERT_TRUE(next.acquire());
     int starts = 0;
-    next.onSecondStart([&] { ++starts; });
+    next.onSecondStart([&](const QByteArray&) { ++starts; });
     second.go();
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return starts == 1; }));
     EXPECT_EQ(second.exitCode(), 1);
