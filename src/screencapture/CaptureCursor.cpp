@@ -1,88 +1,13 @@
 #include "screencapture/CaptureCursor.h"
 
+#include "screencapture/CursorDrawing.h"
 #include "screencapture/XConnection.h"
 
-#include <algorithm>
 #include <cairo.h>
-#include <cmath>
-#include <numbers>
+#include <string_view>
 #include <xcb/render.h>
 
 namespace framora {
-
-namespace {
-
-// Points of the camera's square; the middle is what it points at.
-constexpr int kSide = 31;
-
-/// A cross of whole pixels, whose lines are as thick as those of the overlay and run on in them.
-struct Cross {
-    explicit Cross(double ratio)
-        : line(std::max(1, static_cast<int>(ratio))), hole(static_cast<int>(std::lround(4 * ratio))),
-          arm(static_cast<int>(std::lround(14 * ratio))) {}
-
-    /// The first pixel of its lines, which stands on what it points at.
-    int middle() const { return arm + line; }
-    int side() const { return 2 * middle() + line; }
-
-    void draw(cairo_t* cr) const {
-        cairo_set_source_rgba(cr, 0, 0, 0, 0.55);
-        arms(cr, line);
-        cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
-        cairo_set_source_rgb(cr, 1, 1, 1);
-        arms(cr, 0);
-    }
-
-    int line;
-    int hole; // from the lines that cross to where an arm begins
-    int arm;  // and to where it ends
-
-private:
-    void arms(cairo_t* cr, int grow) const {
-        const int thick = line + 2 * grow;
-        const int length = arm - hole + 2 * grow;
-        for (const int from : {middle() - arm - grow, middle() + line + hole - grow}) {
-            cairo_rectangle(cr, from, middle() - grow, length, thick);
-            cairo_rectangle(cr, middle() - grow, from, thick, length);
-        }
-        cairo_fill(cr);
-    }
-};
-
-void drawCamera(cairo_t* cr) {
-    constexpr double kQuarter = std::numbers::pi / 2;
-    const auto body = [cr](double grow) {
-        const double x = 5 - grow;
-        const double y = 9.5 - grow;
-        const double w = 21 + 2 * grow;
-        const double h = 14.5 + 2 * grow;
-        const double r = 3.5 + grow;
-        cairo_new_path(cr);
-        cairo_move_to(cr, x + r, y);
-        cairo_line_to(cr, 11.5 - grow / 2, y);
-        cairo_line_to(cr, 13 - grow / 2, y - 3);
-        cairo_line_to(cr, 18 + grow / 2, y - 3);
-        cairo_line_to(cr, 19.5 + grow / 2, y);
-        cairo_arc(cr, x + w - r, y + r, r, -kQuarter, 0);
-        cairo_arc(cr, x + w - r, y + h - r, r, 0, kQuarter);
-        cairo_arc(cr, x + r, y + h - r, r, kQuarter, 2 * kQuarter);
-        cairo_arc(cr, x + r, y + r, r, 2 * kQuarter, 3 * kQuarter);
-        cairo_close_path(cr);
-        cairo_fill(cr);
-    };
-    cairo_set_source_rgba(cr, 0, 0, 0, 0.6);
-    body(1.3);
-    cairo_set_source_rgb(cr, 1, 1, 1);
-    body(0);
-    cairo_set_source_rgba(cr, 0.1, 0.1, 0.12, 1);
-    cairo_set_line_width(cr, 1.6);
-    cairo_arc(cr, 15.5, 16.5, 4.2, 0, 2 * std::numbers::pi);
-    cairo_stroke(cr);
-    cairo_arc(cr, 15.5, 16.5, 1.2, 0, 2 * std::numbers::pi);
-    cairo_fill(cr);
-}
-
-} // namespace
 
 CaptureCursor::CaptureCursor(const XConnection& connection, const PictureFormats& formats, double ratio)
     : m_connection(connection), m_format(formats.argb), m_ratio(ratio) {}
@@ -97,19 +22,13 @@ xcb_cursor_t CaptureCursor::forMode(CaptureMode mode) {
 }
 
 xcb_cursor_t CaptureCursor::drawn(CaptureMode mode) const {
-    const bool area = mode == CaptureMode::Area;
-    const Cross cross(m_ratio);
-    const auto side = static_cast<uint16_t>(area ? cross.side() : std::lround(kSide * m_ratio));
+    const CursorDrawing drawing(mode, m_ratio);
+    const auto side = static_cast<uint16_t>(drawing.side());
     if (!m_format || xcb_get_setup(m_connection)->image_byte_order != XCB_IMAGE_ORDER_LSB_FIRST)
         return XCB_CURSOR_NONE;
     cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, side, side);
     cairo_t* cr = cairo_create(surface);
-    if (area) {
-        cross.draw(cr);
-    } else {
-        cairo_scale(cr, m_ratio, m_ratio);
-        drawCamera(cr);
-    }
+    drawing.draw(cr);
     cairo_destroy(cr);
     cairo_surface_flush(surface);
 
@@ -125,7 +44,7 @@ xcb_cursor_t CaptureCursor::drawn(CaptureMode mode) const {
                       static_cast<uint32_t>(side) * side * 4, cairo_image_surface_get_data(surface));
         xcb_render_create_picture(m_connection, picture, pixmap, m_format, 0, nullptr);
         cursor = xcb_generate_id(m_connection);
-        const auto middle = static_cast<uint16_t>(area ? cross.middle() : side / 2);
+        const auto middle = static_cast<uint16_t>(drawing.middle());
         if (!m_connection.succeeded(
                 xcb_render_create_cursor_checked(m_connection, cursor, picture, middle, middle)))
             cursor = XCB_CURSOR_NONE;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "screencapture/ClipboardOwner.h"
 #include "screencapture/ClipboardTransfer.h"
 
 #include <chrono>
@@ -12,7 +13,7 @@ namespace framora {
 /// Owns CLIPBOARD and answers every client that asks for the picture, by the rules of the window system's
 /// inter-client conventions: TARGETS, TIMESTAMP, MULTIPLE, SAVE_TARGETS and image/png, large pictures in
 /// parts.
-class ClipboardServer {
+class ClipboardServer : public ClipboardOwner {
 public:
     /// `png` is kept; the connection belongs to the caller and outlives the server. A client that takes
     /// nothing for as long as `patience` is given up.
@@ -20,10 +21,10 @@ public:
                     std::chrono::milliseconds patience = std::chrono::seconds(10));
 
     /// Takes the clipboard. False when it could not be taken within two seconds.
-    bool own();
+    bool own() override;
     /// Serves until another client owns the clipboard and what was under way has been taken, or until the
     /// connection is lost.
-    void run();
+    void run() override;
 
 private:
     using Clock = std::chrono::steady_clock;

@@ -1,7 +1,5 @@
 #include "screencapture/DetachedClipboard.h"
 
-#include "screencapture/ClipboardServer.h"
-
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -36,22 +34,22 @@ int leaveTheParent(int report) {
     return kReport;
 }
 
-[[noreturn]] void serve(std::vector<uint8_t> png, Picture& picture, int pipeEnd) {
+[[noreturn]] void serve(std::vector<uint8_t> png, const ClipboardOwnerMaker& make,
+                        const std::function<void()>& letGo, int pipeEnd) {
     const int report = leaveTheParent(pipeEnd);
     if (report < 0)
         _exit(1);
-    if (picture.image)
-        picture.image->abandon();
+    if (letGo)
+        letGo();
     malloc_trim(0);
-    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
-    ClipboardServer server(connection, std::move(png));
-    if (!server.own())
+    const auto owner = make(std::move(png));
+    if (!owner || !owner->own())
         _exit(1);
     const char owned = 1;
     const bool told = write(report, &owned, 1) == 1;
     close(report);
     if (told)
-        server.run();
+        owner->run();
     _exit(0);
 }
 
@@ -67,14 +65,15 @@ bool readOne(int pipeEnd) {
 
 } // namespace
 
-bool leaveOnClipboard(std::vector<uint8_t> png, Picture& picture) {
+bool leaveOnClipboard(std::vector<uint8_t> png, const ClipboardOwnerMaker& make,
+                      const std::function<void()>& letGo) {
     int ends[2];
     if (pipe2(ends, O_CLOEXEC) != 0)
         return false;
     const pid_t child = fork();
     if (child == 0) {
         close(ends[0]);
-        serve(std::move(png), picture, ends[1]);
+        serve(std::move(png), make, letGo, ends[1]);
     }
     close(ends[1]);
     const bool owned = child > 0 && readOne(ends[0]);

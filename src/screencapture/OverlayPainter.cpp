@@ -49,8 +49,11 @@ void frameBox(cairo_t* cr, const Rect& r, int thick) {
 } // namespace
 
 OverlayPainter::OverlayPainter(const PixelImage& frozen, PixelImage& frame, double ratio)
-    : m_frozen(frozen), m_frame(frame), m_ratio(ratio), m_line(std::max(1, static_cast<int>(ratio))),
-      m_label(ratio),
+    : OverlayPainter(frozen, frame, ratio, {0, 0, frame.width(), frame.height()}) {}
+
+OverlayPainter::OverlayPainter(const PixelImage& frozen, PixelImage& frame, double ratio, const Rect& screen)
+    : m_frozen(frozen), m_frame(frame), m_screen(screen), m_ratio(ratio),
+      m_line(std::max(1, static_cast<int>(ratio))), m_label(ratio),
       m_surface(cairo_image_surface_create_for_data(reinterpret_cast<unsigned char*>(frame.row(0)),
                                                     CAIRO_FORMAT_RGB24, frame.width(), frame.height(),
                                                     static_cast<int>(frame.strideBytes()))),
@@ -130,16 +133,16 @@ void OverlayPainter::paintBase(const OverlayScene& scene, const Rect& part) {
 void OverlayPainter::paintSelection(cairo_t* cr, const Rect& selection) const {
     // White around the picked pixels, dark around the white: crisp on any picture. At the screen's edge the
     // line moves inside, as it would be lost outside.
-    const Rect dark = selection.grown(2 * m_line).intersected(bounds());
+    const Rect dark = selection.grown(2 * m_line).intersected(m_screen);
     cairo_set_source_rgba(cr, 0, 0, 0, 0.35);
     frameBox(cr, dark, m_line);
-    const Rect white = selection.grown(m_line).intersected(bounds());
+    const Rect white = selection.grown(m_line).intersected(m_screen);
     cairo_set_source_rgba(cr, 1, 1, 1, 0.95);
     frameBox(cr, white, m_line);
 }
 
 void OverlayPainter::paintHighlight(cairo_t* cr, const OverlayScene& scene) const {
-    const Rect shown = scene.highlight.intersected(bounds());
+    const Rect shown = scene.highlight.intersected(m_screen);
     cairo_set_source_rgba(cr, kAccent[0], kAccent[1], kAccent[2], 0.24);
     for (const Rect& part : scene.inView)
         cairo_rectangle(cr, part.x, part.y, part.width, part.height);

@@ -18,6 +18,9 @@ public:
 
     /// `frozen` and `frame` have one size and outlive the painter; `ratio` is device pixels a point.
     OverlayPainter(const PixelImage& frozen, PixelImage& frame, double ratio);
+    /// For a frame that is only a part of the screen, which is this box around it: what is selected may go on
+    /// beyond the frame.
+    OverlayPainter(const PixelImage& frozen, PixelImage& frame, double ratio, const Rect& screen);
 
     SizeLabel& label() { return m_label; }
     /// The boxes in which two scenes differ, clipped to the frame; they may overlap.
@@ -39,6 +42,7 @@ private:
 
     const PixelImage& m_frozen;
     PixelImage& m_frame;
+    Rect m_screen;
     double m_ratio;
     int m_line; // pixels of a thin line
     SizeLabel m_label;

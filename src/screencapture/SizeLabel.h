@@ -16,6 +16,7 @@ public:
 
     /// Loads the font, some ten milliseconds the first time; the other functions do it when it was not done.
     void prepare();
+    bool prepared() const { return m_prepared; }
     /// The pill's size in pixels for a selection of width x height.
     Rect measured(int width, int height);
     /// Draws the pill into `box`.

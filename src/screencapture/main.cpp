@@ -1,9 +1,13 @@
 #include "editor/render/raster/PngEncoder.h"
 #include "screencapture/Arguments.h"
+#include "screencapture/BusRoutes.h"
 #include "screencapture/CaptureSession.h"
-#include "screencapture/DetachedClipboard.h"
 #include "screencapture/SingleInstance.h"
 #include "screencapture/XConnection.h"
+#include "screencapture/wayland/CaptureLock.h"
+#include "screencapture/wayland/SessionClipboard.h"
+#include "screencapture/wayland/WaylandConnection.h"
+#include "screencapture/wayland/WaylandRoutes.h"
 
 #include <cstdio>
 #include <new>
@@ -18,12 +22,29 @@ int failed(const std::string& why) {
     return Failed;
 }
 
-int capture(CaptureMode mode) {
-    const XConnection connection;
-    if (!connection.valid())
-        return failed("no X display can be opened");
+// Whoever started a second capture sees the first one.
+int alreadyOpen() {
+    failed("a capture is already open");
+    return Cancelled;
+}
+
+/// Puts a route's picture where the session's programs find it.
+int finish(CaptureResult result) {
+    switch (result.outcome) {
+    case CaptureResult::Outcome::Cancelled:
+        return Cancelled;
+    case CaptureResult::Outcome::NotHere:
+    case CaptureResult::Outcome::Failed:
+        return failed(result.why);
+    case CaptureResult::Outcome::Captured:
+        break;
+    }
+    return leaveOnSessionClipboard(std::move(result.png)) ? Done : failed("the clipboard cannot be taken");
+}
+
+int captureOnX(const XConnection& connection, CaptureMode mode) {
     if (!claimSingleInstance(connection))
-        return failed("a capture is already open");
+        return alreadyOpen();
     CaptureSession session(connection, mode);
     switch (session.run()) {
     case CaptureSession::Outcome::Cancelled:
@@ -42,9 +63,46 @@ int capture(CaptureMode mode) {
         raster::encodePng(view, raster::pixelsPerMetre(72 * session.pixelRatio()), raster::PngSpeed::fastest);
     if (png.empty())
         return failed("the picture is too large for the memory there is");
-    if (!leaveOnClipboard(std::move(png), picture))
-        return failed("the clipboard cannot be taken");
-    return Done;
+    return leaveOnXClipboard(std::move(png), [&picture] { picture.image->abandon(); })
+               ? Done
+               : failed("the clipboard cannot be taken");
+}
+
+/// A session is the one of the compositor that WAYLAND_DISPLAY names, if it answers; an X server beside it
+/// shows only a part of it.
+int capture(const Arguments& arguments) {
+    {
+        WaylandConnection wayland;
+        if (wayland.valid()) {
+            const CaptureLock lock;
+            return lock.claimed() ? finish(captureOnWayland(wayland, arguments)) : alreadyOpen();
+        }
+    }
+    const XConnection connection;
+    if (connection.valid())
+        return captureOnX(connection, arguments.mode);
+    BusRoutes* const routes = busRoutes();
+    if (!routes)
+        return failed("no display can be opened");
+    return finish(routes->portal({arguments.parentWindow, {}})->run(arguments.mode));
+}
+
+int askPermission(const Arguments& arguments) {
+    BusRoutes* const routes = busRoutes();
+    if (!routes)
+        return failed("the desktop cannot be asked");
+    const CaptureResult result = routes->askPermission({arguments.parentWindow, {}});
+    if (result.outcome == CaptureResult::Outcome::Captured)
+        return Done;
+    return result.outcome == CaptureResult::Outcome::Cancelled ? Cancelled : failed(result.why);
+}
+
+/// Whether there is a route that asks nobody.
+int checkRoute() {
+    WaylandConnection wayland;
+    if (wayland.valid() ? routeWithoutAsking(wayland) : XConnection().valid())
+        return Done;
+    return failed("the desktop's portal has to be asked");
 }
 
 } // namespace
@@ -58,8 +116,16 @@ int main(int argc, char** argv) {
         return framora::BadUsage;
     }
     try {
-        return framora::capture(arguments->mode);
+        switch (arguments->task) {
+        case framora::Arguments::Task::Capture:
+            return framora::capture(*arguments);
+        case framora::Arguments::Task::AskPermission:
+            return framora::askPermission(*arguments);
+        case framora::Arguments::Task::CheckRoute:
+            return framora::checkRoute();
+        }
     } catch (const std::bad_alloc&) {
         return framora::failed("out of memory");
     }
+    return framora::BadUsage;
 }

@@ -1,0 +1,65 @@
+#include "screencapture/wayland/WaylandRoutes.h"
+
+#include "screencapture/BusRoutes.h"
+#include "screencapture/wayland/OutputList.h"
+#include "screencapture/wayland/OverlayCapture.h"
+#include "screencapture/wayland/Screencopy.h"
+#include "screencapture/wayland/SwayWindows.h"
+#include "screencapture/wayland/WaylandConnection.h"
+
+namespace framora {
+
+namespace {
+
+bool isNotHere(const CaptureResult& result) {
+    return result.outcome == CaptureResult::Outcome::NotHere;
+}
+
+CaptureResult captureWithOverlay(WaylandConnection& connection, ScreenFreezer& freezer, CaptureMode mode) {
+    SwayWindows windows;
+    if (mode == CaptureMode::Window && !windows.available())
+        return CaptureResult::notHere("the compositor does not tell where its windows are");
+    return OverlayCapture(connection, freezer, windows.available() ? &windows : nullptr).run(mode);
+}
+
+CaptureResult captureOverBus(WaylandConnection& connection, const Arguments& arguments,
+                             const std::string& why) {
+    BusRoutes* const routes = busRoutes();
+    if (!routes)
+        return CaptureResult::notHere(why);
+    if (OverlayCapture::possibleOn(connection))
+        if (const auto screens = routes->kwinScreens()) {
+            auto result = captureWithOverlay(connection, *screens, arguments.mode);
+            if (!isNotHere(result))
+                return result;
+        }
+    if (arguments.mode == CaptureMode::Window)
+        if (const auto pick = routes->kwinWindow()) {
+            auto result = pick->run(arguments.mode);
+            if (!isNotHere(result))
+                return result;
+        }
+    OutputList outputs(connection);
+    connection.roundtrip();
+    return routes->portal({arguments.parentWindow, outputs.take()})->run(arguments.mode);
+}
+
+} // namespace
+
+CaptureResult captureOnWayland(WaylandConnection& connection, const Arguments& arguments) {
+    auto result = CaptureResult::notHere("the compositor offers no way to take a picture");
+    if (OverlayCapture::possibleOn(connection) && Screencopy::offeredBy(connection)) {
+        Screencopy screens(connection);
+        result = captureWithOverlay(connection, screens, arguments.mode);
+    }
+    return isNotHere(result) ? captureOverBus(connection, arguments, result.why) : result;
+}
+
+bool routeWithoutAsking(WaylandConnection& connection) {
+    if (OverlayCapture::possibleOn(connection) && Screencopy::offeredBy(connection))
+        return true;
+    BusRoutes* const routes = busRoutes();
+    return routes && routes->kwinScreens();
+}
+
+} // namespace framora
