@@ -87,8 +87,11 @@ void DesktopSession::startBus(const QStringList& services) {
     start(QStringLiteral("dbus-daemon"), {QStringLiteral("--nofork"), QStringLiteral("--nopidfile"),
                                           QStringLiteral("--config-file=") + configuration});
     const QString socket = runtimePath() + QStringLiteral("/bus");
-    requireSoon("session bus", [&] { return QFile::exists(socket); });
     m_environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=") + socket);
+    // Its socket is there a moment before it listens.
+    requireSoon("session bus", [&] {
+        return QFile::exists(socket) && serviceIsOnBus(QStringLiteral("org.freedesktop.DBus"));
+    });
 }
 
 void DesktopSession::startAccessibility() {
