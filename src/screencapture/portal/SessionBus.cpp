@@ -118,7 +118,9 @@ SessionBus::Turn SessionBus::run(const std::function<bool()>& condition, std::ch
                             {m_signals, POLLIN, 0}};
         if (poll(waiting, 2, pollTime(m_bus.get(), end)) < 0 && errno != EINTR)
             return Turn::BusGone;
-        if (waiting[1].revents & POLLIN)
+        // Taken, so that it does not end the process when it is let through again.
+        signalfd_siginfo signal;
+        if (waiting[1].revents & POLLIN && read(m_signals, &signal, sizeof signal) > 0)
             return Turn::Ended;
     }
     return Turn::Condition;
