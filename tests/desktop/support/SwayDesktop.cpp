@@ -149,12 +149,17 @@ void SwayDesktop::startCompositor(const SwayOptions& options) {
             throw std::runtime_error("sway ended: " + sway.output().toStdString());
         const auto sockets =
             QDir(swayPath("runtime")).entryList({QStringLiteral("wayland-?")}, QDir::System | QDir::Files);
-        if (sockets.isEmpty() || !QFile::exists(ipc))
+        if (sockets.isEmpty())
             return false;
         m_waylandDisplay = swayPath("runtime/") + sockets.front();
+        try {
+            // The socket is there a moment before somebody listens.
+            m_ipc = std::make_unique<SwayIpc>(ipc);
+        } catch (const std::runtime_error&) {
+            return false;
+        }
         return true;
     });
-    m_ipc = std::make_unique<SwayIpc>(ipc);
     m_environment.insert(QStringLiteral("WAYLAND_DISPLAY"), m_waylandDisplay);
     m_environment.insert(QStringLiteral("SWAYSOCK"), ipc);
 
