@@ -16,10 +16,29 @@ QString atomName(xcb_connection_t* connection, xcb_atom_t atom) {
                  : QString();
 }
 
+/// Qt's screen in pixels: its origin is the server's, its size is in points.
+QRect pixelFrame(const QScreen& screen) {
+    const double ratio = screen.devicePixelRatio();
+    return {screen.geometry().topLeft(),
+            QSize(qRound(screen.size().width() * ratio), qRound(screen.size().height() * ratio))};
+}
+
+/// What Qt gives the windows on that monitor: each may have a ratio of its own. Qt knows outputs, the server
+/// also monitors that are a part of one, or several together.
+double ratioOf(const QString& name, const QRect& frame) {
+    const auto screens = QGuiApplication::screens();
+    for (const QScreen* screen : screens)
+        if (screen->name() == name)
+            return screen->devicePixelRatio();
+    for (const QScreen* screen : screens)
+        if (pixelFrame(*screen).contains(frame.center()))
+            return screen->devicePixelRatio();
+    return qGuiApp->devicePixelRatio();
+}
+
 } // namespace
 
 std::vector<Screen> X11Screens::screens() {
-    const double ratio = qGuiApp->devicePixelRatio();
     std::vector<Screen> screens;
     const auto* randr = xcb_get_extension_data(m_connection, &xcb_randr_id);
     if (m_connection.isValid() && randr && randr->present) {
@@ -29,18 +48,16 @@ std::vector<Screen> X11Screens::screens() {
             for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem;
                  xcb_randr_monitor_info_next(&it)) {
                 const QRect frame(it.data->x, it.data->y, it.data->width, it.data->height);
+                const QString name = atomName(m_connection, it.data->name);
                 if (!frame.isEmpty())
                     screens.insert(it.data->primary ? screens.begin() : screens.end(),
-                                   Screen{frame, ratio, atomName(m_connection, it.data->name)});
+                                   Screen{frame, ratioOf(name, frame), name});
             }
         }
     }
     if (screens.empty()) {
-        for (const QScreen* screen : QGuiApplication::screens()) {
-            const double own = screen->devicePixelRatio();
-            const QSize pixels(qRound(screen->size().width() * own), qRound(screen->size().height() * own));
-            screens.push_back({QRect(screen->geometry().topLeft(), pixels), own, screen->name()});
-        }
+        for (const QScreen* screen : QGuiApplication::screens())
+            screens.push_back({pixelFrame(*screen), screen->devicePixelRatio(), screen->name()});
     }
     return screens;
 }
