@@ -1,9 +1,11 @@
 #include "platform/wayland/WaylandWindowSystem.h"
 
 #include "platform/desktop/AdoptingPasteboard.h"
+#include "platform/desktop/CurrentDesktop.h"
+#include "platform/desktop/NotificationToastPanels.h"
 #include "platform/wayland/WaylandPasteboard.h"
+#include "platform/wayland/WaylandToastPanels.h"
 #include "platform/x11/X11Pasteboard.h"
-#include "platform/x11/X11ToastPanels.h"
 
 namespace framora {
 
@@ -12,7 +14,9 @@ WaylandWindowSystem::WaylandWindowSystem(std::unique_ptr<WaylandConnection> conn
     : m_connection(std::move(connection)), m_application(services.notifications),
       m_globalShortcuts({m_shortcutsPortal, services.mainQueue, services.notifications, services.gate,
                          m_keyboardLayout, services.wantedShortcuts,
-                         [this](const QString& token) { m_application.useActivationToken(token); }}),
+                         [this](const QString& token) { m_application.useActivationToken(token); },
+                         // Plasma tells keys with Shift by the sign that they print.
+                         isCurrentDesktop("KDE") ? ShiftStyle::inTheSign : ShiftStyle::besideTheKey}),
       m_keyMonitors(services.gate, m_globalShortcuts), m_outputs(*m_connection),
       m_screens(*m_connection, m_outputs), m_pasteboard(makePasteboard(services)),
       m_toastPanels(makeToastPanels(services)) {
@@ -33,7 +37,12 @@ std::unique_ptr<Pasteboard> WaylandWindowSystem::makePasteboard(const Services& 
 }
 
 std::unique_ptr<ToastPanels> WaylandWindowSystem::makeToastPanels(const Services& services) {
-    return std::make_unique<X11ToastPanels>(services.mainQueue);
+    if (WaylandToastPanels::areOffered(*m_connection))
+        return std::make_unique<WaylandToastPanels>(
+            *m_connection, m_outputs, services.mainQueue,
+            [this](const QString& token) { m_application.useActivationToken(token); });
+    return std::make_unique<NotificationToastPanels>(
+        services.mainQueue, [this](const QString& token) { m_application.useActivationToken(token); });
 }
 
 } // namespace framora

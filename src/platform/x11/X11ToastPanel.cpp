@@ -1,5 +1,7 @@
 #include "platform/x11/X11ToastPanel.h"
 
+#include "platform/ToastFade.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -19,29 +21,6 @@ constexpr int probesUnseen = 6;
 constexpr int mostProbes = 40;
 /// A pixel of the card itself is opaque but for the smoothing of its edge; the shadow never gets near this.
 constexpr int leastCardAlpha = 150;
-
-/// The usual easing curves of user interfaces, as cubic Bezier curves.
-QEasingCurve curveFor(ToastPanel::Easing easing) {
-    QEasingCurve curve(QEasingCurve::BezierSpline);
-    if (easing == ToastPanel::Easing::easeOut)
-        curve.addCubicBezierSegment({0, 0}, {0.58, 1}, {1, 1});
-    else
-        curve.addCubicBezierSegment({0.42, 0}, {1, 1}, {1, 1});
-    return curve;
-}
-
-/// Every premultiplied pixel times `alpha`.
-void fade(const QImage& from, QImage& to, double alpha) {
-    const auto factor = std::uint32_t(std::lround(std::clamp(alpha, 0.0, 1.0) * 256));
-    const auto count = std::size_t(from.width()) * std::size_t(from.height());
-    const auto* in = reinterpret_cast<const std::uint32_t*>(from.constBits());
-    auto* out = reinterpret_cast<std::uint32_t*>(to.bits());
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::uint32_t pixel = in[i];
-        out[i] = (((pixel & 0x00ff00ff) * factor >> 8) & 0x00ff00ff) |
-                 (((pixel >> 8) & 0x00ff00ff) * factor & 0xff00ff00);
-    }
-}
 
 /// The picture laid on an opaque ground.
 void flatten(const QImage& from, QImage& to, QRgb ground) {
@@ -210,7 +189,7 @@ void X11ToastPanel::put() {
         flatten(m_image, m_frame, m_content->cardColor().rgb());
         picture = &m_frame;
     } else if (m_alpha < 1) {
-        fade(m_image, m_frame, m_alpha);
+        fadeToast(m_image, m_frame, m_alpha);
         picture = &m_frame;
     }
     // In slices that the server's longest request holds.
@@ -263,7 +242,7 @@ void X11ToastPanel::animateAlpha(double alpha, double seconds, Easing easing, st
     animation->from = m_alpha;
     animation->to = alpha;
     animation->seconds = seconds;
-    animation->curve = curveFor(easing);
+    animation->curve = toastCurve(easing);
     animation->done = std::move(done);
     animation->start = std::chrono::steady_clock::now();
     animation->timer = m_queue.every(frameSeconds, [this] { step(); });
