@@ -2,6 +2,7 @@
 
 #include "feedback/Thumbnail.h"
 #include "feedback/ToastCard.h"
+#include "platform/Localized.h"
 #include "platform/Symbols.h"
 
 #include <QPainter>
@@ -147,6 +148,10 @@ void InteractiveToastView::drawThumbnail(QPainter& painter, const QRectF& box, d
     painter.strokePath(
         ToastCard::outline(box.adjusted(line / 2, line / 2, -line / 2, -line / 2), thumbnailRadius),
         QPen(m_palette.hairline, line));
+}
+
+ToastSummary InteractiveToastView::summary() const {
+    return {message, m_hint, localized(QStringLiteral("toast.edit.action")), m_thumbnail, true, seconds};
 }
 
 bool InteractiveToastView::setHovered(bool hovered) {

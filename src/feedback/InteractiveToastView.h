@@ -16,6 +16,8 @@ public:
     InteractiveToastView(QString message, QString icon, std::function<void()> onEdit, const QImage& image,
                          QString hint, ToastPalette palette);
 
+    static constexpr double seconds = 3.0; ///< How long it is shown.
+
     QString message;              ///< Localised.
     QString icon;                 ///< A symbol's name.
     std::function<void()> onEdit; ///< Empty once it was chosen: a toast edits once.
@@ -26,6 +28,7 @@ public:
     double cardCornerRadius() const override;
     QColor cardColor() const override;
     QImage paint(QSizeF panelSize, double pixelRatio) const override;
+    ToastSummary summary() const override;
     bool setHovered(bool hovered) override;
     void press(QPointF position) override;
 

@@ -12,8 +12,6 @@ namespace {
 
 constexpr double fadeInSeconds = 0.2;
 constexpr double fadeOutSeconds = 0.3;
-constexpr double plainSeconds = 1.8;
-constexpr double interactiveSeconds = 3.0;
 
 } // namespace
 
@@ -24,7 +22,7 @@ ToastManager::~ToastManager() = default;
 
 void ToastManager::show(const QString& message, const QString& icon, bool success) {
     closeCurrent();
-    present(true, plainSeconds,
+    present(true, ToastView::seconds,
             std::make_unique<ToastView>(message, icon, success, ToastPalette::of(m_services.appearance)));
 }
 
@@ -40,7 +38,7 @@ void ToastManager::showInteractive(const QString& message, const QString& icon, 
         if (openEditor)
             openEditor(image);
     };
-    present(false, interactiveSeconds,
+    present(false, InteractiveToastView::seconds,
             std::make_unique<InteractiveToastView>(message, icon, std::move(onEdit), image,
                                                    localized(QStringLiteral("toast.edit")),
                                                    ToastPalette::of(m_services.appearance)));

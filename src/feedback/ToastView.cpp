@@ -27,6 +27,10 @@ ToastView::ToastView(QString text, QString symbol, bool isSuccess, ToastPalette 
     }
 }
 
+ToastSummary ToastView::summary() const {
+    return {message, {}, {}, {}, success, seconds};
+}
+
 QRectF ToastView::bounds(QSizeF panelSize) const {
     return ToastCard::boundsWithShadow(cardRect(panelSize));
 }

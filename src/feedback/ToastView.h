@@ -12,6 +12,8 @@ class ToastView final : public ToastContent {
 public:
     ToastView(QString message, QString icon, bool success, ToastPalette palette);
 
+    static constexpr double seconds = 1.8; ///< How long it is shown.
+
     QString message; ///< Localised.
     QString icon;    ///< A symbol's name.
     bool success;    ///< False for failures: icon and edge turn red.
@@ -21,6 +23,7 @@ public:
     double cardCornerRadius() const override;
     QColor cardColor() const override;
     QImage paint(QSizeF panelSize, double pixelRatio) const override;
+    ToastSummary summary() const override;
     bool setHovered(bool) override { return false; }
     void press(QPointF) override {}
 

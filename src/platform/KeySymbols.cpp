@@ -140,6 +140,18 @@ constexpr std::array symbols{
     KeySymbol{0x1000 + 119, "Pause"},
 };
 
+/// Signs with Shift on a US keyboard.
+constexpr std::array shiftedSymbols{
+    KeySymbol{18, "exclam"},     KeySymbol{19, "at"},         KeySymbol{20, "numbersign"},
+    KeySymbol{21, "dollar"},     KeySymbol{23, "percent"},    KeySymbol{22, "asciicircum"},
+    KeySymbol{26, "ampersand"},  KeySymbol{28, "asterisk"},   KeySymbol{25, "parenleft"},
+    KeySymbol{29, "parenright"}, KeySymbol{27, "underscore"}, KeySymbol{24, "plus"},
+    KeySymbol{33, "braceleft"},  KeySymbol{30, "braceright"}, KeySymbol{42, "bar"},
+    KeySymbol{41, "colon"},      KeySymbol{39, "quotedbl"},   KeySymbol{43, "less"},
+    KeySymbol{47, "greater"},    KeySymbol{44, "question"},   KeySymbol{50, "asciitilde"},
+    KeySymbol{10, "greater"},
+};
+
 struct SignName {
     char16_t sign;
     const char* name;
@@ -184,6 +196,19 @@ QString latinSymbol(QChar letter) {
     return QStringLiteral("U%1").arg(uint{code}, 4, 16, QLatin1Char('0')).toUpper();
 }
 
+/// What the key prints with Shift, where that is a sign of its own; empty for letters and other keys.
+QString shiftedSign(std::uint16_t virtualCode, const KeyboardLayout& layout) {
+    if (!isPrintingKey(virtualCode))
+        return {};
+    const QString printed = layout.shiftedTextOfKey(virtualCode);
+    if (printed.size() == 1) {
+        const bool isCapital = printed.toLower() != printed;
+        return isCapital ? QString() : latinSymbol(printed.front());
+    }
+    const auto found = std::ranges::find(shiftedSymbols, virtualCode, &KeySymbol::virtualCode);
+    return found == shiftedSymbols.end() ? QString() : QString::fromLatin1(found->name);
+}
+
 } // namespace
 
 const char* keySymbol(std::uint16_t virtualCode) {
@@ -205,14 +230,21 @@ QString keySymbol(std::uint16_t virtualCode, const KeyboardLayout& layout) {
     return QLatin1String(standard);
 }
 
-QString portalTrigger(std::uint16_t virtualCode, std::uint64_t modifiers, const KeyboardLayout& layout) {
+QString portalTrigger(std::uint16_t virtualCode, std::uint64_t modifiers, const KeyboardLayout& layout,
+                      ShiftStyle style) {
     modifiers &= KeyModifier::shortcutMask;
     // Without modifiers this code stands for no key at all.
     if (virtualCode == 0 && modifiers == 0)
         return {};
-    const QString symbol = keySymbol(virtualCode, layout);
+    QString symbol = keySymbol(virtualCode, layout);
     if (symbol.isEmpty())
         return {};
+    if (style == ShiftStyle::inTheSign && (modifiers & KeyModifier::shift)) {
+        if (const QString sign = shiftedSign(virtualCode, layout); !sign.isEmpty()) {
+            symbol = sign;
+            modifiers &= ~KeyModifier::shift;
+        }
+    }
     QString trigger;
     if (modifiers & KeyModifier::command)
         trigger += QLatin1String("LOGO+");

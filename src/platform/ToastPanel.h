@@ -5,10 +5,21 @@
 #include <QColor>
 #include <QImage>
 #include <QPointF>
+#include <QString>
 #include <functional>
 #include <memory>
 
 namespace framora {
+
+/// A toast in words and a picture, for desktops that show such things themselves.
+struct ToastSummary {
+    QString message;
+    QString hint;        ///< What can be done; empty for nothing.
+    QString action;      ///< The name of what a press does; empty for nothing.
+    QImage picture;      ///< Small; null for none.
+    bool success = true; ///< False for failures.
+    double seconds = 0;  ///< How long it is shown.
+};
 
 /// What a toast panel shows: a card somewhere inside the panel, in points, y down, from the panel's top left.
 class ToastContent {
@@ -24,6 +35,7 @@ public:
     virtual QColor cardColor() const = 0;
     /// Draws bounds() as premultiplied ARGB at `pixelRatio`.
     virtual QImage paint(QSizeF panelSize, double pixelRatio) const = 0;
+    virtual ToastSummary summary() const = 0;
     /// Pointer inside the card or not. Returns true when the content has to be drawn again.
     virtual bool setHovered(bool hovered) = 0;
     /// A press of the primary button at `position` inside the card.

@@ -2,7 +2,6 @@
 
 #include "platform/CommandGate.h"
 #include "platform/KeyMonitors.h"
-#include "platform/KeySymbols.h"
 #include "platform/KeyboardLayout.h"
 #include "platform/Notifications.h"
 #include "platform/desktop/ShortcutKeys.h"
@@ -131,8 +130,9 @@ void PortalShortcuts::synchronizeLater() {
 std::vector<ShortcutsPortal::Wish> PortalShortcuts::wishes() const {
     std::vector<ShortcutsPortal::Wish> all;
     for (const GlobalShortcut& shortcut : m_services.wanted())
-        all.push_back({shortcut.id, shortcut.description,
-                       portalTrigger(shortcut.keyCode, shortcut.modifiers, m_services.layout)});
+        all.push_back(
+            {shortcut.id, shortcut.description,
+             portalTrigger(shortcut.keyCode, shortcut.modifiers, m_services.layout, m_services.shiftStyle)});
     return all;
 }
 

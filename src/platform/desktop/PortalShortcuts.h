@@ -2,6 +2,7 @@
 
 #include "platform/GlobalShortcuts.h"
 #include "platform/KeyMonitors.h"
+#include "platform/KeySymbols.h"
 #include "platform/MainQueue.h"
 #include "platform/NotificationCenter.h"
 #include "platform/desktop/ShortcutsPortal.h"
@@ -34,6 +35,7 @@ public:
         const KeyboardLayout& layout;
         std::function<std::vector<GlobalShortcut>()> wanted;
         std::function<void(const QString&)> tokenGiven;
+        ShiftStyle shiftStyle = ShiftStyle::besideTheKey;
     };
 
     explicit PortalShortcuts(Services services);

@@ -44,18 +44,18 @@ bool isKeypadKey(std::uint16_t virtualKey) {
 
 } // namespace
 
-QString xkbKeyText(xkb_keymap* keymap, xkb_layout_index_t group, std::uint16_t virtualKey) {
+QString xkbKeyText(xkb_keymap* keymap, xkb_layout_index_t group, std::uint16_t virtualKey, bool shifted) {
     const auto evdev = evdevFromVirtualKey(virtualKey);
     const std::unique_ptr<xkb_state, StateReleaser> state(xkb_state_new(keymap));
     if (!evdev || !state)
         return {};
-    xkb_mod_mask_t locked = 0;
-    if (isKeypadKey(virtualKey)) {
-        const auto numLock = xkb_keymap_mod_get_index(keymap, XKB_MOD_NAME_NUM);
-        if (numLock != XKB_MOD_INVALID)
-            locked = xkb_mod_mask_t{1} << numLock;
-    }
-    xkb_state_update_mask(state.get(), 0, 0, locked, 0, 0, group);
+    const auto maskOf = [keymap](const char* modifier) {
+        const auto index = xkb_keymap_mod_get_index(keymap, modifier);
+        return index == XKB_MOD_INVALID ? xkb_mod_mask_t{0} : xkb_mod_mask_t{1} << index;
+    };
+    const xkb_mod_mask_t locked = isKeypadKey(virtualKey) ? maskOf(XKB_MOD_NAME_NUM) : 0;
+    const xkb_mod_mask_t held = shifted ? maskOf(XKB_MOD_NAME_SHIFT) : 0;
+    xkb_state_update_mask(state.get(), held, 0, locked, 0, 0, group);
     const xkb_keycode_t keycode = *evdev + evdevOffset;
 
     const auto keysym = xkb_state_key_get_one_sym(state.get(), keycode);

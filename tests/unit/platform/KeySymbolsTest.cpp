@@ -20,7 +20,12 @@ public:
         const auto found = texts.find(virtualKey);
         return found == texts.end() ? QString() : found->second;
     }
+    QString shiftedTextOfKey(std::uint16_t virtualKey) const override {
+        const auto found = shifted.find(virtualKey);
+        return found == shifted.end() ? QString() : found->second;
+    }
     std::map<std::uint16_t, QString> texts;
+    std::map<std::uint16_t, QString> shifted;
 };
 
 bool isModifier(std::uint16_t virtualCode) {
@@ -68,6 +73,22 @@ TEST(KeySymbolsTest, aShortcutIsWrittenWithItsModifiersInFront) {
     EXPECT_EQ(portalTrigger(17, control, layout), QStringLiteral("CTRL+t"));
     EXPECT_EQ(portalTrigger(122, 0, layout), QStringLiteral("F1"));
     EXPECT_EQ(portalTrigger(0x1000 + 99, shift, layout), QStringLiteral("SHIFT+Print"));
+}
+
+TEST(KeySymbolsTest, shiftGoesIntoTheSignForDesktopsThatSayItSo) {
+    PrintedKeys layout;
+    const auto trigger = [&](std::uint16_t key, std::uint64_t modifiers) {
+        return portalTrigger(key, modifiers, layout, ShiftStyle::inTheSign);
+    };
+    EXPECT_EQ(trigger(21, shift | option), QStringLiteral("ALT+dollar"));
+    EXPECT_EQ(trigger(21, option), QStringLiteral("ALT+4"));
+    EXPECT_EQ(trigger(17, shift | option), QStringLiteral("ALT+SHIFT+t")) << "a letter stays one";
+    EXPECT_EQ(trigger(122, shift), QStringLiteral("SHIFT+F1"));
+    EXPECT_EQ(trigger(0x1000 + 99, shift), QStringLiteral("SHIFT+Print"));
+    layout.texts = {{21, QStringLiteral("'")}, {41, QStringLiteral("m")}};
+    layout.shifted = {{21, QStringLiteral("4")}, {41, QStringLiteral("M")}};
+    EXPECT_EQ(trigger(21, shift | option), QStringLiteral("ALT+4"));
+    EXPECT_EQ(trigger(41, shift | option), QStringLiteral("ALT+SHIFT+m"));
 }
 
 TEST(KeySymbolsTest, bitsThatAreNoModifiersOfShortcutsAreLeftOut) {
