@@ -1,0 +1,77 @@
+#include "screencapture/portal/HandedFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace framora {
+namespace {
+
+TEST(HandedFileTest, ReadsFileUrisOfThisMachineOnly) {
+    EXPECT_EQ(pathOfFileUri("file:///home/a%20b/%C3%A4.png"), "/home/a b/\xc3\xa4.png");
+    EXPECT_EQ(pathOfFileUri("file://localhost/a.png"), "/a.png");
+    EXPECT_EQ(pathOfFileUri("file:/a.png"), "/a.png");
+    EXPECT_EQ(pathOfFileUri("file:///a%2fb"), "/a/b");
+    for (const char* uri : {"", "a.png", "/a.png", "file:", "file:a.png", "file://", "file://host/a.png",
+                            "file://host", "http:///a.png", "FILES:///a", "file:///a%", "file:///a%2",
+                            "file:///a%zz", "file:///a%00b", "file:///a?b", "file:///a#b"})
+        EXPECT_EQ(pathOfFileUri(uri), std::nullopt) << uri;
+}
+
+class HandedFileOnDisk : public testing::Test {
+protected:
+    std::string pathOf(const char* name) const { return folder.filePath(QLatin1String(name)).toStdString(); }
+    std::string write(const char* name, const QByteArray& contents) const {
+        QFile file(folder.filePath(QLatin1String(name)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(contents);
+        return pathOf(name);
+    }
+
+    QTemporaryDir folder;
+};
+
+TEST_F(HandedFileOnDisk, GivesTheBytesAndRemovesTheFile) {
+    const std::string path = write("a.png", "picture");
+    const HandedFile file = HandedFile::take(path);
+    EXPECT_EQ(std::string(file.bytes.begin(), file.bytes.end()), "picture");
+    EXPECT_EQ(file.failure, "");
+    EXPECT_NE(access(path.c_str(), F_OK), 0);
+}
+
+TEST_F(HandedFileOnDisk, RemovesAnEmptyOneAndATooLargeOneUnread) {
+    const std::string empty = write("empty.png", {});
+    EXPECT_NE(HandedFile::take(empty).failure, "");
+    EXPECT_NE(access(empty.c_str(), F_OK), 0);
+    const std::string large = write("large.png", "x");
+    ASSERT_EQ(truncate(large.c_str(), off_t(HandedFile::kLargest) + 1), 0);
+    const HandedFile file = HandedFile::take(large);
+    EXPECT_TRUE(file.bytes.empty());
+    EXPECT_NE(file.failure, "");
+    EXPECT_NE(access(large.c_str(), F_OK), 0);
+}
+
+TEST_F(HandedFileOnDisk, LeavesWhatIsNoRegularFile) {
+    const std::string kept = write("kept.png", "kept");
+    const std::string link = pathOf("link.png");
+    ASSERT_EQ(symlink(kept.c_str(), link.c_str()), 0);
+    const std::string pipe = pathOf("pipe.png");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::string& path : {link, pipe, folder.path().toStdString(), std::string("/dev/zero")}) {
+        const HandedFile file = HandedFile::take(path);
+        EXPECT_TRUE(file.bytes.empty()) << path;
+        EXPECT_NE(file.failure, "") << path;
+    }
+    EXPECT_EQ(access(kept.c_str(), F_OK), 0);
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::System | QDir::Files).size(), 3);
+}
+
+TEST_F(HandedFileOnDisk, TellsOneThatIsGone) {
+    EXPECT_EQ(HandedFile::take(pathOf("gone.png")).failure, "the desktop's picture is gone");
+}
+
+} // namespace
+} // namespace framora
