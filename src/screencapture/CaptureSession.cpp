@@ -1,5 +1,6 @@
 #include "screencapture/CaptureSession.h"
 
+#include "screencapture/ReadySignal.h"
 #include "screencapture/XConnection.h"
 
 #include <cstdlib>
@@ -91,6 +92,7 @@ bool CaptureSession::begin() {
         xcb_randr_select_input(m_connection, m_connection.root(), XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE);
     if (m_mode == CaptureMode::Window)
         listWindows(); // as they stand in the frozen picture
+    announceReady();
     if (!m_overlay->show() || !m_overlay->prepare()) {
         m_failure = "the screen cannot be drawn on";
         return false;

@@ -201,7 +201,7 @@ void OverlayCapture::buttonChanged(SelectionModel::Button button, bool pressed) 
     const Point at = m_space->pixelAt(*m_under, m_x, m_y);
     decide(pressed ? m_model->buttonPressed(button, at) : m_model->buttonReleased(button, at));
     // A drag may have ended without an area, on another output than it began.
-    if (!m_model->dragging() && m_space->home() != *m_under)
+    if (!m_decided && !m_model->dragging() && m_space->home() != *m_under)
         goTo(*m_under);
 }
 

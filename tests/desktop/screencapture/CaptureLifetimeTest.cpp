@@ -179,7 +179,7 @@ TEST_F(CaptureLifetimeTest, aSecondToolEndsAtOnceAndTheFirstGoesOn) {
     ASSERT_TRUE(first);
     for (const char* mode : {"-i", "-w"}) {
         ChildProcess& second = capture.launch({QLatin1String(mode)});
-        EXPECT_EQ(CaptureDesktop::exitCodeOf(second), 3);
+        EXPECT_EQ(CaptureDesktop::exitCodeOf(second), 1);
     }
     capture.display().drag({100, 100}, {300, 250});
     EXPECT_EQ(CaptureDesktop::exitCodeOf(*first), 0);
@@ -237,7 +237,7 @@ TEST_F(CaptureLifetimeTest, badUsageAndAMissingDisplayAreSaidAndNothingElseHappe
     capture.desktop().setEnvironmentVariable(QStringLiteral("DISPLAY"), QStringLiteral(":987"));
     ChildProcess& tool = capture.launch(kArea);
     EXPECT_EQ(CaptureDesktop::exitCodeOf(tool), 3);
-    EXPECT_TRUE(tool.output().contains("no X display"));
+    EXPECT_EQ(tool.output().count('\n'), 1);
 }
 
 TEST_F(CaptureLifetimeTest, worksWithoutSharedMemoryAndOtherExtensions) {
