@@ -4,11 +4,13 @@
 #include "platform/x11/X11WindowSystem.h"
 
 #include <QtGlobal>
+#include <utility>
 
 namespace framora {
 
 namespace {
 constexpr char platformVariable[] = "QT_QPA_PLATFORM";
+constexpr char titleBarVariable[] = "QT_WAYLAND_DISABLE_WINDOWDECORATION";
 } // namespace
 
 WindowSession::WindowSession() {
@@ -29,11 +31,22 @@ QString WindowSession::name() const {
     return qEnvironmentVariable(m_wayland ? "WAYLAND_DISPLAY" : "DISPLAY");
 }
 
-void WindowSession::choosePlatform() const {
+void WindowSession::choosePlatform() {
+    // Qt looks for a graphics card to draw title bars with, which takes more memory than all the rest. Where
+    // the compositor draws them nobody needs that.
+    if (m_wayland && m_wayland->offers("zxdg_decoration_manager_v1") &&
+        !qEnvironmentVariableIsSet(titleBarVariable))
+        qputenv(titleBarVariable, "1");
     if (qEnvironmentVariableIsSet(platformVariable))
         return;
     // Qt takes the next one where it lacks the first.
     qputenv(platformVariable, m_wayland ? "wayland;xcb" : "xcb");
+    m_hasChosen = true;
+}
+
+void WindowSession::platformIsChosen() {
+    if (std::exchange(m_hasChosen, false))
+        qunsetenv(platformVariable);
 }
 
 std::unique_ptr<WindowSystem> WindowSession::makeWindowSystem(const WindowSystem::Services& services) {

@@ -22,12 +22,15 @@ public:
     /// What tells this session from the user's others.
     QString name() const;
     /// Tells Qt what to use, unless its user did. Before there is an application.
-    void choosePlatform() const;
+    void choosePlatform();
+    /// Takes back what choosePlatform() said: programs that are started from here have a choice of their own.
+    void platformIsChosen();
     /// Once, when there is one.
     std::unique_ptr<WindowSystem> makeWindowSystem(const WindowSystem::Services& services);
 
 private:
     std::unique_ptr<WaylandConnection> m_wayland; ///< Null where there is none that answers.
+    bool m_hasChosen = false;
 };
 
 } // namespace framora

@@ -59,6 +59,7 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationName(QStringLiteral("framora"));
     QGuiApplication::setDesktopFileName(QString::fromLatin1(framora::applicationId));
     QApplication application(argc, argv);
+    session.platformIsChosen();
     QGuiApplication::setQuitOnLastWindowClosed(false);
     if (!instance.acquire(message.encoded()))
         return 0;

@@ -7,6 +7,7 @@
 #include <QCursor>
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
+#include <QGuiApplication>
 #include <QPainter>
 #include <QPainterPath>
 #include <QTimer>
@@ -135,6 +136,9 @@ void TrayStatusItem::makeIcon() {
         m_notifierItem->setMenu(m_menu.get());
         return;
     }
+    // A Wayland desktop has no other kind of tray.
+    if (QGuiApplication::platformName().startsWith(QStringLiteral("wayland")))
+        return;
     m_icon = std::make_unique<QSystemTrayIcon>(m_picture);
     m_icon->setToolTip(m_description);
     if (m_menu)

@@ -1,29 +1,9 @@
 #include "platform/wayland/WaylandKeyMonitors.h"
 
-#include <QKeyEvent>
-
 namespace framora {
 
-namespace {
-
-std::uint64_t flagsOf(const QKeyEvent& press) {
-    std::uint64_t flags = 0;
-    const auto held = press.modifiers();
-    if (held & Qt::ShiftModifier)
-        flags |= KeyModifier::shift;
-    if (held & Qt::ControlModifier)
-        flags |= KeyModifier::control;
-    if (held & Qt::AltModifier)
-        flags |= KeyModifier::option;
-    if (held & Qt::MetaModifier)
-        flags |= KeyModifier::command;
-    return flags;
-}
-
-} // namespace
-
 WaylandKeyMonitors::WaylandKeyMonitors(CommandGate& gate, PortalShortcuts& shortcuts)
-    : m_shortcuts(shortcuts), m_ownWindows(gate, flagsOf) {}
+    : m_shortcuts(shortcuts), m_ownWindows(gate, modifierFlagsOf) {}
 
 KeyMonitors::Token WaylandKeyMonitors::addGlobalMonitor(GlobalHandler handler) {
     // The desktop keeps the keys of a shortcut from our windows, too: a recorder learns of them here.

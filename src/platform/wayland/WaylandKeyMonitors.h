@@ -3,6 +3,7 @@
 #include "platform/KeyMonitors.h"
 #include "platform/desktop/PortalShortcuts.h"
 #include "platform/desktop/WindowKeyMonitors.h"
+#include "platform/wayland/WaylandModifierKeys.h"
 
 namespace framora {
 
@@ -25,6 +26,7 @@ private:
     PortalShortcuts& m_shortcuts;
     Token m_lastToken = 0;
     WindowKeyMonitors m_ownWindows;
+    WaylandModifierKeys m_modifierKeys{m_ownWindows};
 };
 
 } // namespace framora

@@ -1,5 +1,6 @@
 #include "platform/wayland/WaylandToastStage.h"
 
+#include "platform/ApplicationId.h"
 #include "platform/wayland/WaylandToastPanel.h"
 
 #include <algorithm>
@@ -20,7 +21,6 @@ constexpr std::uint32_t seatVersion = 3;       ///< The first whose pointer can 
 constexpr std::uint32_t layerShellVersion = 4;
 constexpr int tokenMilliseconds = 500;
 constexpr int defaultCursorSize = 24;
-constexpr char applicationId[] = "org.framora.Framora";
 
 } // namespace
 

@@ -11,7 +11,8 @@ namespace framora {
 
 WaylandWindowSystem::WaylandWindowSystem(std::unique_ptr<WaylandConnection> connection,
                                          const Services& services)
-    : m_connection(std::move(connection)), m_application(services.notifications),
+    : m_connection(std::move(connection)), m_keyboardLayout(*m_connection, services.notifications),
+      m_application(services.notifications),
       m_globalShortcuts({m_shortcutsPortal, services.mainQueue, services.notifications, services.gate,
                          m_keyboardLayout, services.wantedShortcuts,
                          [this](const QString& token) { m_application.useActivationToken(token); },
