@@ -1,6 +1,6 @@
 #include "render-cli/RenderJob.h"
 
-#include "editor/render/CompositionRasterizer.h"
+#include "editor/render/ComposedPng.h"
 #include "editor/render/PictureFile.h"
 #include "editor/render/ScreenshotRenderer.h"
 
@@ -50,17 +50,15 @@ QString RenderJob::run(const QString& input, const QString& output) const {
     composition.isRendering = !m_arguments.isPreview;
     composition.preloadedBackgroundImage = m_background;
     const QSizeF frame = outputFrame(pointSize(picture.image), composition.config);
-    const QImage drawn = CompositionRasterizer().drawFrame(composition, frame, exportScale);
-    if (drawn.isNull())
+    const std::optional<QByteArray> png = composedPng(composition, frame, exportScale, outputDotsPerInch);
+    if (!png)
         return QStringLiteral("%1: a frame of %2 x %3 points cannot be drawn")
             .arg(inputName)
             .arg(frame.width())
             .arg(frame.height());
-
-    const QByteArray png = encodePng(drawn, outputDotsPerInch);
-    if (png.isEmpty())
+    if (png->isEmpty())
         return QStringLiteral("%1: not enough memory for the PNG").arg(inputName);
-    const QString problem = writeOutput(output, png);
+    const QString problem = writeOutput(output, *png);
     if (!problem.isEmpty())
         return QStringLiteral("%1: cannot be written: %2")
             .arg(output == u"-" ? QStringLiteral("standard output") : output, problem);

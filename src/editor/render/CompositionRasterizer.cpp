@@ -97,13 +97,21 @@ std::vector<Layer> CompositionRasterizer::layers(const Composition& composition,
     return layers;
 }
 
-QImage CompositionRasterizer::drawFrame(const Composition& composition, QSizeF size, double scale) {
+std::optional<Viewport> CompositionRasterizer::frameViewport(QSizeF size, double scale) {
     const double width = std::round(size.width() * scale);
     const double height = std::round(size.height() * scale);
     if (!(width >= 1 && height >= 1 && width <= longestSide && height <= longestSide))
         return {};
     // The frame's own middle: a size that is no whole number of pixels is cut evenly.
-    QImage image = draw(composition, {QSize(int(width), int(height)), scale, QPointF(width / 2, height / 2)});
+    const Viewport viewport{QSize(int(width), int(height)), scale, QPointF(width / 2, height / 2)};
+    return isDrawable(viewport) ? std::optional(viewport) : std::nullopt;
+}
+
+QImage CompositionRasterizer::drawFrame(const Composition& composition, QSizeF size, double scale) {
+    const std::optional<Viewport> viewport = frameViewport(size, scale);
+    if (!viewport)
+        return {};
+    QImage image = draw(composition, *viewport);
     image.setDevicePixelRatio(scale);
     return image;
 }

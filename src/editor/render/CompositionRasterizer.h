@@ -12,6 +12,7 @@
 #include <QSize>
 #include <array>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace framora {
@@ -46,6 +47,9 @@ public:
     /// round(size x scale) pixels and `scale` as its devicePixelRatio. Null when that is nothing, not finite
     /// or too large.
     QImage drawFrame(const Composition& composition, QSizeF size, double scale);
+
+    /// What drawFrame() draws; nothing where it gives null, memory aside.
+    static std::optional<Viewport> frameViewport(QSizeF size, double scale);
 
     /// What draw() composes, the first layer undermost; nothing where it gives null. The layers use what this
     /// object keeps: they are good until it is asked for anything again.

@@ -188,21 +188,67 @@ void mixEdge(const Layer& layer, const TileRect& block, const TileRect& tile, Sc
         }
 }
 
-/// Mixes a row of a layer onto the pixels under it where it is neither transparent nor blended.
-void blendUsualRow(const Layer& layer, const Coverage::Run& run, int left, MixPixel* under,
-                   const MixPixel* shaded, const MixPixel* coverage) {
-    const auto blendEdge = [&](int from, int to) {
+/// Mixes pixels of a layer, each as far as it is covered.
+void blendCovered(const Layer& layer, MixPixel* under, const MixPixel* shaded, const MixPixel* coverage,
+                  std::size_t count) {
+    switch (layer.blend) {
+    case Layer::Blend::normal:
+        return blendOver(under, shaded, coverage, count);
+    case Layer::Blend::overlay:
+        return blendOverlay(under, shaded, coverage, count);
+    case Layer::Blend::replace:
+        return blendInstead(under, shaded, coverage, count);
+    }
+}
+
+/// Mixes pixels of a layer that covers them whole.
+void blendWhole(const Layer& layer, MixPixel* under, const MixPixel* shaded, const MixPixel* coverage,
+                std::size_t count) {
+    const std::int16_t even = replicated(layer.opacity).channel[0];
+    if (layer.opacity == 1 && (layer.blend == Layer::Blend::replace ||
+                               (layer.blend == Layer::Blend::normal && layer.paint->isOpaque())))
+        std::copy_n(shaded, count, under);
+    else if (layer.blend == Layer::Blend::replace)
+        blendInstead(under, shaded, coverage, count);
+    else if (layer.blend == Layer::Blend::overlay)
+        blendOverlay(under, shaded, even, count);
+    else if (layer.opacity == 1)
+        blendOver(under, shaded, count);
+    else
+        blendOver(under, shaded, even, count);
+}
+
+/// Mixes a layer onto a row. What it covers whole is mixed as such, and what it does not touch stays as it
+/// is, both to the last bit: so no pixel depends on the block that it is mixed in.
+void blendRow(const Layer& layer, const std::array<Coverage::Run, 2>& runs, int left, MixPixel* under,
+              const MixPixel* shaded, const MixPixel* coverage) {
+    const auto& [run, hole] = runs;
+    const auto blend = [&](auto mix, int from, int to) {
         if (from < to)
-            blendOver(under + (from - left), shaded + (from - left), coverage + (from - left),
-                      std::size_t(to - from));
+            mix(layer, under + (from - left), shaded + (from - left), coverage + (from - left),
+                std::size_t(to - from));
     };
-    blendEdge(run.first, run.fullFirst);
-    const auto count = std::size_t(run.fullEnd - run.fullFirst);
-    if (layer.paint->isOpaque())
-        std::copy_n(shaded + (run.fullFirst - left), count, under + (run.fullFirst - left));
-    else if (count > 0)
-        blendOver(under + (run.fullFirst - left), shaded + (run.fullFirst - left), count);
-    blendEdge(run.fullEnd, run.end);
+    if (hole.isEmpty()) {
+        blend(blendCovered, run.first, run.fullFirst);
+        blend(blendWhole, run.fullFirst, run.fullEnd);
+        blend(blendCovered, run.fullEnd, run.end);
+        return;
+    }
+    std::array ends = {run.fullFirst, hole.first,  hole.fullFirst, hole.fullEnd,
+                       hole.end,      run.fullEnd, run.end};
+    std::ranges::sort(ends);
+    int from = run.first;
+    for (const int end : ends) {
+        const int to = std::min(end, run.end);
+        const bool isOutside = hole.fullFirst < hole.fullEnd && from >= hole.fullFirst && to <= hole.fullEnd;
+        const bool isWhole =
+            from >= run.fullFirst && to <= run.fullEnd && (to <= hole.first || from >= hole.end);
+        if (isWhole)
+            blend(blendWhole, from, to);
+        else if (!isOutside)
+            blend(blendCovered, from, to);
+        from = std::max(from, to);
+    }
 }
 
 /// Mixes a layer onto the tile where it touches it.
@@ -211,39 +257,23 @@ void blendLayer(const Layer& layer, std::size_t index, const LayerShape& shape, 
     const TileRect& block = share.touched;
     mixLayer(layer, block, scratch.shaded.data());
     const bool isPartly = share.kind == Share::partly;
-    const bool isUsual = layer.opacity == 1 && layer.blend == Layer::Blend::normal;
     if (isPartly)
         cover(shape, index, layer.opacity, block, scratch);
-    else if (layer.blend == Layer::Blend::replace)
+    else if (layer.blend == Layer::Blend::replace && layer.opacity < 1)
         std::fill_n(scratch.coverage.data(), block.area(), replicated(layer.opacity));
     if (isPartly && layer.sharesEdge)
         mixEdge(layer, block, tile, scratch);
     const auto width = std::size_t(block.width);
-    const std::int16_t even = replicated(layer.opacity).channel[0];
     for (int y = 0; y < block.height; ++y) {
         MixPixel* under =
             scratch.mixed.data() + std::ptrdiff_t(block.y - tile.y + y) * tile.width + (block.x - tile.x);
         const MixPixel* shaded = scratch.shaded.data() + std::size_t(y) * width;
         const MixPixel* coverage = scratch.coverage.data() + std::size_t(y) * width;
-        if (isUsual && !isPartly) {
-            blendOver(under, shaded, width);
-        } else if (isUsual && !layer.sharesEdge) {
-            const auto [run, hole] = runsIn(block, block.y + y, index, shape, scratch);
-            if (hole.isEmpty())
-                blendUsualRow(layer, run, block.x, under, shaded, coverage);
-            else
-                blendOver(under, shaded, coverage, width);
-        } else if (layer.blend == Layer::Blend::replace) {
-            blendInstead(under, shaded, coverage, width);
-        } else if (!isPartly && layer.blend == Layer::Blend::overlay) {
-            blendOverlay(under, shaded, even, width);
-        } else if (!isPartly) {
-            blendOver(under, shaded, even, width);
-        } else if (layer.blend == Layer::Blend::overlay) {
-            blendOverlay(under, shaded, coverage, width);
-        } else {
-            blendOver(under, shaded, coverage, width);
-        }
+        if (isPartly)
+            blendRow(layer, runsIn(block, block.y + y, index, shape, scratch), block.x, under, shaded,
+                     coverage);
+        else
+            blendWhole(layer, under, shaded, coverage, width);
     }
 }
 
@@ -276,12 +306,10 @@ bool mixTile(const std::vector<Layer>& layers, const std::vector<LayerShape>& sh
     return true;
 }
 
-/// Calls draw(band, tileWidth, shapes, scratch) for every row of tiles, each by one thread.
-template <typename Draw>
-void forEachBand(int width, int height, const std::vector<Layer>& layers, const Draw& draw) {
+/// The layers' shapes, ready to be asked for their rows.
+std::vector<LayerShape> shapesOf(const std::vector<Layer>& layers, int height) {
     std::vector<LayerShape> shapes;
     shapes.reserve(layers.size());
-    bool isSquare = false;
     for (const Layer& layer : layers) {
         LayerShape& shape = shapes.emplace_back();
         shape.shape = Coverage(layer.shape.outline(layer.placement));
@@ -291,26 +319,61 @@ void forEachBand(int width, int height, const std::vector<Layer>& layers, const 
             shape.hole.index(height);
             shape.hasHole = true;
         }
-        isSquare = isSquare || layer.paint->prefersSquareTiles();
     }
-    const TileRect size = isSquare ? squareTile : longTile;
-    parallelFor((height + size.height - 1) / size.height, [&](int band) {
-        thread_local Scratch scratch;
-        const int top = band * size.height;
-        const int rows = std::min(size.height, height - top);
-        scratch.top = top;
-        scratch.shares.resize(layers.size());
-        scratch.runs.resize(std::max(scratch.runs.size(), layers.size()));
-        for (std::size_t i = 0; i < layers.size(); ++i)
-            for (std::size_t part = 0; part < (shapes[i].hasHole ? 2 : 1); ++part) {
-                const Coverage& coverage = part == 0 ? shapes[i].shape : shapes[i].hole;
-                std::vector<Coverage::Run>& runs = scratch.runs[i][part];
-                runs.resize(std::size_t(rows));
-                for (int y = 0; y < rows; ++y)
-                    runs[std::size_t(y)] = coverage.extent(top + y, width);
-            }
-        draw(TileRect{0, top, width, rows}, size.width, shapes, scratch);
+    return shapes;
+}
+
+TileRect tileSize(const std::vector<Layer>& layers) {
+    const bool isSquare =
+        std::ranges::any_of(layers, [](const Layer& layer) { return layer.paint->prefersSquareTiles(); });
+    return isSquare ? squareTile : longTile;
+}
+
+/// Makes the scratch of this thread ready for a band of rows.
+Scratch& scratchFor(const TileRect& band, const std::vector<LayerShape>& shapes) {
+    thread_local Scratch scratch;
+    scratch.top = band.y;
+    scratch.shares.resize(shapes.size());
+    scratch.runs.resize(std::max(scratch.runs.size(), shapes.size()));
+    for (std::size_t i = 0; i < shapes.size(); ++i)
+        for (std::size_t part = 0; part < (shapes[i].hasHole ? 2 : 1); ++part) {
+            const Coverage& coverage = part == 0 ? shapes[i].shape : shapes[i].hole;
+            std::vector<Coverage::Run>& runs = scratch.runs[i][part];
+            runs.resize(std::size_t(band.height));
+            for (int y = 0; y < band.height; ++y)
+                runs[std::size_t(y)] = coverage.extent(band.y + y, band.width);
+        }
+    return scratch;
+}
+
+/// Calls draw(band, tileWidth, shapes, scratch) for every row of tiles, each by one thread.
+template <typename Draw>
+void forEachBand(int width, int height, const std::vector<Layer>& layers, const Draw& draw) {
+    const std::vector<LayerShape> shapes = shapesOf(layers, height);
+    const TileRect size = tileSize(layers);
+    parallelFor((height + size.height - 1) / size.height, [&](int index) {
+        const int top = index * size.height;
+        const TileRect band{0, top, width, std::min(size.height, height - top)};
+        draw(band, size.width, shapes, scratchFor(band, shapes));
     });
+}
+
+/// Draws a band of rows into `out`, whose first row is the band's; the first tile ends at `lead`, if above 0.
+void drawBand(MutablePixelView out, const TileRect& band, int tileWidth, int lead,
+              void (*pack)(const MixPixel*, std::size_t, std::uint32_t*), const std::vector<Layer>& layers,
+              const std::vector<LayerShape>& shapes, Scratch& scratch) {
+    for (int x = 0, end = 0; x < band.width; x = end) {
+        end = std::min(x < lead ? lead : x + tileWidth, band.width);
+        const TileRect tile{x, band.y, end - x, band.height};
+        const bool isDrawn = mixTile(layers, shapes, tile, scratch);
+        for (int y = 0; y < tile.height; ++y) {
+            std::uint32_t* row = out.row(y) + tile.x;
+            if (isDrawn)
+                pack(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width, std::size_t(tile.width), row);
+            else
+                std::memset(row, 0, std::size_t(tile.width) * sizeof *row);
+        }
+    }
 }
 
 } // namespace
@@ -333,22 +396,55 @@ void compose(MutablePixelView output, const std::vector<Layer>& layers) {
     forEachBand(
         output.width, output.height, layers,
         [&](const TileRect& band, int tileWidth, const std::vector<LayerShape>& shapes, Scratch& scratch) {
-            for (int x = 0, end = 0; x < band.width; x = end) {
-                end = std::min(x < lead ? lead : x + tileWidth, band.width);
-                const TileRect tile{x, band.y, end - x, band.height};
-                const bool isDrawn = mixTile(layers, shapes, tile, scratch);
-                for (int y = 0; y < tile.height; ++y) {
-                    std::uint32_t* out = output.row(tile.y + y) + tile.x;
-                    if (isDrawn)
-                        pack(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width, std::size_t(tile.width),
-                             out);
-                    else
-                        std::memset(out, 0, std::size_t(tile.width) * sizeof *out);
-                }
-            }
+            const MutablePixelView rows{reinterpret_cast<std::byte*>(output.row(band.y)), band.width,
+                                        band.height, output.stride};
+            drawBand(rows, band, tileWidth, lead, pack, layers, shapes, scratch);
             if (isLarge)
                 flushPixels();
         });
+}
+
+struct Compositor::Shapes {
+    std::vector<LayerShape> ofLayers;
+    TileRect tile;
+};
+
+Compositor::Compositor(int width, int height, std::vector<Layer> layers)
+    : m_width(width), m_height(height), m_layers(std::move(layers)),
+      m_shapes(std::make_unique<Shapes>(shapesOf(m_layers, height), tileSize(m_layers))) {}
+
+Compositor::~Compositor() = default;
+
+void Compositor::draw(MutablePixelView rows, int top) const {
+    const TileRect& size = m_shapes->tile;
+    for (int y = 0; y < rows.height; y += size.height) {
+        const TileRect band{0, top + y, m_width, std::min(size.height, rows.height - y)};
+        const MutablePixelView out{reinterpret_cast<std::byte*>(rows.row(y)), rows.width, band.height,
+                                   rows.stride};
+        drawBand(out, band, size.width, 0, packPixels, m_layers, m_shapes->ofLayers,
+                 scratchFor(band, m_shapes->ofLayers));
+    }
+}
+
+bool Compositor::isSurelyOpaque() const {
+    for (std::size_t i = m_layers.size(); i-- > 0;) {
+        const Layer& layer = m_layers[i];
+        const LayerShape& shape = m_shapes->ofLayers[i];
+        if (hidesWhatLiesUnder(layer) && layer.paint->isOpaque() && !shape.hasHole) {
+            int y = 0;
+            while (y < m_height) {
+                const Coverage::Run run = shape.shape.extent(y, m_width);
+                if (run.fullFirst > 0 || run.fullEnd < m_width)
+                    break;
+                ++y;
+            }
+            if (y == m_height)
+                return true;
+        }
+        if (layer.blend == Layer::Blend::replace)
+            return false;
+    }
+    return false;
 }
 
 void composeTiles(int width, int height, const std::vector<Layer>& layers,

@@ -58,6 +58,30 @@ bool hidesWhatLiesUnder(const Layer& layer);
 /// the kind of vector unit.
 void compose(MutablePixelView output, const std::vector<Layer>& layers);
 
+/// compose() in pieces, each as large as is wanted when it is wanted: the whole picture need not be in
+/// memory.
+class Compositor {
+public:
+    /// Of a picture of so many pixels. What the layers use must live as long as this.
+    Compositor(int width, int height, std::vector<Layer> layers);
+    ~Compositor();
+
+    int width() const { return m_width; }
+    int height() const { return m_height; }
+    /// Draws the picture's rows from `top` on, as many as `rows` has; it is as wide as the picture. By this
+    /// thread alone, but different rows at once by different ones.
+    void draw(MutablePixelView rows, int top) const;
+    /// Whether every pixel is known to be opaque without drawing it.
+    bool isSurelyOpaque() const;
+
+private:
+    struct Shapes;
+    const int m_width;
+    const int m_height;
+    const std::vector<Layer> m_layers;
+    const std::unique_ptr<const Shapes> m_shapes;
+};
+
 /// Where tiles start is a multiple of this.
 inline constexpr int tileGrain = 16;
 /// Mixes the layers as compose() does, without rounding them to a picture, where isWanted() says so of a

@@ -3,10 +3,17 @@
 #include "editor/render/raster/GradientKernels.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
 namespace framora::raster {
+namespace {
+
+// A row is told piece by piece, each from its own first pixel.
+constexpr int pieceWidth = 64;
+
+} // namespace
 
 GradientPaint::GradientPaint(Kind kind, double degrees, double width, double height,
                              std::vector<Float4> stops, const Homography& toLocal)
@@ -87,7 +94,8 @@ void GradientPaint::shade(int x, int y, int count, Float4* out) const {
         out[i] = color(position(m_toLocal.map({x + i + 0.5, y + 0.5})));
 }
 
-void GradientPaint::mixLine(double position, double step, int x, int y, int count, MixPixel* out) const {
+void GradientPaint::mixLine(double position, double step, int skipped, int x, int y, int count,
+                            MixPixel* out) const {
     const int between = int(m_lines.size()) - 2;
     const bool isFinite = std::isfinite(position) && std::isfinite(step);
     const double start = isFinite ? position * between : 0;
@@ -103,15 +111,19 @@ void GradientPaint::mixLine(double position, double step, int x, int y, int coun
             end = (interval - start) / grow;
         // Where both sides are the same to within rounding it does not matter to which one a pixel belongs.
         const int next = end < count ? std::max(int(end), i) + 1 : count;
-        const Line& line = m_lines[std::size_t(interval + 1)];
-        const double from = at - interval;
-        ColorRun run;
-        for (int c = 0; c < 4; ++c) {
-            run.first[c] = std::int32_t(line.first[c] + line.slope[c] * from);
-            run.step[c] = std::int32_t(line.slope[c] * grow);
-        }
         const int stop = std::min(next, count);
-        paintRun(run, x + i, y, std::size_t(stop - i), out + i);
+        if (stop > skipped) {
+            const Line& line = m_lines[std::size_t(interval + 1)];
+            const double from = at - interval;
+            const int wanted = std::max(i, skipped);
+            ColorRun run;
+            for (int c = 0; c < 4; ++c) {
+                run.step[c] = std::int32_t(line.slope[c] * grow);
+                run.first[c] =
+                    std::int32_t(line.first[c] + line.slope[c] * from) + run.step[c] * (wanted - i);
+            }
+            paintRun(run, x + wanted, y, std::size_t(stop - wanted), out + (wanted - skipped));
+        }
         i = stop;
     }
 }
@@ -123,28 +135,35 @@ void GradientPaint::mix(const TileRect& tile, MixPixel* out) const {
     }
     const Homography& map = m_toLocal;
     const double scale = 1 / map(2, 2);
-    thread_local std::vector<std::int32_t> positions;
-    const auto count = std::size_t(tile.width);
-    positions.resize(std::max(positions.size(), count));
-    for (int y = tile.y; y < tile.y + tile.height; ++y, out += tile.width) {
-        const Vec2 first = map.map({tile.x + 0.5, y + 0.5});
-        const Vec2 step{map(0, 0) * scale, map(1, 0) * scale};
-        switch (m_kind) {
-        case Kind::linear:
-            mixLine(position(first), step.x * m_direction.x + step.y * m_direction.y, tile.x, y, tile.width,
-                    out);
-            continue;
-        case Kind::radial:
-            radialPositions({float(first.x / m_radius), float(first.y / m_radius), float(step.x / m_radius),
-                             float(step.y / m_radius)},
-                            count, positions.data());
-            break;
-        case Kind::angular:
-            angularPositions({float(first.x), float(first.y), float(step.x), float(step.y)}, float(m_start),
-                             count, positions.data());
-            break;
+    const Vec2 step{map(0, 0) * scale, map(1, 0) * scale};
+    thread_local std::array<std::int32_t, pieceWidth> positions;
+    for (int y = tile.y; y < tile.y + tile.height; ++y) {
+        // So no pixel depends on the tile that it is in.
+        for (int x = tile.x, end = 0; x < tile.x + tile.width; x = end) {
+            const int skipped = int(unsigned(x) % unsigned(pieceWidth));
+            const int piece = x - skipped;
+            end = std::min(piece + pieceWidth, tile.x + tile.width);
+            const int count = end - piece;
+            const Vec2 first = map.map({piece + 0.5, y + 0.5});
+            switch (m_kind) {
+            case Kind::linear:
+                mixLine(position(first), step.x * m_direction.x + step.y * m_direction.y, skipped, piece, y,
+                        count, out);
+                break;
+            case Kind::radial:
+                radialPositions({float(first.x / m_radius), float(first.y / m_radius),
+                                 float(step.x / m_radius), float(step.y / m_radius)},
+                                std::size_t(count), positions.data());
+                break;
+            case Kind::angular:
+                angularPositions({float(first.x), float(first.y), float(step.x), float(step.y)},
+                                 float(m_start), std::size_t(count), positions.data());
+                break;
+            }
+            if (m_kind != Kind::linear)
+                paintRamp(m_ramp.data(), positions.data() + skipped, x, y, std::size_t(end - x), out);
+            out += end - x;
         }
-        paintRamp(m_ramp.data(), positions.data(), tile.x, y, count, out);
     }
 }
 

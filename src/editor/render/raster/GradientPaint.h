@@ -37,8 +37,9 @@ private:
     };
 
     void makeLines();
-    /// mix() of a row whose first pixel lies at `position` of a linear gradient, and the others `step` apart.
-    void mixLine(double position, double step, int x, int y, int count, MixPixel* out) const;
+    /// mix() of `count` pixels from (x, y), the first one at `position` of a linear gradient and the others
+    /// `step` apart, but for the first `skipped` of them.
+    void mixLine(double position, double step, int skipped, int x, int y, int count, MixPixel* out) const;
 
     Kind m_kind;
     Homography m_toLocal;

@@ -1,29 +1,15 @@
 #include "editor/render/raster/PicturePyramid.h"
 
-#include "editor/render/raster/ParallelFor.h"
+#include "editor/render/raster/Opacity.h"
 #include "editor/render/raster/Resample.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 
 namespace framora::raster {
-PicturePyramid::PicturePyramid(PixelView picture) : m_picture(picture) {
-    std::atomic<bool> isOpaque = true;
-    constexpr int rowsAtOnce = 32;
-    parallelFor((picture.height + rowsAtOnce - 1) / rowsAtOnce, [&](int band) {
-        const int end = std::min(picture.height, (band + 1) * rowsAtOnce);
-        for (int y = band * rowsAtOnce; y < end && isOpaque.load(std::memory_order_relaxed); ++y) {
-            const std::uint32_t* row = picture.row(y);
-            std::uint32_t all = 0xff000000u;
-            for (int x = 0; x < picture.width; ++x)
-                all &= row[x];
-            if (all != 0xff000000u)
-                isOpaque.store(false, std::memory_order_relaxed);
-        }
-    });
-    m_isOpaque = isOpaque;
-}
+
+PicturePyramid::PicturePyramid(PixelView picture)
+    : m_picture(picture), m_isOpaque(raster::isOpaque(picture)) {}
 
 PixelView PicturePyramid::level(int across, int down) const {
     across = std::clamp(across, 0, levelCount - 1);

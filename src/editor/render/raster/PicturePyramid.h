@@ -28,7 +28,7 @@ public:
 
 private:
     PixelView m_picture;
-    bool m_isOpaque = true;
+    bool m_isOpaque;
     struct Level {
         std::once_flag made;
         PixelBuffer pixels;

@@ -1,6 +1,7 @@
 #include "editor/render/raster/PngEncoder.h"
 
 #include "editor/render/raster/Deflater.h"
+#include "editor/render/raster/Opacity.h"
 #include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/PngRows.h"
 
@@ -54,23 +55,6 @@ std::size_t startChunk(Bytes& bytes, std::string_view type) {
     return start;
 }
 
-bool isOpaque(PixelView picture) {
-    std::atomic<bool> opaque = true;
-    constexpr int rowsAtOnce = 64;
-    parallelFor((picture.height + rowsAtOnce - 1) / rowsAtOnce, [&](int band) {
-        const int end = std::min(picture.height, (band + 1) * rowsAtOnce);
-        for (int y = band * rowsAtOnce; y < end && opaque.load(std::memory_order_relaxed); ++y) {
-            std::uint32_t all = 0xff000000u;
-            const std::uint32_t* row = picture.row(y);
-            for (int x = 0; x < picture.width; ++x)
-                all &= row[x];
-            if (all != 0xff000000u)
-                opaque.store(false, std::memory_order_relaxed);
-        }
-    });
-    return opaque;
-}
-
 struct Stripe {
     Bytes chunk; ///< The IDAT chunk, whole but for the last stripe's checksums; empty when memory was short.
     std::uint32_t adler = 1;
@@ -102,18 +86,58 @@ bool deflateFast(std::span<const std::uint8_t> filtered, bool isLast, Bytes& out
 }
 
 /// A small picture takes little time either way.
-DeflateEffort effortFor(PixelView picture, PngRowFormat format) {
-    return format.rowBytes(picture.width) * std::size_t(picture.height) <= thoroughBytes
-               ? DeflateEffort::thorough
-               : DeflateEffort::quick;
+bool isSmall(const PngSource& picture, PngRowFormat format) {
+    return format.rowBytes(picture.width) * std::size_t(picture.height) <= thoroughBytes;
 }
 
-Stripe encodeStripe(PixelView picture, PngRowFormat format, PngSpeed speed, int firstRow, int endRow) {
+/// What one thread encodes with; its memory is used again for the next stripe.
+struct Workshop {
+    explicit Workshop(DeflateEffort effort) : deflater(effort) {}
+    PixelBuffer room;
+    Deflater deflater;
+};
+
+/// A workshop for each thread that asks for one meanwhile.
+class Workshops {
+public:
+    explicit Workshops(DeflateEffort effort) : m_effort(effort) {}
+
+    std::unique_ptr<Workshop> take() {
+        const std::lock_guard lock(m_mutex);
+        if (m_free.empty())
+            return std::make_unique<Workshop>(m_effort);
+        std::unique_ptr<Workshop> workshop = std::move(m_free.back());
+        m_free.pop_back();
+        return workshop;
+    }
+    void giveBack(std::unique_ptr<Workshop> workshop) {
+        const std::lock_guard lock(m_mutex);
+        m_free.push_back(std::move(workshop));
+    }
+
+private:
+    const DeflateEffort m_effort;
+    std::mutex m_mutex;
+    std::vector<std::unique_ptr<Workshop>> m_free;
+};
+
+/// The rows [firstRow, endRow) as PNG rows.
+Bytes filteredRows(const PngSource& picture, PngRowFormat format, int firstRow, int endRow,
+                   PixelBuffer& room) {
+    const int above = firstRow > 0 ? 1 : 0;
+    const PixelView rows = picture.rows(firstRow - above, endRow, room);
+    if (rows.isEmpty())
+        throw std::bad_alloc();
+    return filteredPngRows(rows, format, above, rows.height);
+}
+
+Stripe encodeStripe(const PngSource& picture, PngRowFormat format, PngSpeed speed, int firstRow, int endRow,
+                    Workshop& workshop) {
     const std::size_t rowBytes = format.rowBytes(picture.width);
     // The compact stream goes on from the stripe before, so the rows in its window are filtered once more.
     const std::size_t windowRows = (std::size_t(deflate::windowSize) + rowBytes - 1) / rowBytes;
     const int rowsBefore = speed == PngSpeed::compact ? std::min(firstRow, int(windowRows)) : 0;
-    const Bytes rows = filteredPngRows(picture, format, firstRow - rowsBefore, endRow);
+    const Bytes rows = filteredRows(picture, format, firstRow - rowsBefore, endRow, workshop.room);
     const std::size_t begin = std::size_t(rowsBefore) * rowBytes;
     const std::span<const std::uint8_t> filtered = std::span(rows).subspan(begin);
     const bool isLast = endRow == picture.height;
@@ -127,7 +151,7 @@ Stripe encodeStripe(PixelView picture, PngRowFormat format, PngSpeed speed, int 
         stripe.chunk.push_back(0x01);
     }
     if (speed == PngSpeed::compact)
-        Deflater(effortFor(picture, format)).compress(rows, begin, isLast, stripe.chunk);
+        workshop.deflater.compress(rows, begin, isLast, stripe.chunk);
     else if (!deflateFast(filtered, isLast, stripe.chunk))
         return {};
     if (!isLast)
@@ -136,14 +160,14 @@ Stripe encodeStripe(PixelView picture, PngRowFormat format, PngSpeed speed, int 
 }
 
 /// What compresses better, tried on the whole of a small picture and on a few strips of a large one.
-PngFiltering chooseFiltering(PixelView picture, PngRowFormat format) {
+PngFiltering chooseFiltering(const PngSource& picture, PngRowFormat format, Workshops& workshops) {
     const std::size_t rowBytes = format.rowBytes(picture.width);
     const int affordable = int(std::max<std::size_t>(1, stripeBytes / rowBytes));
-    const bool isSmall = format.rowBytes(picture.width) * std::size_t(picture.height) <= thoroughBytes;
-    const int strips = isSmall ? 1 : sampledStrips;
-    const int rows = isSmall ? picture.height : std::max(1, affordable / (2 * sampledStrips));
+    const bool isWhole = isSmall(picture, format);
+    const int strips = isWhole ? 1 : sampledStrips;
+    const int rows = isWhole ? picture.height : std::max(1, affordable / (2 * sampledStrips));
     constexpr std::array tried = {PngFiltering::cheapest, PngFiltering::none, PngFiltering::leastSum};
-    const int candidates = isSmall ? int(tried.size()) : 2;
+    const int candidates = isWhole ? int(tried.size()) : 2;
     std::array<std::atomic<std::size_t>, tried.size()> sizes{};
     std::atomic<bool> failed = false;
     parallelFor(strips * candidates, [&](int i) {
@@ -153,10 +177,12 @@ PngFiltering chooseFiltering(PixelView picture, PngRowFormat format) {
         PngRowFormat candidate = format;
         candidate.filtering = tried[which];
         try {
+            std::unique_ptr<Workshop> workshop = workshops.take();
+            const Bytes filtered = filteredRows(picture, candidate, first, first + rows, workshop->room);
             Bytes out;
-            Deflater(effortFor(picture, format))
-                .compress(filteredPngRows(picture, candidate, first, first + rows), 0, true, out);
+            workshop->deflater.compress(filtered, 0, true, out);
             sizes[which] += out.size();
+            workshops.giveBack(std::move(workshop));
         } catch (const std::bad_alloc&) {
             failed = true;
         }
@@ -164,7 +190,7 @@ PngFiltering chooseFiltering(PixelView picture, PngRowFormat format) {
     if (failed)
         throw std::bad_alloc();
     // In strips by themselves rows without a filter look better than they are.
-    if (!isSmall)
+    if (!isWhole)
         return sizes[1] < sizes[0] - sizes[0] / 32 ? tried[1] : tried[0];
     return tried[std::size_t(std::min_element(sizes.begin(), sizes.begin() + candidates) - sizes.begin())];
 }
@@ -179,13 +205,13 @@ std::uint32_t joinedAdler(std::uint32_t first, std::uint32_t second, std::size_t
     return std::uint32_t(b << 16 | a);
 }
 
-Bytes header(PixelView picture, bool opaque, std::uint32_t resolution) {
+Bytes header(const PngSource& picture, std::uint32_t resolution) {
     Bytes bytes = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
     std::size_t start = startChunk(bytes, "IHDR");
     append32(bytes, std::uint32_t(picture.width));
     append32(bytes, std::uint32_t(picture.height));
     bytes.push_back(8);
-    bytes.push_back(opaque ? 2 : 6);
+    bytes.push_back(picture.isOpaque ? 2 : 6);
     bytes.insert(bytes.end(), {0, 0, 0});
     finishChunk(bytes, start);
     if (std::int64_t(picture.width) * picture.height >= taggedPixels) {
@@ -240,16 +266,18 @@ std::uint32_t pixelsPerMetre(double dotsPerInch) {
     return value >= 1 && value <= std::numeric_limits<std::int32_t>::max() ? std::uint32_t(value) : 0;
 }
 
-bool writePng(PixelView picture, std::uint32_t pixelsPerMetre, PngSpeed speed, const PngSink& sink) try {
-    if (picture.isEmpty())
+bool writePng(const PngSource& picture, std::uint32_t pixelsPerMetre, PngSpeed speed,
+              const PngSink& sink) try {
+    if (picture.width <= 0 || picture.height <= 0)
         return false;
-    PngRowFormat format{.isOpaque = isOpaque(picture), .filtering = PngFiltering::up};
+    PngRowFormat format{.isOpaque = picture.isOpaque, .filtering = PngFiltering::up};
+    Workshops workshops(isSmall(picture, format) ? DeflateEffort::thorough : DeflateEffort::quick);
     if (speed == PngSpeed::compact)
-        format.filtering = chooseFiltering(picture, format);
+        format.filtering = chooseFiltering(picture, format, workshops);
     const int rowsPerStripe = int(std::clamp<std::size_t>(stripeBytes / format.rowBytes(picture.width), 1,
                                                           std::size_t(picture.height)));
     const int count = (picture.height + rowsPerStripe - 1) / rowsPerStripe;
-    sink(header(picture, format.isOpaque, pixelsPerMetre));
+    sink(header(picture, pixelsPerMetre));
     StripeQueue queue(std::size_t(count), sink);
     std::atomic<bool> failed = false;
     parallelFor(count, [&](int i) {
@@ -258,7 +286,9 @@ bool writePng(PixelView picture, std::uint32_t pixelsPerMetre, PngSpeed speed, c
         const int firstRow = i * rowsPerStripe;
         const int endRow = std::min(picture.height - firstRow, rowsPerStripe) + firstRow;
         try {
-            queue.add(std::size_t(i), encodeStripe(picture, format, speed, firstRow, endRow));
+            std::unique_ptr<Workshop> workshop = workshops.take();
+            queue.add(std::size_t(i), encodeStripe(picture, format, speed, firstRow, endRow, *workshop));
+            workshops.giveBack(std::move(workshop));
         } catch (const std::bad_alloc&) {
             failed = true;
         }
@@ -266,6 +296,15 @@ bool writePng(PixelView picture, std::uint32_t pixelsPerMetre, PngSpeed speed, c
     return !failed && queue.isComplete();
 } catch (const std::bad_alloc&) {
     return false;
+}
+
+bool writePng(PixelView picture, std::uint32_t pixelsPerMetre, PngSpeed speed, const PngSink& sink) {
+    if (picture.isEmpty())
+        return false;
+    const auto rows = [picture](int first, int end, PixelBuffer&) {
+        return PixelView{picture.data + first * picture.stride, picture.width, end - first, picture.stride};
+    };
+    return writePng({picture.width, picture.height, isOpaque(picture), rows}, pixelsPerMetre, speed, sink);
 }
 
 std::vector<std::uint8_t> encodePng(PixelView picture, std::uint32_t pixelsPerMetre, PngSpeed speed) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "editor/render/raster/PixelView.h"
+#include "editor/render/raster/PixelBuffer.h"
 
 #include <cstdint>
 #include <functional>
@@ -27,6 +27,18 @@ using PngSink = std::function<void(std::span<const std::uint8_t>)>;
 /// few megabytes for each thread. False when the view is empty or memory is short; what the sink got is then
 /// no file.
 bool writePng(PixelView picture, std::uint32_t pixelsPerMetre, PngSpeed speed, const PngSink& sink);
+
+/// A picture that is made while it is written, some rows at a time, and some of them more than once.
+struct PngSource {
+    int width = 0;
+    int height = 0;
+    bool isOpaque = true; ///< Every pixel. A picture that is not has a pixel that says so.
+    /// The rows [first, end): a view of them alone, in `room` or elsewhere; empty when that fails. From
+    /// several threads at once, each with its own room, which may hold rows of before.
+    std::function<PixelView(int first, int end, PixelBuffer& room)> rows;
+};
+/// The same file as of the finished picture. False also where no rows are given.
+bool writePng(const PngSource& source, std::uint32_t pixelsPerMetre, PngSpeed speed, const PngSink& sink);
 
 /// The same into memory; empty on failure.
 std::vector<std::uint8_t> encodePng(PixelView picture, std::uint32_t pixelsPerMetre = 0,

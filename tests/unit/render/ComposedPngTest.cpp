@@ -1,0 +1,117 @@
+#include "editor/render/ComposedPng.h"
+
+#include "editor/render/PictureFile.h"
+#include "editor/render/RasterView.h"
+#include "editor/render/raster/Opacity.h"
+#include "editor/render/raster/ParallelFor.h"
+#include "unit/render/RandomComposition.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace framora {
+namespace {
+
+constexpr unsigned styles = 60;
+
+/// A picture of a few colours on a canvas of a size that no tile divides.
+Composition plainComposition(BackgroundType background) {
+    Composition composition;
+    composition.image = QImage(301, 203, QImage::Format_ARGB32_Premultiplied);
+    composition.image.fill(qRgb(20, 90, 160));
+    composition.isRendering = true;
+    composition.config.backgroundType = background;
+    composition.config.padding = 37;
+    return composition;
+}
+
+QByteArray composed(const Composition& composition) {
+    const QSizeF frame = outputFrame(pointSize(composition.image), composition.config);
+    return composedPng(composition, frame, 2, 144).value_or(QByteArray());
+}
+
+QByteArray encodedWhole(const Composition& composition) {
+    const QSizeF frame = outputFrame(pointSize(composition.image), composition.config);
+    return encodePng(CompositionRasterizer().drawFrame(composition, frame, 2), 144);
+}
+
+TEST(Compositor, DrawsThePiecesOfAPictureAsTheWhole) {
+    for (unsigned seed = 0; seed < styles; ++seed) {
+        const RandomComposition random(seed);
+        CompositionRasterizer rasterizer;
+        const QSize size = random.viewport().pixelSize;
+        QImage whole(size, QImage::Format_ARGB32_Premultiplied);
+        const std::vector<raster::Layer> layers = rasterizer.layers(random.composition(), random.viewport());
+        raster::compose(mutableRasterView(whole), layers);
+        const raster::Compositor picture(size.width(), size.height(), layers);
+        QImage pieces(size, QImage::Format_ARGB32_Premultiplied);
+        pieces.fill(qRgba(1, 2, 3, 4));
+        raster::MutablePixelView rows = mutableRasterView(pieces);
+        int top = 0;
+        for (int count = 1; top < size.height(); top += count, count = count * 3 % 41) {
+            rows.height = std::min(count, size.height() - top);
+            picture.draw(rows, top);
+            rows.data += rows.height * rows.stride;
+        }
+        EXPECT_EQ(pieces, whole) << "seed " << seed;
+    }
+}
+
+TEST(Compositor, IsSureOfAnOpaquePictureOnlyWhereItIsOne) {
+    int sure = 0;
+    for (unsigned seed = 0; seed < styles; ++seed) {
+        const RandomComposition random(seed);
+        CompositionRasterizer rasterizer;
+        const QSize size = random.viewport().pixelSize;
+        const QImage whole = rasterizer.draw(random.composition(), random.viewport());
+        const raster::Compositor picture(size.width(), size.height(),
+                                         rasterizer.layers(random.composition(), random.viewport()));
+        if (!picture.isSurelyOpaque())
+            continue;
+        ++sure;
+        EXPECT_TRUE(raster::isOpaque(rasterView(whole))) << "seed " << seed;
+    }
+    EXPECT_GT(sure, 0);
+}
+
+TEST(ComposedPng, IsTheFileOfTheFinishedPicture) {
+    for (unsigned seed = 0; seed < styles; ++seed) {
+        const RandomComposition random(seed);
+        Composition composition = random.composition();
+        composition.isRendering = true;
+        EXPECT_EQ(composed(composition), encodedWhole(composition)) << "seed " << seed;
+    }
+}
+
+TEST(ComposedPng, IsTheFileOfTheFinishedPictureWhateverShowsThatItIsOpaque) {
+    // A canvas that fills the frame, one that leaves corners, and none under a picture that fills the frame.
+    Composition filled = plainComposition(BackgroundType::gradient);
+    Composition turned = filled;
+    turned.config.rotation = 30;
+    Composition bare = plainComposition(BackgroundType::transparent);
+    bare.config.padding = 0;
+    bare.config.borderRadius = 0;
+    for (const Composition& composition : {filled, turned, bare}) {
+        const QByteArray expected = encodedWhole(composition);
+        EXPECT_FALSE(expected.isEmpty());
+        EXPECT_EQ(composed(composition), expected);
+        raster::setParallelThreadLimit(1);
+        EXPECT_EQ(composed(composition), expected) << "by one thread";
+        raster::setParallelThreadLimit(0);
+    }
+    constexpr int colourType = 25;
+    EXPECT_EQ(composed(filled).at(colourType), 2);
+    EXPECT_EQ(composed(turned).at(colourType), 6);
+    EXPECT_EQ(composed(bare).at(colourType), 2);
+}
+
+TEST(ComposedPng, IsNothingWhereTheFrameCannotBeDrawn) {
+    const Composition composition = plainComposition(BackgroundType::gradient);
+    EXPECT_FALSE(composedPng(composition, QSizeF(0, 10), 2, 144));
+    EXPECT_FALSE(composedPng(composition, QSizeF(1e6, 10), 2, 144));
+    EXPECT_FALSE(composedPng(composition, QSizeF(std::numeric_limits<double>::quiet_NaN(), 10), 2, 144));
+}
+
+} // namespace
+} // namespace framora
