@@ -177,6 +177,12 @@ void DesktopSession::requireSoon(const char* what, const std::function<bool()>& 
 
 namespace {
 
+/// Whether the bus daemon started it because somebody called for its name.
+bool isService(qint64 pid) {
+    QFile file(QStringLiteral("/proc/%1/environ").arg(pid));
+    return file.open(QIODevice::ReadOnly) && file.readAll().contains("DBUS_STARTER_ADDRESS=");
+}
+
 qint64 parentOf(qint64 pid) {
     QFile file(QStringLiteral("/proc/%1/stat").arg(pid));
     if (!file.open(QIODevice::ReadOnly))
@@ -207,7 +213,7 @@ QStringList DesktopSession::leftovers(int timeoutMs) {
                 started.insert(child->pid());
         for (const qint64 pid : processes()) {
             const QString name = ChildProcess::nameOf(pid);
-            if (name.isEmpty() || started.contains(pid))
+            if (name.isEmpty() || started.contains(pid) || isService(pid))
                 continue;
             qint64 ancestor = pid;
             while (ancestor > 1 && !started.contains(ancestor))

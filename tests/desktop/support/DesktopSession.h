@@ -46,8 +46,8 @@ public:
     /// Every process that carries this desktop's environment, also those whose parent is gone.
     std::vector<qint64> processes() const;
 
-    /// What Framora's programs left: their processes that nobody here started, and the files in the Pictures
-    /// and the temporary folder. What is just going gets `timeoutMs` for it.
+    /// What Framora's programs left: their processes that neither a test nor the bus daemon started, and the
+    /// files in the Pictures and the temporary folder. What is just going gets `timeoutMs` for it.
     QStringList leftovers(int timeoutMs = 3000);
 
     /// True when the bus has an owner for the name.

@@ -98,8 +98,10 @@ void PaintedSurface::Connection::connect(const QString& waylandDisplay) {
     if (seat) {
         static const wl_pointer_listener pointerListener = [] {
             wl_pointer_listener listener = {};
-            listener.enter = [](void* data, wl_pointer*, std::uint32_t, wl_surface*, wl_fixed_t x,
-                                wl_fixed_t y) {
+            listener.enter = [](void* data, wl_pointer* seatPointer, std::uint32_t serial, wl_surface*,
+                                wl_fixed_t x, wl_fixed_t y) {
+                // No pointer is drawn over the known pixels.
+                wl_pointer_set_cursor(seatPointer, serial, nullptr, 0, 0);
                 static_cast<Connection*>(data)->pointer = {wl_fixed_to_double(x), wl_fixed_to_double(y)};
             };
             listener.leave = [](void*, wl_pointer*, std::uint32_t, wl_surface*) {};

@@ -1,0 +1,228 @@
+#include "desktop/wayland/path/FramoraOnSway.h"
+
+#include <cmath>
+#include <csignal>
+#include <stdexcept>
+
+namespace framora {
+namespace {
+
+const QString applicationId = QStringLiteral("org.framora.Framora");
+
+} // namespace
+
+FramoraOnSway::FramoraOnSway(const SwayOptions& options) : m_options(options), m_desktop(options) {
+    for (int index = 0; index < int(options.outputs.size()); ++index) {
+        const QSize size = m_desktop.outputArea(index).size();
+        m_backgrounds.push_back(std::make_unique<PaintedSurface>(
+            m_desktop.waylandDisplay(),
+            PaintedSurface::Options{
+                PaintedSurface::pattern(size * options.outputs[std::size_t(index)].scale, index + 1),
+                size,
+                {},
+                m_desktop.outputName(index)}));
+    }
+    for (int index = 0; index < int(options.outputs.size()); ++index)
+        waitForNothingInFront(index);
+}
+
+FramoraOnSway::~FramoraOnSway() = default;
+
+SwayOptions FramoraOnSway::options(double scale, QSize size) {
+    SwayOptions options;
+    options.outputs = {{size * scale, scale, {0, 0}, QStringLiteral("normal")}};
+    options.accessibility = true;
+    return options;
+}
+
+QString FramoraOnSway::program(const QString& name) {
+    return QStringLiteral(FRAMORA_PROGRAM_FOLDER "/") + name;
+}
+
+void FramoraOnSway::require(const QString& what, const std::function<bool()>& condition, int timeoutMs) {
+    if (SwayDesktop::waitFor(condition, timeoutMs))
+        return;
+    std::string message = "did not see: " + what.toStdString();
+    if (m_framora && !m_framora->isRunning())
+        message += " (Framora has ended)";
+    if (m_framora)
+        message += "\n" + m_framora->output().toStdString();
+    throw std::runtime_error(message);
+}
+
+QImage FramoraOnSway::backgroundPixels(const QRect& area, int output) {
+    const double scale = m_options.outputs.at(std::size_t(output)).scale;
+    const QRect local = area.translated(-m_desktop.outputArea(output).topLeft());
+    return background(output).picture().copy(QRect(local.topLeft() * scale, local.size() * scale));
+}
+
+ChildProcess& FramoraOnSway::launch() {
+    m_framora = &m_desktop.start(program(QStringLiteral("framora")));
+    require(QStringLiteral("Framora on the bus"),
+            [&] { return !m_framora->isRunning() || m_desktop.serviceIsOnBus(applicationId); });
+    require(QStringLiteral("Framora running"), [&] { return m_framora->isRunning(); });
+    return *m_framora;
+}
+
+void FramoraOnSway::quit() {
+    ::kill(pid_t(m_framora->pid()), SIGTERM);
+    require(QStringLiteral("Framora's end"), [&] { return !m_framora->isRunning(); });
+    EXPECT_EQ(m_framora->exitCode(), 0);
+}
+
+void FramoraOnSway::command(const QString& option) {
+    ChildProcess& asking = m_desktop.start(program(QStringLiteral("framora")), {option});
+    require(QStringLiteral("the end of framora ") + option, [&] { return !asking.isRunning(); });
+    EXPECT_EQ(asking.exitCode(), 0) << asking.output().toStdString();
+}
+
+void FramoraOnSway::openCapture(const QString& option) {
+    std::vector<QImage> before;
+    for (int index = 0; index < int(m_backgrounds.size()); ++index)
+        before.push_back(m_desktop.screenshot(index));
+    command(option);
+    for (int index = 0; index < int(m_backgrounds.size()); ++index)
+        require(QStringLiteral("the overlay"), [&] {
+            // Dimmed as a whole, whatever stood there before.
+            const QImage now = m_desktop.screenshot(index);
+            const QPoint corner(now.width() - 3, now.height() - 3);
+            return now.pixel(corner) != before[std::size_t(index)].pixel(corner);
+        });
+}
+
+void FramoraOnSway::waitForNoCapture() {
+    require(QStringLiteral("the capture tool's end"), [&] { return captureTools().empty(); });
+}
+
+std::vector<qint64> FramoraOnSway::captureTools() {
+    std::vector<qint64> tools;
+    for (const qint64 child : m_framora->children())
+        if (ChildProcess::nameOf(child).startsWith(QStringLiteral("framora-screen")))
+            tools.push_back(child);
+    return tools;
+}
+
+void FramoraOnSway::selectArea(const QRect& area) {
+    input().drag(area.topLeft(), area.topLeft() + QPoint(area.width(), area.height()));
+    waitForNoCapture();
+}
+
+QRect FramoraOnSway::inFront(int output) {
+    const QImage shown = m_desktop.screenshot(output);
+    const QImage& behind = background(output).picture();
+    if (shown.size() != behind.size())
+        return {};
+    int left = shown.width();
+    int right = -1;
+    int top = -1;
+    int bottom = -1;
+    for (int y = 0; y < shown.height(); ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(shown.constScanLine(y));
+        const auto* ground = reinterpret_cast<const QRgb*>(behind.constScanLine(y));
+        for (int x = 0; x < shown.width(); ++x) {
+            if (row[x] == ground[x])
+                continue;
+            left = std::min(left, x);
+            right = std::max(right, x);
+            top = top < 0 ? y : top;
+            bottom = y;
+        }
+    }
+    if (right < 0)
+        return {};
+    const double scale = m_options.outputs.at(std::size_t(output)).scale;
+    const QPointF from(left / scale, top / scale);
+    const QPointF to((right + 1) / scale, (bottom + 1) / scale);
+    return QRectF(from, to).toAlignedRect().translated(m_desktop.outputArea(output).topLeft());
+}
+
+QRect FramoraOnSway::waitForToast(int output) {
+    QRect last;
+    int same = 0;
+    require(QStringLiteral("a toast"), [&] {
+        const QRect now = inFront(output);
+        same = !now.isEmpty() && now == last ? same + 1 : 0;
+        last = now;
+        return same >= 2;
+    });
+    return last;
+}
+
+void FramoraOnSway::waitForNothingInFront(int output) {
+    require(QStringLiteral("nothing in front"),
+            [&] { return m_desktop.screenshot(output) == background(output).picture(); });
+}
+
+QRect FramoraOnSway::capture(const QRect& area, int output) {
+    openCapture();
+    selectArea(area);
+    return waitForToast(output);
+}
+
+std::optional<SwayWindow> FramoraOnSway::editor() {
+    for (const SwayWindow& window : m_desktop.windows())
+        if (window.appId == applicationId && window.title == QStringLiteral("Framora") &&
+            window.content.width() >= 600)
+            return window;
+    return {};
+}
+
+SwayWindow FramoraOnSway::waitForEditor() {
+    require(QStringLiteral("the editor"), [&] { return editor().has_value(); });
+    return *editor();
+}
+
+void FramoraOnSway::waitForNoEditor() {
+    require(QStringLiteral("the editor going away"), [&] { return !editor(); });
+}
+
+SwayWindow FramoraOnSway::captureAndEdit(const QRect& area) {
+    input().click(capture(area).center());
+    return waitForEditor();
+}
+
+AccessibleNode FramoraOnSway::control(const QString& name, const QString& role) {
+    std::optional<AccessibleNode> found;
+    require(QStringLiteral("the control \"%1\"").arg(name), [&] {
+        if (!m_accessible)
+            m_accessible = std::make_unique<AccessibleTree>(m_desktop.busAddress());
+        found = m_accessible->find(QString(), name, role);
+        return found.has_value();
+    });
+    // A Wayland program does not know where its window is.
+    found->area.translate(waitForEditor().content.topLeft());
+    return *found;
+}
+
+void FramoraOnSway::clickControl(const QString& name, const QString& role) {
+    input().click(QRectF(control(name, role).area).center());
+}
+
+QImage FramoraOnSway::save(const QString& path) {
+    clickControl(QStringLiteral("Save to File"));
+    const auto dialog = [&]() -> std::optional<SwayWindow> {
+        for (const SwayWindow& window : m_desktop.windows())
+            if (window.appId == applicationId && window.title != QStringLiteral("Framora"))
+                return window;
+        return {};
+    };
+    require(QStringLiteral("the file dialog"), [&] { return dialog() && dialog()->focused; });
+    input().key({"Control_L", "a"});
+    input().type(path);
+    // The first Return may go to the list of completions, which opens when the folder has been read.
+    input().key({"Return"});
+    if (!SwayDesktop::waitFor([&] { return !dialog(); }, 2000))
+        input().key({"Return"});
+    require(QStringLiteral("the file dialog closing"), [&] { return !dialog(); });
+    require(QStringLiteral("the saved file"), [&] { return !QImage(path).isNull(); });
+    return QImage(path);
+}
+
+testing::AssertionResult FramoraOnSway::leavesNothing() {
+    m_desktop.setClipboard("somebody else's", QStringLiteral("text/plain"));
+    const QStringList left = m_desktop.leftovers();
+    return left.isEmpty() ? testing::AssertionSuccess()
+                          : testing::AssertionFailure() << left.join(QStringLiteral(", ")).toStdString();
+}
+
+} // namespace framora
