@@ -1,10 +1,8 @@
 #pragma once
 
-#include "desktop/support/DesktopSession.h"
+#include "desktop/support/CaptureDescriptors.h"
 
 #include <QImage>
-
-#include <optional>
 
 namespace framora {
 
@@ -15,12 +13,10 @@ public:
     explicit PortalDesktop(bool sessionBus = true);
     ~PortalDesktop();
 
-    /// Starts the tool; what an earlier one left in the descriptors is forgotten.
+    /// Starts the tool with fresh descriptors.
     ChildProcess& launch(const QStringList& arguments);
-    /// Whether the tool has said that it has a route.
-    bool isReady();
-    /// What the tool handed over; null when nothing.
-    QByteArray handedPicture() const;
+    bool isReady() { return m_descriptors.isReady(); }
+    QByteArray handedPicture() const { return m_descriptors.handedPicture(); }
 
     /// A picture's file of the portal's own, in the Pictures folder; its URI.
     QString leavePicture(const QImage& image, const QString& name = QStringLiteral("Screenshot äöü 1.png"));
@@ -28,11 +24,7 @@ public:
     QString picturesPath() const { return homePath() + QStringLiteral("/Pictures"); }
 
 private:
-    void closeDescriptors();
-
-    int m_ready = -1;
-    int m_picture = -1;
-    bool m_isReady = false;
+    CaptureDescriptors m_descriptors;
 };
 
 /// A picture in which no two neighbours are alike, with alpha where asked for.

@@ -111,7 +111,7 @@ void KwinDesktop::startPortalBackends() {
     start(QStringLiteral("/usr/libexec/xdg-permission-store"));
     // Its dialogs stand on one part of the whole Plasma workspace, which we put in the place of.
     setEnvironmentVariable(QStringLiteral("QML2_IMPORT_PATH"), QStringLiteral(FRAMORA_PORTAL_QML));
-    start(QString::fromLatin1(backendProgram));
+    m_backend = &start(QString::fromLatin1(backendProgram));
     requireSoon("permission store", [&] {
         return serviceIsOnBus(QStringLiteral("org.freedesktop.impl.portal.PermissionStore"));
     });

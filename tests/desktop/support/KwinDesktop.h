@@ -11,7 +11,7 @@
 namespace framora {
 
 struct KwinOptions {
-    QSize size{1280, 800}; ///< Device pixels of each output.
+    QSize size{1280, 800}; ///< Of each output, in logical pixels.
     double scale = 1;
     int outputs = 1; ///< Side by side.
     bool xwayland = false;
@@ -44,6 +44,8 @@ public:
     /// The portal's front process, which programs talk to. May be ended and started again by a test.
     ChildProcess& portal() { return *m_portal; }
     ChildProcess& startPortal();
+    /// KDE's process behind it, which shows the dialogs.
+    ChildProcess& portalBackend() { return *m_backend; }
 
 private:
     void startCompositor(const KwinOptions& options);
@@ -51,6 +53,7 @@ private:
 
     QString m_socket;
     ChildProcess* m_portal = nullptr;
+    ChildProcess* m_backend = nullptr;
     std::unique_ptr<KwinInput> m_input;
 };
 

@@ -3,8 +3,9 @@ import QtQuick.Controls 2.15
 import QtQuick.Layouts 1.15
 import QtQuick.Window 2.15
 
-// What the portal's dialogs stand on in a Plasma session, whose own comes with the whole workspace. The first
-// button from the left accepts, the second rejects; both are 160 x 40 at the window's bottom left corner.
+// What the portal's dialogs stand on in a Plasma session, whose own comes with the whole workspace. Along the
+// bottom stand buttons of 160 x 40: from the left one that accepts and one that rejects, from the right the
+// dialog's actions.
 Window {
     id: dialog
 
@@ -58,5 +59,23 @@ Window {
         standardButtons: dialog.standardButtons
         onAccepted: dialog.accept()
         onRejected: dialog.reject()
+    }
+
+    Row {
+        anchors.right: parent.right
+        anchors.bottom: parent.bottom
+        layoutDirection: Qt.RightToLeft
+
+        Repeater {
+            model: dialog.actions
+
+            Button {
+                width: 160
+                height: 40
+                text: modelData.text
+                enabled: modelData.enabled
+                onClicked: modelData.trigger()
+            }
+        }
     }
 }
