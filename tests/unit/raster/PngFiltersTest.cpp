@@ -90,6 +90,29 @@ TEST(PngFilters, PacksColoursOnEveryTarget) {
     });
 }
 
+TEST(PngFilters, PacksTranslucentColoursOnEveryTarget) {
+    enum class Kind { opaque, clear, any, mixed };
+    forEachTarget([&](const char* target) {
+        std::mt19937 random(3);
+        for (const Kind kind : {Kind::opaque, Kind::clear, Kind::any, Kind::mixed})
+            for (std::size_t count = 1; count <= 70; ++count) {
+                std::vector<std::uint32_t> pixels(count);
+                for (std::uint32_t& pixel : pixels) {
+                    const bool isAny = kind == Kind::any || (kind == Kind::mixed && random() % 40 == 0);
+                    pixel = isAny || kind == Kind::opaque ? std::uint32_t(random()) : 0;
+                    if (!isAny && (kind == Kind::opaque || (kind == Kind::mixed && random() % 2 == 0)))
+                        pixel |= 0xff000000u;
+                }
+                std::vector<std::uint8_t> fast(4 * count + pngRowPadding);
+                std::vector<std::uint8_t> expected(4 * count);
+                packRgba(pixels.data(), count, fast.data());
+                plain::packRgba(pixels.data(), count, expected.data());
+                ASSERT_TRUE(std::equal(expected.begin(), expected.end(), fast.begin()))
+                    << target << " " << count << " " << int(kind);
+            }
+    });
+}
+
 TEST(PngFilters, CountsNothingForZerosAndMoreForLargerResiduals) {
     std::vector<std::uint8_t> row(zerosBefore + 300 + pngRowPadding);
     const std::vector<std::uint8_t> zeros(row.size());

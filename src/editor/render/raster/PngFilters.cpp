@@ -26,6 +26,10 @@ void rgbFromPixels(const std::uint32_t* pixels, std::size_t count, std::uint8_t*
     plain::packRgb(pixels, count, out);
 }
 
+void rgbaFromPixels(const std::uint32_t* pixels, std::size_t count, std::uint8_t* out) {
+    plain::packRgba(pixels, count, out);
+}
+
 #else
 
 namespace hn = hwy::HWY_NAMESPACE;
@@ -137,6 +141,27 @@ void rgbFromPixels(const std::uint32_t* pixels, std::size_t count, std::uint8_t*
     plain::packRgb(pixels + i, count - i, out + 3 * i);
 }
 
+void rgbaFromPixels(const std::uint32_t* pixels, std::size_t count, std::uint8_t* out) {
+    alignas(16) static constexpr std::uint8_t order[16] = {2,  1, 0, 3,  6,  5,  4,  7,
+                                                           10, 9, 8, 11, 14, 13, 12, 15};
+    const hn::CappedTag<std::uint32_t, 16> words;
+    const hn::Repartition<std::uint8_t, decltype(words)> bytes;
+    const auto indices = hn::LoadDup128(bytes, order);
+    const auto opaque = hn::Set(words, 255u);
+    const std::size_t lanes = hn::Lanes(words);
+    std::size_t i = 0;
+    for (; i + lanes <= count; i += lanes) {
+        // Pixels are opaque or clear, but for those on an edge.
+        const auto some = hn::LoadU(words, pixels + i);
+        const auto isPlain = hn::Or(hn::Eq(hn::ShiftRight<24>(some), opaque), hn::Eq(some, hn::Zero(words)));
+        if (hn::AllTrue(words, isPlain))
+            hn::StoreU(hn::TableLookupBytes(hn::BitCast(bytes, some), indices), bytes, out + 4 * i);
+        else
+            plain::packRgba(pixels + i, lanes, out + 4 * i);
+    }
+    plain::packRgba(pixels + i, count - i, out + 4 * i);
+}
+
 #endif
 
 } // namespace
@@ -149,6 +174,7 @@ namespace framora::raster {
 HWY_EXPORT(filterCosts);
 HWY_EXPORT(filterRow);
 HWY_EXPORT(rgbFromPixels);
+HWY_EXPORT(rgbaFromPixels);
 
 std::array<std::uint64_t, pngFilterCount> pngFilterCosts(const PngRow& row) {
     return HWY_DYNAMIC_DISPATCH(filterCosts)(row);
@@ -160,6 +186,10 @@ void applyPngFilter(PngFilter filter, const PngRow& row, std::uint8_t* out) {
 
 void packRgb(const std::uint32_t* pixels, std::size_t count, std::uint8_t* out) {
     HWY_DYNAMIC_DISPATCH(rgbFromPixels)(pixels, count, out);
+}
+
+void packRgba(const std::uint32_t* pixels, std::size_t count, std::uint8_t* out) {
+    HWY_DYNAMIC_DISPATCH(rgbaFromPixels)(pixels, count, out);
 }
 
 } // namespace framora::raster

@@ -32,12 +32,16 @@ void applyPngFilter(PngFilter filter, const PngRow& row, std::uint8_t* out);
 
 /// Premultiplied pixels, all of them opaque, as R, G, B.
 void packRgb(const std::uint32_t* pixels, std::size_t count, std::uint8_t* out);
+/// Premultiplied pixels as R, G, B, A with the colours divided by the alpha, to the nearest; nothing of what
+/// has none. A colour above its alpha saturates.
+void packRgba(const std::uint32_t* pixels, std::size_t count, std::uint8_t* out);
 
 /// The same in plain loops, which define the results.
 namespace plain {
 std::array<std::uint64_t, pngFilterCount> pngFilterCosts(const PngRow& row);
 void applyPngFilter(PngFilter filter, const PngRow& row, std::uint8_t* out);
 void packRgb(const std::uint32_t* pixels, std::size_t count, std::uint8_t* out);
+void packRgba(const std::uint32_t* pixels, std::size_t count, std::uint8_t* out);
 } // namespace plain
 
 } // namespace framora::raster

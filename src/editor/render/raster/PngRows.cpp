@@ -10,40 +10,6 @@ namespace {
 
 constexpr std::size_t zerosBefore = 16; // at least a pixel; keeps the rows aligned
 
-/// round(255 c / a) = (c * reciprocal[a] + half) >> 24 for every c <= a; the tests try them all.
-struct Reciprocals {
-    std::array<std::uint32_t, 256> value{};
-    constexpr Reciprocals() {
-        for (std::uint32_t a = 1; a < 256; ++a)
-            value[a] = ((255u << 24) + a - 1) / a;
-    }
-};
-constexpr Reciprocals reciprocals;
-
-std::uint8_t unpremultiplied(std::uint32_t colour, std::uint32_t alpha) {
-    // A colour above its alpha is no valid pixel; it saturates.
-    const std::uint64_t scaled =
-        std::uint64_t(std::min(colour, alpha)) * reciprocals.value[alpha] + (1u << 23);
-    return std::uint8_t(std::min<std::uint64_t>(scaled >> 24, 255));
-}
-
-void packRgba(const std::uint32_t* row, std::size_t width, std::uint8_t* out) {
-    for (std::size_t x = 0; x < width; ++x, out += 4) {
-        const std::uint32_t pixel = row[x];
-        const std::uint32_t alpha = pixel >> 24;
-        if (alpha == 255) {
-            out[0] = std::uint8_t(pixel >> 16);
-            out[1] = std::uint8_t(pixel >> 8);
-            out[2] = std::uint8_t(pixel);
-        } else {
-            out[0] = unpremultiplied(pixel >> 16 & 255, alpha);
-            out[1] = unpremultiplied(pixel >> 8 & 255, alpha);
-            out[2] = unpremultiplied(pixel & 255, alpha);
-        }
-        out[3] = std::uint8_t(alpha);
-    }
-}
-
 PngFilter leastSumFilter(const PngRow& row) {
     std::vector<std::uint8_t> residuals(row.size + pngRowPadding);
     PngFilter best = PngFilter::none;
