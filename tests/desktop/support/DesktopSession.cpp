@@ -213,7 +213,9 @@ QStringList DesktopSession::leftovers(int timeoutMs) {
                 started.insert(child->pid());
         for (const qint64 pid : processes()) {
             const QString name = ChildProcess::nameOf(pid);
-            if (name.isEmpty() || started.contains(pid) || isService(pid))
+            // A compositor starts its X server apart from itself.
+            if (name.isEmpty() || started.contains(pid) || isService(pid) ||
+                name == QStringLiteral("Xwayland"))
                 continue;
             qint64 ancestor = pid;
             while (ancestor > 1 && !started.contains(ancestor))

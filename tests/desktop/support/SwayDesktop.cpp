@@ -20,7 +20,7 @@ constexpr auto configuration = R"(swaybg_command -
 default_border none
 default_floating_border none
 for_window [app_id=".*"] floating enable
-for_window [class=".*"] floating enable
+for_window [shell="xwayland"] floating enable
 focus_on_window_activation focus
 seat * xcursor_theme unseen
 )";

@@ -9,6 +9,11 @@ namespace {
 
 const QString applicationId = QStringLiteral("org.framora.Framora");
 
+bool isFramoras(const SwayWindow& window) {
+    return window.appId == applicationId ||
+           window.xClass.contains(QStringLiteral("framora"), Qt::CaseInsensitive);
+}
+
 } // namespace
 
 FramoraOnSway::FramoraOnSway(const SwayOptions& options) : m_options(options), m_desktop(options) {
@@ -56,8 +61,13 @@ QImage FramoraOnSway::backgroundPixels(const QRect& area, int output) {
     return background(output).picture().copy(QRect(local.topLeft() * scale, local.size() * scale));
 }
 
+ChildProcess& FramoraOnSway::startFramora(const QStringList& arguments) {
+    return m_desktop.start(QStringLiteral("env"),
+                           m_unset + QStringList{program(QStringLiteral("framora"))} + arguments);
+}
+
 ChildProcess& FramoraOnSway::launch() {
-    m_framora = &m_desktop.start(program(QStringLiteral("framora")));
+    m_framora = &startFramora();
     require(QStringLiteral("Framora on the bus"),
             [&] { return !m_framora->isRunning() || m_desktop.serviceIsOnBus(applicationId); });
     require(QStringLiteral("Framora running"), [&] { return m_framora->isRunning(); });
@@ -71,7 +81,7 @@ void FramoraOnSway::quit() {
 }
 
 void FramoraOnSway::command(const QString& option) {
-    ChildProcess& asking = m_desktop.start(program(QStringLiteral("framora")), {option});
+    ChildProcess& asking = startFramora({option});
     require(QStringLiteral("the end of framora ") + option, [&] { return !asking.isRunning(); });
     EXPECT_EQ(asking.exitCode(), 0) << asking.output().toStdString();
 }
@@ -161,8 +171,7 @@ QRect FramoraOnSway::capture(const QRect& area, int output) {
 
 std::optional<SwayWindow> FramoraOnSway::editor() {
     for (const SwayWindow& window : m_desktop.windows())
-        if (window.appId == applicationId && window.title == QStringLiteral("Framora") &&
-            window.content.width() >= 600)
+        if (isFramoras(window) && window.title == QStringLiteral("Framora") && window.content.width() >= 600)
             return window;
     return {};
 }
@@ -189,8 +198,10 @@ AccessibleNode FramoraOnSway::control(const QString& name, const QString& role) 
         found = m_accessible->find(QString(), name, role);
         return found.has_value();
     });
-    // A Wayland program does not know where its window is.
-    found->area.translate(waitForEditor().content.topLeft());
+    // A Wayland program does not know where its window is, an X program does.
+    const SwayWindow window = waitForEditor();
+    if (window.xClass.isEmpty())
+        found->area.translate(window.content.topLeft());
     return *found;
 }
 
@@ -202,7 +213,7 @@ QImage FramoraOnSway::save(const QString& path) {
     clickControl(QStringLiteral("Save to File"));
     const auto dialog = [&]() -> std::optional<SwayWindow> {
         for (const SwayWindow& window : m_desktop.windows())
-            if (window.appId == applicationId && window.title != QStringLiteral("Framora"))
+            if (isFramoras(window) && window.title != QStringLiteral("Framora"))
                 return window;
         return {};
     };

@@ -30,6 +30,8 @@ public:
     /// Device pixels of a logical area of an output's background.
     QImage backgroundPixels(const QRect& area, int output = 0);
 
+    /// Programs of Framora do without this variable from now on.
+    void unset(const QString& variable) { m_unset << QStringLiteral("--unset") << variable; }
     /// Starts Framora and returns when it takes commands.
     ChildProcess& launch();
     ChildProcess& framora() { return *m_framora; }
@@ -71,9 +73,12 @@ public:
     void require(const QString& what, const std::function<bool()>& condition, int timeoutMs = 15000);
 
 private:
+    ChildProcess& startFramora(const QStringList& arguments = {});
+
     SwayOptions m_options;
     SwayDesktop m_desktop;
     std::vector<std::unique_ptr<PaintedSurface>> m_backgrounds;
+    QStringList m_unset;
     ChildProcess* m_framora = nullptr;
     std::unique_ptr<AccessibleTree> m_accessible;
 };
