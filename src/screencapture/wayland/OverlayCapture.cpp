@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <thread>
 #include <wayland-client-protocol.h>
 #include <wayland-protocols/viewporter.h>
 #include <wayland-protocols/wlr-layer-shell-unstable-v1.h>
@@ -76,14 +77,27 @@ std::optional<CaptureResult> OverlayCapture::begin(CaptureMode mode) {
     // Their sizes come while the outputs are copied; they are not seen before their first picture.
     for (const Output& output : m_outputs)
         m_surfaces.push_back(std::make_unique<OverlaySurface>(m_globals, output));
-    m_frozen = m_freezer.freeze(m_outputs);
+    // Memory comes slowly, page by page: all of it while the compositor is busy.
+    std::vector<std::unique_ptr<MemoryImage>> memory(m_outputs.size());
+    {
+        const std::jthread touching([this, &memory] {
+            for (std::size_t i = 0; i < memory.size(); ++i) {
+                memory[i] = MemoryImage::createShared(m_outputs[i].pixelWidth, m_outputs[i].pixelHeight);
+                if (memory[i])
+                    memory[i]->touch();
+            }
+        });
+        m_frozen = m_freezer.freeze(m_outputs);
+    }
     if (!m_connection.valid())
         return connectionLost();
     if (m_frozen.size() != m_outputs.size())
         return CaptureResult::notHere("the outputs cannot be copied");
-    for (const auto& surface : m_surfaces)
-        if (!surface->allocate())
+    for (std::size_t i = 0; i < m_surfaces.size(); ++i) {
+        if (!memory[i])
             return CaptureResult::failed("out of memory");
+        m_surfaces[i]->adopt(std::move(memory[i]));
+    }
     if (!m_connection.dispatchUntil(
             [this] {
                 return std::all_of(m_surfaces.begin(), m_surfaces.end(),

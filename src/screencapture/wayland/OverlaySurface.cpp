@@ -52,21 +52,12 @@ void OverlaySurface::configure(int width, int height) {
     m_height = height > 0 ? height : m_output.logical.height;
 }
 
-bool OverlaySurface::allocate() {
-    Frame& frame = m_frames[0];
-    if (frame.buffer)
-        return true;
-    auto image = MemoryImage::createShared(m_output.pixelWidth, m_output.pixelHeight);
-    if (!image)
-        return false;
-    image->touch();
-    frame.buffer = std::make_unique<ShmBuffer>(m_globals.shm, std::move(image), WL_SHM_FORMAT_XRGB8888);
-    return true;
+void OverlaySurface::adopt(std::unique_ptr<MemoryImage> memory) {
+    m_frames[0].buffer =
+        std::make_unique<ShmBuffer>(m_globals.shm, std::move(memory), WL_SHM_FORMAT_XRGB8888);
 }
 
 void OverlaySurface::show(const PixelImage& frozen, const Rect& screen) {
-    if (!allocate())
-        return;
     if (m_globals.viewporter) {
         m_viewport = wp_viewporter_get_viewport(m_globals.viewporter, m_surface);
         // Pixels that the surface does not reach, because a logical size is whole, are left out: squeezed in,

@@ -42,8 +42,8 @@ public:
     /// The compositor took it away, or made it another size after it was shown.
     bool lost() const { return m_lost; }
 
-    /// Gets the memory it draws into. False when there is none.
-    bool allocate();
+    /// The memory of the first frame, shared and of the output's size in pixels. Needed by show().
+    void adopt(std::unique_ptr<MemoryImage> memory);
     /// Puts the output's frozen picture up, dimmed and with nothing else on it. `frozen` has the output's
     /// size in pixels and outlives the surface; `screen` is the whole layout in the output's pixels.
     void show(const PixelImage& frozen, const Rect& screen);
