@@ -12,6 +12,7 @@
 #include "platform/ToastPanel.h"
 #include "platform/desktop/AutostartEntry.h"
 #include "platform/desktop/ConfiguredDesktopPictures.h"
+#include "platform/desktop/CurrentDesktop.h"
 #include "platform/desktop/DecoderVersions.h"
 #include "platform/desktop/DesktopAppearance.h"
 #include "platform/desktop/FileResourceBundle.h"
@@ -136,8 +137,8 @@ struct framora_App::Desktop {
         soundOutput.prepare(); // One can be tried there.
         return std::unique_ptr<SettingsWindow>(
             make({mainQueue, notifications, defaults, windows->keyMonitors(), windows->keyboardLayout(),
-                  windows->desktopShortcuts(), windows->permissions(), windows->privacyPanes(), loginItem,
-                  appearance, componentVersions,
+                  windows->desktopShortcuts(), windows->globalShortcuts(), handBindingOfDesktop(),
+                  windows->permissions(), windows->privacyPanes(), loginItem, appearance, componentVersions,
                   [](CaptureSound sound, float volume) { SoundManager::shared().play(sound, volume); },
                   [this](QWindow& window) { windows->application().setFrontWindow(window); }},
                  std::move(onWillClose)));

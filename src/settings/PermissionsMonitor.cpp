@@ -1,5 +1,7 @@
 #include "settings/PermissionsMonitor.h"
 
+#include "platform/GlobalShortcuts.h"
+#include "platform/Localized.h"
 #include "platform/MainQueue.h"
 #include "platform/Notifications.h"
 #include "platform/Permissions.h"
@@ -22,9 +24,30 @@ bool openPrivacyPane(PrivacyPanes& panes, PrivacyPane pane) {
 
 PermissionsMonitor::PermissionsMonitor(const SettingsServices& services)
     : m_mainQueue(services.mainQueue), m_notifications(services.notifications),
-      m_permissions(services.permissions), m_panes(services.privacyPanes) {}
+      m_permissions(services.permissions), m_panes(services.privacyPanes),
+      m_shortcuts(services.globalShortcuts), m_isSway(services.handBinding.kind == HandBinding::Kind::sway),
+      m_shortcutsObserver(
+          m_notifications.observe(notifications::shortcutBindingsChanged, [this] { Q_EMIT changed(); })) {}
 
 PermissionsMonitor::~PermissionsMonitor() = default;
+
+QString PermissionsMonitor::accessibilityDescription() const {
+    switch (m_shortcuts.route()) {
+    case GlobalShortcuts::Route::byHand:
+        return localized(QStringLiteral("accessibility.by.hand"));
+    case GlobalShortcuts::Route::refused:
+        return localized(QStringLiteral("accessibility.refused"));
+    case GlobalShortcuts::Route::watching:
+    case GlobalShortcuts::Route::desktop:
+        break;
+    }
+    return localized(QStringLiteral("accessibility.description"));
+}
+
+bool PermissionsMonitor::canGrantAccessibility() const {
+    // A compositor that is configured by a file has no page to open.
+    return !(m_isSway && m_shortcuts.route() == GlobalShortcuts::Route::byHand);
+}
 
 void PermissionsMonitor::checkPermissions() {
     const bool trusted = m_permissions.isAccessibilityTrusted();

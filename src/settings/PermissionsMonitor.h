@@ -9,6 +9,7 @@
 
 namespace framora {
 
+class GlobalShortcuts;
 class MainQueue;
 class Permissions;
 class WorkItem;
@@ -24,6 +25,10 @@ class PermissionsMonitor final : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool hasAccessibility READ hasAccessibility NOTIFY changed FINAL)
     Q_PROPERTY(bool hasScreenRecording READ hasScreenRecording NOTIFY changed FINAL)
+    /// What the lack of the accessibility permission means on this desktop.
+    Q_PROPERTY(QString accessibilityDescription READ accessibilityDescription NOTIFY changed FINAL)
+    /// Whether there is anything that the permission's button could bring about.
+    Q_PROPERTY(bool canGrantAccessibility READ canGrantAccessibility NOTIFY changed FINAL)
 
 public:
     /// The services outlive the monitor.
@@ -32,6 +37,8 @@ public:
 
     bool hasAccessibility() const { return m_hasAccessibility; }
     bool hasScreenRecording() const { return m_hasScreenRecording; }
+    QString accessibilityDescription() const;
+    bool canGrantAccessibility() const;
     bool isPolling() const { return m_timerSubscription != nullptr; }
 
     /// The section comes on screen, or leaves it.
@@ -54,6 +61,9 @@ private:
     NotificationCenter& m_notifications;
     Permissions& m_permissions;
     PrivacyPanes& m_panes;
+    const GlobalShortcuts& m_shortcuts;
+    bool m_isSway;
+    NotificationCenter::Token m_shortcutsObserver;
     bool m_hasAccessibility = false;
     bool m_hasScreenRecording = false;
     std::unique_ptr<WorkItem> m_timerSubscription;

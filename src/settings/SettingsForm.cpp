@@ -34,6 +34,9 @@ SettingsForm::SettingsForm(const SettingsServices& services, QObject* parent)
     : QObject(parent), m_services(services), m_settings(Settings::load(services.defaults)),
       m_hotKey(&Settings::hotkey, m_settings.hotkey, services),
       m_tabCaptureHotKey(&Settings::tabCaptureHotkey, m_settings.tabCaptureHotkey, services),
+      m_hotKeyBinding(shortcutId::captureArea, localized(QStringLiteral("screenshot")), m_hotKey, services),
+      m_tabCaptureHotKeyBinding(shortcutId::captureWindow, localized(QStringLiteral("window capture")),
+                                m_tabCaptureHotKey, services),
       m_startsAtLogin(services.loginItem.isEnabled()) {
     if (!services.permissions.isAccessibilityTrusted()) {
         m_permissionsMonitor = std::make_unique<PermissionsMonitor>(m_services);

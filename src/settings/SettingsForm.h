@@ -3,6 +3,7 @@
 #include "settings/PermissionsMonitor.h"
 #include "settings/Settings.h"
 #include "settings/SettingsServices.h"
+#include "settings/ShortcutBinding.h"
 #include "settings/ShortcutConflict.h"
 #include "settings/ShortcutRecorder.h"
 
@@ -30,6 +31,8 @@ class SettingsForm final : public QObject {
     Q_PROPERTY(bool startsAtLogin READ startsAtLogin WRITE setStartsAtLogin NOTIFY startsAtLoginChanged FINAL)
     Q_PROPERTY(framora::ShortcutRecorder* hotKey READ hotKey CONSTANT FINAL)
     Q_PROPERTY(framora::ShortcutRecorder* tabCaptureHotKey READ tabCaptureHotKey CONSTANT FINAL)
+    Q_PROPERTY(framora::ShortcutBinding* hotKeyBinding READ hotKeyBinding CONSTANT FINAL)
+    Q_PROPERTY(framora::ShortcutBinding* tabCaptureHotKeyBinding READ tabCaptureHotKeyBinding CONSTANT FINAL)
     /// What a shortcut collides with, as a text for under its row; empty when with nothing.
     Q_PROPERTY(QString hotKeyConflict READ hotKeyConflict NOTIFY conflictsChanged FINAL)
     Q_PROPERTY(QString tabCaptureHotKeyConflict READ tabCaptureHotKeyConflict NOTIFY conflictsChanged FINAL)
@@ -68,6 +71,8 @@ public:
 
     ShortcutRecorder* hotKey() { return &m_hotKey; }
     ShortcutRecorder* tabCaptureHotKey() { return &m_tabCaptureHotKey; }
+    ShortcutBinding* hotKeyBinding() { return &m_hotKeyBinding; }
+    ShortcutBinding* tabCaptureHotKeyBinding() { return &m_tabCaptureHotKeyBinding; }
     /// Whether either shortcut is being recorded.
     bool isRecording() const { return m_hotKey.isSettingHotKey() || m_tabCaptureHotKey.isSettingHotKey(); }
     QString hotKeyConflict() const;
@@ -91,6 +96,8 @@ private:
     Settings m_settings;
     ShortcutRecorder m_hotKey;
     ShortcutRecorder m_tabCaptureHotKey;
+    ShortcutBinding m_hotKeyBinding;
+    ShortcutBinding m_tabCaptureHotKeyBinding;
     ShortcutConflict m_hotKeyConflict = ShortcutConflict::none;
     ShortcutConflict m_tabCaptureHotKeyConflict = ShortcutConflict::none;
     std::unique_ptr<PermissionsMonitor> m_permissionsMonitor;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/HandBinding.h"
 #include "settings/CaptureSound.h"
 
 #include <functional>
@@ -11,6 +12,7 @@ namespace framora {
 class Appearance;
 class ComponentVersions;
 class DesktopShortcuts;
+class GlobalShortcuts;
 class KeyboardLayout;
 class KeyMonitors;
 class LoginItem;
@@ -28,6 +30,8 @@ struct SettingsServices {
     KeyMonitors& keyMonitors;
     const KeyboardLayout& keyboardLayout;
     DesktopShortcuts& desktopShortcuts;
+    GlobalShortcuts& globalShortcuts;
+    HandBinding handBinding;
     Permissions& permissions;
     PrivacyPanes& privacyPanes;
     LoginItem& loginItem;

@@ -125,6 +125,42 @@ TEST_F(SettingsPictures, OfThePermissions) {
     });
 }
 
+TEST_F(SettingsPictures, OfShortcutsThatAreBoundByHand) {
+    platform.shortcuts.way = GlobalShortcuts::Route::byHand;
+    platform.handBinding.program = QStringLiteral("/usr/local/bin/framora");
+    for (const auto& [kind, name] :
+         {std::pair(HandBinding::Kind::sway, "sway"), std::pair(HandBinding::Kind::gnome, "gnome"),
+          std::pair(HandBinding::Kind::command, "command")}) {
+        platform.handBinding.kind = kind;
+        inBothAppearances([this, name = name] {
+            platform.permissions = {};
+            save(qPrintable(QStringLiteral("by-hand-%1").arg(QLatin1String(name))));
+            click("tabCaptureHotKey.guide.line0.copy");
+            save(qPrintable(QStringLiteral("by-hand-%1-copied").arg(QLatin1String(name))));
+        });
+    }
+}
+
+TEST_F(SettingsPictures, OfShortcutsThatTheDesktopHasTheLastWordOn) {
+    platform.permissions.trusted = true;
+    platform.permissions.recording = true;
+    platform.shortcuts.way = GlobalShortcuts::Route::desktop;
+    platform.shortcuts.keys = {{QStringLiteral("capture-area"), QStringLiteral("Meta+Shift+Print")},
+                               {QStringLiteral("capture-window"), QString()}};
+    inBothAppearances([this] {
+        save("desktop-keys");
+        platform.shortcuts.configurable = true;
+        platform.notifications.post(notifications::shortcutBindingsChanged);
+        save("desktop-keys-configurable");
+        platform.shortcuts.configurable = false;
+    });
+    platform.shortcuts.way = GlobalShortcuts::Route::refused;
+    inBothAppearances([this] {
+        platform.permissions.trusted = false;
+        save("desktop-refused");
+    });
+}
+
 TEST_F(SettingsPictures, OfTheProgramsOwnPane) {
     inBothAppearances([this] {
         click("tab.about");
@@ -144,6 +180,13 @@ TEST_F(SettingsPictures, OfTheSmallestWindow) {
         save("small-form-end");
         click("tab.about");
         save("small-about");
+    });
+    platform.shortcuts.way = GlobalShortcuts::Route::byHand;
+    platform.handBinding = {HandBinding::Kind::gnome, QStringLiteral("/usr/local/bin/framora")};
+    inBothAppearances([this] {
+        centreOf("hotKey.guide.line1.copy");
+        leaveControls();
+        save("small-by-hand");
     });
 }
 

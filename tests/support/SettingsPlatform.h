@@ -2,6 +2,7 @@
 
 #include "platform/ComponentVersions.h"
 #include "platform/DesktopShortcuts.h"
+#include "platform/GlobalShortcuts.h"
 #include "platform/KeyboardLayout.h"
 #include "platform/LoginItem.h"
 #include "platform/NotificationCenter.h"
@@ -37,6 +38,25 @@ public:
         return taken.contains({virtualKey, modifiers});
     }
     std::set<std::pair<std::uint16_t, std::uint64_t>> taken;
+};
+
+/// Shortcuts whose way the test chooses.
+class SwitchableShortcuts final : public GlobalShortcuts {
+public:
+    Route route() const override { return way; }
+    std::optional<QString> differingKeys(const QString& id) const override {
+        const auto found = keys.find(id);
+        return found == keys.end() ? std::nullopt : std::optional(found->second);
+    }
+    bool canConfigure() const override { return configurable; }
+    void configure() override { ++configured; }
+    void askAgain() override { ++asked; }
+
+    Route way = Route::watching;
+    std::map<QString, QString> keys; ///< Those that differ, by id.
+    bool configurable = false;
+    int configured = 0;
+    int asked = 0;
 };
 
 /// Permissions that the test gives and takes away.
@@ -104,6 +124,8 @@ struct SettingsPlatform {
     ManualKeyMonitors keys;
     FixedKeyboardLayout layout;
     FixedDesktopShortcuts desktopShortcuts;
+    SwitchableShortcuts shortcuts;
+    HandBinding handBinding{HandBinding::Kind::command, QStringLiteral("/usr/bin/framora")};
     SwitchablePermissions permissions;
     RecordingPrivacyPanes panes;
     MemoryLoginItem loginItem;
@@ -119,6 +141,8 @@ struct SettingsPlatform {
                 keys,
                 layout,
                 desktopShortcuts,
+                shortcuts,
+                handBinding,
                 permissions,
                 panes,
                 loginItem,

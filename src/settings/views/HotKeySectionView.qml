@@ -10,4 +10,5 @@ RecorderSection {
     hint: "Click the area above then type the desired key combination"
     recorder: form.hotKey
     conflict: form.hotKeyConflict
+    binding: form.hotKeyBinding
 }

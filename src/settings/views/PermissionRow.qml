@@ -11,6 +11,8 @@ Item {
     required property string openLabel
     required property string symbol
     required property bool granted
+    /// Whether a button can do anything about it.
+    property bool grantable: true
     signal allowed
 
     width: parent.width
@@ -42,7 +44,8 @@ Item {
                 }
                 PushButton {
                     objectName: row.objectName + ".allow"
-                    visible: !row.granted
+                    visible: !row.granted && row.grantable
+                    width: visible ? implicitWidth : 0
                     text: Strings.localized("allow")
                     help: row.openLabel
                     primary: true

@@ -15,7 +15,8 @@ Section {
     PermissionRow {
         objectName: "accessibility"
         title: Strings.localized("accessibility")
-        description: Strings.localized("accessibility.description")
+        description: section.monitor.accessibilityDescription
+        grantable: section.monitor.canGrantAccessibility
         openLabel: Strings.localized("open.accessibility.settings")
         symbol: "keyboard"
         granted: section.monitor.hasAccessibility

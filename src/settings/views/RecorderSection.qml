@@ -9,6 +9,7 @@ Section {
     required property ShortcutRecorder recorder
     required property string hint
     required property string conflict
+    required property ShortcutBinding binding
 
     HotKeyView {
         objectName: section.objectName + ".row"
@@ -62,5 +63,15 @@ Section {
             font.family: Theme.fontFamily
             font.pixelSize: 12
         }
+    }
+    BindingNotice {
+        objectName: section.objectName + ".notice"
+        width: parent.width
+        binding: section.binding
+    }
+    BindingGuideView {
+        objectName: section.objectName + ".guide"
+        width: parent.width
+        binding: section.binding
     }
 }

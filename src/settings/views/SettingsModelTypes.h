@@ -2,6 +2,7 @@
 
 #include "settings/PermissionsMonitor.h"
 #include "settings/SettingsForm.h"
+#include "settings/ShortcutBinding.h"
 #include "settings/ShortcutRecorder.h"
 
 #include <QtQml/qqml.h>
@@ -13,6 +14,13 @@ struct SettingsFormForeign {
     QML_FOREIGN(framora::SettingsForm)
     QML_NAMED_ELEMENT(SettingsForm)
     QML_UNCREATABLE("Made by the session")
+};
+
+struct ShortcutBindingForeign {
+    Q_GADGET
+    QML_FOREIGN(framora::ShortcutBinding)
+    QML_NAMED_ELEMENT(ShortcutBinding)
+    QML_UNCREATABLE("Part of the form")
 };
 
 struct ShortcutRecorderForeign {

@@ -10,4 +10,5 @@ RecorderSection {
     hint: "Configure the shortcut to capture the active window"
     recorder: form.tabCaptureHotKey
     conflict: form.tabCaptureHotKeyConflict
+    binding: form.tabCaptureHotKeyBinding
 }
