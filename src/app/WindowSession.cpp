@@ -10,7 +10,6 @@ namespace framora {
 
 namespace {
 constexpr char platformVariable[] = "QT_QPA_PLATFORM";
-constexpr char titleBarVariable[] = "QT_WAYLAND_DISABLE_WINDOWDECORATION";
 } // namespace
 
 WindowSession::WindowSession() {
@@ -28,15 +27,15 @@ bool WindowSession::exists() const {
 }
 
 QString WindowSession::name() const {
-    return qEnvironmentVariable(m_wayland ? "WAYLAND_DISPLAY" : "DISPLAY");
+    if (!m_wayland)
+        return qEnvironmentVariable("DISPLAY");
+    // The same socket may be named with its folder or without.
+    const QString name = qEnvironmentVariable("WAYLAND_DISPLAY");
+    const QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR") + u'/';
+    return name.startsWith(folder) ? name.mid(folder.size()) : name;
 }
 
 void WindowSession::choosePlatform() {
-    // Qt looks for a graphics card to draw title bars with, which takes more memory than all the rest. Where
-    // the compositor draws them nobody needs that.
-    if (m_wayland && m_wayland->offers("zxdg_decoration_manager_v1") &&
-        !qEnvironmentVariableIsSet(titleBarVariable))
-        qputenv(titleBarVariable, "1");
     if (qEnvironmentVariableIsSet(platformVariable))
         return;
     // Qt takes the next one where it lacks the first.

@@ -29,8 +29,9 @@ bool FrontWindow::eventFilter(QObject* watched, QEvent* event) {
         auto* window = static_cast<QWindow*>(watched);
         if (belongsInTaskBar(*window)) {
             m_window = window;
-            if (m_onShow)
-                m_onShow(*window);
+            // A copy: the handler may replace itself.
+            if (const auto onShow = m_onShow)
+                onShow(*window);
         }
     }
     return false;

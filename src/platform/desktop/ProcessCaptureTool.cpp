@@ -6,6 +6,7 @@
 #include <QEventLoop>
 #include <QProcessEnvironment>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <fcntl.h>
 #include <unistd.h>
 #include <utility>
@@ -48,6 +49,7 @@ struct ProcessCaptureTool::Run {
     CommandGate::Closing closing;
     int ready[2];
     bool isReady = false;
+    bool hasTimedOut = false;
     MemoryFile picture{"framora-capture"};
 };
 
@@ -84,10 +86,13 @@ bool ProcessCaptureTool::launch(const QStringList& arguments) {
     m_run->closeWritingEnd();
     if (started)
         serve(true);
+    const bool isStuck = m_process.state() != QProcess::NotRunning && !m_run->isReady;
+    if (isStuck)
+        end();
     const bool hasRoute = m_process.state() != QProcess::NotRunning || m_run->isReady ||
                           m_process.exitStatus() != QProcess::NormalExit ||
                           m_process.exitCode() != noRouteExitCode;
-    if (started && hasRoute)
+    if (started && hasRoute && !(isStuck && m_run->hasTimedOut))
         return true;
     m_run.reset();
     tellThatScreenIsFree();
@@ -126,6 +131,10 @@ void ProcessCaptureTool::serve(bool untilReady) {
             notifier.setEnabled(false);
             if (m_run->isReady)
                 loop.quit();
+        });
+        QTimer::singleShot(m_events.readyMilliseconds, &loop, [&] {
+            m_run->hasTimedOut = true;
+            loop.quit();
         });
     }
     // Clipboard requests and the window manager's pings are served here; input waits.

@@ -20,15 +20,18 @@ public:
     struct Events {
         std::function<void(bool)> screenTaken; ///< True before the tool is launched, false when it has gone.
         std::function<void(const QByteArray& png)> pictureLeft; ///< By a tool that owns no clipboard.
+        /// How long the tool may take until it is ready: far more than any honest way there.
+        int readyMilliseconds = 15000;
     };
-    ProcessCaptureTool(CommandGate& gate, QString executable, Events events = {});
+    ProcessCaptureTool(CommandGate& gate, QString executable, Events events);
     ~ProcessCaptureTool() override;
 
     /// Where the tool stands.
     static QString defaultExecutable();
 
     /// Returns when the tool says that it is ready, or has ended. The window system is served meanwhile, as
-    /// in waitUntilExit(). False also when it ends because it finds no way to take pictures here.
+    /// in waitUntilExit(). False also when it ends because it finds no way to take pictures here, and when
+    /// it is neither ready nor gone in time; it is ended then.
     bool launch(const QStringList& arguments) override;
     void waitUntilExit() override;
 

@@ -2,13 +2,15 @@
 
 #include "platform/Application.h"
 #include "platform/desktop/FrontWindow.h"
+#include "platform/wayland/WaylandConnection.h"
 
 namespace framora {
 
 /// The program's windows before a compositor.
 class WaylandApplication final : public Application {
 public:
-    explicit WaylandApplication(NotificationCenter& notifications) : m_frontWindow(notifications) {}
+    /// `connection` says what the compositor offers and outlives this.
+    WaylandApplication(const WaylandConnection& connection, NotificationCenter& notifications);
 
     /// No protocol has a word for windows that skip the task bar.
     void setActivationPolicy(ActivationPolicy) override {}

@@ -99,9 +99,13 @@ private:
     void watchSeat() {
         if (m_device)
             return;
-        m_seat = m_connection.bind<wl_seat>(wl_seat_interface, 1);
-        if (!m_seat)
+        const auto seat = std::ranges::find_if(m_connection.globals(), [&](const auto& global) {
+            return global.interface == wl_seat_interface.name && global.name != m_finishedSeat;
+        });
+        if (seat == m_connection.globals().end())
             return;
+        m_seatName = seat->name;
+        m_seat = m_connection.bind<wl_seat>(*seat, wl_seat_interface, 1);
         m_device = Protocol::device(m_manager, m_seat);
         Protocol::listen(m_device, deviceListener, this);
     }
@@ -147,8 +151,9 @@ private:
             },
         .finished =
             [](void* data, Device*) {
-                // The seat has gone; another may take its place.
+                // The seat goes, and the connection may not know it yet; another may take its place.
                 self(data).leaveSeat();
+                self(data).m_finishedSeat = self(data).m_seatName;
                 self(data).watchSeat();
             },
         .primary_selection = [](void* data, Device*, Offer* offer) { self(data).forget(offer); },
@@ -157,6 +162,8 @@ private:
     WaylandConnection& m_connection;
     Manager* m_manager;
     wl_seat* m_seat = nullptr;
+    std::uint32_t m_seatName = 0;     ///< The compositor's numbers of seats; 0 is none's.
+    std::uint32_t m_finishedSeat = 0; ///< The last one that has gone.
     Device* m_device = nullptr;
     Offer* m_current = nullptr;
     std::vector<KnownOffer> m_offers; ///< The current one, and those that are being told of.

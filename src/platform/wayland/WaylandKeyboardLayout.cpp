@@ -4,7 +4,9 @@
 #include "platform/x11/XkbKeyText.h"
 
 #include <QAbstractEventDispatcher>
+#include <QDeadlineTimer>
 #include <QGuiApplication>
+#include <poll.h>
 #include <qpa/qplatformnativeinterface.h>
 #include <string_view>
 #include <sys/mman.h>
@@ -16,6 +18,8 @@ namespace framora {
 namespace {
 
 constexpr std::uint32_t seatVersion = 3; ///< The first whose keyboard can be given back.
+constexpr int answerMilliseconds = 1000;
+constexpr int pollMilliseconds = 20;
 
 /// Null where Qt speaks something else.
 wl_display* displayOfQt() {
@@ -95,11 +99,40 @@ void WaylandKeyboardLayout::watch() {
     wl_registry_add_listener(m_registry, &registryListener, this);
     // The seat, then its keyboard, then the keymap.
     for (int round = 0; round < 3; ++round)
-        wl_display_roundtrip_queue(m_display, m_queue);
+        roundTrip();
+    // What was read along with it is delivered by no socket's word any more.
+    m_connection.processEvents();
     m_isWatching = true;
     // Whoever reads the connection wakes this thread.
     connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
             &WaylandKeyboardLayout::dispatch);
+}
+
+void WaylandKeyboardLayout::roundTrip() {
+    static constexpr wl_callback_listener listener{
+        [](void* data, wl_callback*, std::uint32_t) { *static_cast<bool*>(data) = true; }};
+    bool done = false;
+    auto* const wrapped = static_cast<wl_display*>(wl_proxy_create_wrapper(m_display));
+    wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(wrapped), m_queue);
+    wl_callback* const callback = wl_display_sync(wrapped);
+    wl_proxy_wrapper_destroy(wrapped);
+    wl_callback_add_listener(callback, &listener, &done);
+    const QDeadlineTimer patience(answerMilliseconds);
+    while (!done && wl_display_get_error(m_display) == 0 && !patience.hasExpired()) {
+        if (wl_display_prepare_read_queue(m_display, m_queue) != 0) {
+            dispatch();
+            continue;
+        }
+        wl_display_flush(m_display);
+        pollfd descriptor{wl_display_get_fd(m_display), POLLIN, 0};
+        // Another thread may be the one that reads.
+        if (poll(&descriptor, 1, pollMilliseconds) > 0)
+            wl_display_read_events(m_display);
+        else
+            wl_display_cancel_read(m_display);
+        dispatch();
+    }
+    wl_callback_destroy(callback);
 }
 
 void WaylandKeyboardLayout::dispatch() {

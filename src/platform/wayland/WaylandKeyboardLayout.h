@@ -39,6 +39,8 @@ private:
 
     QString text(std::uint16_t virtualKey, bool shifted) const;
     void watch();
+    /// The compositor has answered all that was asked; or it has not within a second.
+    void roundTrip();
     void dispatch();
     void takeKeyboard(bool exists);
     void takeKeymap(int descriptor, std::uint32_t size);

@@ -93,12 +93,16 @@ QSize WaylandOutput::pixelSize() const {
     return m_transform % 2 == 0 ? m_mode : m_mode.transposed();
 }
 
+bool WaylandOutput::countsPixels() const {
+    return m_logicalSize.isEmpty() || (m_scale > 1 && m_logicalSize == pixelSize());
+}
+
 QSize WaylandOutput::logicalSize() const {
-    return m_logicalSize.isEmpty() ? pixelSize() / m_scale : m_logicalSize;
+    return countsPixels() ? pixelSize() / m_scale : m_logicalSize;
 }
 
 double WaylandOutput::pixelRatio() const {
-    return m_logicalSize.isEmpty() ? m_scale : outputRatio(pixelSize(), m_logicalSize);
+    return countsPixels() ? m_scale : outputRatio(pixelSize(), m_logicalSize);
 }
 
 WaylandOutputs::WaylandOutputs(WaylandConnection& connection)

@@ -39,6 +39,9 @@ public:
     void describeBy(zxdg_output_manager_v1& manager);
 
 private:
+    /// Whether the compositor's space is one of pixels, so that windows there are drawn at a whole ratio.
+    bool countsPixels() const;
+
     static const wl_output_listener listener;
     static const zxdg_output_v1_listener logicalListener;
 

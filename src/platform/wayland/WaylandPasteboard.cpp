@@ -3,6 +3,7 @@
 #include "platform/desktop/ClipboardKeeper.h"
 
 #include <QClipboard>
+#include <QDeadlineTimer>
 #include <QGuiApplication>
 #include <QMimeData>
 #include <algorithm>
@@ -17,6 +18,8 @@ namespace {
 
 /// For each part: a large picture may take long, a dead owner may not.
 constexpr int silenceMilliseconds = 5000;
+/// For all of it, whatever an owner dribbles.
+constexpr int longestMilliseconds = 30000;
 /// Larger than any screen's picture; more is a broken or hostile owner.
 constexpr qsizetype maximumBytes = qsizetype(512) << 20;
 /// What a pipe holds at most where nobody raised it.
@@ -26,9 +29,11 @@ constexpr int pipeBytes = 1 << 20;
 QByteArray readToEnd(int descriptor) {
     QByteArray bytes;
     qsizetype size = 0;
+    const QDeadlineTimer patience(longestMilliseconds);
     for (;;) {
         pollfd input{descriptor, POLLIN, 0};
-        const int ready = poll(&input, 1, silenceMilliseconds);
+        const auto left = static_cast<int>(std::min<qint64>(silenceMilliseconds, patience.remainingTime()));
+        const int ready = poll(&input, 1, left);
         if (ready < 0 && errno == EINTR)
             continue;
         if (ready <= 0 || size >= maximumBytes)
@@ -37,6 +42,8 @@ QByteArray readToEnd(int descriptor) {
             bytes.resize(std::max(bytes.size() * 2, qsizetype(2 * pipeBytes)));
         const ssize_t count =
             ::read(descriptor, bytes.data() + size, static_cast<std::size_t>(bytes.size() - size));
+        if (count < 0 && errno == EINTR)
+            continue;
         if (count < 0)
             return {};
         if (count == 0)
@@ -61,6 +68,11 @@ std::int64_t WaylandPasteboard::changeCount() {
 }
 
 QImage WaylandPasteboard::readImage() {
+    // What Qt offers must not be asked for over the wire: nobody would answer while this thread waits.
+    if (QGuiApplication::clipboard()->ownsClipboard()) {
+        const auto* data = QGuiApplication::clipboard()->mimeData();
+        return data ? m_decodePicture(data->data(QStringLiteral("image/png"))) : QImage();
+    }
     m_connection.roundTrip();
     const auto types = m_clipboard->types();
     for (const char* type : {"image/png", "image/tiff", "image/webp", "image/bmp", "image/jpeg"}) {

@@ -1,20 +1,24 @@
 #pragma once
 
 #include "platform/Permissions.h"
-#include "platform/wayland/WaylandKeyMonitors.h"
+#include "platform/desktop/PortalShortcuts.h"
 
 namespace framora {
 
 /// What a Wayland desktop lets this program do.
 class WaylandPermissions final : public Permissions {
 public:
-    explicit WaylandPermissions(const WaylandKeyMonitors& keyMonitors) : m_keyMonitors(keyMonitors) {}
-    bool isAccessibilityTrusted() override { return m_keyMonitors.canMonitorGlobally(); }
-    bool requestAccessibility() override { return isAccessibilityTrusted(); }
+    /// The shortcuts outlive this.
+    explicit WaylandPermissions(PortalShortcuts& shortcuts) : m_shortcuts(shortcuts) {}
+    bool isAccessibilityTrusted() override { return m_shortcuts.canMonitor(); }
+    bool requestAccessibility() override {
+        m_shortcuts.askAgain();
+        return isAccessibilityTrusted();
+    }
     bool canCaptureScreen() override { return true; }
 
 private:
-    const WaylandKeyMonitors& m_keyMonitors;
+    PortalShortcuts& m_shortcuts;
 };
 
 } // namespace framora

@@ -142,7 +142,7 @@ void WaylandToastStage::showHand(std::uint32_t serial) {
     const WaylandToastPanel* const panel = panelOf(m_pointed);
     if (!panel)
         return;
-    const int scale = int(std::ceil(panel->pixelRatio()));
+    int scale = int(std::ceil(panel->pixelRatio()));
     if (!m_cursors || m_cursorScale != scale) {
         releaseCursor();
         m_cursorScale = scale;
@@ -160,6 +160,9 @@ void WaylandToastStage::showHand(std::uint32_t serial) {
     if (!cursor)
         return;
     const wl_cursor_image& image = *cursor->images[0];
+    // A theme may not have the size that was asked for, and a compositor takes only whole parts.
+    if (image.width % std::uint32_t(scale) != 0 || image.height % std::uint32_t(scale) != 0)
+        scale = 1;
     if (!m_cursorSurface)
         m_cursorSurface = wl_compositor_create_surface(m_compositor);
     wl_surface_set_buffer_scale(m_cursorSurface, scale);

@@ -5,14 +5,14 @@
 #include "platform/desktop/NotificationToastPanels.h"
 #include "platform/wayland/WaylandPasteboard.h"
 #include "platform/wayland/WaylandToastPanels.h"
-#include "platform/x11/X11Pasteboard.h"
+#include "platform/wayland/XwaylandPasteboard.h"
 
 namespace framora {
 
 WaylandWindowSystem::WaylandWindowSystem(std::unique_ptr<WaylandConnection> connection,
                                          const Services& services)
     : m_connection(std::move(connection)), m_keyboardLayout(*m_connection, services.notifications),
-      m_application(services.notifications),
+      m_application(*m_connection, services.notifications),
       m_globalShortcuts({m_shortcutsPortal, services.mainQueue, services.notifications, services.gate,
                          m_keyboardLayout, services.wantedShortcuts,
                          [this](const QString& token) { m_application.useActivationToken(token); },
@@ -31,9 +31,8 @@ std::unique_ptr<Pasteboard> WaylandWindowSystem::makePasteboard(const Services& 
         return std::make_unique<WaylandPasteboard>(*m_connection, std::move(clipboard),
                                                    services.decodePicture);
     // Desktops that keep the clipboard from programs without the focus share it with their X server.
-    m_x11Connection = std::make_unique<X11Connection>();
-    if (m_x11Connection->isValid())
-        return std::make_unique<X11Pasteboard>(*m_x11Connection, services.decodePicture);
+    if (!qEnvironmentVariableIsEmpty("DISPLAY"))
+        return std::make_unique<XwaylandPasteboard>(services.decodePicture);
     return std::make_unique<AdoptingPasteboard>(services.decodePicture);
 }
 

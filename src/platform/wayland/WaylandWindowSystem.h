@@ -12,7 +12,6 @@
 #include "platform/wayland/WaylandOutputs.h"
 #include "platform/wayland/WaylandPermissions.h"
 #include "platform/wayland/WaylandScreens.h"
-#include "platform/x11/X11Connection.h"
 
 #include <memory>
 
@@ -41,7 +40,6 @@ private:
     std::unique_ptr<ToastPanels> makeToastPanels(const Services& services);
 
     std::unique_ptr<WaylandConnection> m_connection;
-    std::unique_ptr<X11Connection> m_x11Connection; ///< To XWayland, where its clipboard is the only one.
     WaylandKeyboardLayout m_keyboardLayout;
     WaylandApplication m_application;
     BusShortcutsPortal m_shortcutsPortal;
@@ -50,7 +48,7 @@ private:
     WaylandDesktopShortcuts m_desktopShortcuts;
     WaylandOutputs m_outputs;
     WaylandScreens m_screens;
-    WaylandPermissions m_permissions{m_keyMonitors};
+    WaylandPermissions m_permissions{m_globalShortcuts};
     DesktopPrivacyPanes m_privacyPanes;
     std::unique_ptr<Pasteboard> m_pasteboard;
     std::unique_ptr<ToastPanels> m_toastPanels;

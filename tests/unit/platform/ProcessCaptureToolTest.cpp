@@ -90,6 +90,22 @@ TEST_F(ProcessCaptureToolTest, aToolThatNeverSaysThatItIsReadyIsWaitedForWithThe
     EXPECT_GT(turns, 2);
 }
 
+TEST_F(ProcessCaptureToolTest, aToolThatHangsBeforeItIsReadyIsEnded) {
+    ProcessCaptureTool::Events impatient = events;
+    impatient.readyMilliseconds = 100;
+    ProcessCaptureTool tool(gate, QStringLiteral("/bin/sh"), impatient);
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_FALSE(tool.launch(script(QStringLiteral("exec sleep 20"))));
+    EXPECT_LT(timer.elapsed(), 5000);
+    EXPECT_EQ(told, (std::vector<bool>{true, false}));
+    EXPECT_TRUE(gate.isOpen());
+    // One that is ready may take its time.
+    EXPECT_TRUE(tool.launch(script(QStringLiteral("printf r >&$FRAMORA_READY_FD; sleep 0.4"))));
+    tool.waitUntilExit();
+    EXPECT_TRUE(pictures.isEmpty());
+}
+
 TEST_F(ProcessCaptureToolTest, aToolThatClosesItsEndWithoutAWordIsStillWaitedFor) {
     EXPECT_TRUE(
         shell.launch(script(QStringLiteral("eval \"exec $FRAMORA_READY_FD>&-\"; sleep 0.1; exit 0"))));
