@@ -3,6 +3,7 @@
 #include "screencapture/CaptureMode.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,13 +22,15 @@ struct CaptureResult {
     Outcome outcome = Outcome::NotHere;
     std::vector<uint8_t> png; ///< a whole PNG file after Captured
     std::string why;          ///< one line after NotHere and Failed
+    /// Called, where it is set, when the clipboard has the picture: what else held it may go.
+    std::function<void()> whenSafe = {};
 
     static CaptureResult captured(std::vector<uint8_t> png) {
-        return {Outcome::Captured, std::move(png), {}};
+        return {Outcome::Captured, std::move(png), {}, {}};
     }
-    static CaptureResult cancelled() { return {Outcome::Cancelled, {}, {}}; }
-    static CaptureResult notHere(std::string why) { return {Outcome::NotHere, {}, std::move(why)}; }
-    static CaptureResult failed(std::string why) { return {Outcome::Failed, {}, std::move(why)}; }
+    static CaptureResult cancelled() { return {Outcome::Cancelled, {}, {}, {}}; }
+    static CaptureResult notHere(std::string why) { return {Outcome::NotHere, {}, std::move(why), {}}; }
+    static CaptureResult failed(std::string why) { return {Outcome::Failed, {}, std::move(why), {}}; }
 };
 
 /// One way in which a desktop lets the user take a picture.

@@ -39,7 +39,11 @@ int finish(CaptureResult result) {
     case CaptureResult::Outcome::Captured:
         break;
     }
-    return leaveOnSessionClipboard(std::move(result.png)) ? Done : failed("the clipboard cannot be taken");
+    if (!leaveOnSessionClipboard(std::move(result.png)))
+        return failed("the clipboard cannot be taken");
+    if (result.whenSafe)
+        result.whenSafe();
+    return Done;
 }
 
 int captureOnX(const XConnection& connection, CaptureMode mode) {

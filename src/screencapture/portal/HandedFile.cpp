@@ -29,23 +29,6 @@ bool readInto(std::vector<uint8_t>& bytes, int file) {
     return true;
 }
 
-/// The bytes of an open regular file, or why not.
-HandedFile contentOf(int file, const struct stat& status) {
-    HandedFile result;
-    if (status.st_size <= 0) {
-        result.failure = "the desktop's picture is empty";
-    } else if (static_cast<std::size_t>(status.st_size) > HandedFile::kLargest) {
-        result.failure = "the desktop's picture is too large";
-    } else {
-        result.bytes.resize(static_cast<std::size_t>(status.st_size));
-        if (!readInto(result.bytes, file)) {
-            result.bytes.clear();
-            result.failure = "the desktop's picture cannot be read";
-        }
-    }
-    return result;
-}
-
 } // namespace
 
 std::optional<std::string> pathOfFileUri(std::string_view uri) {
@@ -84,26 +67,38 @@ std::optional<std::string> pathOfFileUri(std::string_view uri) {
     return path;
 }
 
-HandedFile HandedFile::take(const std::string& path) {
-    HandedFile result;
+HandedFile::HandedFile(std::string path) : m_path(std::move(path)) {
     // Not blocking: a pipe under that name would otherwise hold us until somebody writes.
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
+    const int file = open(m_path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
     struct stat status {};
     if (file < 0 || fstat(file, &status) != 0) {
-        result.failure =
+        m_failure =
             errno == ENOENT ? "the desktop's picture is gone" : "the desktop's picture cannot be read";
     } else if (!S_ISREG(status.st_mode)) {
-        result.failure = "the desktop's picture is no file";
+        m_failure = "the desktop's picture is no file";
     } else {
-        result = contentOf(file, status);
-        struct stat named {};
-        if (lstat(path.c_str(), &named) == 0 && named.st_dev == status.st_dev &&
-            named.st_ino == status.st_ino)
-            unlink(path.c_str());
+        m_device = status.st_dev;
+        m_number = status.st_ino;
+        if (status.st_size <= 0) {
+            m_failure = "the desktop's picture is empty";
+        } else if (static_cast<std::size_t>(status.st_size) > kLargest) {
+            m_failure = "the desktop's picture is too large";
+        } else if (m_bytes.resize(static_cast<std::size_t>(status.st_size)); !readInto(m_bytes, file)) {
+            m_bytes.clear();
+            m_failure = "the desktop's picture cannot be read";
+        }
     }
+    if (!m_failure.empty())
+        m_failure += ": " + m_path;
     if (file >= 0)
         close(file);
-    return result;
+}
+
+void HandedFile::remove() const {
+    struct stat named {};
+    if (m_number != 0 && lstat(m_path.c_str(), &named) == 0 && named.st_dev == m_device &&
+        named.st_ino == m_number)
+        unlink(m_path.c_str());
 }
 
 } // namespace framora

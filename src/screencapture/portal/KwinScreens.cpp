@@ -3,6 +3,7 @@
 #include "screencapture/portal/KwinScreenshots.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace framora {
 
@@ -21,18 +22,30 @@ std::vector<std::unique_ptr<PixelImage>> KwinScreens::freeze(std::span<const Out
     for (std::size_t i = 0; i < outputs.size(); ++i)
         if (outputs[i].name.empty() || !kwin.requestOutput(outputs[i].name, pictures[i]))
             return {};
+    if (!kwin.receive(pictures))
+        return {};
     std::vector<std::unique_ptr<PixelImage>> images;
     for (std::size_t i = 0; i < outputs.size(); ++i) {
-        // It comes with the next frame of the output.
-        if (kwin.waitForAnswer(pictures[i], SessionBus::kReplyTime) != SessionBus::Turn::Condition ||
-            !kwin.readPixels(pictures[i]))
+        images.push_back(fitted(pictures[i].unpack(), outputs[i].pixelWidth, outputs[i].pixelHeight));
+        if (!images.back())
             return {};
-        auto image = pictures[i].unpack();
-        if (!image || image->width() != outputs[i].pixelWidth || image->height() != outputs[i].pixelHeight)
-            return {};
-        images.push_back(std::move(image));
     }
     return images;
+}
+
+std::unique_ptr<MemoryImage> fitted(std::unique_ptr<MemoryImage> image, int width, int height) {
+    if (!image || (image->width() == width && image->height() == height))
+        return image;
+    if (std::abs(image->width() - width) > 1 || std::abs(image->height() - height) > 1)
+        return nullptr;
+    auto result = MemoryImage::create(width, height);
+    for (int y = 0; result && y < height; ++y) {
+        const uint32_t* const from = image->row(std::min(y, image->height() - 1));
+        uint32_t* const to = result->row(y);
+        std::copy_n(from, std::min(width, image->width()), to);
+        to[width - 1] = from[std::min(width, image->width()) - 1];
+    }
+    return result;
 }
 
 } // namespace framora

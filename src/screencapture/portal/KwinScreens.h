@@ -1,5 +1,6 @@
 #pragma once
 
+#include "screencapture/MemoryImage.h"
 #include "screencapture/wayland/ScreenFreezer.h"
 
 namespace framora {
@@ -13,5 +14,10 @@ public:
 
     std::vector<std::unique_ptr<PixelImage>> freeze(std::span<const Output> outputs) override;
 };
+
+/// An output's picture in the output's own size. KWin rounds an output's size to whole logical pixels and
+/// back, so that at some scales its picture has a row or column more or less: what is too much goes, what is
+/// missing repeats the last. Null when the sizes differ by more, or without an image.
+std::unique_ptr<MemoryImage> fitted(std::unique_ptr<MemoryImage> image, int width, int height);
 
 } // namespace framora

@@ -1,9 +1,9 @@
 #include "screencapture/portal/KwinScreenshots.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <poll.h>
 #include <unistd.h>
 
 namespace framora {
@@ -13,8 +13,10 @@ namespace {
 constexpr const char* kService = "org.kde.KWin.ScreenShot2";
 constexpr const char* kPath = "/org/kde/KWin/ScreenShot2";
 
-/// KWin writes as fast as it is read; a pause this long is its end.
-constexpr int kPauseMilliseconds = 2000;
+/// For all outputs together, the next frame of each included. KWin writes as fast as it is read.
+constexpr std::chrono::milliseconds kTransferTime{3000};
+/// A few turns a picture instead of hundreds.
+constexpr int kPipeBytes = 1 << 20;
 
 constexpr uint32_t kPickWindow = 0;
 
@@ -28,7 +30,7 @@ template <typename Value> bool readVariant(sd_bus_message* message, const char* 
     return false;
 }
 
-void readShape(sd_bus_message* message, KwinScreenshots::Picture& picture) {
+void readShape(sd_bus_message* message, RawPicture& shape, std::string& window) {
     if (sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, "{sv}") < 0)
         return;
     while (sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, "sv") > 0) {
@@ -37,19 +39,19 @@ void readShape(sd_bus_message* message, KwinScreenshots::Picture& picture) {
         if (sd_bus_message_read(message, "s", &key) <= 0)
             return;
         if (std::strcmp(key, "width") == 0)
-            readVariant(message, "u", &picture.shape.width);
+            readVariant(message, "u", &shape.width);
         else if (std::strcmp(key, "height") == 0)
-            readVariant(message, "u", &picture.shape.height);
+            readVariant(message, "u", &shape.height);
         else if (std::strcmp(key, "stride") == 0)
-            readVariant(message, "u", &picture.shape.stride);
+            readVariant(message, "u", &shape.stride);
         else if (std::strcmp(key, "format") == 0)
-            readVariant(message, "u", &picture.shape.format);
+            readVariant(message, "u", &shape.format);
         else if (std::strcmp(key, "scale") == 0)
-            readVariant(message, "d", &picture.shape.scale);
-        else if (std::strcmp(key, "windowId") == 0 && readVariant(message, "s", &text))
-            picture.window = text;
+            readVariant(message, "d", &shape.scale);
         else if (std::strcmp(key, "windowId") != 0)
             sd_bus_message_skip(message, "v");
+        else if (readVariant(message, "s", &text))
+            window = text;
         sd_bus_message_exit_container(message);
     }
 }
@@ -71,6 +73,7 @@ bool KwinScreenshots::send(BusMessage message, Picture& picture, const char* con
     if (!message || pipe2(ends, O_CLOEXEC) != 0)
         return false;
     picture.m_pipe = ends[0];
+    fcntl(ends[0], F_SETPIPE_SZ, kPipeBytes);
     sd_bus_message* const m = message.get();
     sd_bus_message_open_container(m, SD_BUS_TYPE_ARRAY, "{sv}");
     for (; *switches; ++switches)
@@ -87,11 +90,11 @@ bool KwinScreenshots::send(BusMessage message, Picture& picture, const char* con
 
 int KwinScreenshots::onAnswer(sd_bus_message* message, void* data, sd_bus_error*) {
     auto& picture = *static_cast<Picture*>(data);
-    picture.answered = true;
+    picture.m_answered = true;
     if (const sd_bus_error* error = sd_bus_message_get_error(message))
-        picture.error = {error->name ? error->name : "", error->message ? error->message : ""};
+        picture.m_error = {error->name ? error->name : "", error->message ? error->message : ""};
     else
-        readShape(message, picture);
+        readShape(message, picture.m_shape, picture.m_window);
     return 0;
 }
 
@@ -105,7 +108,7 @@ bool KwinScreenshots::permitted() {
     const char* const none[] = {nullptr};
     return send(std::move(message), probe, none) &&
            waitForAnswer(probe, SessionBus::kReplyTime) == SessionBus::Turn::Condition &&
-           probe.error.is("org.kde.KWin.ScreenShot2.Error.InvalidScreen");
+           probe.error().is("org.kde.KWin.ScreenShot2.Error.InvalidScreen");
 }
 
 bool KwinScreenshots::requestOutput(const std::string& name, Picture& picture) {
@@ -123,30 +126,34 @@ bool KwinScreenshots::requestPickedWindow(Picture& picture) {
 }
 
 SessionBus::Turn KwinScreenshots::waitForAnswer(const Picture& picture, std::chrono::milliseconds limit) {
-    return m_bus.run([&] { return picture.answered; }, limit);
+    return m_bus.run([&] { return picture.answered(); }, limit);
 }
 
-bool KwinScreenshots::readPixels(Picture& picture) {
-    const std::size_t expected = picture.error.name.empty() ? picture.shape.byteCount() : 0;
-    if (expected == 0)
+/// False when nothing more is wanted or will come.
+bool KwinScreenshots::Picture::readPart() {
+    if (refused())
         return false;
-    picture.bytes.resize(expected);
-    std::size_t have = 0;
-    while (have < expected) {
-        pollfd waiting{picture.m_pipe, POLLIN, 0};
-        if (const int ready = poll(&waiting, 1, kPauseMilliseconds); ready <= 0) {
-            if (ready < 0 && errno == EINTR)
-                continue;
-            return false;
-        }
-        const ssize_t count = read(picture.m_pipe, picture.bytes.data() + have, expected - have);
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            return false;
-        have += static_cast<std::size_t>(count);
-    }
-    return true;
+    // The shape may still be on its way; an honest picture is not much larger than the pipe then.
+    const std::size_t expected = m_answered ? m_shape.byteCount() : m_bytes.size() + kPipeBytes;
+    const std::size_t before = m_bytes.size();
+    if (before >= expected)
+        return false;
+    m_bytes.resize(expected);
+    const ssize_t count = read(m_pipe, m_bytes.data() + before, expected - before);
+    m_bytes.resize(before + static_cast<std::size_t>(count > 0 ? count : 0));
+    m_pipeEnded = count == 0 || (count < 0 && errno != EINTR && errno != EAGAIN);
+    return !m_pipeEnded;
+}
+
+bool KwinScreenshots::receive(std::span<Picture> pictures) {
+    std::vector<SessionBus::Reader> readers;
+    for (Picture& picture : pictures)
+        readers.push_back({picture.m_pipe, [&picture] { return picture.readPart(); }});
+    const auto settled = [](const Picture& picture) {
+        return picture.refused() || picture.whole() || (picture.m_answered && picture.m_pipeEnded);
+    };
+    m_bus.run([&] { return std::ranges::all_of(pictures, settled); }, kTransferTime, std::move(readers));
+    return std::ranges::all_of(pictures, &Picture::whole);
 }
 
 std::optional<KwinScreenshots::FrameSize> KwinScreenshots::frameSizeOf(const std::string& window) {

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -16,22 +17,33 @@ namespace framora {
 class KwinScreenshots {
 public:
     /// One picture on its way. It must not be moved while it is: the bus knows its place.
-    struct Picture {
+    class Picture {
+    public:
         Picture() = default;
         ~Picture();
         Picture(const Picture&) = delete;
         Picture& operator=(const Picture&) = delete;
 
-        std::unique_ptr<MemoryImage> unpack() const { return shape.unpack(bytes); }
-
-        bool answered = false;
-        BusError error; ///< set when KWin refused
-        RawPicture shape;
-        std::string window; ///< KWin's identifier of the captured window, if it is one
-        std::vector<std::byte> bytes;
+        bool answered() const { return m_answered; }
+        /// Set when KWin refused.
+        const BusError& error() const { return m_error; }
+        const RawPicture& shape() const { return m_shape; }
+        /// KWin's identifier of the captured window, if it is one.
+        const std::string& window() const { return m_window; }
+        std::unique_ptr<MemoryImage> unpack() const { return m_shape.unpack(m_bytes); }
 
     private:
         friend class KwinScreenshots;
+        bool refused() const { return m_answered && (!m_error.name.empty() || m_shape.byteCount() == 0); }
+        bool whole() const { return m_answered && !refused() && m_bytes.size() == m_shape.byteCount(); }
+        bool readPart();
+
+        bool m_answered = false;
+        bool m_pipeEnded = false;
+        BusError m_error;
+        RawPicture m_shape;
+        std::string m_window;
+        std::vector<std::byte> m_bytes;
         int m_pipe = -1;
         BusSlot m_slot;
     };
@@ -48,8 +60,9 @@ public:
     bool requestPickedWindow(Picture& picture);
     /// Waits for KWin's answer; however long without a limit.
     SessionBus::Turn waitForAnswer(const Picture& picture, std::chrono::milliseconds limit = {});
-    /// Reads the pixels of an answered picture. False when they do not come as announced.
-    bool readPixels(Picture& picture);
+    /// Waits for the answers and the pixels of all, in whatever order KWin sends them. False when one is
+    /// refused or does not come as announced.
+    bool receive(std::span<Picture> pictures);
 
     /// Size of a window with its frame and without its shadow, in logical pixels, as KWin tells it.
     struct FrameSize {

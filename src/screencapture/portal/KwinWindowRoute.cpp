@@ -77,19 +77,19 @@ CaptureResult KwinWindowRoute::run(CaptureMode) {
         return CaptureResult::cancelled();
     if (turn != SessionBus::Turn::Condition)
         return CaptureResult::failed("the session bus has gone");
-    if (picture.error.is("org.kde.KWin.ScreenShot2.Error.Cancelled"))
+    if (picture.error().is("org.kde.KWin.ScreenShot2.Error.Cancelled"))
         return CaptureResult::cancelled();
-    if (!picture.error.name.empty())
-        return CaptureResult::failed("KWin refuses: " + picture.error.text);
-    if (!kwin.readPixels(picture))
+    if (!picture.error().name.empty())
+        return CaptureResult::failed("KWin refuses: " + picture.error().text);
+    if (!kwin.receive({&picture, 1}))
         return CaptureResult::failed("KWin's picture did not come");
     const auto image = picture.unpack();
     if (!image)
         return CaptureResult::failed("KWin's picture cannot be read");
     announceReady();
-    const double ratio = picture.shape.scale > 0 ? picture.shape.scale : 1;
+    const double ratio = picture.shape().scale > 0 ? picture.shape().scale : 1;
     Rect part{0, 0, image->width(), image->height()};
-    if (const auto frame = kwin.frameSizeOf(picture.window))
+    if (const auto frame = kwin.frameSizeOf(picture.window()))
         part = withoutShadow(*image, frame->width * ratio, frame->height * ratio);
     auto png = encoded(*image, part, ratio);
     return png.empty() ? CaptureResult::failed("the picture is too large for the memory there is")

@@ -18,23 +18,14 @@ std::string activationToken() {
     return token ? token : "";
 }
 
-/// What the portal's file holds; the file is gone then.
-CaptureResult take(const std::string& uri) {
-    const auto path = pathOfFileUri(uri);
-    if (!path)
-        return CaptureResult::failed("the desktop's picture is no file of this machine");
-    HandedFile file = HandedFile::take(*path);
-    return file.failure.empty() ? CaptureResult::captured(std::move(file.bytes))
-                                : CaptureResult::failed(std::move(file.failure));
-}
-
-/// Runs one request to its end.
-CaptureResult ask(const ScreenshotPortal::Request& request) {
+/// The answer to one request; a picture's file is told by `uri`, and the result has none yet.
+CaptureResult ask(const ScreenshotPortal::Request& request, std::string& uri) {
     SessionBus bus;
-    const auto answer = ScreenshotPortal(bus).ask(request, announceReady);
+    auto answer = ScreenshotPortal(bus).ask(request, announceReady);
     switch (answer.kind) {
     case ScreenshotPortal::Answer::Kind::Picture:
-        return take(answer.uri);
+        uri = std::move(answer.uri);
+        return CaptureResult::captured({});
     case ScreenshotPortal::Answer::Kind::Cancelled:
         return CaptureResult::cancelled();
     case ScreenshotPortal::Answer::Kind::NotHere:
@@ -49,21 +40,33 @@ CaptureResult ask(const ScreenshotPortal::Request& request) {
 } // namespace
 
 CaptureResult PortalRoute::run(CaptureMode mode) {
-    CaptureResult result = ask({true, mode, m_options.parentWindow, activationToken()});
+    std::string uri;
+    CaptureResult result = ask({true, mode, m_options.parentWindow, activationToken()}, uri);
     if (result.outcome != CaptureResult::Outcome::Captured)
         return result;
-    const auto size = pngSizeOf(result.png);
+    const auto path = pathOfFileUri(uri);
+    if (!path)
+        return CaptureResult::failed("the desktop's picture is no file of this machine");
+    HandedFile file(*path);
+    if (!file.failure().empty())
+        return CaptureResult::failed(file.failure());
+    const auto size = pngSizeOf(file.bytes());
     if (!size)
-        return CaptureResult::failed("the desktop's picture is no PNG file, or damaged");
+        return CaptureResult::failed("the desktop's picture is no PNG file, or damaged: " + *path);
     announceReady(); // For a desktop that needed no time to ask.
+    result.png = file.takeBytes();
     if (const double ratio = ratioOfPicture(size->width, size->height, m_options.outputs); ratio > 0)
         result.png = pngWithResolution(std::move(result.png), raster::pixelsPerMetre(72 * ratio));
+    result.whenSafe = [file = std::move(file)] { file.remove(); };
     return result;
 }
 
 CaptureResult PortalRoute::askPermission() {
-    CaptureResult result = ask({false, CaptureMode::Area, m_options.parentWindow, activationToken()});
-    result.png.clear();
+    std::string uri;
+    CaptureResult result = ask({false, CaptureMode::Area, m_options.parentWindow, activationToken()}, uri);
+    // A picture that nobody asked for.
+    if (const auto path = pathOfFileUri(uri); path)
+        HandedFile(*path).remove();
     return result;
 }
 

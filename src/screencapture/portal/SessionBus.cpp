@@ -101,7 +101,8 @@ BusReply SessionBus::call(sd_bus_message* message, std::chrono::milliseconds lim
     return reply;
 }
 
-SessionBus::Turn SessionBus::run(const std::function<bool()>& condition, std::chrono::milliseconds limit) {
+SessionBus::Turn SessionBus::run(const std::function<bool()>& condition, std::chrono::milliseconds limit,
+                                 std::vector<Reader> readers) {
     const auto end = limit.count() > 0 ? Clock::now() + limit : Clock::time_point::max();
     while (!condition()) {
         const int handled = sd_bus_process(m_bus.get(), nullptr);
@@ -114,14 +115,19 @@ SessionBus::Turn SessionBus::run(const std::function<bool()>& condition, std::ch
         const int events = sd_bus_get_events(m_bus.get());
         if (events < 0)
             return Turn::BusGone;
-        pollfd waiting[] = {{sd_bus_get_fd(m_bus.get()), static_cast<short>(events), 0},
-                            {m_signals, POLLIN, 0}};
-        if (poll(waiting, 2, pollTime(m_bus.get(), end)) < 0 && errno != EINTR)
+        std::vector<pollfd> waiting = {{sd_bus_get_fd(m_bus.get()), static_cast<short>(events), 0},
+                                       {m_signals, POLLIN, 0}};
+        for (const Reader& reader : readers)
+            waiting.push_back({reader.file, POLLIN, 0}); // A negative one is passed over.
+        if (poll(waiting.data(), waiting.size(), pollTime(m_bus.get(), end)) < 0 && errno != EINTR)
             return Turn::BusGone;
         // Taken, so that it does not end the process when it is let through again.
         signalfd_siginfo signal;
         if (waiting[1].revents & POLLIN && read(m_signals, &signal, sizeof signal) > 0)
             return Turn::Ended;
+        for (std::size_t i = 0; i < readers.size(); ++i)
+            if (waiting[i + 2].revents && !readers[i].read())
+                readers[i].file = -1;
     }
     return Turn::Condition;
 }

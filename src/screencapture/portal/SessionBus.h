@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 namespace framora {
 
@@ -65,10 +66,16 @@ public:
     /// Blocks up to `limit`.
     BusReply call(sd_bus_message* message, std::chrono::milliseconds limit = kReplyTime);
 
+    /// Something else that is waited for meanwhile.
+    struct Reader {
+        int file = -1;
+        std::function<bool()> read; ///< called when there is something; false when it wants no more
+    };
     enum class Turn { Condition, TimedOut, Ended, BusGone };
     /// Handles what arrives until `condition` holds, which is asked before the first message and after each;
     /// until the limit, when one is given; or until this process is asked to end.
-    Turn run(const std::function<bool()>& condition, std::chrono::milliseconds limit = {});
+    Turn run(const std::function<bool()>& condition, std::chrono::milliseconds limit = {},
+             std::vector<Reader> readers = {});
 
 private:
     struct Close {

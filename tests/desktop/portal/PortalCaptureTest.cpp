@@ -164,11 +164,12 @@ TEST_F(PortalCaptureTest, FailsWithOneLineWhenThePicturesFileIsGone) {
     m_portal.respond(
         {Code::done, QUrl::fromLocalFile(m_desktop.picturesPath() + QStringLiteral("/gone.png")).toString()});
     EXPECT_EQ(exitCodeOf(tool), Failed);
-    EXPECT_EQ(tool.output(), "framora-screencapture: the desktop's picture is gone\n");
+    EXPECT_EQ(tool.output(), "framora-screencapture: the desktop's picture is gone: " +
+                                 m_desktop.picturesPath().toUtf8() + "/gone.png\n");
     EXPECT_EQ(m_desktop.handedPicture(), QByteArray());
 }
 
-TEST_F(PortalCaptureTest, FailsAndRemovesTheFileWhenItIsNoPictureOrADamagedOne) {
+TEST_F(PortalCaptureTest, FailsAndLeavesTheUserTheFileWhenItIsNoPictureOrADamagedOne) {
     m_desktop.leavePicture(distinctPicture({90, 90}), QStringLiteral("whole.png"));
     QFile whole(m_desktop.picturesPath() + QStringLiteral("/whole.png"));
     ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
@@ -182,9 +183,25 @@ TEST_F(PortalCaptureTest, FailsAndRemovesTheFileWhenItIsNoPictureOrADamagedOne) 
         m_portal.respond({Code::done, m_desktop.leaveFile(contents, QStringLiteral("Screenshot.png"))});
         EXPECT_EQ(exitCodeOf(tool), Failed);
         EXPECT_EQ(lines(tool), 1) << tool.output().toStdString();
+        const QString path = m_desktop.picturesPath() + QStringLiteral("/Screenshot.png");
+        EXPECT_TRUE(tool.output().contains(path.toUtf8())) << "where it is";
         EXPECT_EQ(m_desktop.handedPicture(), QByteArray());
+        EXPECT_TRUE(QFile::remove(path));
         EXPECT_EQ(m_desktop.leftovers(), QStringList());
     }
+}
+
+TEST_F(PortalCaptureTest, LeavesTheUserTheFileWhenThePictureCanGoNowhere) {
+    // Neither a clipboard nor a program that takes it.
+    ChildProcess& tool =
+        m_desktop.start(QStringLiteral("env"), {QStringLiteral("-u"), QStringLiteral("FRAMORA_PICTURE_FD"),
+                                                QStringLiteral(FRAMORA_SCREENCAPTURE), QStringLiteral("-i")});
+    ASSERT_TRUE(DesktopSession::waitFor([&] { return !m_portal.calls.empty(); }));
+    m_portal.respond(
+        {Code::done, m_desktop.leavePicture(distinctPicture({64, 48}), QStringLiteral("kept.png"))});
+    EXPECT_EQ(exitCodeOf(tool), Failed);
+    EXPECT_EQ(lines(tool), 1) << tool.output().toStdString();
+    EXPECT_TRUE(QFile::remove(m_desktop.picturesPath() + QStringLiteral("/kept.png")));
 }
 
 TEST_F(PortalCaptureTest, OpensNothingThatIsNoRegularFile) {

@@ -34,24 +34,32 @@ protected:
     QTemporaryDir folder;
 };
 
-TEST_F(HandedFileOnDisk, GivesTheBytesAndRemovesTheFile) {
+TEST_F(HandedFileOnDisk, GivesTheBytesAndRemovesTheFileWhenTold) {
     const std::string path = write("a.png", "picture");
-    const HandedFile file = HandedFile::take(path);
-    EXPECT_EQ(std::string(file.bytes.begin(), file.bytes.end()), "picture");
-    EXPECT_EQ(file.failure, "");
+    const HandedFile file(path);
+    EXPECT_EQ(std::string(file.bytes().begin(), file.bytes().end()), "picture");
+    EXPECT_EQ(file.failure(), "");
+    EXPECT_EQ(access(path.c_str(), F_OK), 0);
+    file.remove();
     EXPECT_NE(access(path.c_str(), F_OK), 0);
 }
 
-TEST_F(HandedFileOnDisk, RemovesAnEmptyOneAndATooLargeOneUnread) {
+TEST_F(HandedFileOnDisk, RemovesNoOtherFileOfThatName) {
+    const std::string path = write("a.png", "picture");
+    const HandedFile file(path);
+    ASSERT_EQ(rename(write("b.png", "another").c_str(), path.c_str()), 0);
+    file.remove();
+    EXPECT_EQ(access(path.c_str(), F_OK), 0);
+}
+
+TEST_F(HandedFileOnDisk, TellsAnEmptyOneAndATooLargeOneWithTheirPaths) {
     const std::string empty = write("empty.png", {});
-    EXPECT_NE(HandedFile::take(empty).failure, "");
-    EXPECT_NE(access(empty.c_str(), F_OK), 0);
+    EXPECT_EQ(HandedFile(empty).failure(), "the desktop's picture is empty: " + empty);
     const std::string large = write("large.png", "x");
     ASSERT_EQ(truncate(large.c_str(), off_t(HandedFile::kLargest) + 1), 0);
-    const HandedFile file = HandedFile::take(large);
-    EXPECT_TRUE(file.bytes.empty());
-    EXPECT_NE(file.failure, "");
-    EXPECT_NE(access(large.c_str(), F_OK), 0);
+    const HandedFile file(large);
+    EXPECT_TRUE(file.bytes().empty());
+    EXPECT_EQ(file.failure(), "the desktop's picture is too large: " + large);
 }
 
 TEST_F(HandedFileOnDisk, LeavesWhatIsNoRegularFile) {
@@ -61,16 +69,19 @@ TEST_F(HandedFileOnDisk, LeavesWhatIsNoRegularFile) {
     const std::string pipe = pathOf("pipe.png");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     for (const std::string& path : {link, pipe, folder.path().toStdString(), std::string("/dev/zero")}) {
-        const HandedFile file = HandedFile::take(path);
-        EXPECT_TRUE(file.bytes.empty()) << path;
-        EXPECT_NE(file.failure, "") << path;
+        const HandedFile file(path);
+        EXPECT_TRUE(file.bytes().empty()) << path;
+        EXPECT_NE(file.failure(), "") << path;
+        file.remove();
     }
     EXPECT_EQ(access(kept.c_str(), F_OK), 0);
     EXPECT_EQ(QDir(folder.path()).entryList(QDir::System | QDir::Files).size(), 3);
 }
 
 TEST_F(HandedFileOnDisk, TellsOneThatIsGone) {
-    EXPECT_EQ(HandedFile::take(pathOf("gone.png")).failure, "the desktop's picture is gone");
+    const HandedFile file(pathOf("gone.png"));
+    EXPECT_EQ(file.failure(), "the desktop's picture is gone: " + pathOf("gone.png"));
+    file.remove();
 }
 
 } // namespace
