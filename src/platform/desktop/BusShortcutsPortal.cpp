@@ -98,7 +98,7 @@ BusShortcutsPortal::BusShortcutsPortal(const QString& busAddress)
                     told();
             });
     m_bus.connect(service, objectPath, interface, QStringLiteral("Activated"), this,
-                  SLOT(onActivated(QDBusObjectPath, QString, qulonglong, QVariantMap)));
+                  SLOT(onActivated(QDBusMessage)));
     m_bus.connect(service, objectPath, interface, QStringLiteral("ShortcutsChanged"), this,
                   SLOT(onShortcutsChanged(QDBusMessage)));
     m_bus.connect(service, QString(), QStringLiteral("org.freedesktop.portal.Session"),
@@ -207,11 +207,14 @@ void BusShortcutsPortal::configure(const QString& session) {
     send(call, [](const QDBusMessage&) {});
 }
 
-void BusShortcutsPortal::onActivated(const QDBusObjectPath& session, const QString& id, qulonglong,
-                                     const QVariantMap& options) {
-    if (m_listener.activated)
-        m_listener.activated(session.path(), id,
-                             options.value(QStringLiteral("activation_token")).toString());
+void BusShortcutsPortal::onActivated(const QDBusMessage& message) {
+    // Session, shortcut, time, options.
+    const auto arguments = message.arguments();
+    if (arguments.size() < 4 || !m_listener.activated)
+        return;
+    const auto options = qdbus_cast<QVariantMap>(arguments[3]);
+    m_listener.activated(arguments[0].value<QDBusObjectPath>().path(), arguments[1].toString(),
+                         options.value(QStringLiteral("activation_token")).toString());
 }
 
 void BusShortcutsPortal::onShortcutsChanged(const QDBusMessage& message) {

@@ -33,8 +33,7 @@ public:
     void configure(const QString& session) override;
 
 private Q_SLOTS:
-    void onActivated(const QDBusObjectPath& session, const QString& id, qulonglong timestamp,
-                     const QVariantMap& options);
+    void onActivated(const QDBusMessage& message);
     void onShortcutsChanged(const QDBusMessage& message);
     void onClosed(const QDBusMessage& message);
 
