@@ -1,5 +1,6 @@
 #include "editor/render/raster/PngReader.h"
 
+#include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/PixelBuffer.h"
 #include "editor/render/raster/PngEncoder.h"
 #include "editor/render/raster/PngUnfilter.h"
@@ -172,6 +173,33 @@ TEST(PngReader, HandsOutRowsInTheirOrderUntilItIsEnded) {
     PixelBuffer buffer = PixelBuffer::create(333, 50);
     EXPECT_FALSE(decodePlainPng(*plain, buffer.mutableView(), [](int y) { return y < 7; }));
     EXPECT_TRUE(decodePlainPng(*plain, buffer.mutableView(), [](int) { return true; }));
+}
+
+TEST(PngReader, DecodesALargePictureOnTwoThreadsAsOnOne) {
+    // Some megabytes, so that bands are decompressed ahead.
+    MadePng png;
+    png.width = 1701;
+    png.height = 1203;
+    png.pieceBytes = 50'000;
+    const Bytes file = png.file();
+    const std::vector<std::uint32_t> expected = png.pixels();
+    for (const int threads : {2, 1}) {
+        setParallelThreadLimit(threads);
+        EXPECT_TRUE(read(file) == expected) << threads << " threads";
+
+        // Ended after any band, or cut off.
+        auto plain = plainPng(file);
+        ASSERT_TRUE(plain);
+        PixelBuffer buffer = PixelBuffer::create(png.width, png.height);
+        for (const int last : {0, 1, 51, 52, 600, 1201, 1202})
+            EXPECT_FALSE(decodePlainPng(*plain, buffer.mutableView(), [&](int y) { return y != last; }))
+                << last;
+        while (!plain->data.empty()) {
+            plain->data.resize(plain->data.size() / 2);
+            EXPECT_FALSE(decodePlainPng(*plain, buffer.mutableView(), [](int) { return true; }));
+        }
+    }
+    setParallelThreadLimit(0);
 }
 
 TEST(PngReader, ReadsWhatIsWrittenHere) {

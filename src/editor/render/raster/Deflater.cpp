@@ -13,7 +13,7 @@ constexpr int hashBits = 15;
 constexpr int shortestMatch = 4;
 constexpr int pricedLength = 12; ///< Up to this a match is held against its literals.
 constexpr int densePart = 16;    ///< Positions at both ends of a match that later ones can find.
-constexpr std::size_t chunkTokens = 2048;
+constexpr std::size_t chunkTokens = 4096;
 constexpr std::size_t longestBlock = 32768; ///< Tokens.
 constexpr double blockOverheadBits = 480;   ///< What the description of one more code takes, about.
 
@@ -28,9 +28,9 @@ struct Search {
     int hashedBytes; ///< The shortest match that is looked for, repeats aside.
 };
 template <DeflateEffort effort>
-constexpr Search search = effort == DeflateEffort::quick ? Search{.depth = 24,
-                                                                  .lazyDepth = 8,
-                                                                  .missedDepth = 4,
+constexpr Search search = effort == DeflateEffort::quick ? Search{.depth = 12,
+                                                                  .lazyDepth = 4,
+                                                                  .missedDepth = 3,
                                                                   .niceLength = 66,
                                                                   .lazyLength = 32,
                                                                   .sureRepeat = 24,

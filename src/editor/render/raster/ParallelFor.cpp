@@ -85,12 +85,24 @@ private:
 
 } // namespace
 
+namespace {
+
+int allowedThreads() {
+    if (serialScopes > 0)
+        return 1;
+    const int limit = threadLimit.load();
+    return limit > 0 ? limit : int(std::max(1u, std::thread::hardware_concurrency()));
+}
+
+} // namespace
+
+bool mayUseThreads() {
+    return allowedThreads() > 1;
+}
+
 void parallelFor(int count, const std::function<void(int)>& body) {
-    int threads = threadLimit.load();
-    if (threads <= 0)
-        threads = int(std::max(1u, std::thread::hardware_concurrency()));
-    threads = std::min(threads, count);
-    if (threads <= 1 || serialScopes > 0) {
+    const int threads = std::min(allowedThreads(), count);
+    if (threads <= 1) {
         for (int i = 0; i < count; ++i)
             body(i);
         return;

@@ -14,6 +14,10 @@ void parallelFor(int count, const std::function<void(int)>& body);
 /// processor.
 void setParallelThreadLimit(int threads);
 
+/// Whether work of this thread may take others along: there is more than one processor, and neither the limit
+/// nor a SerialScope forbids it.
+bool mayUseThreads();
+
 /// While one lives, every parallelFor of its thread stays on that thread: for work that is one of many at
 /// once, or of low priority, and must not take the waiting threads from who needs them now.
 class SerialScope {

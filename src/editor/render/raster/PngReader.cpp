@@ -1,12 +1,18 @@
 #include "editor/render/raster/PngReader.h"
 
+#include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/PngUnfilter.h"
 
 #include <algorithm>
+#include <condition_variable>
 #include <isa-l.h>
 #include <limits>
 #include <memory>
+#include <mutex>
+#include <stop_token>
 #include <string_view>
+#include <system_error>
+#include <thread>
 
 namespace framora::raster {
 namespace {
@@ -24,6 +30,9 @@ constexpr std::uint8_t srgbPrimaries[] = {0,    0,    0x7a, 0x26, 0,    0,    0x
 
 // So many bytes of rows are decompressed at a time: they stay in the second-level cache.
 constexpr std::size_t bandBytes = 256 << 10;
+
+// From so many bytes of rows on another thread decompresses them.
+constexpr std::size_t severalThreadsBytes = 4 << 20;
 
 std::uint32_t read32(const std::uint8_t* bytes) {
     return std::uint32_t(bytes[0]) << 24 | std::uint32_t(bytes[1]) << 16 | std::uint32_t(bytes[2]) << 8 |
@@ -154,36 +163,119 @@ std::optional<PlainPng> plainPng(std::span<const std::uint8_t> file) {
 
 namespace {
 
+/// Decompresses rows band by band, for large pictures on a thread of its own, some bands ahead.
+class BandReader {
+public:
+    BandReader(const PlainPng& png, std::size_t filteredBytes)
+        : m_stream(std::make_unique<RowStream>(png.data)), m_filteredBytes(filteredBytes),
+          m_bandRows(int(std::clamp<std::size_t>(bandBytes / filteredBytes, 1, std::size_t(png.height)))),
+          m_height(png.height) {
+        const bool isLarge = filteredBytes * std::size_t(png.height) >= severalThreadsBytes;
+        m_bands.resize(isLarge && mayUseThreads() ? bandsAhead : 1);
+        for (Band& band : m_bands)
+            band.resize(filteredBytes * std::size_t(m_bandRows) + pngRowPadding);
+        if (m_bands.size() == 1)
+            return;
+        try {
+            m_thread = std::jthread([this](const std::stop_token& stop) { readAhead(stop); });
+            m_isAhead = true;
+        } catch (const std::system_error&) {
+            // No more threads: by this one.
+        }
+    }
+
+    /// The rows in the band that begins with row `first`.
+    int rows(int first) const { return std::min(m_bandRows, m_height - first); }
+
+    /// The next band; null where the data is damaged. The one before is used again.
+    const std::uint8_t* next() {
+        if (!m_isAhead)
+            return read(m_taken++) ? m_bands[0].data() : nullptr;
+        std::unique_lock lock(m_mutex);
+        m_released = m_taken;
+        m_changed.notify_all();
+        m_changed.wait(lock, [&] { return m_ready > m_taken || m_failed; });
+        return m_ready > m_taken ? m_bands[std::size_t(m_taken++) % m_bands.size()].data() : nullptr;
+    }
+
+    /// Whether nothing follows the last band.
+    bool isAtEnd() {
+        if (m_isAhead)
+            m_thread.join();
+        return !m_failed && m_stream->isAtEnd();
+    }
+
+private:
+    using Band = std::vector<std::uint8_t>;
+    static constexpr std::size_t bandsAhead = 4;
+
+    bool read(int index) {
+        const int first = index * m_bandRows;
+        return m_stream->read({m_bands[std::size_t(index) % m_bands.size()].data(),
+                               m_filteredBytes * std::size_t(rows(first))});
+    }
+
+    void readAhead(const std::stop_token& stop) {
+        const int count = (m_height + m_bandRows - 1) / m_bandRows;
+        for (int i = 0; i < count; ++i) {
+            {
+                std::unique_lock lock(m_mutex);
+                if (!m_changed.wait(lock, stop, [&] { return i < m_released + int(bandsAhead); }))
+                    return;
+            }
+            const bool isRead = read(i);
+            const std::lock_guard lock(m_mutex);
+            m_failed = !isRead;
+            m_ready += isRead;
+            m_changed.notify_all();
+            if (!isRead)
+                return;
+        }
+    }
+
+    const std::unique_ptr<RowStream> m_stream;
+    const std::size_t m_filteredBytes;
+    const int m_bandRows;
+    const int m_height;
+    bool m_isAhead = false;
+    std::vector<Band> m_bands;
+    int m_taken = 0; ///< Bands handed out so far.
+
+    std::mutex m_mutex;
+    std::condition_variable_any m_changed;
+    int m_ready = 0;    ///< Bands read so far.
+    int m_released = 0; ///< Bands that are not looked at any more.
+    bool m_failed = false;
+    std::jthread m_thread; // ends before what it uses
+};
+
 /// Decodes each row into the memory that `rowOf` says, then calls `done` with it; false ends it.
 template <typename RowOf, typename Done>
 bool decodeRows(const PlainPng& png, const RowOf& rowOf, const Done& done) {
     const std::size_t pixelBytes = png.hasAlpha ? 4 : 3;
     const std::size_t rowBytes = std::size_t(png.width) * pixelBytes;
     const std::size_t filteredBytes = rowBytes + 1;
-    const int bandRows = int(std::clamp<std::size_t>(bandBytes / filteredBytes, 1, std::size_t(png.height)));
-    std::vector<std::uint8_t> band(filteredBytes * std::size_t(bandRows) + pngRowPadding);
     std::vector<std::uint8_t> above(rowBytes + pngRowPadding);
     std::vector<std::uint8_t> now(rowBytes + pngRowPadding);
-    const auto stream = std::make_unique<RowStream>(png.data);
-    for (int first = 0; first < png.height; first += bandRows) {
-        const int rows = std::min(bandRows, png.height - first);
-        if (!stream->read({band.data(), filteredBytes * std::size_t(rows)}))
+    BandReader bands(png, filteredBytes);
+    for (int first = 0; first < png.height; first += bands.rows(first)) {
+        const std::uint8_t* filtered = bands.next();
+        if (!filtered)
             return false;
-        for (int y = 0; y < rows; ++y) {
-            const std::uint8_t* filtered = band.data() + filteredBytes * std::size_t(y);
+        for (int y = first; y < first + bands.rows(first); ++y, filtered += filteredBytes) {
             if (filtered[0] >= pngFilterCount)
                 return false;
             undoPngFilter(PngFilter(filtered[0]),
                           {filtered + 1, above.data(), now.data(), rowBytes, pixelBytes});
             const auto unpack = png.hasAlpha ? unpackRgba : unpackRgb;
-            std::uint32_t* row = rowOf(first + y);
+            std::uint32_t* row = rowOf(y);
             unpack(now.data(), std::size_t(png.width), row);
-            if (!done(first + y, row))
+            if (!done(y, row))
                 return false;
             above.swap(now);
         }
     }
-    return stream->isAtEnd();
+    return bands.isAtEnd();
 }
 
 } // namespace
