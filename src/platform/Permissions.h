@@ -1,5 +1,9 @@
 #pragma once
 
+#include <QString>
+
+class QWindow;
+
 namespace framora {
 
 class Permissions {
@@ -12,6 +16,12 @@ public:
     virtual bool requestAccessibility() = 0;
     /// Whether the screen may be captured. Never asks the user; may be slow.
     virtual bool canCaptureScreen() = 0;
+    /// Has the desktop ask the user, who looks at `window`, whether it may; does not wait for the answer.
+    /// False where it has nothing to ask: its settings are the place then. `window` may be null.
+    virtual bool requestScreenCapture(QWindow*) { return false; }
+    /// The command line by which the user makes the desktop forget that they did not allow it, so that it
+    /// asks again; empty where it remembers no such thing.
+    virtual QString commandToForgetDenial() { return {}; }
 };
 
 } // namespace framora

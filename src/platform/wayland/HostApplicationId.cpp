@@ -34,7 +34,7 @@ QString idOfUnit(const QByteArray& unit) {
             return {};
         parts.removeLast();
     } else if (!parts.isEmpty()) {
-        parts.last() = parts.last().left(parts.last().indexOf('@'));
+        parts.last() = parts.last().split('@').first();
     }
     return parts.isEmpty() || parts.size() > 2 ? QString() : unescaped(parts.last());
 }

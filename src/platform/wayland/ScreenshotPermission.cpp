@@ -1,5 +1,6 @@
 #include "platform/wayland/ScreenshotPermission.h"
 
+#include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QMap>

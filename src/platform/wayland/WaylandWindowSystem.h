@@ -48,7 +48,7 @@ private:
     WaylandDesktopShortcuts m_desktopShortcuts;
     WaylandOutputs m_outputs;
     WaylandScreens m_screens;
-    WaylandPermissions m_permissions{m_globalShortcuts};
+    WaylandPermissions m_permissions{*m_connection, m_globalShortcuts};
     DesktopPrivacyPanes m_privacyPanes;
     std::unique_ptr<Pasteboard> m_pasteboard;
     std::unique_ptr<ToastPanels> m_toastPanels;

@@ -1,6 +1,7 @@
 #include "desktop/portal/ScreenshotPortalDouble.h"
 
 #include <QDBusArgument>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
@@ -96,7 +97,8 @@ ScreenshotPortalDouble::ScreenshotPortalDouble(const QString& busAddress)
       m_object(std::make_unique<Object>(*this)) {
     if (!m_bus.registerVirtualObject(portalPath, m_object.get(), QDBusConnection::SubPath) ||
         !m_bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")))
-        throw std::runtime_error("the portal's double cannot get onto the bus");
+        throw std::runtime_error("the portal's double cannot get onto the bus: " +
+                                 m_bus.lastError().message().toStdString());
 }
 
 ScreenshotPortalDouble::~ScreenshotPortalDouble() {
