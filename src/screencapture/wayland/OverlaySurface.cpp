@@ -136,8 +136,15 @@ void OverlaySurface::commit(Frame& frame, const std::vector<Rect>& parts) {
         static_cast<OverlaySurface*>(data)->m_frameCallback = nullptr;
     }};
     wl_surface_attach(m_surface, *frame.buffer, 0, 0);
-    for (const Rect& part : parts)
-        wl_surface_damage_buffer(m_surface, part.x, part.y, part.width, part.height);
+    // Told in logical pixels, outwards: of what is told in the buffer's, some compositors lose a part at
+    // scales between whole ones.
+    const double scale = m_globals.viewporter ? m_output.scale : std::round(m_output.scale);
+    const auto down = [scale](int pixel) { return static_cast<int>(std::floor(pixel / scale)); };
+    const auto up = [scale](int pixel) { return static_cast<int>(std::ceil(pixel / scale)); };
+    for (const Rect& part : parts) {
+        const Point from{down(part.x), down(part.y)};
+        wl_surface_damage(m_surface, from.x, from.y, up(part.right()) - from.x, up(part.bottom()) - from.y);
+    }
     m_frameCallback = wl_surface_frame(m_surface);
     wl_callback_add_listener(m_frameCallback, &listener, this);
     frame.buffer->setHeld();

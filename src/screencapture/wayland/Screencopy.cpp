@@ -154,7 +154,13 @@ std::vector<std::unique_ptr<PixelImage>> Screencopy::freeze(std::span<const Outp
         if (std::all_of(images.begin(), images.end(), [](const auto& image) { return image != nullptr; }))
             return images;
     }
-    return {};
+    if (std::none_of(images.begin(), images.end(), [](const auto& image) { return image != nullptr; }))
+        return {};
+    // An output that is switched off, beside one that is not: it shows black.
+    for (std::size_t k = 0; k < outputs.size(); ++k)
+        if (!images[k] && !(images[k] = MemoryImage::create(outputs[k].pixelWidth, outputs[k].pixelHeight)))
+            return {};
+    return images;
 }
 
 } // namespace framora

@@ -1,4 +1,8 @@
 #include "desktop/wayland/capture/SwayCapture.h"
+#include "screencapture/OverlayPainter.h"
+#include "screencapture/wayland/OutputList.h"
+#include "screencapture/wayland/Screencopy.h"
+#include "screencapture/wayland/WaylandConnection.h"
 
 #include <cmath>
 
@@ -61,6 +65,46 @@ TEST_P(SwayAreaScaleTest, theOverlayShowsTheScreenPixelForPixel) {
 }
 
 INSTANTIATE_TEST_SUITE_P(scales, SwayAreaScaleTest, testing::Values(1, 1.25, 1.5, 2));
+
+/// The outputs as the compositor composes them; other programs may smooth them where a logical size is not
+/// exact.
+std::vector<std::unique_ptr<PixelImage>> composed(const QString& display) {
+    qputenv("WAYLAND_DISPLAY", display.toUtf8());
+    WaylandConnection connection;
+    OutputList list(connection);
+    EXPECT_TRUE(connection.roundtrip());
+    return Screencopy(connection).freeze(list.take());
+}
+
+uint32_t dimmed(uint32_t pixel) {
+    uint32_t result = 0;
+    for (int shift = 0; shift < 24; shift += 8) {
+        const uint32_t t = (pixel >> shift & 255) * (255 - OverlayPainter::kDim) + 128;
+        result |= ((t + (t >> 8)) >> 8) << shift;
+    }
+    return result;
+}
+
+TEST(SwayAreaTest, theOverlayIsCrispWhereTheScaleDoesNotDivideThePixels) {
+    for (const double scale : {1.25, 1.5, 1.75}) {
+        SwayCapture capture({output({1366, 769}, scale, {0, 0})});
+        const auto before = composed(capture.desktop().waylandDisplay());
+        ChildProcess* tool = capture.open();
+        ASSERT_TRUE(tool);
+        capture.desktop().settledScreenshot();
+        const auto overlay = composed(capture.desktop().waylandDisplay());
+        ASSERT_EQ(before.size(), 1U);
+        ASSERT_EQ(overlay.size(), 1U);
+        // The pointer's guides cross it somewhere; the last row and column may lie beyond the surface.
+        int wrong = 0;
+        for (int y = 0; y < 768; ++y)
+            for (int x = 0; x < 1365; ++x)
+                wrong += (overlay[0]->row(y)[x] & 0xffffffU) != dimmed(before[0]->row(y)[x] & 0xffffffU);
+        EXPECT_LT(wrong, 4 * (1366 + 769)) << scale;
+        capture.input().key({"Escape"});
+        EXPECT_EQ(SwayCapture::exitCodeOf(*tool), 1);
+    }
+}
 
 class SwayAreaTurnTest : public testing::TestWithParam<const char*> {};
 

@@ -99,6 +99,33 @@ TEST(SwayLifetimeTest, aScreenThatChangesCancels) {
     EXPECT_EQ(capture.desktop().clipboard(), before);
 }
 
+TEST(SwayLifetimeTest, anOutputThatIsSwitchedOffDoesNotKeepTheOtherFromBeingCaptured) {
+    SwayCapture capture({SwayOutput(), SwayOutput{{800, 600}, 1, {1280, 0}}});
+    capture.desktop().command(QStringLiteral("output HEADLESS-2 dpms off"));
+    ChildProcess& tool = capture.launch({QStringLiteral("-i")});
+    ASSERT_TRUE(capture.screenChangesFrom(capture.background()));
+    capture.drag({100, 100}, {300, 250});
+    EXPECT_EQ(SwayCapture::exitCodeOf(tool), 0);
+    EXPECT_TRUE(
+        samePicture(capture.desktop().clipboardImage(), capture.background().copy(100, 100, 200, 150)));
+    capture.desktop().command(QStringLiteral("output HEADLESS-2 dpms on"));
+}
+
+TEST(SwayLifetimeTest, aCompositorThatDoesNotAnswerIsNotWaitedForLong) {
+    SwayDesktop desktop;
+    qint64 compositor = 0;
+    for (const qint64 pid : desktop.processes())
+        if (ChildProcess::nameOf(pid) == QStringLiteral("sway"))
+            compositor = pid;
+    ASSERT_GT(compositor, 0);
+    ::kill(static_cast<pid_t>(compositor), SIGSTOP);
+    ChildProcess& tool = desktop.start(QStringLiteral(FRAMORA_SCREENCAPTURE), {QStringLiteral("-i")});
+    EXPECT_TRUE(tool.waitForExit(5000));
+    EXPECT_EQ(tool.exitCode(), 3);
+    EXPECT_EQ(tool.output().count('\n'), 1);
+    ::kill(static_cast<pid_t>(compositor), SIGCONT);
+}
+
 TEST(SwayLifetimeTest, theToolEndsWhenTheCompositorGoesAway) {
     SwayDesktop desktop;
     const QImage before = desktop.screenshot();
