@@ -313,12 +313,16 @@ void FootprintSampler::read(const TileRect& block, int x, int y, int count, Floa
     }
 }
 
-bool FootprintSampler::mix(const TileRect& block, const TileRect& part, MixPixel* out, int stride) const {
+void FootprintSampler::mix(const TileRect& block, const TileRect& part, MixPixel* out, int stride) const {
     const Plan plan = this->plan(block);
-    if (plan.isCubic) {
+    if (plan.isCubic)
         mixCubic(plan, block, part, out, stride);
-        return true;
-    }
+    else
+        mixWide(plan, block, part, out, stride);
+}
+
+void FootprintSampler::mixWide(const Plan& plan, const TileRect& block, const TileRect& part, MixPixel* out,
+                               int stride) const {
     constexpr int bits = FootprintTaps::phaseBits;
     thread_local std::array<FootprintPlaces, mostBlockHeight> places;
     const int skipped = part.x - block.x;
@@ -340,10 +344,20 @@ bool FootprintSampler::mix(const TileRect& block, const TileRect& part, MixPixel
     const int firstRow = (top >> bits) - plan.reach;
     SourceBox box{nullptr, (right >> bits) + plan.reach + 2 - firstColumn,
                   (bottom >> bits) + plan.reach + 2 - firstRow};
-    // As much as stays in the nearer caches, or less than what is read of it anyway.
+    // As much as stays in the nearer caches. Many small ones would overlap too much.
     constexpr std::int64_t mostPixels = 1 << 17;
-    if (std::int64_t(box.width) * box.height > mostPixels)
-        return false;
+    if (std::int64_t(box.width) * box.height > mostPixels && part.area() > 1) {
+        const bool isAcross = part.width > part.height;
+        TileRect half = part;
+        (isAcross ? half.width : half.height) /= 2;
+        mixWide(plan, block, half, out, stride);
+        out += isAcross ? half.width : std::ptrdiff_t(half.height) * stride;
+        (isAcross ? half.x : half.y) += isAcross ? half.width : half.height;
+        (isAcross ? half.width : half.height) =
+            isAcross ? part.width - half.width : part.height - half.height;
+        mixWide(plan, block, half, out, stride);
+        return;
+    }
     thread_local std::vector<MixPixel> pixels;
     const std::size_t area = std::size_t(box.width) * std::size_t(box.height);
     pixels.resize(std::max(pixels.size(), area + footprintSlack));
@@ -357,7 +371,6 @@ bool FootprintSampler::mix(const TileRect& block, const TileRect& part, MixPixel
         }
         readFootprints(box, row, std::size_t(skipped), plan.line, std::size_t(part.width), out);
     }
-    return true;
 }
 
 } // namespace framora::raster

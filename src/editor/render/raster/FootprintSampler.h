@@ -23,9 +23,8 @@ public:
 
     /// The premultiplied colours, 0...255, of the `count` pixels from (x, y); they lie in `block`.
     void read(const TileRect& block, int x, int y, int count, Float4* out) const;
-    /// The same for a part of a block, 0...mixOne. Its rows in `out` are `stride` pixels apart. False, and
-    /// nothing done, where more of the picture would be read than is worth it.
-    bool mix(const TileRect& block, const TileRect& part, MixPixel* out, int stride) const;
+    /// The same for a part of a block, 0...mixOne. Its rows in `out` are `stride` pixels apart.
+    void mix(const TileRect& block, const TileRect& part, MixPixel* out, int stride) const;
 
     /// Whether footprints differ so much in a block that one rule for all of it would read far too much.
     bool isUneven(const TileRect& block) const;
@@ -69,6 +68,9 @@ private:
     void readCubic(const Plan& plan, const TileRect& block, int x, int y, int count, Float4* out) const;
     void mixCubic(const Plan& plan, const TileRect& block, const TileRect& part, MixPixel* out,
                   int stride) const;
+    /// mix() by FootprintTaps, in pieces where the part spreads far over the level.
+    void mixWide(const Plan& plan, const TileRect& block, const TileRect& part, MixPixel* out,
+                 int stride) const;
 
     const PicturePyramid& m_pyramid;
     Homography m_toSource;

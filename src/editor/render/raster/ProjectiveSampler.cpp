@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 namespace framora::raster {
 namespace {
@@ -133,16 +132,8 @@ void ProjectiveSampler::mixBlock(const TileRect& block, const TileRect& tile, Mi
             mixBlock({block.x + i % 2 * width, block.y + i / 2 * height, width, height}, tile, out);
         return;
     }
-    MixPixel* to = out + std::ptrdiff_t(top - tile.y) * tile.width + (left - tile.x);
-    if (m_footprints.mix(block, part, to, tile.width))
-        return;
-    thread_local std::vector<Float4> row;
-    row.resize(std::max(row.size(), std::size_t(part.width)));
-    for (int y = part.y; y < part.y + part.height; ++y, to += tile.width) {
-        read(part.x, y, part.width, row.data());
-        for (int x = 0; x < part.width; ++x)
-            to[x] = toMix(row[std::size_t(x)] * splat(1.0f / 255));
-    }
+    m_footprints.mix(block, part, out + std::ptrdiff_t(top - tile.y) * tile.width + (left - tile.x),
+                     tile.width);
 }
 
 void ProjectiveSampler::mix(const TileRect& tile, MixPixel* out) const {
