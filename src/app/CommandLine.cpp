@@ -63,7 +63,7 @@ QByteArray CommandMessage::encoded() const {
 
 CommandMessage CommandMessage::decoded(const QByteArray& bytes) {
     const auto end = bytes.indexOf('\n');
-    const auto command = commandOfName(QString::fromUtf8(bytes.left(end)));
+    const auto command = commandOfName(QString::fromUtf8(end < 0 ? bytes : bytes.left(end)));
     return {command.value_or(ProgramCommand::activate),
             end < 0 ? QString() : QString::fromUtf8(bytes.mid(end + 1))};
 }

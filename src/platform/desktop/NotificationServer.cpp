@@ -49,9 +49,13 @@ const QString objectPath = QStringLiteral("/org/freedesktop/Notifications");
 QVariant onBus(const QImage& image) {
     const bool hasAlpha = image.hasAlphaChannel();
     const QImage pixels = image.convertToFormat(hasAlpha ? QImage::Format_RGBA8888 : QImage::Format_RGB888);
+    const int channels = hasAlpha ? 4 : 3;
+    const auto stride = pixels.bytesPerLine();
+    // Some servers refuse a picture whose last line is filled up like the others.
+    const qsizetype length = (pixels.height() - 1) * stride + qsizetype{pixels.width()} * channels;
     return QVariant::fromValue(
-        BusPicture{pixels.width(), pixels.height(), int(pixels.bytesPerLine()), hasAlpha, 8, hasAlpha ? 4 : 3,
-                   QByteArray(reinterpret_cast<const char*>(pixels.constBits()), pixels.sizeInBytes())});
+        BusPicture{pixels.width(), pixels.height(), int(stride), hasAlpha, 8, channels,
+                   QByteArray(reinterpret_cast<const char*>(pixels.constBits()), length)});
 }
 
 QDBusMessage serverCall(const char* method) {
@@ -81,7 +85,7 @@ NotificationServer::NotificationServer(QDBusConnection bus)
 }
 
 void NotificationServer::notify(const Notification& notification, std::function<void(uint)> shown) {
-    if (m_takesActions || notification.action.isEmpty()) {
+    if (m_takesActions) {
         send(notification, std::move(shown));
         return;
     }

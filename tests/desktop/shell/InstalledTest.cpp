@@ -72,7 +72,9 @@ TEST_F(InstalledTest, everyPartIsThere) {
         EXPECT_FALSE(path(libraries, QStringLiteral("framora/") + QString::fromLatin1(name)).isEmpty())
             << name;
     for (const char* name : {"framora/public/Black and White Gradient Macbook Wallpaper_Texture.png",
-                             "applications/org.framora.Framora.desktop", "icons/hicolor/scalable/apps/org.framora.Framora.svg"})
+                             "applications/org.framora.Framora.desktop",
+                             "dbus-1/services/org.framora.Framora.service",
+                             "icons/hicolor/scalable/apps/org.framora.Framora.svg"})
         EXPECT_FALSE(path(data, QString::fromLatin1(name)).isEmpty()) << name;
 }
 

@@ -32,7 +32,8 @@ protected:
     /// whose lock it would share otherwise.
     class LaterStart {
     public:
-        explicit LaterStart(const SingleInstanceTest& test) {
+        explicit LaterStart(const SingleInstanceTest& test, const QByteArray& message = {},
+                            bool onlyTells = false) {
             EXPECT_EQ(pipe(m_pipe), 0);
             m_child = fork();
             if (m_child != 0)
@@ -42,7 +43,9 @@ protected:
             if (read(m_pipe[0], &byte, 1) != 1)
                 _exit(2);
             SingleInstance instance(test.folder.path(), test.display);
-            _exit(instance.acquire() ? 0 : 1);
+            if (onlyTells)
+                _exit(instance.tellRunning(message) ? 1 : 0);
+            _exit(instance.acquire(message) ? 0 : 1);
         }
         ~LaterStart() {
             close(m_pipe[0]);
@@ -82,6 +85,33 @@ TEST_F(SingleInstanceTest, theSecondStartIsRefusedAndTellsTheFirst) {
     third.go();
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return starts == 2; }));
     EXPECT_EQ(third.exitCode(), 1);
+}
+
+TEST_F(SingleInstanceTest, whatALaterStartSaysIsHeardWhole) {
+    const QByteArray longMessage(SingleInstance::longestMessage, 'x');
+    LaterStart second(*this, "settings\ntoken");
+    LaterStart third(*this, longMessage, true);
+    SingleInstance first(folder.path(), display);
+    ASSERT_TRUE(first.acquire());
+    std::vector<QByteArray> heard;
+    first.onSecondStart([&](const QByteArray& message) { heard.push_back(message); });
+    second.go();
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return heard.size() == 1; }));
+    EXPECT_EQ(heard[0], "settings\ntoken");
+    EXPECT_EQ(second.exitCode(), 1);
+    third.go();
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return heard.size() == 2; }));
+    EXPECT_EQ(heard[1], longMessage);
+    EXPECT_EQ(third.exitCode(), 1);
+}
+
+TEST_F(SingleInstanceTest, thereIsNobodyToTellBeforeTheFirstAndAfterItsEnd) {
+    SingleInstance instance(folder.path(), display);
+    EXPECT_FALSE(instance.tellRunning("settings"));
+    EXPECT_TRUE(QDir(folder.path()).isEmpty()) << "only telling leaves nothing";
+    dieAsTheInstance();
+    EXPECT_FALSE(instance.tellRunning("settings"));
+    EXPECT_FALSE(SingleInstance({}, display).tellRunning("settings"));
 }
 
 TEST_F(SingleInstanceTest, aStartWhileTheFirstIsEndingWaitsAndTakesOver) {
