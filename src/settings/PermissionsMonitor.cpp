@@ -7,6 +7,8 @@
 #include "platform/Permissions.h"
 #include "settings/SettingsServices.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QPointer>
 
 namespace framora {
@@ -49,16 +51,28 @@ bool PermissionsMonitor::canGrantAccessibility() const {
     return !(m_isSway && m_shortcuts.route() == GlobalShortcuts::Route::byHand);
 }
 
+QString PermissionsMonitor::screenRecordingDescription() const {
+    return localized(m_commandToForgetDenial.isEmpty() ? QStringLiteral("screen.recording.description")
+                                                       : QStringLiteral("screen.recording.denied"));
+}
+
+void PermissionsMonitor::copyCommandToForgetDenial() const {
+    QGuiApplication::clipboard()->setText(m_commandToForgetDenial);
+}
+
 void PermissionsMonitor::checkPermissions() {
     const bool trusted = m_permissions.isAccessibilityTrusted();
     const bool canRecord = m_permissions.canCaptureScreen();
-    const bool differs = trusted != m_hasAccessibility || canRecord != m_hasScreenRecording;
+    const QString forget = m_permissions.commandToForgetDenial();
+    const bool differs = trusted != m_hasAccessibility || canRecord != m_hasScreenRecording ||
+                         forget != m_commandToForgetDenial;
     if (trusted != m_hasAccessibility) {
         m_hasAccessibility = trusted;
         if (trusted)
             m_notifications.post(notifications::accessibilityPermissionsGranted);
     }
     m_hasScreenRecording = canRecord;
+    m_commandToForgetDenial = forget;
     if (m_hasAccessibility && m_hasScreenRecording) {
         m_timerSubscription.reset();
         m_appActiveSubscription.reset();
@@ -98,7 +112,8 @@ void PermissionsMonitor::grantAccessibility() {
 }
 
 void PermissionsMonitor::grantScreenRecording() {
-    openPrivacyPane(m_panes, PrivacyPane::screenCapture);
+    if (!m_permissions.requestScreenCapture(QGuiApplication::focusWindow()))
+        openPrivacyPane(m_panes, PrivacyPane::screenCapture);
 }
 
 } // namespace framora

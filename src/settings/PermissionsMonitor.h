@@ -29,6 +29,10 @@ class PermissionsMonitor final : public QObject {
     Q_PROPERTY(QString accessibilityDescription READ accessibilityDescription NOTIFY changed FINAL)
     /// Whether there is anything that the permission's button could bring about.
     Q_PROPERTY(bool canGrantAccessibility READ canGrantAccessibility NOTIFY changed FINAL)
+    /// What the lack of the screen-recording permission means on this desktop.
+    Q_PROPERTY(QString screenRecordingDescription READ screenRecordingDescription NOTIFY changed FINAL)
+    /// The line by which the user has the desktop ask again; empty where it would ask by itself.
+    Q_PROPERTY(QString commandToForgetDenial READ commandToForgetDenial NOTIFY changed FINAL)
 
 public:
     /// The services outlive the monitor.
@@ -39,6 +43,8 @@ public:
     bool hasScreenRecording() const { return m_hasScreenRecording; }
     QString accessibilityDescription() const;
     bool canGrantAccessibility() const;
+    QString screenRecordingDescription() const;
+    QString commandToForgetDenial() const { return m_commandToForgetDenial; }
     bool isPolling() const { return m_timerSubscription != nullptr; }
 
     /// The section comes on screen, or leaves it.
@@ -47,7 +53,11 @@ public:
 
     /// Lets the desktop ask, and opens its settings half a second later.
     Q_INVOKABLE void grantAccessibility();
+    /// Lets the desktop ask in front of the window with the focus, or opens its settings where it does not
+    /// ask.
     Q_INVOKABLE void grantScreenRecording();
+    /// Puts commandToForgetDenial on the clipboard.
+    Q_INVOKABLE void copyCommandToForgetDenial() const;
 
 Q_SIGNALS:
     void changed();
@@ -66,6 +76,7 @@ private:
     NotificationCenter::Token m_shortcutsObserver;
     bool m_hasAccessibility = false;
     bool m_hasScreenRecording = false;
+    QString m_commandToForgetDenial;
     std::unique_ptr<WorkItem> m_timerSubscription;
     std::optional<NotificationCenter::Token> m_appActiveSubscription;
     std::optional<NotificationCenter::Token> m_permissionsStatusSubscription;

@@ -71,11 +71,19 @@ public:
         return trusted;
     }
     bool canCaptureScreen() override { return recording; }
+    bool requestScreenCapture(QWindow*) override {
+        ++screenRequests;
+        return asksForScreen;
+    }
+    QString commandToForgetDenial() override { return forget; }
 
     bool trusted = false;
     bool recording = false;
     int checks = 0;
     int requests = 0;
+    bool asksForScreen = false; ///< Whether the desktop has a question of its own.
+    int screenRequests = 0;
+    QString forget;
 };
 
 /// Writes down the routes that are tried; the one that the test names works.

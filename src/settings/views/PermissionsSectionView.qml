@@ -26,10 +26,17 @@ Section {
     PermissionRow {
         objectName: "screenRecording"
         title: Strings.localized("screen.recording")
-        description: Strings.localized("screen.recording.description")
+        description: section.monitor.screenRecordingDescription
         openLabel: Strings.localized("open.screen.recording.settings")
         symbol: "record.circle"
         granted: section.monitor.hasScreenRecording
         onAllowed: section.monitor.grantScreenRecording()
+    }
+    CopyLine {
+        objectName: "screenRecording.forget"
+        visible: !section.monitor.hasScreenRecording && text !== ""
+        width: parent.width
+        text: section.monitor.commandToForgetDenial
+        onCopied: section.monitor.copyCommandToForgetDenial()
     }
 }

@@ -2,6 +2,8 @@
 
 #include "support/SettingsPlatform.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <gtest/gtest.h>
 
 namespace framora {
@@ -227,6 +229,32 @@ TEST_F(PermissionsMonitorTest, grantingScreenRecordingOpensThePaneAtOnceAndAsksN
     monitor.grantScreenRecording();
     EXPECT_EQ(platform.panes.tried, (Names{"page screen capture"}));
     EXPECT_EQ(platform.permissions.requests, 0);
+}
+
+TEST_F(PermissionsMonitorTest, grantingScreenRecordingHasTheDesktopAskWhereItDoes) {
+    platform.permissions.asksForScreen = true;
+    monitor.grantScreenRecording();
+    EXPECT_EQ(platform.permissions.screenRequests, 1);
+    EXPECT_EQ(platform.panes.tried, Names{});
+}
+
+TEST_F(PermissionsMonitorTest, aStoredDenialIsSaidWithTheLineThatTakesItBack) {
+    monitor.appear();
+    const QString usual = monitor.screenRecordingDescription();
+    EXPECT_EQ(monitor.commandToForgetDenial(), QString());
+    int told = 0;
+    QObject::connect(&monitor, &PermissionsMonitor::changed, [&] { ++told; });
+    platform.permissions.forget = QStringLiteral("forget it");
+    platform.queue.advance(1.1);
+    EXPECT_EQ(told, 1);
+    EXPECT_EQ(monitor.commandToForgetDenial(), QStringLiteral("forget it"));
+    EXPECT_NE(monitor.screenRecordingDescription(), usual);
+    monitor.copyCommandToForgetDenial();
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("forget it"));
+    platform.permissions.forget.clear();
+    platform.queue.advance(1.1);
+    EXPECT_EQ(told, 2);
+    EXPECT_EQ(monitor.screenRecordingDescription(), usual);
 }
 
 TEST_F(PermissionsMonitorTest, theRoutesToAPaneAreTriedInOrderUntilOneWorks) {

@@ -194,6 +194,23 @@ TEST_F(SettingsWindowTest, leavingThePaneWhileItRecordsLeavesNoMonitor) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return platform.keys.recordings.empty(); }));
 }
 
+TEST_F(SettingsWindowTest, aStoredDenialComesWithALineToCopy) {
+    open();
+    ASSERT_TRUE(find("screenRecording.forget"));
+    EXPECT_FALSE(find("screenRecording.forget")->isVisible());
+    platform.permissions.forget = QStringLiteral(
+        "busctl --user call org.freedesktop.impl.portal.PermissionStore "
+        "/org/freedesktop/impl/portal/PermissionStore org.freedesktop.impl.portal.PermissionStore "
+        "DeletePermission sss screenshot screenshot org.framora.Framora");
+    platform.queue.advance(1.1);
+    EXPECT_TRUE(find("screenRecording.forget")->isVisible());
+    click("screenRecording.forget.copy");
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), platform.permissions.forget);
+    platform.permissions.recording = true;
+    platform.queue.advance(1.1);
+    EXPECT_FALSE(find("screenRecording.forget")->isVisible());
+}
+
 TEST_F(SettingsWindowTest, thePermissionsShowTheirStateWhileTheyAreOnScreen) {
     platform.permissions.recording = true;
     open();
