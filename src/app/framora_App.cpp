@@ -72,7 +72,9 @@ struct framora_App::Desktop {
         ProcessCaptureTool::defaultExecutable(),
         {[this](bool isTaken) { screenTaken(isTaken); },
          [this](const QByteArray& png) { windows->pasteboard().adoptPicture(png); }}};
-    TrayStatusBar statusBar{gate, appearance, notifications};
+    TrayStatusBar statusBar{gate, appearance, notifications, [this](const QString& token) {
+                                windows->application().useActivationToken(token);
+                            }};
     TerminationSignals terminationSignals;
 
     void screenTaken(bool isTaken) {

@@ -33,9 +33,9 @@ class StatusNotifierItem::Interface final : public QDBusAbstractAdaptor {
     Q_PROPERTY(QDBusObjectPath Menu READ menu CONSTANT)
 
 public:
-    Interface(QObject* parent, QIcon icon, QString title, std::function<void()> activated)
+    Interface(QObject* parent, QIcon icon, QString title, Events events)
         : QDBusAbstractAdaptor(parent), m_icon(std::move(icon)), m_title(std::move(title)),
-          m_activated(std::move(activated)) {}
+          m_events(std::move(events)) {}
 
     void setIcon(const QIcon& icon) {
         m_icon = icon;
@@ -54,10 +54,15 @@ public:
     QDBusObjectPath menu() const { return QDBusObjectPath(menuPath); }
 
 public Q_SLOTS:
-    void Activate(int, int) { m_activated(); }
-    void SecondaryActivate(int, int) { m_activated(); }
-    void ContextMenu(int, int) { m_activated(); }
+    void Activate(int, int) { m_events.activated(); }
+    void SecondaryActivate(int, int) { m_events.activated(); }
+    void ContextMenu(int, int) { m_events.activated(); }
     void Scroll(int, const QString&) {}
+    /// What a host says before each of the above, and before its menu's clicks.
+    void ProvideXdgActivationToken(const QString& token) {
+        if (m_events.token)
+            m_events.token(token);
+    }
 
 Q_SIGNALS:
     void NewIcon();
@@ -68,13 +73,12 @@ Q_SIGNALS:
 private:
     QIcon m_icon;
     const QString m_title;
-    const std::function<void()> m_activated;
+    const Events m_events;
 };
 
-StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QIcon icon, QString title,
-                                       std::function<void()> activated)
+StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QIcon icon, QString title, Events events)
     : m_bus(std::move(bus)), m_menuExport(new TrayMenuExport(&m_menuObject)),
-      m_interface(new Interface(this, std::move(icon), std::move(title), std::move(activated))) {
+      m_interface(new Interface(this, std::move(icon), std::move(title), std::move(events))) {
     static int made = 0;
     m_service = QStringLiteral("org.kde.StatusNotifierItem-%1-%2")
                     .arg(QCoreApplication::applicationPid())

@@ -20,8 +20,12 @@ class StatusNotifierItem final : public QObject {
     Q_OBJECT
 
 public:
-    /// `activated` runs when the item is clicked where the host leaves it to the item.
-    StatusNotifierItem(QDBusConnection bus, QIcon icon, QString title, std::function<void()> activated);
+    struct Events {
+        std::function<void()> activated; ///< Clicked, where the host leaves that to the item.
+        /// What lets a window come to the front after the click that follows.
+        std::function<void(const QString& token)> token;
+    };
+    StatusNotifierItem(QDBusConnection bus, QIcon icon, QString title, Events events);
     ~StatusNotifierItem() override;
 
     static QString watcherService() { return QStringLiteral("org.kde.StatusNotifierWatcher"); }

@@ -5,11 +5,12 @@
 namespace framora {
 
 TrayStatusBar::TrayStatusBar(CommandGate& gate, const Appearance& appearance,
-                             NotificationCenter& notifications)
-    : m_gate(gate), m_appearance(appearance), m_notifications(notifications) {}
+                             NotificationCenter& notifications,
+                             std::function<void(const QString& token)> onToken)
+    : m_gate(gate), m_appearance(appearance), m_notifications(notifications), m_onToken(std::move(onToken)) {}
 
 std::unique_ptr<StatusItem> TrayStatusBar::makeStatusItem() {
-    return std::make_unique<TrayStatusItem>(m_gate, m_appearance, m_notifications);
+    return std::make_unique<TrayStatusItem>(m_gate, m_appearance, m_notifications, m_onToken);
 }
 
 } // namespace framora

@@ -39,8 +39,8 @@ QPixmap drawTinted(const QString& symbol, int side, bool dark) {
 } // namespace
 
 TrayStatusItem::TrayStatusItem(CommandGate& gate, const Appearance& appearance,
-                               NotificationCenter& notifications)
-    : m_gate(gate), m_appearance(appearance) {
+                               NotificationCenter& notifications, TokenHandler onToken)
+    : m_gate(gate), m_appearance(appearance), m_onToken(std::move(onToken)) {
     m_appearanceObserver = notifications.observe(notifications::appearanceChanged, [this] {
         drawSymbol();
         showPicture();
@@ -131,8 +131,8 @@ void TrayStatusItem::makeIcon() {
     m_notifierItem.reset();
     const auto bus = QDBusConnection::sessionBus();
     if (StatusNotifierItem::watcherRuns(bus)) {
-        m_notifierItem =
-            std::make_unique<StatusNotifierItem>(bus, m_picture, m_description, [this] { popUpMenu(); });
+        m_notifierItem = std::make_unique<StatusNotifierItem>(
+            bus, m_picture, m_description, StatusNotifierItem::Events{[this] { popUpMenu(); }, m_onToken});
         m_notifierItem->setMenu(m_menu.get());
         return;
     }

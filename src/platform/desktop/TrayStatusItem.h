@@ -9,6 +9,7 @@
 #include <QMenu>
 #include <QObject>
 #include <QSystemTrayIcon>
+#include <functional>
 
 class QDBusServiceWatcher;
 
@@ -23,7 +24,11 @@ class TrayStatusItem final : public QObject, public StatusItem {
     Q_OBJECT
 
 public:
-    TrayStatusItem(CommandGate& gate, const Appearance& appearance, NotificationCenter& notifications);
+    using TokenHandler = std::function<void(const QString& token)>;
+
+    /// `onToken` hears what lets a window come to the front after the click that follows.
+    TrayStatusItem(CommandGate& gate, const Appearance& appearance, NotificationCenter& notifications,
+                   TokenHandler onToken = {});
     ~TrayStatusItem() override;
 
     bool setSymbol(const QString& symbol, const QString& accessibilityDescription, double pointSize) override;
@@ -41,6 +46,7 @@ private:
 
     CommandGate& m_gate;
     const Appearance& m_appearance;
+    TokenHandler m_onToken;
     QString m_symbol;
     QString m_description;
     double m_pointSize = 0;

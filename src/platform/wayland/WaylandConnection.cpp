@@ -70,6 +70,8 @@ void WaylandConnection::listen() {
 
 void WaylandConnection::stopListening() {
     // A dead socket stays readable for ever. The notifier may be the one that is calling.
+    if (m_readable && m_readable->isEnabled() && m_display && wl_display_get_error(m_display) == EPROTO)
+        qWarning("The compositor refused a request and ended the connection for toasts and the clipboard");
     if (m_readable)
         m_readable->setEnabled(false);
     if (m_writable)
