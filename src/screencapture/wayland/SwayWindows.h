@@ -1,20 +1,22 @@
 #pragma once
 
-#include "screencapture/wayland/SwaySocket.h"
+#include "screencapture/wayland/LocalQuestion.h"
 #include "screencapture/wayland/WindowSource.h"
 
 namespace framora {
 
-/// Windows by sway's own account, asked for at once and read at the first call.
+/// Windows by sway's own account, over the socket that SWAYSOCK names.
 class SwayWindows : public WindowSource {
 public:
-    /// Whether there is a sway to ask.
-    bool available() const { return m_read || m_socket.asked(); }
+    SwayWindows();
 
+    bool available() const override { return m_question.asked(); }
     std::optional<WindowStack> windows() override;
 
 private:
-    SwaySocket m_socket{SwaySocket::Question::Tree};
+    std::string answer() const;
+
+    LocalQuestion m_question;
     bool m_read = false;
     std::optional<WindowStack> m_windows;
 };

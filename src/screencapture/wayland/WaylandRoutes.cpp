@@ -4,8 +4,8 @@
 #include "screencapture/wayland/OutputList.h"
 #include "screencapture/wayland/OverlayCapture.h"
 #include "screencapture/wayland/Screencopy.h"
-#include "screencapture/wayland/SwayWindows.h"
 #include "screencapture/wayland/WaylandConnection.h"
+#include "screencapture/wayland/WindowSource.h"
 
 namespace framora {
 
@@ -16,10 +16,10 @@ bool isNotHere(const CaptureResult& result) {
 }
 
 CaptureResult captureWithOverlay(WaylandConnection& connection, ScreenFreezer& freezer, CaptureMode mode) {
-    SwayWindows windows;
-    if (mode == CaptureMode::Window && !windows.available())
+    const auto windows = WindowSource::ofSession();
+    if (mode == CaptureMode::Window && !windows)
         return CaptureResult::notHere("the compositor does not tell where its windows are");
-    return OverlayCapture(connection, freezer, windows.available() ? &windows : nullptr).run(mode);
+    return OverlayCapture(connection, freezer, windows.get()).run(mode);
 }
 
 CaptureResult captureOverBus(WaylandConnection& connection, const Arguments& arguments,
