@@ -104,29 +104,26 @@ HWY_INLINE hn::Vec<Lanes> dithered(hn::Vec<Lanes> color, const MixPixel* pattern
 void runRow(const ColorRun& run, int x, int y, std::size_t count, MixPixel* out) {
     const hn::RepartitionToWide<Lanes> words;
     const std::size_t half = hn::Lanes(words) / 4; // pixels
-    alignas(64) std::int32_t starts[32];
-    alignas(64) std::int32_t steps[16];
-    for (std::size_t lane = 0; lane < 8 * half; ++lane)
-        starts[lane] = run.first[lane % 4] + std::int32_t(lane / 4) * run.step[lane % 4];
-    for (std::size_t lane = 0; lane < 4 * half; ++lane)
-        steps[lane] = std::int32_t(2 * half) * run.step[lane % 4];
-    auto low = hn::Load(words, starts);
-    auto high = hn::Load(words, starts + 4 * half);
-    const auto step = hn::Load(words, steps);
+    const auto first = hn::LoadDup128(words, run.first);
+    const auto one = hn::LoadDup128(words, run.step);
+    auto low = hn::Add(first, hn::Mul(one, hn::ShiftRight<2>(hn::Iota(words, 0))));
+    auto high = hn::Add(low, hn::Mul(one, hn::Set(words, std::int32_t(half))));
+    const auto step = hn::Mul(one, hn::Set(words, std::int32_t(2 * half)));
     const MixPixel* pattern = Dither::row(x, y);
-    std::size_t i = 0;
-    for (; i + 2 * half <= count; i += 2 * half) {
+    for (std::size_t i = 0; i < count; i += 2 * half) {
         // Their upper halves are the channels.
         const auto color = hn::ConcatOdd(lanes, hn::BitCast(lanes, high), hn::BitCast(lanes, low));
-        hn::StoreU(dithered(color, pattern + i % Dither::period), lanes,
-                   reinterpret_cast<std::int16_t*>(out + i));
+        const auto painted = dithered(color, pattern + i % Dither::period);
+        if (i + 2 * half <= count) {
+            hn::StoreU(painted, lanes, reinterpret_cast<std::int16_t*>(out + i));
+        } else {
+            alignas(64) std::int16_t part[32];
+            hn::Store(painted, lanes, part);
+            std::memcpy(out + i, part, (count - i) * sizeof(MixPixel));
+        }
         low = hn::Add(low, step);
         high = hn::Add(high, step);
     }
-    ColorRun rest = run;
-    for (int c = 0; c < 4; ++c)
-        rest.first[c] += int(i) * run.step[c];
-    plain::paintRun(rest, x + int(i), y, count - i, out + i);
 }
 
 void rampRow(const MixPixel* ramp, const std::int32_t* positions, int x, int y, std::size_t count,

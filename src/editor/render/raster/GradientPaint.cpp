@@ -10,8 +10,9 @@
 namespace framora::raster {
 namespace {
 
-// A row is told piece by piece, each from its own first pixel.
-constexpr int pieceWidth = 64;
+// A row is told piece by piece, each from its own first pixel. Powers of two.
+constexpr int linePiece = 256;
+constexpr int curvePiece = 64; // whose first pixels are told also where they are not wanted
 
 } // namespace
 
@@ -136,11 +137,12 @@ void GradientPaint::mix(const TileRect& tile, MixPixel* out) const {
     const Homography& map = m_toLocal;
     const double scale = 1 / map(2, 2);
     const Vec2 step{map(0, 0) * scale, map(1, 0) * scale};
-    thread_local std::array<std::int32_t, pieceWidth> positions;
+    const int pieceWidth = m_kind == Kind::linear ? linePiece : curvePiece;
+    thread_local std::array<std::int32_t, curvePiece> positions;
     for (int y = tile.y; y < tile.y + tile.height; ++y) {
         // So no pixel depends on the tile that it is in.
         for (int x = tile.x, end = 0; x < tile.x + tile.width; x = end) {
-            const int skipped = int(unsigned(x) % unsigned(pieceWidth));
+            const int skipped = x & (pieceWidth - 1);
             const int piece = x - skipped;
             end = std::min(piece + pieceWidth, tile.x + tile.width);
             const int count = end - piece;
