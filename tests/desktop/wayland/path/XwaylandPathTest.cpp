@@ -94,5 +94,51 @@ TEST_F(XwaylandPathTest, withoutAWaylandDisplayXWindowsAreTakenByTheServersOwnMe
     EXPECT_TRUE(path.leavesNothing());
 }
 
+/// Height in pixels of the button "Copy to Clipboard", the only blue thing at the editor's top right.
+int copyButtonHeight(const QImage& screen, const QRect& editor) {
+    int rows = 0;
+    for (int y = editor.top(); y < editor.top() + 120; ++y)
+        for (int x = editor.center().x(); x < editor.right(); ++x) {
+            const QColor colour = screen.pixelColor(x, y);
+            if (colour.blue() > 200 && colour.red() < 80 && colour.green() < 140) {
+                ++rows;
+                break;
+            }
+        }
+    return rows;
+}
+
+TEST(XMonitorsTest, theToastAndTheEditorHaveTheRatioOfTheirOwnMonitor) {
+    SwayOptions options = FramoraOnSway::options();
+    options.outputs.push_back({{1280, 800}, 1, {1280, 0}, QStringLiteral("normal")});
+    options.xwayland = true;
+    FramoraOnSway path(options);
+    // An X session whose second monitor is a fine one, as Plasma tells its programs.
+    path.unset(QStringLiteral("WAYLAND_DISPLAY"));
+    path.unset(QStringLiteral("SWAYSOCK"));
+    path.desktop().setEnvironmentVariable(QStringLiteral("QT_SCREEN_SCALE_FACTORS"),
+                                          QStringLiteral("XWAYLAND0=1;XWAYLAND1=2"));
+    path.launch();
+    path.openCapture();
+    path.selectArea({100, 100, 300, 200});
+    const QRect card = path.waitForToast();
+    EXPECT_LT(card.height(), 200) << "with its shadow, in single pixels on the first monitor";
+    // An X server tells a window of the pointer before it tells of the press.
+    path.input().moveTo(card.center() + QPoint(1, 0));
+    path.input().click(card.center());
+    const SwayWindow editor = path.waitForEditor();
+    int height = 0;
+    ASSERT_TRUE(SwayDesktop::waitFor(
+        [&] { return (height = copyButtonHeight(path.desktop().screenshot(0), editor.content)) > 20; }));
+    const QRect there = editor.content.translated(1280, 0);
+    path.desktop().place(editor, there);
+    EXPECT_TRUE(SwayDesktop::waitFor([&] {
+        return copyButtonHeight(path.desktop().screenshot(1), editor.content) == 2 * height;
+    })) << copyButtonHeight(path.desktop().screenshot(1), editor.content)
+        << " pixels high on the fine monitor, " << height << " on the other";
+    path.quit();
+    EXPECT_TRUE(path.leavesNothing());
+}
+
 } // namespace
 } // namespace framora
