@@ -1,0 +1,209 @@
+// Compositors that refuse, fall silent, take things back or die.
+
+#include "desktop/support/ScriptedSeat.h"
+#include "desktop/wayland/odd/OddCapture.h"
+
+#include <QElapsedTimer>
+#include <linux/input-event-codes.h>
+
+namespace framora {
+namespace {
+
+TEST(OddCompositorTest, oneThatNeverAnswersEndsItWithinTwoSecondsAndXIsNotTakenInstead) {
+    OddCapture odd;
+    odd.compositor.setEnvironmentVariable(QStringLiteral("DISPLAY"), QStringLiteral(":4242"));
+    odd.compositor.freeze();
+    odd.launch();
+    EXPECT_TRUE(odd.endsWith(3, "does not answer", 2000));
+    EXPECT_FALSE(odd.descriptors.isReady());
+    odd.compositor.thaw();
+}
+
+TEST(OddCompositorTest, oneThatFallsSilentWhileItCopiesEndsIt) {
+    CompositorScript script;
+    OddCapture* capture = nullptr;
+    script.outputs[0].copy.asked = [&] { capture->compositor.freeze(); };
+    OddCapture odd(script);
+    capture = &odd;
+    odd.launch();
+    EXPECT_TRUE(odd.endsWith(3, "", 9000));
+    EXPECT_FALSE(odd.descriptors.isReady());
+    odd.compositor.thaw();
+}
+
+TEST(OddCompositorTest, itEndsWithTheCompositorWheneverThatDies) {
+    {
+        OddCapture odd;
+        ASSERT_TRUE(odd.open());
+        odd.compositor.die();
+        EXPECT_TRUE(odd.endsWith(3, "the compositor is gone", 2000));
+    }
+    {
+        OddCapture odd;
+        ASSERT_TRUE(odd.open());
+        odd.compositor.pointTo({20, 20});
+        odd.compositor.press(BTN_LEFT);
+        odd.compositor.pointTo({60, 70});
+        odd.compositor.die();
+        EXPECT_TRUE(odd.endsWith(3, "the compositor is gone", 2000));
+    }
+    {
+        CompositorScript script;
+        OddCapture* capture = nullptr;
+        script.outputs[0].copy.asked = [&] {
+            capture->compositor.perform([](ScriptedPieces& pieces) {
+                wl_client* client = nullptr;
+                wl_list* const clients = wl_display_get_client_list(pieces.display);
+                wl_client_for_each(client, clients) wl_client_post_no_memory(client);
+            });
+        };
+        OddCapture odd(script);
+        capture = &odd;
+        odd.launch();
+        EXPECT_TRUE(odd.endsWith(3, "the compositor is gone", 2000));
+        EXPECT_FALSE(odd.descriptors.isReady());
+    }
+}
+
+TEST(OddCompositorTest, aSocketThatNobodyListensAtIsNoSession) {
+    OddCapture odd;
+    odd.compositor.die();
+    odd.launch();
+    EXPECT_TRUE(odd.endsWith(3, "", 2000));
+}
+
+TEST(OddLayersTest, oneThatClosesTheOverlayAtOnceCancels) {
+    CompositorScript script;
+    script.closeSurfaces = true;
+    OddCapture odd(script);
+    odd.launch();
+    EXPECT_TRUE(odd.isCancelled());
+    EXPECT_FALSE(odd.descriptors.isReady());
+}
+
+TEST(OddLayersTest, oneThatNeverGivesTheOverlayASizeIsNoRoute) {
+    CompositorScript script;
+    script.configure.reset();
+    OddCapture odd(script);
+    odd.launch();
+    EXPECT_TRUE(odd.endsWith(3, "", 5000));
+    EXPECT_FALSE(odd.descriptors.isReady());
+}
+
+TEST(OddLayersTest, noSizeMeansTheOutputs) {
+    CompositorScript script;
+    script.configure = QSize(0, 0);
+    OddCapture odd(script);
+    ASSERT_TRUE(odd.open());
+    EXPECT_TRUE(odd.takes({10, 20, 100, 60}, odd.compositor.picture().copy(10, 20, 100, 60)));
+}
+
+TEST(OddLayersTest, sizesThatAreNotTheOutputsDoNoHarm) {
+    for (const QSize size : {QSize(1, 1), QSize(320, 180), QSize(5000, 4000), QSize(-1, -1)}) {
+        CompositorScript script;
+        script.configure = size;
+        OddCapture odd(script);
+        if (odd.open()) {
+            odd.compositor.pointTo({0, 0});
+            odd.compositor.key(KEY_ESC);
+            EXPECT_TRUE(odd.isCancelled()) << size.width();
+        } else {
+            EXPECT_TRUE(odd.endsWith(3)) << size.width();
+        }
+    }
+}
+
+TEST(OddSeatTest, devicesThatComeBackWorkAgain) {
+    const auto replugged = [](OddCapture& odd) {
+        ASSERT_TRUE(odd.open());
+        odd.compositor.pointTo({30, 30});
+        odd.compositor.setCapabilities(0);
+        odd.compositor.setCapabilities(CompositorScript::Pointer | CompositorScript::Keyboard);
+        // The tool has asked for the new ones.
+        ASSERT_TRUE(DesktopSession::waitFor([&] {
+            return odd.compositor.ask<bool>([](ScriptedPieces& pieces) { return pieces.seat->isHeard(); });
+        }));
+    };
+    {
+        OddCapture odd;
+        replugged(odd);
+        odd.compositor.key(KEY_ESC);
+        EXPECT_TRUE(odd.isCancelled());
+    }
+    {
+        OddCapture odd;
+        replugged(odd);
+        EXPECT_TRUE(odd.takes({10, 20, 100, 60}, odd.compositor.picture().copy(10, 20, 100, 60)));
+    }
+}
+
+TEST(OddSeatTest, aDeviceThatComesLateWorks) {
+    CompositorScript script;
+    script.capabilities = CompositorScript::Pointer;
+    OddCapture odd(script);
+    ASSERT_TRUE(odd.open());
+    odd.compositor.setCapabilities(CompositorScript::Pointer | CompositorScript::Keyboard);
+    ASSERT_TRUE(DesktopSession::waitFor([&] {
+        return odd.compositor.ask<bool>([](ScriptedPieces& pieces) { return pieces.seat->isHeard(); });
+    }));
+    odd.compositor.key(KEY_ESC);
+    EXPECT_TRUE(odd.isCancelled());
+}
+
+TEST(OddSeatTest, aPointerThatGoesInADragLeavesTheKeyboardToCancel) {
+    OddCapture odd;
+    ASSERT_TRUE(odd.open());
+    odd.compositor.pointTo({30, 30});
+    odd.compositor.press(BTN_LEFT);
+    odd.compositor.pointTo({60, 60});
+    odd.compositor.setCapabilities(CompositorScript::Keyboard);
+    odd.compositor.key(KEY_ESC);
+    EXPECT_TRUE(odd.isCancelled());
+}
+
+TEST(OddSeatTest, aKeymapThatIsNoneStillKnowsEscape) {
+    for (const QByteArray& keymap : {QByteArray("x"), QByteArray(100000, '{'), QByteArray("xkb_keymap {")}) {
+        CompositorScript script;
+        script.keymap = keymap;
+        OddCapture odd(script);
+        ASSERT_TRUE(odd.open());
+        odd.compositor.key(KEY_ESC);
+        EXPECT_TRUE(odd.isCancelled());
+    }
+}
+
+TEST(OddClipboardTest, withoutOneThePictureIsHandedToTheProgram) {
+    enum Refusal { Missing, Finished, Cancelled };
+    for (const Refusal refusal : {Missing, Finished, Cancelled}) {
+        CompositorScript script;
+        script.wlrDataControl = refusal == Missing ? 0 : 2;
+        script.finishDevices = refusal == Finished;
+        script.cancelSources = refusal == Cancelled;
+        OddCapture odd(script);
+        ASSERT_TRUE(odd.open());
+        odd.drag({10, 20}, {110, 80});
+        EXPECT_TRUE(odd.endsWith(0)) << refusal;
+        EXPECT_TRUE(samePixels(QImage::fromData(odd.descriptors.handedPicture()),
+                               odd.compositor.picture().copy(10, 20, 100, 60)))
+            << refusal;
+    }
+}
+
+TEST(OddClipboardTest, theNewerProtocolIsSpokenWhereBothAre) {
+    CompositorScript script;
+    script.extDataControl = 1;
+    OddCapture odd(script);
+    ASSERT_TRUE(odd.open());
+    EXPECT_TRUE(odd.takes({10, 20, 100, 60}, odd.compositor.picture().copy(10, 20, 100, 60)));
+}
+
+TEST(OddClipboardTest, theProcessThatServesItEndsWithTheCompositor) {
+    OddCapture odd;
+    ASSERT_TRUE(odd.open());
+    EXPECT_TRUE(odd.takes({10, 20, 100, 60}, odd.compositor.picture().copy(10, 20, 100, 60)));
+    odd.compositor.die();
+    EXPECT_EQ(odd.compositor.leftovers(), QStringList());
+}
+
+} // namespace
+} // namespace framora
