@@ -71,7 +71,8 @@ struct framora_App::Desktop {
         gate,
         ProcessCaptureTool::defaultExecutable(),
         {[this](bool isTaken) { screenTaken(isTaken); },
-         [this](const QByteArray& png) { windows->pasteboard().adoptPicture(png); }}};
+         [this](const QByteArray& png) { windows->pasteboard().adoptPicture(png); },
+         [this] { return windows->application().takeActivationToken(); }}};
     TrayStatusBar statusBar{gate, appearance, notifications, [this](const QString& token) {
                                 windows->application().useActivationToken(token);
                             }};

@@ -55,6 +55,8 @@ int main(int argc, char** argv) {
     if (instance.tellRunning(message.encoded()) || line.command == framora::ProgramCommand::quit)
         return 0;
 
+    // It is for this start alone, and nothing that is started from here later.
+    qunsetenv("XDG_ACTIVATION_TOKEN");
     session.choosePlatform();
     QCoreApplication::setApplicationName(QStringLiteral("framora"));
     QGuiApplication::setDesktopFileName(QString::fromLatin1(framora::applicationId));

@@ -24,6 +24,9 @@ public:
     /// What the desktop gave along with the user's wish for a window, by which the next activate() shows that
     /// it is one. Needed where programs may not come forward by themselves.
     virtual void useActivationToken(const QString& token) = 0;
+    /// The token, for another program that comes to the front in this one's stead; nothing when there is
+    /// none.
+    virtual QString takeActivationToken() { return {}; }
     virtual void terminate() = 0;
 };
 

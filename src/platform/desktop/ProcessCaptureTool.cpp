@@ -17,6 +17,7 @@ namespace {
 
 const QString toolName = QStringLiteral("framora-screencapture");
 const QString readyVariable = QStringLiteral("FRAMORA_READY_FD");
+const QString tokenVariable = QStringLiteral("XDG_ACTIVATION_TOKEN");
 const QString pictureVariable = QStringLiteral("FRAMORA_PICTURE_FD");
 constexpr int endingMilliseconds = 1000;
 /// The tool's way to say that this desktop offers it none.
@@ -80,6 +81,11 @@ bool ProcessCaptureTool::launch(const QStringList& arguments) {
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.insert(readyVariable, QString::number(m_run->ready[1]));
     environment.insert(pictureVariable, QString::number(m_run->picture.descriptor()));
+    const QString token = m_events.takeActivationToken ? m_events.takeActivationToken() : QString();
+    if (token.isEmpty())
+        environment.remove(tokenVariable);
+    else
+        environment.insert(tokenVariable, token);
     m_process.setProcessEnvironment(environment);
     m_process.start(m_executable, arguments);
     const bool started = m_process.waitForStarted();

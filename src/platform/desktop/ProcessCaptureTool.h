@@ -20,6 +20,8 @@ public:
     struct Events {
         std::function<void(bool)> screenTaken; ///< True before the tool is launched, false when it has gone.
         std::function<void(const QByteArray& png)> pictureLeft; ///< By a tool that owns no clipboard.
+        /// What lets the tool's dialogs come to the front; empty for nothing.
+        std::function<QString()> takeActivationToken = {};
         /// How long the tool may take until it is ready: far more than any honest way there.
         int readyMilliseconds = 15000;
     };

@@ -2,11 +2,11 @@
 
 #include <QCoreApplication>
 #include <QTimer>
-#include <utility>
 
 namespace framora {
 
 namespace {
+constexpr char tokenVariable[] = "XDG_ACTIVATION_TOKEN";
 constexpr char titleBarVariable[] = "QT_WAYLAND_DISABLE_WINDOWDECORATION";
 } // namespace
 
@@ -28,10 +28,11 @@ void WaylandApplication::activate() {
     QWindow* const window = m_frontWindow.visible();
     if (!window)
         return;
-    // Qt takes the token from where a program that is started finds it, and removes it there.
-    if (const QString token = std::exchange(m_token, {}); !token.isEmpty())
-        qputenv("XDG_ACTIVATION_TOKEN", token.toUtf8());
+    // Qt takes the token from where a program that is started finds it.
+    if (const QString token = takeActivationToken(); !token.isEmpty())
+        qputenv(tokenVariable, token.toUtf8());
     window->requestActivate();
+    qunsetenv(tokenVariable);
 }
 
 void WaylandApplication::terminate() {

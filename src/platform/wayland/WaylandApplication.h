@@ -4,6 +4,8 @@
 #include "platform/desktop/FrontWindow.h"
 #include "platform/wayland/WaylandConnection.h"
 
+#include <utility>
+
 namespace framora {
 
 /// The program's windows before a compositor.
@@ -17,6 +19,7 @@ public:
     void activate() override;
     void setFrontWindow(QWindow& window) override { m_frontWindow.set(window); }
     void useActivationToken(const QString& token) override { m_token = token; }
+    QString takeActivationToken() override { return std::exchange(m_token, {}); }
     void terminate() override;
 
 private:

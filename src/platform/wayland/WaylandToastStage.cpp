@@ -138,11 +138,7 @@ WaylandToastPanel* WaylandToastStage::panelOf(const wl_surface* surface) const {
     return !surface || found == m_panels.end() ? nullptr : *found;
 }
 
-void WaylandToastStage::showHand(std::uint32_t serial) {
-    const WaylandToastPanel* const panel = panelOf(m_pointed);
-    if (!panel)
-        return;
-    int scale = int(std::ceil(panel->pixelRatio()));
+wl_cursor* WaylandToastStage::hand(int scale) {
     if (!m_cursors || m_cursorScale != scale) {
         releaseCursor();
         m_cursorScale = scale;
@@ -157,12 +153,24 @@ void WaylandToastStage::showHand(std::uint32_t serial) {
         if (m_cursors && !cursor)
             cursor = wl_cursor_theme_get_cursor(m_cursors, name);
     }
+    return cursor;
+}
+
+void WaylandToastStage::showHand(std::uint32_t serial) {
+    const WaylandToastPanel* const panel = panelOf(m_pointed);
+    if (!panel)
+        return;
+    int scale = int(std::ceil(panel->pixelRatio()));
+    wl_cursor* cursor = hand(scale);
+    // A theme may not have the size that was asked for, and a compositor takes only whole parts.
+    const auto isWhole = [&](std::uint32_t length) { return length % std::uint32_t(scale) == 0; };
+    if (cursor && !(isWhole(cursor->images[0]->width) && isWhole(cursor->images[0]->height))) {
+        scale = 1;
+        cursor = hand(scale);
+    }
     if (!cursor)
         return;
     const wl_cursor_image& image = *cursor->images[0];
-    // A theme may not have the size that was asked for, and a compositor takes only whole parts.
-    if (image.width % std::uint32_t(scale) != 0 || image.height % std::uint32_t(scale) != 0)
-        scale = 1;
     if (!m_cursorSurface)
         m_cursorSurface = wl_compositor_create_surface(m_compositor);
     wl_surface_set_buffer_scale(m_cursorSurface, scale);

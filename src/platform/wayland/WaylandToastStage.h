@@ -6,6 +6,7 @@
 #include <functional>
 #include <vector>
 
+struct wl_cursor;
 struct wl_cursor_theme;
 struct wp_viewporter;
 struct xdg_activation_v1;
@@ -49,6 +50,8 @@ private:
     static const wl_pointer_listener pointerListener;
 
     void takePointer(bool exists);
+    /// The pointing hand in the user's size times `scale`; null where no theme has one.
+    wl_cursor* hand(int scale);
     void showHand(std::uint32_t serial);
     void pressed(std::uint32_t serial);
     /// Empty where the compositor gives none.

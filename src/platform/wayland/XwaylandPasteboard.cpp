@@ -23,7 +23,7 @@ Pasteboard& XwaylandPasteboard::current() {
     m_connection = std::make_unique<X11Connection>();
     if (m_connection->isValid()) {
         if (m_standIn)
-            m_earlierChanges = m_lastCount;
+            m_earlierChanges += m_standIn->changeCount();
         m_standIn.reset();
         m_pasteboard = std::make_unique<X11Pasteboard>(*m_connection, m_decodePicture);
         return *m_pasteboard;

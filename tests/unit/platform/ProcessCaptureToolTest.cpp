@@ -138,6 +138,21 @@ TEST_F(ProcessCaptureToolTest, nothingElseThatIsStartedMeanwhileInheritsItsFiles
     shell.waitUntilExit();
 }
 
+TEST_F(ProcessCaptureToolTest, theToolGetsTheTokenOfItsOwnCommandAndNoOlderOne) {
+    qputenv("XDG_ACTIVATION_TOKEN", "of the program's start");
+    QString token = QStringLiteral("of the command");
+    ProcessCaptureTool::Events withToken = events;
+    withToken.takeActivationToken = [&] { return std::exchange(token, {}); };
+    ProcessCaptureTool tool(gate, QStringLiteral("/bin/sh"), withToken);
+    const QString write = QStringLiteral("printf \"<$XDG_ACTIVATION_TOKEN>\" >&$FRAMORA_PICTURE_FD");
+    for (int run = 0; run < 2; ++run) {
+        ASSERT_TRUE(tool.launch(script(write)));
+        tool.waitUntilExit();
+    }
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+    EXPECT_EQ(pictures, (QList<QByteArray>{"<of the command>", "<>"}));
+}
+
 TEST_F(ProcessCaptureToolTest, runsLeaveNoFileOpen) {
     ASSERT_TRUE(shell.launch(script(QStringLiteral("true"))));
     shell.waitUntilExit();

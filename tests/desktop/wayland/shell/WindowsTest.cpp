@@ -1,5 +1,8 @@
 #include "desktop/wayland/path/FramoraOnSway.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
 #include <QFile>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -180,6 +183,38 @@ TEST_P(WaylandWindowTest, theSettingsComeToTheFrontWhenTheyAreAskedForAgain) {
     framora.command(QStringLiteral("--settings"));
     EXPECT_TRUE(SwayDesktop::waitFor([&] { return settings()->focused; }));
     framora.quit();
+}
+
+TEST_P(WaylandWindowTest, theTraysMenuBringsTheSettingsToTheFrontByTheHostsToken) {
+    // A tray host, as far as the item is concerned.
+    const QString name = QStringLiteral("tray host of the test");
+    auto bus = QDBusConnection::connectToBus(desktop().busAddress(), name);
+    ASSERT_TRUE(bus.registerService(QStringLiteral("org.kde.StatusNotifierWatcher")));
+    const ChildProcess& program = framora.launch();
+    openSettings();
+    const PaintedSurface other(
+        desktop().waylandDisplay(),
+        {PaintedSurface::pattern({900, 500}, 9), {900, 500}, QStringLiteral("other"), {}});
+    framora.require(QStringLiteral("the other window"), [&] {
+        const auto window = desktop().window(QStringLiteral("other"));
+        return window && window->focused;
+    });
+    const QString item = QStringLiteral("org.kde.StatusNotifierItem-%1-1").arg(program.pid());
+    framora.require(QStringLiteral("the item"), [&] { return desktop().serviceIsOnBus(item); });
+    const auto tell = [&](const char* path, const char* interface, const char* method,
+                          const QVariantList& arguments) {
+        auto message = QDBusMessage::createMethodCall(item, QLatin1String(path), QLatin1String(interface),
+                                                      QLatin1String(method));
+        message.setArguments(arguments);
+        return bus.call(message).type() == QDBusMessage::ReplyMessage;
+    };
+    EXPECT_TRUE(tell("/StatusNotifierItem", "org.kde.StatusNotifierItem", "ProvideXdgActivationToken",
+                     {activationToken(desktop().waylandDisplay())}));
+    EXPECT_TRUE(tell("/MenuBar", "com.canonical.dbusmenu", "Event",
+                     {3, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(0)), 0u}));
+    EXPECT_TRUE(SwayDesktop::waitFor([&] { return settings()->focused; }));
+    framora.quit();
+    QDBusConnection::disconnectFromBus(name);
 }
 
 TEST_P(WaylandWindowTest, theEditorIsMovedAndResizedByTheCompositor) {
