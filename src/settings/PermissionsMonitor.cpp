@@ -10,6 +10,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QPointer>
+#include <QWindow>
 
 namespace framora {
 namespace {
@@ -17,6 +18,16 @@ namespace {
 constexpr double pollInterval = 1.0;
 /// Lets the desktop's own question come up first.
 constexpr double paneDelay = 0.5;
+
+/// Where the user pressed a button. The focus may still be on its way to a window that has just come up.
+QWindow* windowInUse() {
+    if (QWindow* const focused = QGuiApplication::focusWindow())
+        return focused;
+    for (QWindow* const window : QGuiApplication::topLevelWindows())
+        if (window->isVisible())
+            return window;
+    return nullptr;
+}
 
 } // namespace
 
@@ -112,7 +123,7 @@ void PermissionsMonitor::grantAccessibility() {
 }
 
 void PermissionsMonitor::grantScreenRecording() {
-    if (!m_permissions.requestScreenCapture(QGuiApplication::focusWindow()))
+    if (!m_permissions.requestScreenCapture(windowInUse()))
         openPrivacyPane(m_panes, PrivacyPane::screenCapture);
 }
 

@@ -1,11 +1,10 @@
+#include "desktop/kwin/CapturePermission.h"
 #include "desktop/screencapture/CaptureDesktop.h"
 #include "desktop/support/CaptureDescriptors.h"
 #include "desktop/support/KwinDesktop.h"
 #include "desktop/support/PaintedSurface.h"
 
-#include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
@@ -18,13 +17,6 @@ const QStringList area = {QStringLiteral("-i"), QStringLiteral("-c"), QStringLit
 const QStringList window = {QStringLiteral("-w"), QStringLiteral("-c"), QStringLiteral("-x")};
 
 enum Exit { Done = 0, Cancelled = 1, Failed = 3 };
-
-/// The entry by which KWin lets a program take pictures.
-QByteArray permissionFor(const QString& executable) {
-    QFile file(QStringLiteral(FRAMORA_CAPTURE_ENTRY));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return file.readAll().replace("@FRAMORA_CAPTURE_TOOL@", executable.toUtf8());
-}
 
 /// A Plasma session with a picture behind everything, in which the tool is used as a person would.
 class KwinCapture {
@@ -47,13 +39,6 @@ public:
         options.size = (QSizeF(pixels) / scale).toSize();
         options.output = output;
         return std::make_unique<PaintedSurface>(m_desktop.socketPath(), options);
-    }
-
-    /// Lets screenshot() work where not everyone may capture.
-    void permitThisTest() {
-        m_desktop.installDesktopEntry(QStringLiteral("test.desktop"),
-                                      permissionFor(QCoreApplication::applicationFilePath()));
-        EXPECT_TRUE(waitFor([&] { return !m_desktop.screenshot().isNull(); }));
     }
 
     /// The desktop when nothing on it changes any more.
@@ -209,7 +194,7 @@ constexpr QPointF takeButton(690, 480);
 
 TEST(KwinCaptureTest, TakesAPictureThroughKdesPortal) {
     KwinCapture kwin({.size = {900, 600}, .everyoneMayCapture = false});
-    kwin.permitThisTest();
+    permitThisTest(kwin.desktop());
     const auto wall = kwin.paperTheWall(QStringLiteral("Virtual-0"), {900, 600}, 1);
     const QImage screen = kwin.settled();
     ChildProcess& capture = kwin.open(area);
@@ -233,7 +218,7 @@ TEST(KwinCaptureTest, TakesAPictureThroughKdesPortal) {
 
 TEST(KwinCaptureTest, CancellingKdesDialogLeavesTheClipboard) {
     KwinCapture kwin({.size = {900, 600}, .everyoneMayCapture = false});
-    kwin.permitThisTest();
+    permitThisTest(kwin.desktop());
     const QImage screen = kwin.settled();
     kwin.desktop().start(QStringLiteral("wl-copy"),
                          {QStringLiteral("--foreground"), QStringLiteral("before")});

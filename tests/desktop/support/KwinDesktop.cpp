@@ -44,6 +44,8 @@ KwinDesktop::KwinDesktop(const KwinOptions& options)
     setEnvironmentVariable(QStringLiteral("KDE_SESSION_VERSION"), QStringLiteral("5"));
     try {
         startBus();
+        if (options.accessibility)
+            startAccessibility();
         startCompositor(options);
         m_input = std::make_unique<KwinInput>(socketPath());
         if (options.portal) {

@@ -15,7 +15,8 @@ struct KwinOptions {
     double scale = 1;
     int outputs = 1; ///< Side by side.
     bool xwayland = false;
-    bool portal = true; ///< xdg-desktop-portal with KDE's backend and the permission store.
+    bool accessibility = false; ///< The bus on which AccessibleTree finds controls.
+    bool portal = true;         ///< xdg-desktop-portal with KDE's backend and the permission store.
     /// Whether every program may take pictures of the screen. Otherwise only those whose desktop entry says
     /// so, as on a real desktop; screenshot() fails then.
     bool everyoneMayCapture = true;
