@@ -88,6 +88,20 @@ TEST_F(OverlayPainterTest, theSelectionShowsTheScreenAsItWas) {
             ASSERT_EQ(frame->row(y)[x] & 0xffffff, frozen->row(y)[x] & 0xffffff) << x << "," << y;
 }
 
+TEST_F(OverlayPainterTest, aSelectionThatGoesOnBeyondTheFrameHasNoLineThere) {
+    // The screen goes on to the right by as much again; it ends with the frame at the bottom.
+    OverlayPainter painter(*frozen, *frame, 1, {0, 0, 2 * kWidth, kHeight});
+    OverlayScene scene;
+    scene.selection = {40, 30, kWidth, kHeight - 30};
+    painter.paint(scene, whole());
+    for (int y = 30; y < kHeight - 2; ++y)
+        ASSERT_EQ(frame->row(y)[kWidth - 1] & 0xffffff, frozen->row(y)[kWidth - 1] & 0xffffff) << y;
+    int lines = 0;
+    for (int x = 40; x < kWidth; ++x)
+        lines += (frame->row(kHeight - 1)[x] & 0xffffff) != (frozen->row(kHeight - 1)[x] & 0xffffff);
+    EXPECT_GT(lines, kWidth / 2);
+}
+
 TEST_F(OverlayPainterTest, whatCoversAHighlightedWindowStaysDimmed) {
     OverlayPainter painter(*frozen, *frame, 1);
     const auto dimmed = image();

@@ -248,6 +248,30 @@ TEST_F(SelectionModelTest, otherKeysAndButtonsMeanNothing) {
     EXPECT_EQ(model.mode(), CaptureMode::Area);
 }
 
+TEST_F(SelectionModelTest, otherCoordinatesComeBetweenDragsAndNotWithinOne) {
+    model.setSpace({{0, 0, 2560, 1600}, {2560, 0, 800, 600}}, {2000, 1500});
+    EXPECT_EQ(model.pointer(), (Point{2000, 1500}));
+    EXPECT_EQ(model.monitorUnderPointer(), (Rect{0, 0, 2560, 1600}));
+    press(2000, 1500);
+    model.setSpace({{0, 0, 100, 100}}, {50, 50});
+    move(2600, 500);
+    EXPECT_EQ(model.selection(), (Rect{2000, 500, 600, 1000}));
+    EXPECT_EQ(model.monitorUnderPointer(), (Rect{2560, 0, 800, 600}));
+}
+
+TEST_F(SelectionModelTest, whereWindowsAreNotKnownSpaceDoesNotLeadToThem) {
+    model.setWindowsKnown(false);
+    model.keyPressed(Key::Space, kSpaceCode);
+    EXPECT_EQ(model.mode(), CaptureMode::Area);
+    model.keyReleased(Key::Space, kSpaceCode);
+    // It still moves a selection.
+    press(100, 100);
+    move(200, 200);
+    model.keyPressed(Key::Space, kSpaceCode);
+    move(250, 200);
+    EXPECT_EQ(model.selection(), (Rect{150, 100, 100, 100}));
+}
+
 TEST_F(SelectionModelTest, knowsTheMonitorOfThePointer) {
     SelectionModel two(CaptureMode::Area, {{0, 200, 800, 600}, {800, 0, 640, 480}}, {900, 10});
     EXPECT_EQ(two.monitorUnderPointer(), (Rect{800, 0, 640, 480}));
