@@ -85,16 +85,13 @@ TEST(SwayLifetimeTest, aSecondToolEndsAtOnceAndTheFirstGoesOn) {
 TEST(SwayLifetimeTest, aScreenThatChangesCancels) {
     SwayCapture capture({SwayOutput(), SwayOutput{{800, 600}, 1, {1280, 0}}});
     const QByteArray before = capture.fillClipboard();
-    for (const char* change :
-         {"output HEADLESS-2 scale 2", "output HEADLESS-2 transform 90", "output HEADLESS-2 position 1300 0",
-          "create_output", "output HEADLESS-2 disable"}) {
+    // sway keeps an output that is only in memory: that one goes away is seen on the scripted compositor.
+    for (const char* change : {"output HEADLESS-2 scale 2", "output HEADLESS-2 transform 90",
+                               "output HEADLESS-2 position 1300 0", "create_output"}) {
         ChildProcess* tool = capture.open();
         ASSERT_TRUE(tool);
         capture.desktop().command(QLatin1String(change));
         EXPECT_EQ(SwayCapture::exitCodeOf(*tool), 1) << change;
-        // A disabled output has no picture to wait for.
-        if (qstrcmp(change, "create_output") == 0)
-            break;
     }
     EXPECT_EQ(capture.desktop().clipboard(), before);
 }
