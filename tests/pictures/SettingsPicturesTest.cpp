@@ -125,6 +125,16 @@ TEST_F(SettingsPictures, OfThePermissions) {
     });
 }
 
+TEST_F(SettingsPictures, OfARefusalThatTheDesktopRemembers) {
+    platform.permissions.forget =
+        QStringLiteral("flatpak permission-set screenshot screenshot org.framora.Framora yes");
+    inBothAppearances([this] {
+        save("permissions-denied");
+        click("screenRecording.forget.copy");
+        save("permissions-denied-copied");
+    });
+}
+
 TEST_F(SettingsPictures, OfShortcutsThatAreBoundByHand) {
     platform.shortcuts.way = GlobalShortcuts::Route::byHand;
     platform.handBinding.program = QStringLiteral("/usr/local/bin/framora");

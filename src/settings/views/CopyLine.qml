@@ -62,7 +62,8 @@ Item {
         symbol: line.justCopied ? "checkmark" : "doc.on.doc"
         text: line.justCopied ? copiedText.text : copyText.text
         accessibleName: line.justCopied ? copiedText.text : copyText.text + ": " + line.text
-        raised: true
+        // On the dark ground the raised look has no edge.
+        raised: !Theme.dark
         onClicked: {
             line.copied();
             line.justCopied = true;
