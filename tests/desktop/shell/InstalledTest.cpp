@@ -68,11 +68,12 @@ TEST_F(InstalledTest, everyPartIsThere) {
         EXPECT_TRUE(QFileInfo(path(executables, QStringLiteral("framora/") + QString::fromLatin1(name)))
                         .isExecutable())
             << name;
-    for (const char* name : {"framora-windows.so", "framora-sound.so"})
+    for (const char* name : {"framora-windows.so", "framora-sound.so", "framora-portals.so"})
         EXPECT_FALSE(path(libraries, QStringLiteral("framora/") + QString::fromLatin1(name)).isEmpty())
             << name;
     for (const char* name : {"framora/public/Black and White Gradient Macbook Wallpaper_Texture.png",
                              "applications/org.framora.Framora.desktop",
+                             "applications/org.framora.Framora.ScreenCapture.desktop",
                              "dbus-1/services/org.framora.Framora.service",
                              "icons/hicolor/scalable/apps/org.framora.Framora.svg"})
         EXPECT_FALSE(path(data, QString::fromLatin1(name)).isEmpty()) << name;
