@@ -16,6 +16,7 @@ namespace framora {
 
 namespace {
 
+const QString pngType = QStringLiteral("image/png");
 /// For each part: a large picture may take long, a dead owner may not.
 constexpr int silenceMilliseconds = 5000;
 /// For all of it, whatever an owner dribbles.
@@ -68,11 +69,11 @@ std::int64_t WaylandPasteboard::changeCount() {
 }
 
 QImage WaylandPasteboard::readImage() {
-    // What Qt offers must not be asked for over the wire: nobody would answer while this thread waits.
-    if (QGuiApplication::clipboard()->ownsClipboard()) {
-        const auto* data = QGuiApplication::clipboard()->mimeData();
-        return data ? m_decodePicture(data->data(QStringLiteral("image/png"))) : QImage();
-    }
+    // A picture that Qt offers must not be asked for over the wire: nobody would answer while this thread
+    // waits. What Qt believes to own may be as old as the last event that it has taken.
+    const QClipboard& own = *QGuiApplication::clipboard();
+    if (own.ownsClipboard() && own.mimeData() && own.mimeData()->hasFormat(pngType))
+        return m_decodePicture(own.mimeData()->data(pngType));
     m_connection.roundTrip();
     const auto types = m_clipboard->types();
     for (const char* type : {"image/png", "image/tiff", "image/webp", "image/bmp", "image/jpeg"}) {
@@ -103,7 +104,7 @@ void WaylandPasteboard::writePng(const QByteArray& png) {
         return;
     // While a window of ours has the focus the compositor takes it from Qt as well.
     auto data = std::make_unique<QMimeData>();
-    data->setData(QStringLiteral("image/png"), png);
+    data->setData(pngType, png);
     QGuiApplication::clipboard()->setMimeData(data.release());
 }
 

@@ -7,7 +7,9 @@
 #include "support/ManualMainQueue.h"
 #include "unit/platform/ToyCompositor.h"
 
+#include <QClipboard>
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QTest>
 #include <ctime>
 #include <gtest/gtest.h>
@@ -128,6 +130,16 @@ TEST_P(WaylandClipboardTest, countsAndReadsByEitherProtocol) {
     pasteboard.readImage();
     EXPECT_EQ(read, "three");
     EXPECT_EQ(compositor.count(protocol().offer), 1) << "offers that are past are given back";
+}
+
+TEST_P(WaylandClipboardTest, wordsThatAWindowOfOursCopiedDoNotHideAnotherProgramsPicture) {
+    QGuiApplication::clipboard()->setText(QStringLiteral("words"));
+    WaylandConnection connection;
+    WaylandPasteboard pasteboard(connection, WaylandClipboard::make(connection),
+                                 [](const QByteArray&) { return QImage(2, 2, QImage::Format_RGB32); });
+    pasteboard.changeCount();
+    copy("a picture");
+    EXPECT_FALSE(pasteboard.readImage().isNull());
 }
 
 TEST_P(WaylandClipboardTest, aSeatThatGoesGivesWayToTheNextWithoutARace) {
