@@ -1,6 +1,6 @@
 #include "editor/render/raster/Compositor.h"
 
-#include "editor/render/raster/Coverage.h"
+#include "editor/render/raster/BandCoverage.h"
 #include "editor/render/raster/MixKernels.h"
 #include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/PixelEffects.h"
@@ -22,122 +22,14 @@ static_assert(longTile.height % tileGrain == 0 && squareTile.width % tileGrain =
 constexpr std::size_t cachedBytes = std::size_t(16) << 20;
 constexpr std::size_t tileArea = std::size_t(longTile.width) * longTile.height;
 
-struct LayerShape {
-    Coverage shape;
-    Coverage hole;
-    bool hasHole = false;
-};
-
-/// How much of a tile a layer takes.
-struct Share {
-    enum Kind { none, partly, whole } kind = none;
-    TileRect touched; ///< All that the layer touches lies in here.
-};
-
 /// What one thread needs while it draws a band of tiles.
 struct Scratch {
-    /// For each layer the runs of its shape in the band's rows, then those of its hole.
-    std::vector<std::array<std::vector<Coverage::Run>, 2>> runs;
-    int top = 0; ///< The band's first row.
+    BandCoverage layers;
     std::vector<Share> shares;
-    std::vector<float> covered;
-    std::vector<float> hole;
-    std::vector<double> sums;
     std::vector<MixPixel> mixed = std::vector<MixPixel>(tileArea);
     std::vector<MixPixel> shaded = std::vector<MixPixel>(tileArea);
     std::vector<MixPixel> coverage = std::vector<MixPixel>(tileArea);
 };
-
-/// A run cut to the columns [from, to).
-Coverage::Run cut(const Coverage::Run& run, int from, int to) {
-    const auto column = [&](int x) { return std::clamp(x, from, to); };
-    return {column(run.first), column(run.end), column(run.fullFirst), column(run.fullEnd)};
-}
-
-Share share(const std::array<std::vector<Coverage::Run>, 2>& runs, bool hasHole, const TileRect& tile,
-            int bandTop) {
-    int left = tile.x + tile.width;
-    int right = tile.x;
-    int top = tile.y + tile.height;
-    int bottom = tile.y;
-    bool isWhole = true;
-    for (int y = tile.y; y < tile.y + tile.height; ++y) {
-        const std::size_t row = std::size_t(y - bandTop);
-        const Coverage::Run run = cut(runs[0][row], tile.x, tile.x + tile.width);
-        const Coverage::Run hole = hasHole ? cut(runs[1][row], tile.x, tile.x + tile.width) : Coverage::Run{};
-        if (run.isEmpty() || hole.fullEnd - hole.fullFirst == tile.width) {
-            isWhole = false;
-            continue;
-        }
-        isWhole = isWhole && run.fullEnd - run.fullFirst == tile.width && hole.isEmpty();
-        const bool isOpen = hole.fullFirst < hole.fullEnd;
-        left = std::min(left, isOpen && hole.fullFirst <= run.first ? hole.fullEnd : run.first);
-        right = std::max(right, isOpen && hole.fullEnd >= run.end ? hole.fullFirst : run.end);
-        top = std::min(top, y);
-        bottom = y + 1;
-    }
-    if (left >= right)
-        return {};
-    return {isWhole ? Share::whole : Share::partly, {left, top, right - left, bottom - top}};
-}
-
-MixPixel replicated(float coverage) {
-    const auto value = std::int16_t(std::clamp(coverage, 0.0f, 1.0f) * coverageOne + 0.5f);
-    return {{value, value, value, value}};
-}
-
-/// How much of the columns [from, to) of row y a shape covers: `out` receives column `from` first. `run` is
-/// what the shape touches of them.
-void coverRow(const Coverage& shape, int y, int from, int to, const Coverage::Run& run, float* out,
-              std::vector<double>& sums) {
-    std::fill_n(out, to - from, 0.0f);
-    if (run.isEmpty())
-        return;
-    std::fill(out + (run.fullFirst - from), out + (run.fullEnd - from), 1.0f);
-    if (run.first < run.fullFirst)
-        shape.row(y, run.first, run.fullFirst, out + (run.first - from), sums);
-    if (run.fullEnd < run.end)
-        shape.row(y, run.fullEnd, run.end, out + (run.fullEnd - from), sums);
-}
-
-/// The runs of a layer's shape and of its hole in row y of a block.
-std::array<Coverage::Run, 2> runsIn(const TileRect& block, int y, std::size_t layer, const LayerShape& shape,
-                                    const Scratch& scratch) {
-    const auto run = [&](std::size_t part) {
-        return cut(scratch.runs[layer][part][std::size_t(y - scratch.top)], block.x, block.x + block.width);
-    };
-    return {run(0), shape.hasHole ? run(1) : Coverage::Run{}};
-}
-
-/// The coverage of a block, times the layer's opacity.
-void cover(const LayerShape& shape, std::size_t layer, float opacity, const TileRect& block,
-           Scratch& scratch) {
-    const int end = block.x + block.width;
-    scratch.covered.resize(std::size_t(block.width));
-    scratch.hole.resize(std::size_t(block.width));
-    const MixPixel whole = replicated(opacity);
-    MixPixel* out = scratch.coverage.data();
-    for (int y = block.y; y < block.y + block.height; ++y, out += block.width) {
-        const auto [run, hole] = runsIn(block, y, layer, shape, scratch);
-        float* covered = scratch.covered.data();
-        coverRow(shape.shape, y, block.x, end, run, covered, scratch.sums);
-        std::fill_n(out, block.width, MixPixel{});
-        const auto fill = [&](int from, int to) {
-            for (int x = from; x < to; ++x)
-                out[x - block.x] = replicated(covered[x - block.x] * opacity);
-        };
-        if (hole.isEmpty()) {
-            fill(run.first, run.fullFirst);
-            std::fill(out + (run.fullFirst - block.x), out + (run.fullEnd - block.x), whole);
-            fill(run.fullEnd, run.end);
-            continue;
-        }
-        coverRow(shape.hole, y, block.x, end, hole, scratch.hole.data(), scratch.sums);
-        for (int x = hole.first; x < hole.end; ++x)
-            covered[x - block.x] -= scratch.hole[std::size_t(x - block.x)];
-        fill(run.first, run.end);
-    }
-}
 
 void mixLayer(const Layer& layer, const TileRect& block, MixPixel* out) {
     const bool isUsualNoise = !layer.noise || (layer.noise->intensity >= 0 && layer.noise->intensity <= 1);
@@ -220,7 +112,7 @@ void blendWhole(const Layer& layer, MixPixel* under, const MixPixel* shaded, con
 
 /// Mixes a layer onto a row. What it covers whole is mixed as such, and what it does not touch stays as it
 /// is, both to the last bit: so no pixel depends on the block that it is mixed in.
-void blendRow(const Layer& layer, const std::array<Coverage::Run, 2>& runs, int left, MixPixel* under,
+void blendRow(const Layer& layer, const BandCoverage::Runs& runs, int left, MixPixel* under,
               const MixPixel* shaded, const MixPixel* coverage) {
     const auto& [run, hole] = runs;
     const auto blend = [&](auto mix, int from, int to) {
@@ -252,13 +144,13 @@ void blendRow(const Layer& layer, const std::array<Coverage::Run, 2>& runs, int 
 }
 
 /// Mixes a layer onto the tile where it touches it.
-void blendLayer(const Layer& layer, std::size_t index, const LayerShape& shape, const Share& share,
-                const TileRect& tile, Scratch& scratch) {
+void blendLayer(const Layer& layer, std::size_t index, const Share& share, const TileRect& tile,
+                Scratch& scratch) {
     const TileRect& block = share.touched;
     mixLayer(layer, block, scratch.shaded.data());
     const bool isPartly = share.kind == Share::partly;
     if (isPartly)
-        cover(shape, index, layer.opacity, block, scratch);
+        scratch.layers.cover(index, layer.opacity, block, scratch.coverage.data());
     else if (layer.blend == Layer::Blend::replace && layer.opacity < 1)
         std::fill_n(scratch.coverage.data(), block.area(), replicated(layer.opacity));
     if (isPartly && layer.sharesEdge)
@@ -270,21 +162,19 @@ void blendLayer(const Layer& layer, std::size_t index, const LayerShape& shape, 
         const MixPixel* shaded = scratch.shaded.data() + std::size_t(y) * width;
         const MixPixel* coverage = scratch.coverage.data() + std::size_t(y) * width;
         if (isPartly)
-            blendRow(layer, runsIn(block, block.y + y, index, shape, scratch), block.x, under, shaded,
-                     coverage);
+            blendRow(layer, scratch.layers.runs(index, block, block.y + y), block.x, under, shaded, coverage);
         else
             blendWhole(layer, under, shaded, coverage, width);
     }
 }
 
 /// Mixes a tile into scratch.mixed. False when no layer touches it; then nothing is written.
-bool mixTile(const std::vector<Layer>& layers, const std::vector<LayerShape>& shapes, const TileRect& tile,
-             Scratch& scratch) {
+bool mixTile(const std::vector<Layer>& layers, const TileRect& tile, Scratch& scratch) {
     std::vector<Share>& shares = scratch.shares;
     // What lies under an opaque layer that fills the tile is not seen.
     std::size_t first = 0;
     for (std::size_t i = layers.size(); i-- > 0;) {
-        shares[i] = share(scratch.runs[i], shapes[i].hasHole, tile, scratch.top);
+        shares[i] = scratch.layers.share(i, tile);
         if (shares[i].kind == Share::whole && hidesWhatLiesUnder(layers[i])) {
             first = i;
             break;
@@ -302,7 +192,7 @@ bool mixTile(const std::vector<Layer>& layers, const std::vector<LayerShape>& sh
     }
     for (std::size_t i = first; i < layers.size(); ++i)
         if (shares[i].kind != Share::none)
-            blendLayer(layers[i], i, shapes[i], shares[i], tile, scratch);
+            blendLayer(layers[i], i, shares[i], tile, scratch);
     return true;
 }
 
@@ -332,21 +222,12 @@ TileRect tileSize(const std::vector<Layer>& layers) {
 /// Makes the scratch of this thread ready for a band of rows.
 Scratch& scratchFor(const TileRect& band, const std::vector<LayerShape>& shapes) {
     thread_local Scratch scratch;
-    scratch.top = band.y;
+    scratch.layers.begin(band, shapes);
     scratch.shares.resize(shapes.size());
-    scratch.runs.resize(std::max(scratch.runs.size(), shapes.size()));
-    for (std::size_t i = 0; i < shapes.size(); ++i)
-        for (std::size_t part = 0; part < (shapes[i].hasHole ? 2 : 1); ++part) {
-            const Coverage& coverage = part == 0 ? shapes[i].shape : shapes[i].hole;
-            std::vector<Coverage::Run>& runs = scratch.runs[i][part];
-            runs.resize(std::size_t(band.height));
-            for (int y = 0; y < band.height; ++y)
-                runs[std::size_t(y)] = coverage.extent(band.y + y, band.width);
-        }
     return scratch;
 }
 
-/// Calls draw(band, tileWidth, shapes, scratch) for every row of tiles, each by one thread.
+/// Calls draw(band, tileWidth, scratch) for every row of tiles, each by one thread.
 template <typename Draw>
 void forEachBand(int width, int height, const std::vector<Layer>& layers, const Draw& draw) {
     const std::vector<LayerShape> shapes = shapesOf(layers, height);
@@ -354,18 +235,18 @@ void forEachBand(int width, int height, const std::vector<Layer>& layers, const 
     parallelFor((height + size.height - 1) / size.height, [&](int index) {
         const int top = index * size.height;
         const TileRect band{0, top, width, std::min(size.height, height - top)};
-        draw(band, size.width, shapes, scratchFor(band, shapes));
+        draw(band, size.width, scratchFor(band, shapes));
     });
 }
 
 /// Draws a band of rows into `out`, whose first row is the band's; the first tile ends at `lead`, if above 0.
 void drawBand(MutablePixelView out, const TileRect& band, int tileWidth, int lead,
               void (*pack)(const MixPixel*, std::size_t, std::uint32_t*), const std::vector<Layer>& layers,
-              const std::vector<LayerShape>& shapes, Scratch& scratch) {
+              Scratch& scratch) {
     for (int x = 0, end = 0; x < band.width; x = end) {
         end = std::min(x < lead ? lead : x + tileWidth, band.width);
         const TileRect tile{x, band.y, end - x, band.height};
-        const bool isDrawn = mixTile(layers, shapes, tile, scratch);
+        const bool isDrawn = mixTile(layers, tile, scratch);
         for (int y = 0; y < tile.height; ++y) {
             std::uint32_t* row = out.row(y) + tile.x;
             if (isDrawn)
@@ -393,15 +274,14 @@ void compose(MutablePixelView output, const std::vector<Layer>& layers) {
     const std::size_t misplaced = reinterpret_cast<std::uintptr_t>(output.data) % line;
     const bool isRegular = isLarge && std::size_t(output.stride) % line == 0 && misplaced > 0;
     const int lead = isRegular ? int((line - misplaced) / sizeof(std::uint32_t)) : 0;
-    forEachBand(
-        output.width, output.height, layers,
-        [&](const TileRect& band, int tileWidth, const std::vector<LayerShape>& shapes, Scratch& scratch) {
-            const MutablePixelView rows{reinterpret_cast<std::byte*>(output.row(band.y)), band.width,
-                                        band.height, output.stride};
-            drawBand(rows, band, tileWidth, lead, pack, layers, shapes, scratch);
-            if (isLarge)
-                flushPixels();
-        });
+    forEachBand(output.width, output.height, layers,
+                [&](const TileRect& band, int tileWidth, Scratch& scratch) {
+                    const MutablePixelView rows{reinterpret_cast<std::byte*>(output.row(band.y)), band.width,
+                                                band.height, output.stride};
+                    drawBand(rows, band, tileWidth, lead, pack, layers, scratch);
+                    if (isLarge)
+                        flushPixels();
+                });
 }
 
 struct Compositor::Shapes {
@@ -421,8 +301,7 @@ void Compositor::draw(MutablePixelView rows, int top) const {
         const TileRect band{0, top + y, m_width, std::min(size.height, rows.height - y)};
         const MutablePixelView out{reinterpret_cast<std::byte*>(rows.row(y)), rows.width, band.height,
                                    rows.stride};
-        drawBand(out, band, size.width, 0, packPixels, m_layers, m_shapes->ofLayers,
-                 scratchFor(band, m_shapes->ofLayers));
+        drawBand(out, band, size.width, 0, packPixels, m_layers, scratchFor(band, m_shapes->ofLayers));
     }
 }
 
@@ -450,26 +329,24 @@ bool Compositor::isSurelyOpaque() const {
 void composeTiles(int width, int height, const std::vector<Layer>& layers,
                   const std::function<bool(const TileRect&)>& isWanted,
                   const std::function<void(const TileRect&, const MixPixel*)>& take) {
-    forEachBand(
-        width, height, layers,
-        [&](const TileRect& band, int tileWidth, const std::vector<LayerShape>& shapes, Scratch& scratch) {
-            const auto wanted = [&](int x) {
-                return isWanted({x, band.y, std::min(tileGrain, width - x), band.height});
-            };
-            for (int x = 0; x < width;) {
-                if (!wanted(x)) {
-                    x += tileGrain;
-                    continue;
-                }
-                int end = x + tileGrain;
-                while (end < width && end - x < tileWidth && wanted(end))
-                    end += tileGrain;
-                const TileRect tile{x, band.y, std::min(end, width) - x, band.height};
-                if (mixTile(layers, shapes, tile, scratch))
-                    take(tile, scratch.mixed.data());
-                x = end;
+    forEachBand(width, height, layers, [&](const TileRect& band, int tileWidth, Scratch& scratch) {
+        const auto wanted = [&](int x) {
+            return isWanted({x, band.y, std::min(tileGrain, width - x), band.height});
+        };
+        for (int x = 0; x < width;) {
+            if (!wanted(x)) {
+                x += tileGrain;
+                continue;
             }
-        });
+            int end = x + tileGrain;
+            while (end < width && end - x < tileWidth && wanted(end))
+                end += tileGrain;
+            const TileRect tile{x, band.y, std::min(end, width) - x, band.height};
+            if (mixTile(layers, tile, scratch))
+                take(tile, scratch.mixed.data());
+            x = end;
+        }
+    });
 }
 
 } // namespace framora::raster
