@@ -1,6 +1,7 @@
 #include "desktop/wayland/capture/SwayCapture.h"
 
 #include <QBuffer>
+#include <stdexcept>
 
 #include <stdexcept>
 
@@ -108,7 +109,11 @@ std::unique_ptr<PaintedSurface> SwayCapture::show(const QRect& content, double s
         m_desktop.waylandDisplay(),
         PaintedSurface::Options{
             PaintedSurface::pattern(content.size() * scale, seed), content.size(), title, {}});
-    m_desktop.place(m_desktop.window(title).value(), content);
+    // The compositor may tell of a window a moment after it has shown its first picture.
+    std::optional<SwayWindow> told;
+    if (!SwayDesktop::waitFor([&] { return (told = m_desktop.window(title)).has_value(); }))
+        throw std::runtime_error("sway tells nothing of a window");
+    m_desktop.place(*told, content);
     m_desktop.settledScreenshot();
     return window;
 }
