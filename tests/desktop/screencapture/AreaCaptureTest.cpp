@@ -233,6 +233,16 @@ TEST_P(AreaCaptureTest, everyMonitorHasItsOwnRatioInThePictureAndInTheOverlaysLi
         EXPECT_TRUE(samePixels(picture, screen.copy(place.area))) << "in device pixels whatever the ratio";
         EXPECT_EQ(picture.dotsPerMeterX(), std::lround(72 * place.ratio / 0.0254));
     }
+    for (const int ratio : {1, 2}) {
+        const QRect place(ratio == 1 ? 100 : 800, 300, 200, 150);
+        const auto window = capture.show({.geometry = place, .overrideRedirect = true});
+        ChildProcess* tool = capture.open({QStringLiteral("-w")});
+        ASSERT_TRUE(tool);
+        display().click(place.center());
+        EXPECT_EQ(capture.exitCodeOf(*tool), 0);
+        EXPECT_TRUE(samePixels(clipboard(), window->picture()));
+        EXPECT_EQ(clipboard().dotsPerMeterX(), std::lround(72 * ratio / 0.0254)) << "of the window's monitor";
+    }
 }
 
 TEST_P(AreaCaptureTest, theSelectionSpansMonitorsAndWhatNoneShowsIsTransparent) {
