@@ -78,14 +78,14 @@ NotificationServer::NotificationServer(QDBusConnection bus)
                 // One that is only just starting, because it was called, has forgotten nothing.
                 if (before.isEmpty())
                     return;
-                m_takesActions.reset();
+                m_abilities.reset();
                 if (m_listener.gone)
                     m_listener.gone();
             });
 }
 
 void NotificationServer::notify(const Notification& notification, std::function<void(uint)> shown) {
-    if (m_takesActions) {
+    if (m_abilities) {
         send(notification, std::move(shown));
         return;
     }
@@ -98,8 +98,7 @@ void NotificationServer::notify(const Notification& notification, std::function<
                     shown(0);
                     return;
                 }
-                m_takesActions =
-                    finished->reply().arguments().value(0).toStringList().contains(QStringLiteral("actions"));
+                m_abilities = finished->reply().arguments().value(0).toStringList();
                 send(notification, shown);
             });
 }
@@ -114,12 +113,14 @@ void NotificationServer::send(const Notification& notification, std::function<vo
     if (!notification.picture.isNull())
         hints.insert(QStringLiteral("image-data"), onBus(notification.picture));
     QStringList actions;
-    if (!notification.action.isEmpty() && m_takesActions.value_or(false))
+    if (!notification.action.isEmpty() && m_abilities->contains(QStringLiteral("actions")))
         actions << QStringLiteral("default") << notification.action << QStringLiteral("edit")
                 << notification.action;
+    const bool readsMarkup = m_abilities->contains(QStringLiteral("body-markup"));
     QDBusMessage call = serverCall("Notify");
     call << QStringLiteral("Framora") << notification.replaces << notification.icon << notification.summary
-         << notification.body.toHtmlEscaped() << actions << hints << notification.milliseconds;
+         << (readsMarkup ? notification.body.toHtmlEscaped() : notification.body) << actions << hints
+         << notification.milliseconds;
     auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
             [shown = std::move(shown)](QDBusPendingCallWatcher* finished) {

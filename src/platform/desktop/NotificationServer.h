@@ -5,6 +5,7 @@
 #include <QImage>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <functional>
 #include <optional>
 
@@ -51,7 +52,7 @@ private:
     QDBusConnection m_bus;
     QDBusServiceWatcher m_watcher;
     Listener m_listener;
-    std::optional<bool> m_takesActions; ///< Known once the server was asked.
+    std::optional<QStringList> m_abilities; ///< Known once the server was asked.
 };
 
 } // namespace framora

@@ -26,7 +26,7 @@ constexpr unsigned configuringVersion = 2;
 PortalShortcuts::PortalShortcuts(Services services)
     : m_services(std::move(services)), m_self(std::make_shared<PortalShortcuts*>(this)) {
     m_services.portal.listen({
-        [this] { begin(); },
+        [this] { appeared(); },
         [this] { vanished(); },
         [this](const QString& session) {
             if (session != m_session)
@@ -74,7 +74,6 @@ void PortalShortcuts::begin() {
     m_retry.reset();
     m_session.clear();
     m_isClosing = false;
-    m_failures = 0;
     setState(Portal::unknown, Session::none);
     m_patience = m_services.mainQueue.after(beginSeconds, whileCurrent([this] {
                                                 ++m_generation;
@@ -88,14 +87,31 @@ void PortalShortcuts::begin() {
     }));
 }
 
+void PortalShortcuts::appeared() {
+    // One that falls over whenever it is asked is left alone.
+    if (m_failures < mostFailures)
+        begin();
+}
+
 void PortalShortcuts::vanished() {
     ++m_generation;
     m_patience.reset();
+    m_retry.reset();
     m_session.clear();
     m_isClosing = false;
+    if (m_state == Session::creating || m_state == Session::binding)
+        ++m_failures;
+    if (m_failures >= mostFailures) {
+        setState(Portal::absent, Session::none);
+        return;
+    }
     setState(Portal::unknown, Session::none);
     // It comes back with the next question to it, if nobody starts it before.
-    m_retry = m_services.mainQueue.after(firstRetrySeconds, whileCurrent([this] { begin(); }));
+    m_retry = m_services.mainQueue.after(retrySeconds(), whileCurrent([this] { begin(); }));
+}
+
+double PortalShortcuts::retrySeconds() const {
+    return firstRetrySeconds * (1 << (2 * std::max(0, m_failures - 1)));
 }
 
 bool PortalShortcuts::canMonitor() const {
@@ -143,8 +159,9 @@ void PortalShortcuts::synchronize() {
     const bool isUnderWay = m_state != Session::none || m_retry;
     if (isUnderWay ? wanted == m_asked : wanted.empty())
         return;
+    if (wanted != m_asked)
+        m_failures = 0;
     m_asked = wanted;
-    m_failures = 0;
     drop();
 }
 
@@ -228,6 +245,7 @@ void PortalShortcuts::bind() {
 }
 
 void PortalShortcuts::takeBindings(const std::vector<ShortcutsPortal::Binding>& bindings) {
+    m_bindings.clear();
     for (const auto& binding : bindings)
         m_bindings[binding.id] = binding.keys;
     m_services.notifications.post(notifications::shortcutBindingsChanged);
@@ -243,11 +261,10 @@ void PortalShortcuts::failed() {
         return;
     }
     setState(m_portal, Session::none);
-    m_retry =
-        m_services.mainQueue.after(firstRetrySeconds * (1 << (2 * (m_failures - 1))), whileCurrent([this] {
-                                       m_retry.reset();
-                                       create();
-                                   }));
+    m_retry = m_services.mainQueue.after(retrySeconds(), whileCurrent([this] {
+                                             m_retry.reset();
+                                             create();
+                                         }));
 }
 
 void PortalShortcuts::activate(const QString& session, const QString& id, const QString& token) {

@@ -60,7 +60,9 @@ private:
     enum class Session { none, creating, binding, bound, refused };
 
     void begin();
+    void appeared();
     void vanished();
+    double retrySeconds() const;
     void synchronizeLater();
     void synchronize();
     void create();

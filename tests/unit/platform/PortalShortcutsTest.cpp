@@ -208,6 +208,9 @@ TEST_F(PortalShortcutsTest, theKeysThatTheDesktopGaveAreToldWhereTheyDiffer) {
     EXPECT_EQ(posts, 1);
     EXPECT_EQ(shortcuts->differingKeys("capture-area"), QStringLiteral("Print"));
     EXPECT_EQ(shortcuts->differingKeys("capture-window"), QString());
+    portal.listener.changed(session, {{"capture-window", "Print"}});
+    EXPECT_EQ(shortcuts->differingKeys("capture-area"), std::nullopt)
+        << "of what is not told nothing is known";
 }
 
 TEST_F(PortalShortcutsTest, aPortalThatAnswersWithNothingIsAskedForItsList) {
@@ -347,6 +350,40 @@ TEST_F(PortalShortcutsTest, aPortalThatStaysAwayIsCalledOnce) {
     EXPECT_EQ(portal.taken(), Log{});
     portal.listener.appeared();
     EXPECT_EQ(portal.taken(), Log{"begin"});
+}
+
+TEST_F(PortalShortcutsTest, aPortalThatFallsOverWheneverItIsAskedIsLeftAloneInTheEnd) {
+    start();
+    registerMonitors();
+    portal.begun(1);
+    for (const double pause : {1.0, 4.0, 16.0}) {
+        EXPECT_EQ(portal.taken().back(), "create");
+        portal.listener.vanished();
+        queue.advance(pause - 0.5);
+        EXPECT_EQ(portal.taken(), Log{});
+        queue.advance(1);
+        EXPECT_EQ(portal.taken(), Log{"begin"});
+        portal.begun(1);
+    }
+    EXPECT_EQ(portal.taken(), Log{"create"});
+    portal.listener.vanished();
+    EXPECT_EQ(shortcuts->route(), Route::byHand);
+    queue.advance(1000);
+    portal.listener.appeared();
+    EXPECT_EQ(portal.taken(), Log{});
+    EXPECT_FALSE(shortcuts->canMonitor());
+}
+
+TEST_F(PortalShortcutsTest, aPortalThatOnceBoundMayBeRestartedAsOftenAsOneLikes) {
+    bindEverything();
+    for (int i = 0; i < 10; ++i) {
+        portal.listener.vanished();
+        portal.listener.appeared();
+        portal.begun(1);
+        portal.created(session);
+        portal.bound(Outcome::done, {{"capture-area", "Alt+Shift+4"}});
+        EXPECT_EQ(shortcuts->route(), Route::desktop);
+    }
 }
 
 TEST_F(PortalShortcutsTest, aRestartInTheMiddleForgetsTheAnswersOfTheOldOne) {
