@@ -84,6 +84,7 @@ bool CompositionRasterizer::drawInto(QImage& target, const Composition& composit
 
 std::vector<Layer> CompositionRasterizer::layers(const Composition& composition, const Viewport& viewport) {
     std::vector<Layer> layers;
+    m_isCanvasOpaque = false;
     if (!isDrawable(viewport))
         return layers;
     appendBackground(layers, composition, viewport);
@@ -187,6 +188,7 @@ void CompositionRasterizer::appendBackground(std::vector<Layer>& layers, const C
     if (!composition.isRendering && config.backgroundType != BackgroundType::transparent)
         NoiseOverlayModifier{config.gradientConfig.noiseAmount / 100}.apply(layer, placement.originX,
                                                                             placement.originY);
+    m_isCanvasOpaque = layer.paint->isOpaque();
     layers.push_back(std::move(layer));
 }
 

@@ -55,6 +55,9 @@ public:
     /// object keeps: they are good until it is asked for anything again.
     std::vector<raster::Layer> layers(const Composition& composition, const Viewport& viewport);
 
+    /// Whether nothing shines through what was drawn last where the canvas covers a pixel wholly.
+    bool isCanvasOpaque() const { return m_isCanvasOpaque; }
+
 private:
     /// A picture in the kernels' format, its reductions, and its colours in the last frame.
     struct Prepared {
@@ -84,6 +87,7 @@ private:
                           const Viewport& viewport);
 
     std::array<Prepared, slotCount> m_prepared;
+    bool m_isCanvasOpaque = false;
     TextLayers m_texts;
     BackgroundBlur m_blur;
 };

@@ -2,11 +2,11 @@
 
 #include "editor/render/BackgroundDecoder.h"
 #include "editor/views/CanvasEdge.h"
+#include "editor/views/CanvasFrame.h"
 
 #include <QCoreApplication>
 #include <QPointer>
 #include <QQuickWindow>
-#include <QSGImageNode>
 #include <QThreadPool>
 #include <cmath>
 
@@ -111,16 +111,29 @@ void ScreenshotPreviewCanvas::drawFrame() {
     m_rasterizer.drawInto(m_frames[m_front], composition, {size, m_viewport.zoom() * ratio, centre});
 }
 
-QRect ScreenshotPreviewCanvas::canvasPixels() const {
+QRectF ScreenshotPreviewCanvas::canvasPlace() const {
     const double ratio = window()->effectiveDevicePixelRatio();
-    const QSizeF size = m_viewport.content() * ratio;
-    QRectF place({0, 0}, size);
+    QRectF place({0, 0}, m_viewport.content() * ratio);
     place.moveCenter((m_viewport.canvasCentre() * ratio).toPoint());
+    return place;
+}
+
+QRect ScreenshotPreviewCanvas::canvasPixels() const {
+    const QRectF place = canvasPlace();
     // What the canvas covers a little of belongs to it, but for what rounding makes of nothing.
     constexpr double nothing = 1e-3;
     const QPoint topLeft(int(std::floor(place.left() + nothing)), int(std::floor(place.top() + nothing)));
     return {topLeft, QSize(int(std::ceil(place.right() - nothing)) - topLeft.x(),
                            int(std::ceil(place.bottom() - nothing)) - topLeft.y())};
+}
+
+QRect ScreenshotPreviewCanvas::opaquePixels() const {
+    if (!m_rasterizer.isCanvasOpaque())
+        return {};
+    const QRectF place = canvasPlace() & QRectF(m_frames[m_front].rect());
+    const QPoint topLeft(int(std::ceil(place.left())), int(std::ceil(place.top())));
+    return {topLeft, QSize(int(std::floor(place.right())) - topLeft.x(),
+                           int(std::floor(place.bottom())) - topLeft.y())};
 }
 
 QSGNode* ScreenshotPreviewCanvas::updatePaintNode(QSGNode* node, UpdatePaintNodeData*) {
@@ -137,20 +150,12 @@ QSGNode* ScreenshotPreviewCanvas::updatePaintNode(QSGNode* node, UpdatePaintNode
     if (!node) {
         node = new QSGNode;
         node->appendChildNode(new CanvasEdge);
-        QSGImageNode* frame = window()->createImageNode();
-        frame->setFlag(QSGNode::OwnedByParent);
-        frame->setOwnsTexture(true);
-        frame->setFiltering(QSGTexture::Nearest);
-        node->appendChildNode(frame);
+        node->appendChildNode(new CanvasFrame(*window()));
     }
+    const double ratio = window()->effectiveDevicePixelRatio();
     static_cast<CanvasEdge*>(node->firstChild())
-        ->place(*window(), canvasPixels(), m_frames[m_front].size(), window()->effectiveDevicePixelRatio(),
-                m_isDark);
-    auto* imageNode = static_cast<QSGImageNode*>(node->lastChild());
-    imageNode->setTexture(
-        window()->createTextureFromImage(m_frames[m_front], QQuickWindow::TextureHasAlphaChannel));
-    imageNode->setRect(boundingRect());
-    imageNode->markDirty(QSGNode::DirtyMaterial);
+        ->place(*window(), canvasPixels(), m_frames[m_front].size(), ratio, m_isDark);
+    static_cast<CanvasFrame*>(node->lastChild())->show(*window(), m_frames[m_front], opaquePixels(), ratio);
     return node;
 }
 

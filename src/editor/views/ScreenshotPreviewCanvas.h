@@ -116,8 +116,12 @@ private:
     void updateCursor();
     void loadBackground();
     void drawFrame();
-    /// The device pixels of the view that the canvas covers.
+    /// Where the canvas lies, in device pixels of the view.
+    QRectF canvasPlace() const;
+    /// The device pixels of the view that it covers.
     QRect canvasPixels() const;
+    /// Those that it covers wholly and nothing shines through, in the frame.
+    QRect opaquePixels() const;
 
     QImage m_image;
     ScreenshotStyleConfig m_config;

@@ -1,9 +1,11 @@
 #include "unit/editor/PreviewCanvasFixture.h"
 
 #include "editor/render/CompositionRasterizer.h"
+#include "editor/views/CanvasFrame.h"
 #include "support/MediaFiles.h"
 
 #include <QFile>
+#include <QPainter>
 #include <QTemporaryDir>
 
 namespace framora {
@@ -153,6 +155,54 @@ TEST_F(Canvas, ItsEdgeGoesWithTheCanvasAndWhenNothingIsAroundIt) {
     });
     const QImage grabbed = window.grabWindow().convertToFormat(QImage::Format_ARGB32_Premultiplied);
     EXPECT_EQ(grabbed, canvas->frame()) << "nothing but the composition";
+}
+
+/// What is seen of a frame on what was there before.
+QImage laidOver(const QImage& ground, const QImage& frame) {
+    QImage both = ground.convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QPainter(&both).drawImage(0, 0, frame);
+    return both;
+}
+
+TEST_F(Canvas, IsSeenWithWhatReachesOutOfItAndShinesThroughIt) {
+    // The ground with its edge, and nothing on it.
+    const auto ground = [&] {
+        set([](auto& style) {
+            style.backgroundType = BackgroundType::color;
+            style.customColor = {0, 0, 0, 0.001}; // nothing of it is seen
+            style.screenshotOffset = {5000, 0};
+        });
+        return window.grabWindow();
+    };
+    for (const double zoom : {100.0, 61.7, 220.0}) { // with edges on pixels, between them, and out of view
+        set([&](auto& style) { style.zoom = zoom; });
+        const QImage under = ground();
+        for (const double alpha : {1.0, 0.5})
+            for (const Size offset : {Size{0, 0}, Size{-140, 0}, Size{30, 130}}) {
+                set([&](auto& style) {
+                    style.customColor = {0, 0.5, 1, alpha};
+                    style.rotation = 20;
+                    style.screenshotOffset = offset;
+                });
+                const QImage grabbed =
+                    window.grabWindow().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+                EXPECT_EQ(grabbed, laidOver(under, canvas->frame()))
+                    << zoom << " %, alpha " << alpha << ", " << offset.width << ", " << offset.height;
+            }
+    }
+}
+
+TEST(CanvasFrame, TakesNoMoreOfAPictureThanShowsSomething) {
+    QImage frame(40, 30, QImage::Format_ARGB32_Premultiplied);
+    frame.fill(Qt::transparent);
+    EXPECT_TRUE(CanvasFrame::used(frame, frame.rect()).isEmpty());
+    frame.setPixel(7, 20, 0x01000000);
+    frame.setPixel(31, 4, 0xffffffff);
+    EXPECT_EQ(CanvasFrame::used(frame, frame.rect()), QRect(QPoint(7, 4), QPoint(31, 20)));
+    EXPECT_EQ(CanvasFrame::used(frame, QRect(8, 0, 100, 100)), QRect(31, 4, 1, 1));
+    EXPECT_TRUE(CanvasFrame::used(frame, QRect(8, 5, 20, 20)).isEmpty());
+    EXPECT_TRUE(CanvasFrame::used(frame, QRect()).isEmpty());
+    EXPECT_TRUE(CanvasFrame::used(frame, QRect(100, 0, 5, 5)).isEmpty());
 }
 
 TEST_F(Canvas, ItsEdgeSuitsACanvasSmallerThanTheShadow) {

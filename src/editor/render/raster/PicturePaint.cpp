@@ -79,11 +79,18 @@ PicturePaint::PicturePaint(std::shared_ptr<const PicturePyramid> picture, double
     }
     if (!isUpright || !(map(0, 0) > 0 && map(1, 1) > 0))
         return;
+    if (m_cache && m_cache->sampler()) {
+        m_separable = m_cache->sampler();
+        return;
+    }
     const PixelView level = m_picture->level(reduction(std::max(map(0, 0), map(1, 1))));
     const double scaleX = map(0, 0) * pixels.width / level.width;
     const double scaleY = map(1, 1) * pixels.height / level.height;
-    m_separable.emplace(level, axisKernel(scaleX, map(0, 2), level.width, region.left, region.width),
-                        axisKernel(scaleY, map(1, 2), level.height, region.top, region.height));
+    m_separable = std::make_shared<const SeparableSampler>(
+        level, axisKernel(scaleX, map(0, 2), level.width, region.left, region.width),
+        axisKernel(scaleY, map(1, 2), level.height, region.top, region.height));
+    if (m_cache)
+        m_cache->keepSampler(m_separable);
 }
 
 void PicturePaint::shade(int x, int y, int count, Float4* out) const {

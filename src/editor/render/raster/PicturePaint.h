@@ -8,7 +8,6 @@
 #include "editor/render/raster/ShadeCache.h"
 
 #include <memory>
-#include <optional>
 
 namespace framora::raster {
 
@@ -35,7 +34,7 @@ private:
     int m_originX;
     int m_originY;
     ProjectiveSampler m_projective;
-    std::optional<SeparableSampler> m_separable;
+    std::shared_ptr<const SeparableSampler> m_separable; ///< Null for a map that turns or tilts.
     ShadeCache* m_cache = nullptr;
 };
 

@@ -10,6 +10,7 @@ bool ShadeCache::begin(const Key& key) {
     if (key != m_key) {
         m_key = key;
         m_isReady = false;
+        m_sampler = nullptr;
         return false;
     }
     if (m_isReady)

@@ -6,9 +6,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace framora::raster {
+
+class SeparableSampler;
 
 /// Keeps one picture's colours as they fall on the output pixels, so that a picture that only moves by whole
 /// pixels is not filtered again. It holds the colours as they are mixed: what is read from it is what would
@@ -31,6 +34,10 @@ public:
     /// Starts a frame. True when colours with this key may be kept and read until the next call. Not while a
     /// frame is being drawn.
     bool begin(const Key& key);
+
+    /// What computes the colours of this key, if it has been kept. Not while a frame is being drawn.
+    const std::shared_ptr<const SeparableSampler>& sampler() const { return m_sampler; }
+    void keepSampler(std::shared_ptr<const SeparableSampler> sampler) { m_sampler = std::move(sampler); }
 
     /// The colours of a block, from the layer's origin. What is missing `compute(block, out)` makes.
     /// Different rows may be asked for by different threads.
@@ -77,6 +84,7 @@ private:
     std::unique_ptr<MixPixel[]> m_colors;
     std::vector<std::uint8_t> m_isFilled;
     bool m_isReady = false;
+    std::shared_ptr<const SeparableSampler> m_sampler;
 };
 
 } // namespace framora::raster
