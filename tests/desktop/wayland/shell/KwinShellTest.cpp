@@ -94,6 +94,36 @@ TEST_P(KwinShellTest, aToastStandsInItsPlaceAndTakesTheClickOnItsCardAlone) {
     EXPECT_TRUE(DesktopSession::waitFor([&] { return !manager->isShowing(); }));
 }
 
+TEST_P(KwinShellTest, theSettingsWindowIsItsOwnFrameAlone) {
+    ChildProcess& program =
+        desktop->start(QStringLiteral(FRAMORA_PROGRAM_FOLDER "/framora"), {QStringLiteral("--settings")});
+    const auto seenArea = [&] {
+        const QImage seen = desktop->screenshot();
+        QRect area;
+        for (int y = 0; y < seen.height(); ++y)
+            for (int x = 0; x < seen.width(); ++x)
+                if (seen.pixelColor(x, y) != ground)
+                    area |= QRect(x, y, 1, 1);
+        return area;
+    };
+    QRect last;
+    int same = 0;
+    ASSERT_TRUE(DesktopSession::waitFor([&] {
+        const QRect now = seenArea();
+        same = now == last && now.width() > 400 ? same + 1 : 0;
+        last = now;
+        return same > 3;
+    })) << program.output().toStdString();
+    const QImage seen = desktop->screenshot();
+    if (const QString folder = qEnvironmentVariable("FRAMORA_PICTURES_FOLDER"); !folder.isEmpty())
+        seen.save(QStringLiteral("%1/kwin-settings-%2.png").arg(folder).arg(GetParam()));
+    // The sidebar reaches the window's upper edge: no bar of the compositor's stands above it.
+    const QRect frame = last;
+    const QColor sidebar = seen.pixelColor(frame.left() + int(40 * GetParam()), frame.center().y());
+    EXPECT_EQ(seen.pixelColor(frame.left() + int(60 * GetParam()), frame.top() + int(4 * GetParam())),
+              sidebar);
+}
+
 TEST_P(KwinShellTest, theClipboardIsCountedReadAndWritten) {
     WaylandPasteboard pasteboard(*connection, WaylandClipboard::make(*connection),
                                  [](const QByteArray& file) { return QImage::fromData(file); });
