@@ -94,6 +94,12 @@ HandedFile::HandedFile(std::string path) : m_path(std::move(path)) {
         close(file);
 }
 
+void HandedFile::removeUnread(const std::string& path) {
+    struct stat status {};
+    if (lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode))
+        unlink(path.c_str());
+}
+
 void HandedFile::remove() const {
     struct stat named {};
     if (m_number != 0 && lstat(m_path.c_str(), &named) == 0 && named.st_dev == m_device &&

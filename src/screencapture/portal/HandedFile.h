@@ -28,6 +28,8 @@ public:
     std::vector<uint8_t> takeBytes() { return std::move(m_bytes); }
     /// Why there are no bytes; empty otherwise.
     const std::string& failure() const { return m_failure; }
+    /// Removes the regular file of that path unread.
+    static void removeUnread(const std::string& path);
     /// Removes the file that was read, and no other one that took its name meanwhile.
     void remove() const;
 

@@ -26,7 +26,7 @@ std::vector<std::unique_ptr<PixelImage>> KwinScreens::freeze(std::span<const Out
         return {};
     std::vector<std::unique_ptr<PixelImage>> images;
     for (std::size_t i = 0; i < outputs.size(); ++i) {
-        images.push_back(fitted(pictures[i].unpack(), outputs[i].pixelWidth, outputs[i].pixelHeight));
+        images.push_back(fitted(pictures[i].take(), outputs[i].pixelWidth, outputs[i].pixelHeight));
         if (!images.back())
             return {};
     }

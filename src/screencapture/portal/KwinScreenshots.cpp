@@ -1,5 +1,7 @@
 #include "screencapture/portal/KwinScreenshots.h"
 
+#include "screencapture/portal/BusDictionary.h"
+
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -20,40 +22,24 @@ constexpr int kPipeBytes = 1 << 20;
 
 constexpr uint32_t kPickWindow = 0;
 
-/// A value of the reply, when it has that type.
-template <typename Value> bool readVariant(sd_bus_message* message, const char* type, Value* value) {
-    const char* contents = nullptr;
-    if (sd_bus_message_peek_type(message, nullptr, &contents) > 0 && contents &&
-        std::strcmp(contents, type) == 0)
-        return sd_bus_message_read(message, "v", type, value) > 0;
-    sd_bus_message_skip(message, "v");
-    return false;
-}
-
 void readShape(sd_bus_message* message, RawPicture& shape, std::string& window) {
-    if (sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, "{sv}") < 0)
-        return;
-    while (sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, "sv") > 0) {
-        const char* key = nullptr;
+    readDictionary(message, [&](const char* key) {
         const char* text = nullptr;
-        if (sd_bus_message_read(message, "s", &key) <= 0)
-            return;
         if (std::strcmp(key, "width") == 0)
-            readVariant(message, "u", &shape.width);
-        else if (std::strcmp(key, "height") == 0)
-            readVariant(message, "u", &shape.height);
-        else if (std::strcmp(key, "stride") == 0)
-            readVariant(message, "u", &shape.stride);
-        else if (std::strcmp(key, "format") == 0)
-            readVariant(message, "u", &shape.format);
-        else if (std::strcmp(key, "scale") == 0)
-            readVariant(message, "d", &shape.scale);
-        else if (std::strcmp(key, "windowId") != 0)
-            sd_bus_message_skip(message, "v");
-        else if (readVariant(message, "s", &text))
-            window = text;
-        sd_bus_message_exit_container(message);
-    }
+            return readVariant(message, "u", &shape.width);
+        if (std::strcmp(key, "height") == 0)
+            return readVariant(message, "u", &shape.height);
+        if (std::strcmp(key, "stride") == 0)
+            return readVariant(message, "u", &shape.stride);
+        if (std::strcmp(key, "format") == 0)
+            return readVariant(message, "u", &shape.format);
+        if (std::strcmp(key, "scale") == 0)
+            return readVariant(message, "d", &shape.scale);
+        if (std::strcmp(key, "windowId") != 0 || !readVariant(message, "s", &text))
+            return false;
+        window = text;
+        return true;
+    });
 }
 
 } // namespace
@@ -129,31 +115,48 @@ SessionBus::Turn KwinScreenshots::waitForAnswer(const Picture& picture, std::chr
     return m_bus.run([&] { return picture.answered(); }, limit);
 }
 
+bool KwinScreenshots::Picture::makeRoom() {
+    if (isRefused())
+        return false;
+    if (m_shape.isPlain())
+        m_image = MemoryImage::create(static_cast<int>(m_shape.width), static_cast<int>(m_shape.height));
+    else
+        m_bytes = std::make_unique_for_overwrite<std::byte[]>(m_shape.byteCount());
+    return m_image || m_bytes;
+}
+
 /// False when nothing more is wanted or will come.
 bool KwinScreenshots::Picture::readPart() {
-    if (refused())
-        return false;
-    // The shape may still be on its way; an honest picture is not much larger than the pipe then.
-    const std::size_t expected = m_answered ? m_shape.byteCount() : m_bytes.size() + kPipeBytes;
-    const std::size_t before = m_bytes.size();
-    if (before >= expected)
-        return false;
-    m_bytes.resize(expected);
-    const ssize_t count = read(m_pipe, m_bytes.data() + before, expected - before);
-    m_bytes.resize(before + static_cast<std::size_t>(count > 0 ? count : 0));
-    m_pipeEnded = count == 0 || (count < 0 && errno != EINTR && errno != EAGAIN);
-    return !m_pipeEnded;
+    std::byte* const begin = m_image ? reinterpret_cast<std::byte*>(m_image->row(0)) : m_bytes.get();
+    const ssize_t count = read(m_pipe, begin + m_have, m_shape.byteCount() - m_have);
+    if (count < 0 && errno == EINTR)
+        return true;
+    m_have += static_cast<std::size_t>(count > 0 ? count : 0);
+    return count > 0 && !isWhole();
+}
+
+std::unique_ptr<MemoryImage> KwinScreenshots::Picture::take() {
+    if (!isWhole())
+        return nullptr;
+    return m_image ? std::move(m_image) : m_shape.unpack({m_bytes.get(), m_have});
 }
 
 bool KwinScreenshots::receive(std::span<Picture> pictures) {
+    // KWin answers before it writes, so no answer waits for a pipe to be read.
+    const auto turn =
+        m_bus.run([&] { return std::ranges::all_of(pictures, &Picture::m_answered); }, kTransferTime);
+    if (turn != SessionBus::Turn::Condition || !std::ranges::all_of(pictures, &Picture::makeRoom))
+        return false;
+    std::size_t open = pictures.size();
     std::vector<SessionBus::Reader> readers;
     for (Picture& picture : pictures)
-        readers.push_back({picture.m_pipe, [&picture] { return picture.readPart(); }});
-    const auto settled = [](const Picture& picture) {
-        return picture.refused() || picture.whole() || (picture.m_answered && picture.m_pipeEnded);
-    };
-    m_bus.run([&] { return std::ranges::all_of(pictures, settled); }, kTransferTime, std::move(readers));
-    return std::ranges::all_of(pictures, &Picture::whole);
+        readers.push_back({picture.m_pipe, [&picture, &open] {
+                               const bool more = picture.readPart();
+                               open -= !more;
+                               return more;
+                           }});
+    m_bus.run([&] { return open == 0; }, kTransferTime, std::move(readers));
+    return std::ranges::all_of(pictures, &Picture::isWhole);
 }
 
 std::optional<KwinScreenshots::FrameSize> KwinScreenshots::frameSizeOf(const std::string& window) {
@@ -164,20 +167,11 @@ std::optional<KwinScreenshots::FrameSize> KwinScreenshots::frameSizeOf(const std
         return std::nullopt;
     sd_bus_message* const m = reply.message.get();
     FrameSize size;
-    if (sd_bus_message_enter_container(m, SD_BUS_TYPE_ARRAY, "{sv}") < 0)
-        return std::nullopt;
-    while (sd_bus_message_enter_container(m, SD_BUS_TYPE_DICT_ENTRY, "sv") > 0) {
-        const char* key = nullptr;
-        if (sd_bus_message_read(m, "s", &key) <= 0)
-            return std::nullopt;
+    readDictionary(m, [&](const char* key) {
         if (std::strcmp(key, "width") == 0)
-            readVariant(m, "d", &size.width);
-        else if (std::strcmp(key, "height") == 0)
-            readVariant(m, "d", &size.height);
-        else
-            sd_bus_message_skip(m, "v");
-        sd_bus_message_exit_container(m);
-    }
+            return readVariant(m, "d", &size.width);
+        return std::strcmp(key, "height") == 0 && readVariant(m, "d", &size.height);
+    });
     return size.width > 0 && size.height > 0 ? std::optional(size) : std::nullopt;
 }
 

@@ -30,20 +30,25 @@ public:
         const RawPicture& shape() const { return m_shape; }
         /// KWin's identifier of the captured window, if it is one.
         const std::string& window() const { return m_window; }
-        std::unique_ptr<MemoryImage> unpack() const { return m_shape.unpack(m_bytes); }
+        /// The received picture, once.
+        std::unique_ptr<MemoryImage> take();
 
     private:
         friend class KwinScreenshots;
-        bool refused() const { return m_answered && (!m_error.name.empty() || m_shape.byteCount() == 0); }
-        bool whole() const { return m_answered && !refused() && m_bytes.size() == m_shape.byteCount(); }
+        bool isRefused() const { return !m_error.name.empty() || m_shape.byteCount() == 0; }
+        bool isWhole() const { return !isRefused() && m_have == m_shape.byteCount(); }
+        bool makeRoom();
         bool readPart();
 
         bool m_answered = false;
-        bool m_pipeEnded = false;
         BusError m_error;
         RawPicture m_shape;
         std::string m_window;
-        std::vector<std::byte> m_bytes;
+        /// Where the bytes go: the picture itself where they are its pixels, else a place to unpack them
+        /// from.
+        std::unique_ptr<MemoryImage> m_image;
+        std::unique_ptr<std::byte[]> m_bytes;
+        std::size_t m_have = 0;
         int m_pipe = -1;
         BusSlot m_slot;
     };

@@ -83,7 +83,7 @@ CaptureResult KwinWindowRoute::run(CaptureMode) {
         return CaptureResult::failed("KWin refuses: " + picture.error().text);
     if (!kwin.receive({&picture, 1}))
         return CaptureResult::failed("KWin's picture did not come");
-    const auto image = picture.unpack();
+    const auto image = picture.take();
     if (!image)
         return CaptureResult::failed("KWin's picture cannot be read");
     announceReady();

@@ -66,7 +66,7 @@ CaptureResult PortalRoute::askPermission() {
     CaptureResult result = ask({false, CaptureMode::Area, m_options.parentWindow, activationToken()}, uri);
     // A picture that nobody asked for.
     if (const auto path = pathOfFileUri(uri); path)
-        HandedFile(*path).remove();
+        HandedFile::removeUnread(*path);
     return result;
 }
 

@@ -77,6 +77,10 @@ std::size_t RawPicture::byteCount() const {
     return std::size_t{stride} * height;
 }
 
+bool RawPicture::isPlain() const {
+    return format == Argb32Premultiplied && stride == std::size_t{width} * 4;
+}
+
 std::unique_ptr<MemoryImage> RawPicture::unpack(std::span<const std::byte> bytes) const {
     if (byteCount() == 0 || bytes.size() != byteCount())
         return nullptr;

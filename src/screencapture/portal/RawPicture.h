@@ -20,6 +20,8 @@ struct RawPicture {
     /// Bytes of all rows; 0 when the sides or the stride make no sense or no MemoryImage holds them, or when
     /// the format is none that we know.
     std::size_t byteCount() const;
+    /// Whether the bytes are a MemoryImage's as they are.
+    bool isPlain() const;
     /// The pixels as premultiplied BGRA, opaque where the format has no alpha. Null when `bytes` are not
     /// exactly byteCount() or memory is short.
     std::unique_ptr<MemoryImage> unpack(std::span<const std::byte> bytes) const;

@@ -1,5 +1,7 @@
 #include "screencapture/portal/ScreenshotPortal.h"
 
+#include "screencapture/portal/BusDictionary.h"
+
 #include <sys/random.h>
 #include <unistd.h>
 
@@ -20,6 +22,9 @@ constexpr const char* kRequest = "org.freedesktop.portal.Request";
 constexpr uint32_t kWindowTarget = 2;
 constexpr uint32_t kAreaTarget = 4;
 constexpr uint32_t kTargetVersion = 3;
+
+/// A portal that has just told its version lives; starting its backend may take a moment.
+constexpr std::chrono::milliseconds kRequestTime{5000};
 
 /// Nobody reads a dialog and answers it in this time: what is answered so soon was never asked.
 constexpr std::chrono::milliseconds kUnseen{500};
@@ -43,30 +48,6 @@ std::string predictedHandle(const std::string& connection, const std::string& to
 
 void appendEntry(sd_bus_message* message, const char* key, const char* type, auto value) {
     sd_bus_message_append(message, "{sv}", key, type, value);
-}
-
-/// Goes through an a{sv}, calling `entry` with each key while the message stands before its value, which is a
-/// variant; true from it when it read that.
-bool readDictionary(sd_bus_message* message, const std::function<bool(const char* key)>& entry) {
-    if (sd_bus_message_enter_container(message, SD_BUS_TYPE_ARRAY, "{sv}") < 0)
-        return false;
-    while (sd_bus_message_enter_container(message, SD_BUS_TYPE_DICT_ENTRY, "sv") > 0) {
-        const char* key = nullptr;
-        if (sd_bus_message_read(message, "s", &key) <= 0)
-            return false;
-        if (!entry(key) && sd_bus_message_skip(message, "v") < 0)
-            return false;
-        if (sd_bus_message_exit_container(message) < 0)
-            return false;
-    }
-    return sd_bus_message_exit_container(message) >= 0;
-}
-
-/// The variant's value when it is of that type; the message stands behind it then.
-template <typename Value> bool readVariant(sd_bus_message* message, const char* type, Value* value) {
-    const char* contents = nullptr;
-    return sd_bus_message_peek_type(message, nullptr, &contents) > 0 && contents &&
-           std::strcmp(contents, type) == 0 && sd_bus_message_read(message, "v", type, value) > 0;
 }
 
 using Answer = ScreenshotPortal::Answer;
@@ -129,7 +110,7 @@ BusReply ScreenshotPortal::send(const Request& request, const std::string& token
     if (target)
         appendEntry(m, "target", "u", target);
     sd_bus_message_close_container(m);
-    return m_bus.call(m);
+    return m_bus.call(m, kRequestTime);
 }
 
 BusSlot ScreenshotPortal::responseSlot(const std::string& handle) {
