@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
+#include <QSaveFile>
 #include <memory>
 
 namespace framora::comparison {
@@ -75,7 +76,11 @@ QStringList seriesPictures(const Inputs& inputs) {
             continue;
         const int x = i * 37 % (inputs.screenshot.width() - size.width());
         const int y = i * 23 % (inputs.screenshot.height() - size.height());
-        inputs.screenshot.copy(QRect(QPoint(x, y), size)).save(paths.last());
+        // A run that is ended here leaves no half of a picture for the next.
+        QSaveFile file(paths.last());
+        if (file.open(QIODevice::WriteOnly) &&
+            inputs.screenshot.copy(QRect(QPoint(x, y), size)).save(&file, "PNG"))
+            file.commit();
     }
     return paths;
 }
