@@ -10,6 +10,7 @@
 #include "screencapture/wayland/WaylandRoutes.h"
 
 #include <cstdio>
+#include <exception>
 #include <new>
 
 namespace framora {
@@ -81,6 +82,8 @@ int capture(const Arguments& arguments) {
             const CaptureLock lock;
             return lock.claimed() ? finish(captureOnWayland(wayland, arguments)) : alreadyOpen();
         }
+        if (wayland.silent())
+            return failed("the compositor does not answer");
     }
     const XConnection connection;
     if (connection.valid())
@@ -104,6 +107,8 @@ int askPermission(const Arguments& arguments) {
 /// Whether there is a route that asks nobody.
 int checkRoute() {
     WaylandConnection wayland;
+    if (wayland.silent())
+        return failed("the compositor does not answer");
     if (wayland.valid() ? routeWithoutAsking(wayland) : XConnection().valid())
         return Done;
     return failed("the desktop's portal has to be asked");
@@ -130,6 +135,8 @@ int main(int argc, char** argv) {
         }
     } catch (const std::bad_alloc&) {
         return framora::failed("out of memory");
+    } catch (const std::exception& problem) {
+        return framora::failed(problem.what());
     }
     return framora::BadUsage;
 }

@@ -76,6 +76,8 @@ void KeyMeanings::prepare() {
     if (!m_context)
         m_context = xkb_context_new(XKB_CONTEXT_NO_DEFAULT_INCLUDES);
     if (m_context) {
+        // A keymap that cannot be read is no reason to print anything: the usual keys do.
+        xkb_context_set_log_level(m_context, XKB_LOG_LEVEL_CRITICAL);
         // The text ends with a zero, which is not of the keymap.
         const auto length = strnlen(static_cast<const char*>(text), m_size);
         m_keymap = xkb_keymap_new_from_buffer(m_context, static_cast<const char*>(text), length,

@@ -74,6 +74,8 @@ std::optional<CaptureResult> OverlayCapture::begin(CaptureMode mode) {
     m_outputs = m_outputList->take();
     if (m_outputs.empty())
         return CaptureResult::failed("the session has no output");
+    if (!m_input->hasDevice())
+        return CaptureResult::notHere("there is neither a pointer nor a keyboard");
     // Their sizes come while the outputs are copied; they are not seen before their first picture.
     for (const Output& output : m_outputs)
         m_surfaces.push_back(std::make_unique<OverlaySurface>(m_globals, output));
@@ -81,10 +83,14 @@ std::optional<CaptureResult> OverlayCapture::begin(CaptureMode mode) {
     std::vector<std::unique_ptr<MemoryImage>> memory(m_outputs.size());
     {
         const std::jthread touching([this, &memory] {
-            for (std::size_t i = 0; i < memory.size(); ++i) {
-                memory[i] = MemoryImage::createShared(m_outputs[i].pixelWidth, m_outputs[i].pixelHeight);
-                if (memory[i])
-                    memory[i]->touch();
+            try {
+                for (std::size_t i = 0; i < memory.size(); ++i) {
+                    memory[i] = MemoryImage::createShared(m_outputs[i].pixelWidth, m_outputs[i].pixelHeight);
+                    if (memory[i])
+                        memory[i]->touch();
+                }
+            } catch (const std::bad_alloc&) {
+                // What is missing is seen below.
             }
         });
         m_frozen = m_freezer.freeze(m_outputs);
@@ -115,8 +121,11 @@ std::optional<CaptureResult> OverlayCapture::begin(CaptureMode mode) {
     if (mode == CaptureMode::Window && !listWindows())
         return CaptureResult::notHere("the compositor does not tell where its windows are");
     announceReady();
-    for (std::size_t i = 0; i < m_surfaces.size(); ++i)
+    for (std::size_t i = 0; i < m_surfaces.size(); ++i) {
         m_surfaces[i]->show(*m_frozen[i], boundingBox(PixelSpace(m_outputs, i).monitors()));
+        // The compositor shows it while the next one is painted, and while the font is loaded.
+        wl_display_flush(m_connection);
+    }
     return std::nullopt;
 }
 
@@ -146,6 +155,7 @@ std::optional<CaptureResult> OverlayCapture::loop() {
         if (m_decided == SelectionModel::Outcome::CaptureArea)
             return std::nullopt;
         updateScenes();
+        wl_display_flush(m_connection);
         // Everything that has arrived first: a fast pointer is drawn where it is, not where it was.
         const bool idle = !warmUp();
         if (!m_connection.dispatch(idle ? -1 : 0))

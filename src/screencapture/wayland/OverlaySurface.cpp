@@ -2,6 +2,7 @@
 
 #include "screencapture/LabelPlacement.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <wayland-client-protocol.h>
@@ -63,7 +64,7 @@ void OverlaySurface::show(const PixelImage& frozen, const Rect& screen) {
         // Pixels that the surface does not reach, because a logical size is whole, are left out: squeezed in,
         // all the others would blur.
         const auto reached = [this](int logical, int pixels) {
-            return std::min(static_cast<int>(std::lround(logical * m_output.scale)), pixels);
+            return std::clamp(static_cast<int>(std::lround(logical * m_output.scale)), 1, pixels);
         };
         wp_viewport_set_source(m_viewport, 0, 0, wl_fixed_from_int(reached(m_width, m_output.pixelWidth)),
                                wl_fixed_from_int(reached(m_height, m_output.pixelHeight)));

@@ -65,7 +65,7 @@ const PointerPictures::Picture* PointerPictures::made(CaptureMode mode, double s
         wl_surface_set_buffer_scale(surface, static_cast<int>(ratio));
     }
     wl_surface_attach(surface, *buffer, 0, 0);
-    wl_surface_damage_buffer(surface, 0, 0, side, side);
+    wl_surface_damage(surface, 0, 0, logicalSide, logicalSide);
     wl_surface_commit(surface);
     m_pictures.push_back({mode, scale, std::move(buffer), surface, viewport, hot});
     return &m_pictures.back();

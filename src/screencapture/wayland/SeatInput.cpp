@@ -4,6 +4,7 @@
 
 #include <linux/input-event-codes.h>
 #include <unistd.h>
+#include <utility>
 #include <wayland-client-protocol.h>
 
 namespace framora {
@@ -44,6 +45,16 @@ SeatInput::~SeatInput() {
 }
 
 void SeatInput::capabilities(uint32_t what) {
+    // What a device of the seat was asked for falls silent with it, also when another one comes.
+    if (m_pointer && !(what & WL_SEAT_CAPABILITY_POINTER)) {
+        wl_pointer_destroy(std::exchange(m_pointer, nullptr));
+        m_sink.pointerLeft();
+    }
+    if (m_keyboard && !(what & WL_SEAT_CAPABILITY_KEYBOARD)) {
+        wl_keyboard_destroy(std::exchange(m_keyboard, nullptr));
+        for (const uint32_t code : std::set(m_down))
+            key(code, false);
+    }
     if (!m_pointer && (what & WL_SEAT_CAPABILITY_POINTER))
         listenToPointer();
     if (!m_keyboard && (what & WL_SEAT_CAPABILITY_KEYBOARD))

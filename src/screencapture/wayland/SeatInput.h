@@ -39,6 +39,8 @@ public:
     SeatInput(const SeatInput&) = delete;
     SeatInput& operator=(const SeatInput&) = delete;
 
+    /// Whether there is anything to choose or to cancel with.
+    bool hasDevice() const { return m_pointer || m_keyboard; }
     /// The pointer's picture while it is over the surface that it entered last. The place it points at in
     /// logical pixels.
     void setCursor(wl_surface* picture, int hotX, int hotY);

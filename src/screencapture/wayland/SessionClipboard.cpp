@@ -33,8 +33,10 @@ bool leaveOnXClipboard(std::vector<uint8_t> png, const std::function<void()>& le
 }
 
 bool leaveOnSessionClipboard(std::vector<uint8_t> png) {
-    if (set("WAYLAND_DISPLAY") && DataControlClipboard::offeredBy(WaylandConnection()))
-        return leaveOnClipboard(std::move(png), makeDataControl);
+    // A compositor may offer it and refuse it all the same.
+    if (set("WAYLAND_DISPLAY") && DataControlClipboard::offeredBy(WaylandConnection()) &&
+        leaveOnClipboard(png, makeDataControl))
+        return true;
     if (set("DISPLAY") && leaveOnXClipboard(png))
         return true;
     return handToProgram(png);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdarg>
 #include <cstdlib>
 #include <cstring>
 #include <poll.h>
@@ -20,6 +21,8 @@ WaylandConnection::WaylandConnection() {
     const char* name = std::getenv("WAYLAND_DISPLAY");
     if (!name || !*name)
         return;
+    // What it would print is said in our own line.
+    wl_log_set_handler_client([](const char*, va_list) {});
     m_display = wl_display_connect(name);
     if (!m_display)
         return;
@@ -48,6 +51,7 @@ WaylandConnection::WaylandConnection() {
     m_registry = wl_display_get_registry(m_display);
     wl_registry_add_listener(m_registry, &listener, this);
     if (!roundtrip(kStartPatience)) {
+        m_silent = wl_display_get_error(m_display) == 0;
         wl_registry_destroy(m_registry);
         wl_display_disconnect(m_display);
         m_registry = nullptr;

@@ -28,6 +28,8 @@ public:
 
     /// False when there is no compositor, or from the moment it is lost.
     bool valid() const { return m_display && wl_display_get_error(m_display) == 0; }
+    /// Somebody listens there and does not answer: a session, but none to take pictures in.
+    bool silent() const { return m_silent; }
     operator wl_display*() const { return m_display; }
 
     const std::vector<Global>& globals() const { return m_globals; }
@@ -58,6 +60,7 @@ private:
     wl_display* m_display = nullptr;
     wl_registry* m_registry = nullptr;
     std::vector<Global> m_globals;
+    bool m_silent = false;
     bool m_started = false;
     std::function<void()> m_outputsChanged;
 };

@@ -58,6 +58,7 @@ TEST(OddOutputsTest, everyMissingGlobalEndsItAtOnceWithOneLine) {
 TEST(OddOutputsTest, oldVersionsOfWhatIsNeededAreEnough) {
     for (const auto& [member, version] : {std::pair{&CompositorScript::layerShell, 1},
                                           {&CompositorScript::screencopy, 1},
+                                          {&CompositorScript::compositor, 3},
                                           {&CompositorScript::seat, 1},
                                           {&CompositorScript::seat, 3},
                                           {&CompositorScript::output, 1},
@@ -71,15 +72,6 @@ TEST(OddOutputsTest, oldVersionsOfWhatIsNeededAreEnough) {
         ASSERT_TRUE(odd.open()) << version;
         EXPECT_TRUE(odd.takes({5, 6, 70, 80}, odd.compositor.picture().copy(5, 6, 70, 80)));
     }
-}
-
-TEST(OddOutputsTest, surfacesThatKnowNoPixelsOfTheirOwnAreNoOverlay) {
-    CompositorScript script;
-    script.compositor = 3; // without damage in pixels
-    OddCapture odd(script);
-    odd.launch();
-    EXPECT_TRUE(odd.endsWith(3, "", 2000));
-    EXPECT_FALSE(odd.descriptors.isReady());
 }
 
 TEST(OddOutputsTest, aSessionWithoutAnOutputHasNothingToTake) {
