@@ -1,6 +1,7 @@
 #include "screencapture/wayland/WaylandRoutes.h"
 
 #include "screencapture/BusRoutes.h"
+#include "screencapture/wayland/ImageCopy.h"
 #include "screencapture/wayland/OutputList.h"
 #include "screencapture/wayland/OverlayCapture.h"
 #include "screencapture/wayland/Screencopy.h"
@@ -13,6 +14,15 @@ namespace {
 
 bool isNotHere(const CaptureResult& result) {
     return result.outcome == CaptureResult::Outcome::NotHere;
+}
+
+/// The compositor's own copies of its outputs; null where it makes none.
+std::unique_ptr<ScreenFreezer> compositorsCopies(WaylandConnection& connection) {
+    if (Screencopy::offeredBy(connection))
+        return std::make_unique<Screencopy>(connection);
+    if (ImageCopy::offeredBy(connection))
+        return std::make_unique<ImageCopy>(connection);
+    return nullptr;
 }
 
 CaptureResult captureWithOverlay(WaylandConnection& connection, ScreenFreezer& freezer, CaptureMode mode) {
@@ -48,15 +58,15 @@ CaptureResult captureOverBus(WaylandConnection& connection, const Arguments& arg
 
 CaptureResult captureOnWayland(WaylandConnection& connection, const Arguments& arguments) {
     auto result = CaptureResult::notHere("the compositor offers no way to take a picture");
-    if (OverlayCapture::possibleOn(connection) && Screencopy::offeredBy(connection)) {
-        Screencopy screens(connection);
-        result = captureWithOverlay(connection, screens, arguments.mode);
-    }
+    if (OverlayCapture::possibleOn(connection))
+        if (const auto screens = compositorsCopies(connection))
+            result = captureWithOverlay(connection, *screens, arguments.mode);
     return isNotHere(result) ? captureOverBus(connection, arguments, result.why) : result;
 }
 
 bool routeWithoutAsking(WaylandConnection& connection) {
-    if (OverlayCapture::possibleOn(connection) && Screencopy::offeredBy(connection))
+    if (OverlayCapture::possibleOn(connection) &&
+        (Screencopy::offeredBy(connection) || ImageCopy::offeredBy(connection)))
         return true;
     BusRoutes* const routes = busRoutes();
     return routes && routes->kwinScreens();

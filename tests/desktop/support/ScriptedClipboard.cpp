@@ -115,8 +115,10 @@ void ScriptedClipboard::tell(wl_resource* device) {
         return;
     }
     const bool isExt = std::string_view(wl_resource_get_class(device)) == kinds[0].device.name;
-    wl_resource* const offer = makeResource(wl_resource_get_client(device), kinds[isExt ? 0 : 1].offer,
-                                            wl_resource_get_version(device), 0, &requests, this);
+    wl_resource* const offer = makeResource(
+        wl_resource_get_client(device), kinds[isExt ? 0 : 1].offer, wl_resource_get_version(device), 0,
+        &requests, this, [](wl_resource* gone) { --behind<ScriptedClipboard>(gone).m_offers; });
+    ++m_offers;
     zwlr_data_control_device_v1_send_data_offer(device, offer);
     for (const QByteArray& type : m_source ? m_source->types : m_content->types)
         zwlr_data_control_offer_v1_send_offer(offer, type.constData());

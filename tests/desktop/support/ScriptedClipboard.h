@@ -23,6 +23,9 @@ public:
     /// Asks its owner for that type, to be written into `descriptor`, which is closed here.
     void receive(const QByteArray& type, int descriptor);
     void finishDevices();
+    int devices() const { return int(m_devices.size()); }
+    /// Objects of offers that clients hold.
+    int offers() const { return m_offers; }
 
 private:
     struct Kind;
@@ -47,6 +50,7 @@ private:
     std::vector<wl_resource*> m_devices;
     Source* m_source = nullptr;
     std::optional<Content> m_content;
+    int m_offers = 0;
 };
 
 } // namespace framora

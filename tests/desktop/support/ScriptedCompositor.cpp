@@ -65,7 +65,7 @@ QString ScriptedCompositor::socketPath() const {
 void ScriptedCompositor::run() {
     wl_display* const display = m_pieces->display;
     wl_event_loop* const loop = wl_display_get_event_loop(display);
-    wl_event_loop_add_fd(
+    wl_event_source* const wake = wl_event_loop_add_fd(
         loop, m_wake, WL_EVENT_READABLE,
         [](int, std::uint32_t, void* data) {
             static_cast<ScriptedCompositor*>(data)->drain();
@@ -82,6 +82,7 @@ void ScriptedCompositor::run() {
         wl_display_flush_clients(display);
         wl_event_loop_dispatch(loop, -1);
     }
+    wl_event_source_remove(wake);
     wl_display_destroy_clients(display);
     wl_display_destroy(display);
 }

@@ -10,8 +10,6 @@
 #include <mutex>
 #include <thread>
 
-struct wl_event_source;
-
 namespace framora {
 
 struct ScriptedPieces;

@@ -236,6 +236,9 @@ void ScriptedCopies::capture(Copy& copy, wl_resource* frame) {
         return;
     }
     if (std::exchange(copy.answer.newConstraints, false)) {
+        // The next session is told the truth at once.
+        copy.monitor->told.copy.newConstraints = false;
+        copy.monitor->told.copy.size.reset();
         copy.answer.size.reset();
         tellConstraints(copy);
         ext_image_copy_capture_frame_v1_send_failed(

@@ -24,7 +24,15 @@ QByteArray usualKeymap() {
 } // namespace
 
 ScriptedSeat::ScriptedSeat(ScriptedPieces& pieces) : m_pieces(pieces) {
-    offerGlobal(pieces.display, wl_seat_interface, pieces.script.seat, &pieces, bind);
+    offer();
+}
+
+void ScriptedSeat::offer() {
+    m_global = offerGlobal(m_pieces.display, wl_seat_interface, m_pieces.script.seat, &m_pieces, bind);
+}
+
+void ScriptedSeat::withdraw() {
+    wl_global_remove(m_global);
 }
 
 ScriptedSeat::~ScriptedSeat() = default;

@@ -11,6 +11,9 @@ public:
     explicit ScriptedSeat(ScriptedPieces& pieces);
     ~ScriptedSeat();
 
+    /// A seat that goes and another that comes.
+    void withdraw();
+    void offer();
     void setCapabilities(std::uint32_t capabilities);
     /// In the surface's logical pixels.
     void pointTo(ScriptedSurfaces::Surface& surface, QPointF position);
@@ -39,6 +42,7 @@ private:
     int keymap();
 
     ScriptedPieces& m_pieces;
+    wl_global* m_global = nullptr;
     std::vector<wl_resource*> m_seats;
     std::vector<Device> m_pointers;
     std::vector<Device> m_keyboards;
