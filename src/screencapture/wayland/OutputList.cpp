@@ -113,6 +113,14 @@ std::vector<Output> OutputList::take() {
         const bool onItsSide = output.transform % 2 == 1;
         output.pixelWidth = onItsSide ? entry->modeHeight : entry->modeWidth;
         output.pixelHeight = onItsSide ? entry->modeWidth : entry->modeHeight;
+        // GNOME may lay its outputs out in device pixels: their scale is what they say, and no quotient.
+        if (entry->wholeScale > 1 && output.logical.width == output.pixelWidth &&
+            output.logical.height == output.pixelHeight) {
+            output.logical.x /= entry->wholeScale;
+            output.logical.y /= entry->wholeScale;
+            output.logical.width /= entry->wholeScale;
+            output.logical.height /= entry->wholeScale;
+        }
         if (output.logical.empty()) {
             output.logical.width = output.pixelWidth / std::max(1, entry->wholeScale);
             output.logical.height = output.pixelHeight / std::max(1, entry->wholeScale);
