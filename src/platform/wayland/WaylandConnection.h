@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QSocketNotifier>
+#include <algorithm>
 #include <cstdint>
 #include <functional>
 #include <memory>

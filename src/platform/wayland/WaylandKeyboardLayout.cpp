@@ -6,6 +6,7 @@
 #include <QAbstractEventDispatcher>
 #include <QDeadlineTimer>
 #include <QGuiApplication>
+#include <cstring>
 #include <poll.h>
 #include <qpa/qplatformnativeinterface.h>
 #include <string_view>
