@@ -31,7 +31,7 @@ public:
 
 private:
     QProcessEnvironment m_before;
-    int m_descriptors;
+    std::string m_descriptors;
 
 public:
     std::optional<ScriptedCompositor> compositor;

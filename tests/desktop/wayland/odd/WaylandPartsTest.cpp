@@ -7,7 +7,6 @@
 #include <QClipboard>
 #include <QElapsedTimer>
 #include <QGuiApplication>
-#include <QMimeData>
 #include <ctime>
 #include <unistd.h>
 
@@ -175,17 +174,6 @@ TEST_P(OddPasteboardTest, wordsThatAWindowOfOursCopiedDoNotHideAnotherProgramsPi
     QGuiApplication::clipboard()->setText(QStringLiteral("words"));
     program.copy({"image/png"}, somePng());
     EXPECT_FALSE(program.pasteboard->readImage().isNull());
-    QGuiApplication::clipboard()->clear();
-}
-
-TEST_P(OddPasteboardTest, aPictureThatQtOffersIsReadWithoutAskingTheCompositor) {
-    auto data = std::make_unique<QMimeData>();
-    data->setData(QStringLiteral("image/png"), "ours");
-    QGuiApplication::clipboard()->setMimeData(data.release());
-    program.compositor->freeze();
-    program.pasteboard->readImage();
-    EXPECT_EQ(program.read, "ours");
-    program.compositor->thaw();
     QGuiApplication::clipboard()->clear();
 }
 
