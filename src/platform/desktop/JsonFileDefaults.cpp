@@ -1,5 +1,6 @@
 #include "platform/desktop/JsonFileDefaults.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -73,7 +74,7 @@ bool lockFolder(int folder) {
 
 /// Writes beside the file and moves the whole over it. The name beside it is always the same, so that what a
 /// killed process left there goes with the next save; the folder's lock keeps it to one saver.
-bool replaceFile(const QString& path, int folder, const std::string& bytes) {
+bool replaceFile(const QString& path, int folder, const std::string& bytes, bool isSynced) {
     const QByteArray target = QFile::encodeName(path);
     const QByteArray beside = target + ".new";
     struct stat old {};
@@ -82,11 +83,12 @@ bool replaceFile(const QString& path, int folder, const std::string& bytes) {
     FileDescriptor file(open(beside.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file.isOpen())
         return false;
-    const bool whole =
-        writeAll(file.value(), bytes) && fchmod(file.value(), mode) == 0 && fsync(file.value()) == 0;
+    const bool whole = writeAll(file.value(), bytes) && fchmod(file.value(), mode) == 0 &&
+                       (!isSynced || fsync(file.value()) == 0);
     if (file.close() && whole && rename(beside.constData(), target.constData()) == 0) {
         // The new name lasts too; where a folder cannot be synced, it is in place all the same.
-        fsync(folder);
+        if (isSynced)
+            fsync(folder);
         return true;
     }
     unlink(beside.constData());
@@ -111,6 +113,28 @@ QString linkTarget(QString path) {
 QString JsonFileDefaults::defaultPath() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
            QStringLiteral("/framora/defaults.json");
+}
+
+JsonFileDefaults::JsonFileDefaults(QString path) : m_path(std::move(path)) {
+    m_syncing.setSingleShot(true);
+    m_syncing.callOnTimeout([this] { sync(); });
+}
+
+JsonFileDefaults::~JsonFileDefaults() {
+    if (isSyncPending())
+        sync();
+}
+
+void JsonFileDefaults::sync() {
+    m_syncing.stop();
+    const QString path = linkTarget(m_path);
+    const FileDescriptor file(open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC));
+    const FileDescriptor folder(open(QFile::encodeName(QFileInfo(path).absolutePath()).constData(),
+                                     O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (file.isOpen())
+        fsync(file.value());
+    if (folder.isOpen())
+        fsync(folder.value());
 }
 
 std::optional<std::string> JsonFileDefaults::dataForKey(const std::string& key) const {
@@ -139,7 +163,16 @@ bool JsonFileDefaults::setData(const std::string& key, const std::string& json) 
     if (!object)
         return false;
     (*object)[key] = std::move(value);
-    return replaceFile(path, folder.value(), object->dump(4) + '\n');
+    // Without an event loop nobody would come back to it.
+    const bool isStep = m_sinceSave.isValid() && m_sinceSave.elapsed() < calm && QCoreApplication::instance();
+    if (!replaceFile(path, folder.value(), object->dump(4) + '\n', !isStep))
+        return false;
+    m_sinceSave.start();
+    if (isStep)
+        m_syncing.start(calm);
+    else
+        m_syncing.stop();
+    return true;
 }
 
 } // namespace framora

@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QTest>
 #include <csignal>
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -50,6 +51,19 @@ TEST_F(JsonFileDefaultsTest, whatIsStoredIsReadAgainByAnother) {
     EXPECT_TRUE(defaults.setData("Settings", R"({"volume":0.1,"bits":18446744073709551615})"));
     EXPECT_EQ(JsonFileDefaults(path).dataForKey("Settings"), R"({"volume":0.1,"bits":18446744073709551615})");
     EXPECT_EQ(filesInFolder(), QStringList{QStringLiteral("defaults.json")});
+}
+
+TEST_F(JsonFileDefaultsTest, stepsInQuickSuccessionAreInTheFileAtOnceAndSyncedWhenItIsCalm) {
+    ASSERT_TRUE(defaults.setData("Settings", "0"));
+    EXPECT_FALSE(defaults.isSyncPending()) << "a change of its own is synced with the save";
+    for (int i = 1; i <= 5; ++i) {
+        ASSERT_TRUE(defaults.setData("Settings", std::to_string(i)));
+        EXPECT_EQ(JsonFileDefaults(path).dataForKey("Settings"), std::to_string(i));
+        EXPECT_EQ(filesInFolder(), QStringList{QStringLiteral("defaults.json")});
+    }
+    EXPECT_TRUE(defaults.isSyncPending());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !defaults.isSyncPending(); }));
+    EXPECT_EQ(defaults.dataForKey("Settings"), "5");
 }
 
 TEST_F(JsonFileDefaultsTest, theFoldersOnTheWayAreMade) {
