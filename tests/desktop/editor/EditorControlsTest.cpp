@@ -217,7 +217,7 @@ TEST_F(EveryControl, OfASliderHoldsItsHandleWhereItIsGrabbed) {
     display().drag(handle + QPoint(5, 0), sliderPoint("padding", 0.9) + QPoint(5, 0));
     ASSERT_TRUE(waitForField("padding", "180"));
     display().doubleClick(sliderPoint("padding", 0.9));
-    ASSERT_TRUE(waitForField("padding", "80"));
+    ASSERT_TRUE(waitForField("padding", "80")) << field("padding").toStdString();
 }
 
 TEST_F(EveryControl, LetsTheWheelScrollPastSlidersUnmoved) {
