@@ -26,8 +26,8 @@ inline constexpr float arcTangentLeast = 1e-30f;
 /// Pixels whose channels grow by the same step each, in 65536ths of a MixPixel's, and by half of one more.
 struct ColorRun {
     static constexpr int one = 1 << 16;
-    std::int32_t first[4];
-    std::int32_t step[4];
+    alignas(16) std::int32_t first[4];
+    alignas(16) std::int32_t step[4];
 };
 
 /// The colours of a run, dithered for the pixels from (x, y): what lies between two steps of 255 becomes a
