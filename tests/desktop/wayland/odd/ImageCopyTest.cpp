@@ -130,7 +130,7 @@ TEST(ImageCopyTest, itIsARouteThatAsksNobody) {
         script.imageCopy = version;
         OddCapture odd(script);
         odd.launch(QStringLiteral("--check-route"));
-        EXPECT_TRUE(odd.endsWith(version ? 0 : 3, "", 2000));
+        EXPECT_TRUE(odd.endsWith(version ? 0 : 3, "", 5000));
         EXPECT_EQ(odd.compositor.copiesAsked(), 0);
     }
 }

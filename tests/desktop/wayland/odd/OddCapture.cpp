@@ -2,7 +2,6 @@
 
 #include "desktop/support/ScriptedClipboard.h"
 
-#include <QElapsedTimer>
 #include <fcntl.h>
 #include <linux/input-event-codes.h>
 #include <poll.h>

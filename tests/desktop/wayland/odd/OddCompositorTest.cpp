@@ -1,20 +1,22 @@
 // Compositors that refuse, fall silent, take things back or die.
 
+#include "desktop/support/ScriptedClipboard.h"
 #include "desktop/support/ScriptedSeat.h"
 #include "desktop/wayland/odd/OddCapture.h"
 
-#include <QElapsedTimer>
+#include <fcntl.h>
 #include <linux/input-event-codes.h>
+#include <unistd.h>
 
 namespace framora {
 namespace {
 
-TEST(OddCompositorTest, oneThatNeverAnswersEndsItWithinTwoSecondsAndXIsNotTakenInstead) {
+TEST(OddCompositorTest, oneThatNeverAnswersEndsItSoonAndXIsNotTakenInstead) {
     OddCapture odd;
     odd.compositor.setEnvironmentVariable(QStringLiteral("DISPLAY"), QStringLiteral(":4242"));
     odd.compositor.freeze();
     odd.launch();
-    EXPECT_TRUE(odd.endsWith(3, "does not answer", 2000));
+    EXPECT_TRUE(odd.endsWith(3, "does not answer", 5000));
     EXPECT_FALSE(odd.descriptors.isReady());
     odd.compositor.thaw();
 }
@@ -36,7 +38,7 @@ TEST(OddCompositorTest, itEndsWithTheCompositorWheneverThatDies) {
         OddCapture odd;
         ASSERT_TRUE(odd.open());
         odd.compositor.die();
-        EXPECT_TRUE(odd.endsWith(3, "the compositor is gone", 2000));
+        EXPECT_TRUE(odd.endsWith(3, "the compositor is gone", 5000));
     }
     {
         OddCapture odd;
@@ -45,7 +47,7 @@ TEST(OddCompositorTest, itEndsWithTheCompositorWheneverThatDies) {
         odd.compositor.press(BTN_LEFT);
         odd.compositor.pointTo({60, 70});
         odd.compositor.die();
-        EXPECT_TRUE(odd.endsWith(3, "the compositor is gone", 2000));
+        EXPECT_TRUE(odd.endsWith(3, "the compositor is gone", 5000));
     }
     {
         CompositorScript script;
@@ -60,7 +62,7 @@ TEST(OddCompositorTest, itEndsWithTheCompositorWheneverThatDies) {
         OddCapture odd(script);
         capture = &odd;
         odd.launch();
-        EXPECT_TRUE(odd.endsWith(3, "the compositor is gone", 2000));
+        EXPECT_TRUE(odd.endsWith(3, "the compositor is gone", 5000));
         EXPECT_FALSE(odd.descriptors.isReady());
     }
 }
@@ -69,7 +71,7 @@ TEST(OddCompositorTest, aSocketThatNobodyListensAtIsNoSession) {
     OddCapture odd;
     odd.compositor.die();
     odd.launch();
-    EXPECT_TRUE(odd.endsWith(3, "", 2000));
+    EXPECT_TRUE(odd.endsWith(3, "", 5000));
 }
 
 TEST(OddLayersTest, oneThatClosesTheOverlayAtOnceCancels) {
@@ -150,6 +152,34 @@ TEST(OddSeatTest, aDeviceThatComesLateWorks) {
     EXPECT_TRUE(odd.isCancelled());
 }
 
+TEST(OddSeatTest, aSessionWithoutAnyDeviceGetsNoOverlayThatNobodyCouldLeave) {
+    CompositorScript script;
+    script.capabilities = 0;
+    OddCapture odd(script);
+    odd.launch();
+    EXPECT_TRUE(odd.endsWith(3, "", 5000));
+    EXPECT_FALSE(odd.descriptors.isReady());
+    EXPECT_EQ(odd.compositor.copiesAsked(), 0);
+}
+
+TEST(OddSeatTest, aPointerThatComesBackInADragGoesOnWithIt) {
+    OddCapture odd;
+    ASSERT_TRUE(odd.open());
+    odd.compositor.pointTo({10, 20});
+    odd.compositor.press(BTN_LEFT);
+    odd.compositor.pointTo({60, 60});
+    odd.compositor.setCapabilities(CompositorScript::Keyboard);
+    odd.compositor.setCapabilities(CompositorScript::Pointer | CompositorScript::Keyboard);
+    ASSERT_TRUE(DesktopSession::waitFor([&] {
+        return odd.compositor.ask<bool>([](ScriptedPieces& pieces) { return pieces.seat->isHeard(); });
+    }));
+    odd.compositor.pointTo({110, 80});
+    odd.compositor.press(BTN_LEFT);
+    odd.compositor.release(BTN_LEFT);
+    EXPECT_TRUE(odd.endsWith(0));
+    EXPECT_TRUE(samePixels(odd.clipboard(), odd.compositor.picture().copy(10, 20, 100, 60)));
+}
+
 TEST(OddSeatTest, aPointerThatGoesInADragLeavesTheKeyboardToCancel) {
     OddCapture odd;
     ASSERT_TRUE(odd.open());
@@ -195,6 +225,34 @@ TEST(OddClipboardTest, theNewerProtocolIsSpokenWhereBothAre) {
     OddCapture odd(script);
     ASSERT_TRUE(odd.open());
     EXPECT_TRUE(odd.takes({10, 20, 100, 60}, odd.compositor.picture().copy(10, 20, 100, 60)));
+}
+
+TEST(OddClipboardTest, aReaderThatStallsKeepsNobodyElseFromReading) {
+    OddCapture odd;
+    ASSERT_TRUE(odd.open());
+    const QImage all = odd.compositor.picture();
+    EXPECT_TRUE(odd.takes(all.rect(), all)); // more than a pipe holds
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    odd.compositor.perform([&](ScriptedPieces& pieces) { pieces.clipboard->receive("image/png", ends[1]); });
+    EXPECT_TRUE(samePixels(odd.clipboard(), all));
+    EXPECT_TRUE(samePixels(odd.clipboard(), all));
+    close(ends[0]);
+}
+
+TEST(OddClipboardTest, aTypeThatWasNeverOfferedIsAnsweredWithNothing) {
+    OddCapture odd;
+    ASSERT_TRUE(odd.open());
+    EXPECT_TRUE(odd.takes({10, 20, 100, 60}, odd.compositor.picture().copy(10, 20, 100, 60)));
+    for (const QByteArray& type : {QByteArray(), QByteArray("image/jpeg"), QByteArray(3000, 'x')}) {
+        int ends[2];
+        ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+        odd.compositor.perform([&](ScriptedPieces& pieces) { pieces.clipboard->receive(type, ends[1]); });
+        char byte = 0;
+        EXPECT_EQ(read(ends[0], &byte, 1), 0);
+        close(ends[0]);
+    }
+    EXPECT_TRUE(samePixels(odd.clipboard(), odd.compositor.picture().copy(10, 20, 100, 60)));
 }
 
 TEST(OddClipboardTest, theProcessThatServesItEndsWithTheCompositor) {

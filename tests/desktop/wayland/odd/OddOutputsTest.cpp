@@ -49,7 +49,7 @@ TEST(OddOutputsTest, everyMissingGlobalEndsItAtOnceWithOneLine) {
         script.*version = 0;
         OddCapture odd(script);
         odd.launch();
-        EXPECT_TRUE(odd.endsWith(3, "", 2000));
+        EXPECT_TRUE(odd.endsWith(3, "", 5000));
         EXPECT_FALSE(odd.descriptors.isReady());
         EXPECT_EQ(odd.compositor.copiesAsked(), 0);
     }
@@ -74,12 +74,21 @@ TEST(OddOutputsTest, oldVersionsOfWhatIsNeededAreEnough) {
     }
 }
 
+TEST(OddOutputsTest, anOutputOfTwoPixelsAPointNeedsNoViewport) {
+    CompositorScript script;
+    script.viewporter = 0;
+    script.outputs[0].scale = 2;
+    OddCapture odd(script);
+    ASSERT_TRUE(odd.open());
+    EXPECT_TRUE(odd.takes({5, 10, 50, 30}, odd.compositor.picture().copy(10, 20, 100, 60)));
+}
+
 TEST(OddOutputsTest, aSessionWithoutAnOutputHasNothingToTake) {
     CompositorScript script;
     script.outputs.clear();
     OddCapture odd(script);
     odd.launch();
-    EXPECT_TRUE(odd.endsWith(3, "no output", 2000));
+    EXPECT_TRUE(odd.endsWith(3, "no output", 5000));
 }
 
 TEST(OddOutputsTest, outputsOfNoSizeAreLeftOut) {
