@@ -9,6 +9,15 @@
 
 namespace framora {
 
+namespace {
+
+/// Whether the compositor can be handed a picture of that size.
+bool fitsIntoBuffer(int width, int height) {
+    return width > 0 && height > 0 && int64_t{width} * height <= INT32_MAX / 4;
+}
+
+} // namespace
+
 /// What the compositor has told about one output so far.
 struct OutputList::Entry {
     OutputList* list = nullptr;
@@ -29,7 +38,8 @@ struct OutputList::Entry {
 };
 
 OutputList::OutputList(WaylandConnection& connection)
-    : m_manager(connection.bind<zxdg_output_manager_v1>(zxdg_output_manager_v1_interface, 3)) {
+    : m_connection(connection),
+      m_manager(connection.bind<zxdg_output_manager_v1>(zxdg_output_manager_v1_interface, 3)) {
     static const wl_output_listener outputListener{
         .geometry =
             [](void* data, wl_output*, int32_t x, int32_t y, int32_t, int32_t, int32_t, const char*,
@@ -95,6 +105,7 @@ OutputList::OutputList(WaylandConnection& connection)
 }
 
 OutputList::~OutputList() {
+    m_connection.onOutputsChanged({});
     for (const auto& entry : m_entries) {
         if (entry->extra)
             zxdg_output_v1_destroy(entry->extra);
@@ -125,7 +136,7 @@ std::vector<Output> OutputList::take() {
             output.logical.width = output.pixelWidth / std::max(1, entry->wholeScale);
             output.logical.height = output.pixelHeight / std::max(1, entry->wholeScale);
         }
-        if (output.logical.empty())
+        if (output.logical.empty() || !fitsIntoBuffer(output.pixelWidth, output.pixelHeight))
             continue;
         output.scale =
             outputScale(output.pixelWidth, output.pixelHeight, output.logical.width, output.logical.height);

@@ -14,7 +14,7 @@ class WaylandConnection;
 /// Every output of the compositor, and whether one of them changes.
 class OutputList {
 public:
-    /// Asks for all; they are known after the connection's next roundtrip.
+    /// Asks for all; they are known after the connection's next roundtrip. One list at a time.
     explicit OutputList(WaylandConnection& connection);
     ~OutputList();
     OutputList(const OutputList&) = delete;
@@ -29,6 +29,7 @@ private:
 
     void touched() { m_changed = m_taken; }
 
+    WaylandConnection& m_connection;
     std::vector<std::unique_ptr<Entry>> m_entries;
     zxdg_output_manager_v1* m_manager;
     bool m_taken = false;

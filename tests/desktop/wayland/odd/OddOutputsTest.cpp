@@ -111,6 +111,18 @@ TEST(OddOutputsTest, sizesThatMeanNothingEndItWithOneLine) {
     }
 }
 
+TEST(OddOutputsTest, whatNoBufferCanHoldIsNoOutput) {
+    for (const QSize mode : {QSize(30000, 30000), QSize(0, 0), QSize(-5, 10)}) {
+        CompositorScript script;
+        script.outputs[0].mode = mode;
+        script.outputs[0].logicalSize = {320, 200};
+        OddCapture odd(script);
+        odd.launch();
+        EXPECT_TRUE(odd.endsWith(3, "no output", 5000)) << mode.width();
+        EXPECT_EQ(odd.compositor.copiesAsked(), 0);
+    }
+}
+
 TEST(OddOutputsTest, scalesAndLogicalSizesThatMeanNothingDoNoHarm) {
     for (const auto& [scale, logical] : {std::pair{0, QSize()},
                                          {-3, QSize()},
