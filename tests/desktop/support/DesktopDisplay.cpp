@@ -261,6 +261,9 @@ void DesktopDisplay::click(const QPoint& position, Button button) {
 
 void DesktopDisplay::doubleClick(const QPoint& position) {
     click(position);
+    // The pace of a hand: a window manager holds each press while it raises the window, and where the next
+    // one is there by then already, it gets lost between the manager and the server.
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
     click(position);
 }
 
