@@ -16,9 +16,11 @@ constexpr uint32_t kSymEscape = 0xff1b;
 constexpr uint32_t kSymShiftL = 0xffe1;
 constexpr uint32_t kSymShiftR = 0xffe2;
 
+/// What a key means by itself in its first two groups, whose symbols come in pairs of levels: some layouts
+/// have Escape and space on further levels of letters.
 SelectionModel::Key meaningOf(const xcb_keysym_t* symbols, int count) {
     using Key = SelectionModel::Key;
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < count && i < 4; i += 2) {
         switch (symbols[i]) {
         case kSymEscape:
             return Key::Escape;

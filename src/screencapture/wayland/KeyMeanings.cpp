@@ -94,14 +94,12 @@ Key KeyMeanings::meaning(uint32_t code) {
     const xkb_keycode_t key = code + kKernelToKeymap;
     const xkb_layout_index_t layouts = xkb_keymap_num_layouts_for_key(m_keymap, key);
     for (xkb_layout_index_t layout = 0; layout < layouts; ++layout) {
-        const xkb_level_index_t levels = xkb_keymap_num_levels_for_key(m_keymap, key, layout);
-        for (xkb_level_index_t level = 0; level < levels; ++level) {
-            const xkb_keysym_t* symbols = nullptr;
-            const int count = xkb_keymap_key_get_syms_by_level(m_keymap, key, layout, level, &symbols);
-            for (int i = 0; i < count; ++i)
-                if (const Key meaning = meaningOf(symbols[i]); meaning != Key::Other)
-                    return meaning;
-        }
+        // What a key means by itself: some layouts have Escape and space on further levels of letters.
+        const xkb_keysym_t* symbols = nullptr;
+        const int count = xkb_keymap_key_get_syms_by_level(m_keymap, key, layout, 0, &symbols);
+        for (int i = 0; i < count; ++i)
+            if (const Key meaning = meaningOf(symbols[i]); meaning != Key::Other)
+                return meaning;
     }
     return Key::Other;
 }

@@ -13,9 +13,9 @@ namespace {
 
 using Key = SelectionModel::Key;
 
-std::string keymapText(const char* layout, const char* options) {
+std::string keymapText(const char* layout, const char* options, const char* variant = "") {
     xkb_context* context = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
-    const xkb_rule_names names{"evdev", "pc105", layout, "", options};
+    const xkb_rule_names names{"evdev", "pc105", layout, variant, options};
     xkb_keymap* keymap = xkb_keymap_new_from_names(context, &names, XKB_KEYMAP_COMPILE_NO_FLAGS);
     char* text = xkb_keymap_get_as_string(keymap, XKB_KEYMAP_FORMAT_TEXT_V1);
     std::string result = text;
@@ -46,6 +46,18 @@ TEST(KeyMeaningsTest, theKeymapSaysWhatAKeyMeans) {
     adopt(meanings, keymapText("us,de", "caps:swapescape"));
     EXPECT_EQ(meanings.meaning(KEY_ESC), Key::Other);
     EXPECT_EQ(meanings.meaning(KEY_CAPSLOCK), Key::Escape);
+}
+
+TEST(KeyMeaningsTest, aLetterIsNoEscapeForWhatItHasOnFurtherLevels) {
+    KeyMeanings meanings;
+    adopt(meanings, keymapText("de", "", "neo"));
+    EXPECT_EQ(meanings.meaning(KEY_ESC), Key::Escape);
+    EXPECT_EQ(meanings.meaning(KEY_SPACE), Key::Space);
+    EXPECT_EQ(meanings.meaning(KEY_LEFTSHIFT), Key::Shift);
+    for (int code = KEY_Q; code <= KEY_P; ++code)
+        EXPECT_EQ(meanings.meaning(static_cast<uint32_t>(code)), Key::Other) << code;
+    for (int code = KEY_Z; code <= KEY_M; ++code)
+        EXPECT_EQ(meanings.meaning(static_cast<uint32_t>(code)), Key::Other) << code;
 }
 
 TEST(KeyMeaningsTest, withoutAKeymapTheKeysAreTheUsualOnes) {
