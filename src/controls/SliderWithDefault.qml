@@ -186,8 +186,6 @@ Item {
             property real grabOffset: 0
             property real pressedAt: 0
             property bool follows: false
-            // The toolkit misses a double click that comes right behind a drag: it is told by the presses here.
-            property double lastClickAt: 0
 
             function pointTo(x: real): void {
                 const part = Math.max(0, Math.min(1, (x - grabOffset - 8) / (width - 16)));
@@ -201,32 +199,21 @@ Item {
             onPressed: event => {
                 slider.forceActiveFocus(Qt.MouseFocusReason);
                 control.editStarted();
-                const isSecondClick = Date.now() - lastClickAt < Application.styleHints.mouseDoubleClickInterval
-                                      && Math.abs(event.x - pressedAt) <= 4;
-                lastClickAt = Date.now();
                 const offset = event.x - slider.handle.x - 8;
-                follows = Math.abs(offset) > 9 && !isSecondClick;
-                grabOffset = Math.abs(offset) > 9 ? 0 : offset;
+                follows = Math.abs(offset) > 9;
+                grabOffset = follows ? 0 : offset;
                 pressedAt = event.x;
-                if (isSecondClick)
-                    control.reset();
-                else if (follows)
+                if (follows)
                     pointTo(event.x);
             }
             onPositionChanged: event => {
                 // A shaking hand is no drag: a double click on the handle must not move it.
-                if (!pressed)
-                    return;
-                follows = follows || Math.abs(event.x - pressedAt) > 2;
-                if (!follows)
-                    return;
-                if (Math.abs(event.x - pressedAt) > 4)
-                    lastClickAt = 0;
-                pointTo(event.x);
+                follows = follows || (pressed && Math.abs(event.x - pressedAt) > 2);
+                if (pressed && follows)
+                    pointTo(event.x);
             }
             onReleased: control.editFinished()
             onCanceled: control.editFinished()
-            // Where the presses were told late, which the toolkit knows.
             onDoubleClicked: {
                 follows = false;
                 control.reset();
