@@ -11,8 +11,9 @@ class QSGImageNode;
 namespace framora {
 
 /// The quiet shadow and the hairline with which the canvas lies on its ground; nothing of it is inside the
-/// canvas. What is drawn of it changes only when it is placed anew.
-class CanvasEdge final : public QSGNode {
+/// canvas. What is drawn of it changes only when it is placed anew. A transform node for the reason that
+/// CanvasFrame is one.
+class CanvasEdge final : public QSGTransformNode {
 public:
     /// How far the shadow reaches, in points.
     static constexpr int farthest = 32;

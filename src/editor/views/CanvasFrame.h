@@ -14,7 +14,10 @@ namespace framora {
 
 /// A drawn frame in the scene. What of it is opaque is given to the scene as such, which then copies it
 /// instead of blending it and draws nothing under it; around that there is no more than shows something.
-class CanvasFrame final : public QSGNode {
+///
+/// Its matrix stays the identity. It is a transform node because the software renderer forgets where a plain
+/// node is: parts that are added to one later would be drawn at the window's corner.
+class CanvasFrame final : public QSGTransformNode {
 public:
     explicit CanvasFrame(QQuickWindow& window);
     ~CanvasFrame() override;

@@ -192,6 +192,40 @@ TEST_F(Canvas, IsSeenWithWhatReachesOutOfItAndShinesThroughIt) {
     }
 }
 
+TEST_F(Canvas, IsSeenInItsPlaceWhenPartsOfItComeLater) {
+    // Beside a sidebar and under a header, as in the editor.
+    const QPoint corner(90, 40);
+    const auto seen = [&] {
+        return window.grabWindow()
+            .convertToFormat(QImage::Format_ARGB32_Premultiplied)
+            .copy(QRect(corner, canvas->size().toSize()));
+    };
+    canvas->setPosition(corner);
+    canvas->setSize({510, 360});
+    set([](auto& style) { style.customColor = {0, 0.5, 1, 1}; });
+    window.grabWindow(); // the canvas alone: its edges are on pixels
+    for (const bool dark : {false, true}) {
+        canvas->setDark(dark); // the edge is made anew
+        set([](auto& style) { style.zoom = 61.7; });
+        const QImage later = seen();
+        const QColor ground = window.color();
+        EXPECT_EQ(window.grabWindow().pixelColor(5, 200), ground) << "nothing of it beside it";
+        EXPECT_EQ(window.grabWindow().pixelColor(300, 5), ground) << "nothing of it above it";
+        // The same, with everything there from the start.
+        ScreenshotPreviewCanvas fresh(window.contentItem());
+        fresh.setPosition(corner);
+        fresh.setSize(canvas->size());
+        fresh.setImage(image);
+        fresh.setConfig(config);
+        fresh.setDark(dark);
+        canvas->setVisible(false);
+        EXPECT_EQ(later, seen()) << "dark: " << dark;
+        canvas->setVisible(true);
+        set([](auto& style) { style.zoom = 100; });
+        window.grabWindow();
+    }
+}
+
 TEST(CanvasFrame, TakesNoMoreOfAPictureThanShowsSomething) {
     QImage frame(40, 30, QImage::Format_ARGB32_Premultiplied);
     frame.fill(Qt::transparent);
