@@ -22,8 +22,9 @@ Screen placeholder() {
 std::vector<Screen> WaylandScreens::screens() {
     // An output that has just come is named in one round and tells of itself in the next.
     m_connection.roundTrip();
-    if (!std::ranges::all_of(m_outputs.all(), &WaylandOutput::isKnown,
-                             [](const auto& output) -> const auto& { return *output; }))
+    if (!std::ranges::all_of(
+            m_outputs.all(), &WaylandOutput::isKnown,
+            [](const auto& output) -> const auto& { return *output; }))
         m_connection.roundTrip();
     std::vector<Screen> screens;
     for (const auto& output : m_outputs.all()) {

@@ -13,7 +13,9 @@ namespace {
 
 class AutostartEntryTest : public testing::Test {
 protected:
-    QString file() const { return folder.filePath(QStringLiteral("config/autostart/org.framora.Framora.desktop")); }
+    QString file() const {
+        return folder.filePath(QStringLiteral("config/autostart/org.framora.Framora.desktop"));
+    }
     QString systemFolder() const { return folder.filePath(QStringLiteral("etc")); }
     QString makeProgram(const QString& name) {
         QString path = folder.filePath(name);
