@@ -45,6 +45,8 @@ Item {
         wrapMode: TextEdit.Wrap
         font.family: Theme.monospacedFamily
         font.pixelSize: 12
+        // No ligatures: two hyphens are two hyphens to who types the line.
+        font.preferShaping: false
         Accessible.role: Accessible.EditableText
         Accessible.readOnly: true
         Accessible.name: line.label !== "" ? line.label : text
