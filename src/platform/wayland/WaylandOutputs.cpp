@@ -1,7 +1,6 @@
 #include "platform/wayland/WaylandOutputs.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 #include <wayland-protocols/xdg-output-unstable-v1.h>
 
@@ -12,24 +11,7 @@ namespace {
 constexpr std::uint32_t highestOutputVersion = 4;
 constexpr std::uint32_t highestManagerVersion = 3;
 
-bool fits(int pixels, int logical, double ratio) {
-    return std::abs(pixels / ratio - logical) < 1;
-}
-
 } // namespace
-
-double outputRatio(QSize pixels, QSize logical) {
-    if (pixels.isEmpty() || logical.isEmpty())
-        return 1;
-    const double measured = double(pixels.width()) / logical.width();
-    for (const double steps : {4.0, 120.0}) {
-        const double ratio = std::round(measured * steps) / steps;
-        if (ratio > 0 && fits(pixels.width(), logical.width(), ratio) &&
-            fits(pixels.height(), logical.height(), ratio))
-            return ratio;
-    }
-    return measured;
-}
 
 const wl_output_listener WaylandOutput::listener{
     [](void* data, wl_output*, std::int32_t x, std::int32_t y, std::int32_t, std::int32_t, std::int32_t,
@@ -93,16 +75,10 @@ QSize WaylandOutput::pixelSize() const {
     return m_transform % 2 == 0 ? m_mode : m_mode.transposed();
 }
 
-bool WaylandOutput::countsPixels() const {
-    return m_logicalSize.isEmpty() || (m_scale > 1 && m_logicalSize == pixelSize());
-}
-
-QSize WaylandOutput::logicalSize() const {
-    return countsPixels() ? pixelSize() / m_scale : m_logicalSize;
-}
-
-double WaylandOutput::pixelRatio() const {
-    return countsPixels() ? m_scale : outputRatio(pixelSize(), m_logicalSize);
+OutputLayout WaylandOutput::layout() const {
+    const QSize pixels = pixelSize();
+    return outputLayout({pixels.width(), pixels.height(), m_logicalPosition.x(), m_logicalPosition.y(),
+                         m_logicalSize.width(), m_logicalSize.height(), m_scale});
 }
 
 WaylandOutputs::WaylandOutputs(WaylandConnection& connection)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/wayland/WaylandConnection.h"
+#include "wayland/OutputLayout.h"
 
 #include <QPoint>
 #include <QSize>
@@ -26,12 +27,12 @@ public:
     std::uint32_t globalName() const { return m_globalName; }
     QString name() const { return m_name; }
     /// In the compositor's space, where scaled outputs are as large as they seem.
-    QPoint logicalPosition() const { return m_logicalPosition; }
-    QSize logicalSize() const;
+    QPoint logicalPosition() const { return {layout().x, layout().y}; }
+    QSize logicalSize() const { return {layout().width, layout().height}; }
     /// As it is looked at, after rotation.
     QSize pixelSize() const;
-    /// Pixels a unit of the compositor's space. Exact also where that is no whole number.
-    double pixelRatio() const;
+    /// Device pixels a logical one. Exact also where that is no whole number.
+    double pixelRatio() const { return layout().ratio; }
     /// Whether the compositor has told all of it.
     bool isKnown() const { return !m_mode.isEmpty(); }
 
@@ -39,8 +40,7 @@ public:
     void describeBy(zxdg_output_manager_v1& manager);
 
 private:
-    /// Whether the compositor's space is one of pixels, so that windows there are drawn at a whole ratio.
-    bool countsPixels() const;
+    OutputLayout layout() const;
 
     static const wl_output_listener listener;
     static const zxdg_output_v1_listener logicalListener;
@@ -78,9 +78,5 @@ private:
     zxdg_output_manager_v1* m_manager;
     std::vector<std::unique_ptr<WaylandOutput>> m_outputs;
 };
-
-/// The nearest of the ratios that desktops let their users choose, quarters and steps of 1/120, for an output
-/// of so many pixels whose size in the compositor's space was rounded to whole numbers.
-double outputRatio(QSize pixels, QSize logical);
 
 } // namespace framora

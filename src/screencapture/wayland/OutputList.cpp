@@ -1,7 +1,7 @@
 #include "screencapture/wayland/OutputList.h"
 
-#include "screencapture/wayland/OutputScale.h"
 #include "screencapture/wayland/WaylandConnection.h"
+#include "wayland/OutputLayout.h"
 
 #include <utility>
 #include <wayland-client-protocol.h>
@@ -124,22 +124,13 @@ std::vector<Output> OutputList::take() {
         const bool onItsSide = output.transform % 2 == 1;
         output.pixelWidth = onItsSide ? entry->modeHeight : entry->modeWidth;
         output.pixelHeight = onItsSide ? entry->modeWidth : entry->modeHeight;
-        // GNOME may lay its outputs out in device pixels: their scale is what they say, and no quotient.
-        if (entry->wholeScale > 1 && output.logical.width == output.pixelWidth &&
-            output.logical.height == output.pixelHeight) {
-            output.logical.x /= entry->wholeScale;
-            output.logical.y /= entry->wholeScale;
-            output.logical.width /= entry->wholeScale;
-            output.logical.height /= entry->wholeScale;
-        }
-        if (output.logical.empty()) {
-            output.logical.width = output.pixelWidth / std::max(1, entry->wholeScale);
-            output.logical.height = output.pixelHeight / std::max(1, entry->wholeScale);
-        }
+        const auto [x, y, width, height, ratio] =
+            outputLayout({output.pixelWidth, output.pixelHeight, output.logical.x, output.logical.y,
+                          output.logical.width, output.logical.height, entry->wholeScale});
+        output.logical = {x, y, width, height};
+        output.scale = ratio;
         if (output.logical.empty() || !fitsIntoBuffer(output.pixelWidth, output.pixelHeight))
             continue;
-        output.scale =
-            outputScale(output.pixelWidth, output.pixelHeight, output.logical.width, output.logical.height);
         outputs.push_back(std::move(output));
     }
     return outputs;

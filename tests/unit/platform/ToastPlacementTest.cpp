@@ -1,4 +1,3 @@
-#include "platform/wayland/WaylandOutputs.h"
 #include "platform/wayland/WaylandToastPlacement.h"
 
 #include <cmath>
@@ -58,22 +57,6 @@ TEST(ToastPlacementTest, aRadiusLargerThanTheRectangleMakesACapsule) {
     EXPECT_EQ(region.back().bottom(), 19);
     for (const QRect& part : region)
         EXPECT_TRUE(QRect(0, 0, 40, 20).contains(part));
-}
-
-TEST(OutputRatioTest, findsTheRatioThatRoundingHid) {
-    EXPECT_EQ(outputRatio({1920, 1080}, {1920, 1080}), 1);
-    EXPECT_EQ(outputRatio({3840, 2160}, {1920, 1080}), 2);
-    EXPECT_EQ(outputRatio({1366, 768}, {911, 512}), 1.5);
-    EXPECT_EQ(outputRatio({1366, 768}, {910, 512}), 1.5);
-    EXPECT_EQ(outputRatio({2560, 1440}, {2048, 1152}), 1.25);
-    EXPECT_EQ(outputRatio({2560, 1600}, {1463, 914}), 1.75);
-    EXPECT_DOUBLE_EQ(outputRatio({1920, 1080}, {1440, 810}), 4.0 / 3);
-    EXPECT_DOUBLE_EQ(outputRatio({1920, 1080}, {1745, 982}), 1.1);
-}
-
-TEST(OutputRatioTest, anOutputOfNoSizeHasTheRatioOne) {
-    EXPECT_EQ(outputRatio({}, {}), 1);
-    EXPECT_EQ(outputRatio({1920, 1080}, {0, 0}), 1);
 }
 
 } // namespace
