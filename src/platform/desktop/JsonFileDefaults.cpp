@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <QThread>
 #include <cerrno>
 #include <chrono>
 #include <fcntl.h>
@@ -23,6 +24,7 @@ using Json = nlohmann::ordered_json;
 
 constexpr int lockAttempts = 50;
 constexpr std::chrono::milliseconds lockPause{10};
+constexpr std::chrono::seconds retryPause{5};
 
 class FileDescriptor {
 public:
@@ -74,7 +76,7 @@ bool lockFolder(int folder) {
 
 /// Writes beside the file and moves the whole over it. The name beside it is always the same, so that what a
 /// killed process left there goes with the next save; the folder's lock keeps it to one saver.
-bool replaceFile(const QString& path, int folder, const std::string& bytes, bool isSynced) {
+bool replaceFile(const QString& path, int folder, const std::string& bytes) {
     const QByteArray target = QFile::encodeName(path);
     const QByteArray beside = target + ".new";
     struct stat old {};
@@ -83,12 +85,11 @@ bool replaceFile(const QString& path, int folder, const std::string& bytes, bool
     FileDescriptor file(open(beside.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     if (!file.isOpen())
         return false;
-    const bool whole = writeAll(file.value(), bytes) && fchmod(file.value(), mode) == 0 &&
-                       (!isSynced || fsync(file.value()) == 0);
+    const bool whole =
+        writeAll(file.value(), bytes) && fchmod(file.value(), mode) == 0 && fsync(file.value()) == 0;
     if (file.close() && whole && rename(beside.constData(), target.constData()) == 0) {
         // The new name lasts too; where a folder cannot be synced, it is in place all the same.
-        if (isSynced)
-            fsync(folder);
+        fsync(folder);
         return true;
     }
     unlink(beside.constData());
@@ -115,29 +116,20 @@ QString JsonFileDefaults::defaultPath() {
            QStringLiteral("/framora/defaults.json");
 }
 
-JsonFileDefaults::JsonFileDefaults(QString path) : m_path(std::move(path)) {
-    m_syncing.setSingleShot(true);
-    m_syncing.callOnTimeout([this] { sync(); });
+JsonFileDefaults::JsonFileDefaults(QString path, std::chrono::milliseconds calm)
+    : m_path(std::move(path)), m_calm(calm) {
+    m_saving.setSingleShot(true);
+    m_saving.setTimerType(Qt::PreciseTimer);
+    m_saving.callOnTimeout([this] { storePending(); });
 }
 
 JsonFileDefaults::~JsonFileDefaults() {
-    if (isSyncPending())
-        sync();
-}
-
-void JsonFileDefaults::sync() {
-    m_syncing.stop();
-    const QString path = linkTarget(m_path);
-    const FileDescriptor file(open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC));
-    const FileDescriptor folder(open(QFile::encodeName(QFileInfo(path).absolutePath()).constData(),
-                                     O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (file.isOpen())
-        fsync(file.value());
-    if (folder.isOpen())
-        fsync(folder.value());
+    storePending();
 }
 
 std::optional<std::string> JsonFileDefaults::dataForKey(const std::string& key) const {
+    if (const auto kept = m_pending.find(key); kept != m_pending.end())
+        return kept->second;
     const auto object = readObject(m_path);
     if (!object)
         return std::nullopt;
@@ -148,9 +140,31 @@ std::optional<std::string> JsonFileDefaults::dataForKey(const std::string& key) 
 }
 
 bool JsonFileDefaults::setData(const std::string& key, const std::string& json) {
-    Json value = Json::parse(json, nullptr, false);
+    const Json value = Json::parse(json, nullptr, false);
     if (value.is_discarded())
         return false;
+    const bool isStep = m_sinceSave.isValid() && std::chrono::milliseconds(m_sinceSave.elapsed()) < m_calm;
+    // Without an event loop nobody would come back to it.
+    if (isStep && QThread::currentThread()->loopLevel() > 0) {
+        m_pending[key] = value.dump();
+        if (!m_saving.isActive() || m_saving.remainingTimeAsDuration() > m_calm)
+            m_saving.start(m_calm);
+        if (!m_atQuit)
+            m_atQuit = QObject::connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit,
+                                        &m_saving, [this] { storePending(); });
+    } else {
+        Values values = m_pending;
+        values[key] = value.dump();
+        if (!store(values))
+            return false;
+        m_pending.clear();
+        m_saving.stop();
+    }
+    m_sinceSave.start();
+    return true;
+}
+
+bool JsonFileDefaults::store(const Values& values) const {
     const QString path = linkTarget(m_path);
     const QString folderPath = QFileInfo(path).absolutePath();
     if (!QDir().mkpath(folderPath))
@@ -162,17 +176,21 @@ bool JsonFileDefaults::setData(const std::string& key, const std::string& json) 
     auto object = readObject(path);
     if (!object)
         return false;
-    (*object)[key] = std::move(value);
-    // Without an event loop nobody would come back to it.
-    const bool isStep = m_sinceSave.isValid() && m_sinceSave.elapsed() < calm && QCoreApplication::instance();
-    if (!replaceFile(path, folder.value(), object->dump(4) + '\n', !isStep))
-        return false;
-    m_sinceSave.start();
-    if (isStep)
-        m_syncing.start(calm);
-    else
-        m_syncing.stop();
-    return true;
+    for (const auto& [key, value] : values)
+        (*object)[key] = Json::parse(value);
+    return replaceFile(path, folder.value(), object->dump(4) + '\n');
+}
+
+void JsonFileDefaults::storePending() {
+    m_saving.stop();
+    if (m_pending.empty())
+        return;
+    if (store(m_pending)) {
+        m_pending.clear();
+        return;
+    }
+    qWarning("%s cannot be written", qPrintable(m_path));
+    m_saving.start(retryPause);
 }
 
 } // namespace framora

@@ -1,13 +1,17 @@
 #include "platform/desktop/JsonFileDefaults.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 #include <csignal>
 #include <fcntl.h>
+#include <functional>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <random>
@@ -53,17 +57,103 @@ TEST_F(JsonFileDefaultsTest, whatIsStoredIsReadAgainByAnother) {
     EXPECT_EQ(filesInFolder(), QStringList{QStringLiteral("defaults.json")});
 }
 
-TEST_F(JsonFileDefaultsTest, stepsInQuickSuccessionAreInTheFileAtOnceAndSyncedWhenItIsCalm) {
-    ASSERT_TRUE(defaults.setData("Settings", "0"));
-    EXPECT_FALSE(defaults.isSyncPending()) << "a change of its own is synced with the save";
-    for (int i = 1; i <= 5; ++i) {
-        ASSERT_TRUE(defaults.setData("Settings", std::to_string(i)));
-        EXPECT_EQ(JsonFileDefaults(path).dataForKey("Settings"), std::to_string(i));
-        EXPECT_EQ(filesInFolder(), QStringList{QStringLiteral("defaults.json")});
+/// Does it in an event loop, which ends then.
+void inEventLoop(const std::function<void()>& act) {
+    QEventLoop loop;
+    QTimer::singleShot(0, &loop, [&] {
+        act();
+        loop.quit();
+    });
+    loop.exec();
+}
+
+constexpr std::chrono::hours never{1};
+
+TEST_F(JsonFileDefaultsTest, stepsInAnEventLoopAreKeptAndWrittenAtTheEndTogether) {
+    {
+        JsonFileDefaults drag(path, never);
+        inEventLoop([&] {
+            ASSERT_TRUE(drag.setData("Settings", "0"));
+            EXPECT_FALSE(drag.isSavePending()) << "a change of its own is in the file at once";
+            for (int i = 1; i <= 5; ++i) {
+                ASSERT_TRUE(drag.setData("Settings", std::to_string(i)));
+                EXPECT_EQ(drag.dataForKey("Settings"), std::to_string(i));
+                EXPECT_EQ(JsonFileDefaults(path).dataForKey("Settings"), "0");
+            }
+            ASSERT_TRUE(drag.setData("window", R"({ "x" : 1 })"));
+            EXPECT_EQ(drag.dataForKey("window"), R"({"x":1})");
+            EXPECT_FALSE(drag.setData("Settings", "{"));
+            EXPECT_EQ(drag.dataForKey("Settings"), "5");
+        });
+        EXPECT_TRUE(drag.isSavePending());
+        EXPECT_TRUE(JsonFileDefaults(path).setData("other", "7")) << "by another process meanwhile";
+        EXPECT_EQ(drag.dataForKey("other"), "7");
     }
-    EXPECT_TRUE(defaults.isSyncPending());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !defaults.isSyncPending(); }));
-    EXPECT_EQ(defaults.dataForKey("Settings"), "5");
+    EXPECT_EQ(Json::parse(content().toStdString()).dump(), R"({"Settings":5,"other":7,"window":{"x":1}})");
+    EXPECT_EQ(filesInFolder(), QStringList{QStringLiteral("defaults.json")});
+}
+
+TEST_F(JsonFileDefaultsTest, withoutAnEventLoopEverySaveIsInTheFileAtOnce) {
+    JsonFileDefaults quick(path, never);
+    for (int i = 0; i <= 5; ++i) {
+        ASSERT_TRUE(quick.setData("Settings", std::to_string(i)));
+        EXPECT_EQ(JsonFileDefaults(path).dataForKey("Settings"), std::to_string(i));
+    }
+    // It takes along what was kept before.
+    inEventLoop([&] { ASSERT_TRUE(quick.setData("Settings", "6")); });
+    EXPECT_TRUE(quick.isSavePending());
+    ASSERT_TRUE(quick.setData("other", "1"));
+    EXPECT_FALSE(quick.isSavePending());
+    EXPECT_EQ(JsonFileDefaults(path).dataForKey("Settings"), "6");
+}
+
+TEST_F(JsonFileDefaultsTest, aDragThatDoesNotEndIsWrittenAllTheSame) {
+    JsonFileDefaults drag(path, std::chrono::milliseconds(100));
+    ASSERT_TRUE(drag.setData("Settings", "0"));
+    int last = 0;
+    QElapsedTimer timer;
+    timer.start();
+    QEventLoop loop;
+    QTimer step;
+    step.callOnTimeout([&] {
+        ASSERT_TRUE(drag.setData("Settings", std::to_string(++last)));
+        if (JsonFileDefaults(path).dataForKey("Settings") != "0" || timer.elapsed() > 10'000)
+            loop.quit();
+    });
+    step.start(5);
+    loop.exec();
+    EXPECT_NE(JsonFileDefaults(path).dataForKey("Settings"), "0") << "while there were steps";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !drag.isSavePending(); }));
+    EXPECT_EQ(JsonFileDefaults(path).dataForKey("Settings"), std::to_string(last)) << "when there were none";
+}
+
+TEST_F(JsonFileDefaultsTest, whatIsKeptIsWrittenWhenTheProgramQuits) {
+    JsonFileDefaults drag(path, never);
+    const auto stepAndQuit = [&](const std::string& number) {
+        QTimer::singleShot(0, qApp, [&drag, number] {
+            ASSERT_TRUE(drag.setData("Settings", number));
+            EXPECT_TRUE(drag.isSavePending());
+            QCoreApplication::quit();
+        });
+        QCoreApplication::exec();
+    };
+    ASSERT_TRUE(drag.setData("Settings", "0"));
+    stepAndQuit("1");
+    EXPECT_FALSE(drag.isSavePending());
+    EXPECT_EQ(JsonFileDefaults(path).dataForKey("Settings"), "1");
+
+    // What cannot be written then is not lost yet.
+    const int held = open(folder.path().toLocal8Bit().constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    ASSERT_EQ(flock(held, LOCK_EX), 0);
+    stepAndQuit("2");
+    EXPECT_TRUE(drag.isSavePending());
+    EXPECT_FALSE(drag.setData("other", "3"));
+    EXPECT_EQ(drag.dataForKey("Settings"), "2");
+    EXPECT_EQ(drag.dataForKey("other"), std::nullopt);
+    close(held);
+    EXPECT_TRUE(drag.setData("other", "4"));
+    EXPECT_EQ(JsonFileDefaults(path).dataForKey("Settings"), "2");
+    EXPECT_EQ(JsonFileDefaults(path).dataForKey("other"), "4");
 }
 
 TEST_F(JsonFileDefaultsTest, theFoldersOnTheWayAreMade) {
@@ -158,10 +248,11 @@ TEST_F(JsonFileDefaultsTest, aSaverThatHangsIsNotWaitedForForever) {
 /// A saver that runs until it is killed.
 class RunningSaver {
 public:
-    explicit RunningSaver(const QString& path) {
+    RunningSaver(const QString& path, bool inEventLoop) {
         QByteArray program(FRAMORA_DEFAULTS_SAVER);
         QByteArray file = path.toLocal8Bit();
-        char* arguments[] = {program.data(), file.data(), nullptr};
+        QByteArray kind("event-loop");
+        char* arguments[] = {program.data(), file.data(), inEventLoop ? kind.data() : nullptr, nullptr};
         m_started = posix_spawn(&m_pid, program.constData(), nullptr, nullptr, arguments, environ) == 0;
     }
     /// True when it had been saving to the last.
@@ -176,13 +267,19 @@ private:
     bool m_started = false;
 };
 
-TEST_F(JsonFileDefaultsTest, aSaverKilledAtAnyMomentLeavesTheOldOrTheNewFileWhole) {
+/// Whether it saves in an event loop, where most saves are steps.
+class KilledSaver : public JsonFileDefaultsTest, public testing::WithParamInterface<bool> {};
+
+INSTANTIATE_TEST_SUITE_P(JsonFileDefaults, KilledSaver, testing::Bool(),
+                         [](const auto& run) { return run.param ? "inAnEventLoop" : "withoutOne"; });
+
+TEST_P(KilledSaver, atAnyMomentLeavesTheOldOrTheNewFileWhole) {
     const QByteArray untouched = R"({"other": "kept", "Settings": {"number": 0, "text": ""}})";
     write(untouched);
     // How long a saver takes to its first save differs much between machines and builds.
     QElapsedTimer timer;
     timer.start();
-    RunningSaver first(path);
+    RunningSaver first(path, GetParam());
     while (content() == untouched && timer.elapsed() < 10'000)
         usleep(200);
     const auto firstSave = useconds_t(timer.nsecsElapsed() / 1000);
@@ -195,7 +292,7 @@ TEST_F(JsonFileDefaultsTest, aSaverKilledAtAnyMomentLeavesTheOldOrTheNewFileWhol
     int leftovers = 0;
     for (int round = 0; round < kills; ++round) {
         write(untouched);
-        RunningSaver saver(path);
+        RunningSaver saver(path, GetParam());
         usleep(delay(random));
         ASSERT_TRUE(saver.kill());
 
