@@ -12,6 +12,7 @@
 #include "editor/render/raster/PicturePaint.h"
 #include "editor/render/raster/SolidPaint.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace framora {
@@ -95,6 +96,11 @@ std::vector<Layer> CompositionRasterizer::layers(const Composition& composition,
     if (isSceneOver)
         appendScene(layers, composition, viewport);
     appendTexts(layers, composition, viewport);
+    // Glass shows what lies behind it blurred, also with the nothing beside the canvas.
+    const auto takesAway = [](const Layer& layer) {
+        return layer.blend == Layer::Blend::replace && !layer.paint->isOpaque();
+    };
+    m_isCanvasOpaque = m_isCanvasOpaque && std::ranges::none_of(layers, takesAway);
     return layers;
 }
 

@@ -192,6 +192,24 @@ TEST_F(Canvas, IsSeenWithWhatReachesOutOfItAndShinesThroughIt) {
     }
 }
 
+TEST_F(Canvas, ShowsAFrameOfGlassOverItsEdgeAsItIsDrawn) {
+    // What lies behind the glass there is blurred with the nothing beside the canvas.
+    set([](auto& style) {
+        style.customColor = {0, 0, 0, 0.001}; // nothing of it is seen
+        style.screenshotOffset = {5000, 0};
+        style.mockupStyle = MockupStyle::glassEffect;
+    });
+    const QImage under = window.grabWindow();
+    for (const Size offset : {Size{-50, 0}, Size{0, 45}, Size{120, -60}}) {
+        set([&](auto& style) {
+            style.backgroundType = BackgroundType::gradient;
+            style.screenshotOffset = offset;
+        });
+        const QImage grabbed = window.grabWindow().convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        EXPECT_EQ(grabbed, laidOver(under, canvas->frame())) << offset.width << ", " << offset.height;
+    }
+}
+
 TEST_F(Canvas, IsSeenInItsPlaceWhenPartsOfItComeLater) {
     // Beside a sidebar and under a header, as in the editor.
     const QPoint corner(90, 40);
