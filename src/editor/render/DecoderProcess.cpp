@@ -138,8 +138,7 @@ QImage takePicture(int descriptor) {
     DecodedPicture picture{};
     std::memcpy(&picture, memory, sizeof picture);
     if (picture.state != DecodedPicture::finished || picture.width < 1 || picture.height < 1 ||
-        picture.width > maximumPictureSide || picture.height > maximumPictureSide ||
-        qint64(picture.width) * picture.height > maximumPicturePixels)
+        !isWithinPictureBounds(picture.width, picture.height))
         return {};
     const std::size_t pixelsEnd =
         DecodedPicture::pixelsOffset + DecodedPicture::pixelBytes(picture.width, picture.height);

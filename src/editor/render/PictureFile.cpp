@@ -23,8 +23,7 @@ LoadedPicture failure(const QString& error) {
 }
 
 bool isWithinBounds(QSize size) {
-    return size.width() <= maximumPictureSide && size.height() <= maximumPictureSide &&
-           qint64(size.width()) * size.height() <= maximumPicturePixels;
+    return isWithinPictureBounds(size.width(), size.height());
 }
 
 /// The bound is the process's own; it only has to let through what `isWithinBounds` does, at 16 bits a

@@ -33,7 +33,9 @@ QImage reduced(const QImage& image, int factor) {
 std::optional<QImage> reducedPng(const QByteArray& encoded, int factor, DecodingWatch& watch) {
     const auto png = raster::plainPng(
         {reinterpret_cast<const std::uint8_t*>(encoded.constData()), std::size_t(encoded.size())});
-    if (!png || png->width < factor || png->height < factor)
+    // The file may be another than the one whose header was read.
+    if (!png || !isWithinPictureBounds(png->width, png->height) || png->width < factor ||
+        png->height < factor)
         return {};
     RowReducer reducer({png->width, png->height}, factor, QImage::Format_ARGB32_Premultiplied);
     const bool decoded = raster::decodePlainPngRows(*png, [&](int, const std::uint32_t* row) {
@@ -75,8 +77,7 @@ ReducedPicture::ReducedPicture(QFile& file, QSize box) : m_file(file) {
     QImageReader reader(&file, m_format);
     reader.setAutoDetectImageFormat(false);
     const QSize size = reader.canRead() ? reader.size() : QSize();
-    if (size.isEmpty() || size.width() > maximumPictureSide || size.height() > maximumPictureSide ||
-        qint64(size.width()) * size.height() > maximumPicturePixels)
+    if (size.isEmpty() || !isWithinPictureBounds(size.width(), size.height()))
         return;
     qint64 coefficientBytes = 0;
     if (m_format == "jpeg") {

@@ -5,6 +5,7 @@
 #include <QImage>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <limits>
 #include <random>
 
 namespace framora::raster {
@@ -117,6 +118,20 @@ TEST(PngEncoder, WritesTheSameBytesWhateverTheThreads) {
     const std::vector<std::uint8_t> one = encodePng(picture.view(), 5669);
     setParallelThreadLimit(0);
     EXPECT_EQ(all, one);
+}
+
+TEST(PngEncoder, GivesUpAPictureOfAsManyRowsAsThereCanBe) {
+    // Its rows end somewhere on the way.
+    for (const PngSpeed speed : {PngSpeed::fastest, PngSpeed::compact}) {
+        PngSource endless{1, std::numeric_limits<int>::max(), true, {}};
+        endless.rows = [](int first, int end, PixelBuffer& room) -> PixelView {
+            if (first > 1'000'000)
+                return {};
+            room = makePicture(1, end - first, Content::flat);
+            return room.view();
+        };
+        EXPECT_FALSE(writePng(endless, 0, speed, [](std::span<const std::uint8_t>) {}));
+    }
 }
 
 TEST(PngEncoder, GivesNothingForAnEmptyPicture) {

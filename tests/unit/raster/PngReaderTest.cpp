@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <limits>
 #include <random>
 #include <string>
 #include <zlib.h>
@@ -286,6 +287,24 @@ TEST(PngReader, RefusesRowsTooFewOrTooManyAndUnknownFilters) {
     Bytes rows = png.rows();
     rows[0] = 5;
     EXPECT_TRUE(read(png.fileOf(rows)).empty());
+}
+
+TEST(PngReader, RefusesAsManyRowsAsThereCanBeWhereThereAreNone) {
+    // By itself and with another thread that decompresses ahead.
+    for (const int threads : {0, 1}) {
+        setParallelThreadLimit(threads);
+        for (const int height : {std::numeric_limits<int>::max(), std::numeric_limits<int>::max() - 70'000}) {
+            MadePng png;
+            png.width = 1;
+            png.height = height;
+            const Bytes file = png.fileOf({});
+            const auto plain = plainPng(file);
+            ASSERT_TRUE(plain);
+            EXPECT_EQ(plain->height, height);
+            EXPECT_FALSE(decodePlainPngRows(*plain, [](int, const std::uint32_t*) { return true; }));
+        }
+    }
+    setParallelThreadLimit(0);
 }
 
 TEST(PngReader, RefusesATargetOfAnotherSize) {

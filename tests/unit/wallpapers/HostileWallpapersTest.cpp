@@ -280,6 +280,19 @@ TEST_F(HostileWallpapers, DecodersOfEveryFormatEndAtAStopAndAtTheEndOfTheirTime)
     }
 }
 
+TEST_F(HostileWallpapers, AFileThatIsReplacedAfterItsHeaderWasReadIsHeldToTheSameBounds) {
+    QFile file(write(QStringLiteral("a.png"), encoded(fourQuarters(640, 480), "png")));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    for (const QSize claimed : {QSize(1, std::numeric_limits<int>::max()), QSize(32, 40'000)}) {
+        ReducedPicture picture(file, {600, 450});
+        ASSERT_GT(picture.bytesNeeded(), 0);
+        write(QStringLiteral("a.png"), pngClaiming(quint32(claimed.width()), quint32(claimed.height())));
+        EXPECT_TRUE(picture.decode().isNull());
+        write(QStringLiteral("a.png"), encoded(fourQuarters(640, 480), "png"));
+        file.seek(0);
+    }
+}
+
 TEST_F(HostileWallpapers, AJpegInPassesCountsWithAllItsCoefficients) {
     const auto needed = [this](const QByteArray& jpeg) {
         QFile file(write(QStringLiteral("a.jpg"), jpeg));

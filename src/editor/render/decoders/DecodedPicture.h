@@ -27,5 +27,9 @@ struct DecodedPicture {
 /// Pictures beyond these are refused before memory is taken for them.
 inline constexpr int maximumPictureSide = 32767;
 inline constexpr std::int64_t maximumPicturePixels = std::int64_t(1) << 27;
+constexpr bool isWithinPictureBounds(std::int64_t width, std::int64_t height) {
+    return width <= maximumPictureSide && height <= maximumPictureSide &&
+           width * height <= maximumPicturePixels;
+}
 
 } // namespace framora

@@ -8,8 +8,7 @@ namespace framora {
 
 DecoderOutput::DecoderOutput(int descriptor, int width, int height)
     : m_descriptor(descriptor), m_width(width), m_height(height) {
-    if (width < 1 || height < 1 || width > maximumPictureSide || height > maximumPictureSide ||
-        std::int64_t(width) * height > maximumPicturePixels)
+    if (width < 1 || height < 1 || !isWithinPictureBounds(width, height))
         return;
     m_bytes = DecodedPicture::pixelsOffset + DecodedPicture::pixelBytes(width, height);
     if (ftruncate(descriptor, off_t(m_bytes)) != 0)

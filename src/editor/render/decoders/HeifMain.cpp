@@ -150,8 +150,7 @@ bool decode(std::span<const std::uint8_t> file, const DecoderRequest& request) {
     const heif_image_handle* primary = thumbnail ? thumbnail.get() : whole;
     const int claimedWidth = heif_image_handle_get_width(primary);
     const int claimedHeight = heif_image_handle_get_height(primary);
-    if (claimedWidth > maximumPictureSide || claimedHeight > maximumPictureSide ||
-        std::int64_t(claimedWidth) * claimedHeight > maximumPicturePixels)
+    if (!isWithinPictureBounds(claimedWidth, claimedHeight))
         return false;
 
     const bool hasAlpha = heif_image_handle_has_alpha_channel(primary);

@@ -276,7 +276,7 @@ bool writePng(const PngSource& picture, std::uint32_t pixelsPerMetre, PngSpeed s
         format.filtering = chooseFiltering(picture, format, workshops);
     const int rowsPerStripe = int(std::clamp<std::size_t>(stripeBytes / format.rowBytes(picture.width), 1,
                                                           std::size_t(picture.height)));
-    const int count = (picture.height + rowsPerStripe - 1) / rowsPerStripe;
+    const int count = (picture.height - 1) / rowsPerStripe + 1;
     sink(header(picture, pixelsPerMetre));
     StripeQueue queue(std::size_t(count), sink);
     std::atomic<bool> failed = false;

@@ -194,15 +194,15 @@ public:
         std::unique_lock lock(m_mutex);
         m_released = m_taken;
         m_changed.notify_all();
-        m_changed.wait(lock, [&] { return m_ready > m_taken || m_failed; });
+        m_changed.wait(lock, [&] { return m_ready > m_taken || m_hasEnded; });
         return m_ready > m_taken ? m_bands[std::size_t(m_taken++) % m_bands.size()].data() : nullptr;
     }
 
-    /// Whether nothing follows the last band.
+    /// Whether nothing follows the last band, which has been taken.
     bool isAtEnd() {
         if (m_isAhead)
             m_thread.join();
-        return !m_failed && m_stream->isAtEnd();
+        return m_stream->isAtEnd();
     }
 
 private:
@@ -216,21 +216,21 @@ private:
     }
 
     void readAhead(const std::stop_token& stop) {
-        const int count = (m_height + m_bandRows - 1) / m_bandRows;
-        for (int i = 0; i < count; ++i) {
-            {
-                std::unique_lock lock(m_mutex);
-                if (!m_changed.wait(lock, stop, [&] { return i < m_released + int(bandsAhead); }))
-                    return;
-            }
-            const bool isRead = read(i);
+        const int count = (m_height - 1) / m_bandRows + 1;
+        for (int i = 0; i < count && waitForRoom(i, stop) && read(i); ++i) {
             const std::lock_guard lock(m_mutex);
-            m_failed = !isRead;
-            m_ready += isRead;
+            ++m_ready;
             m_changed.notify_all();
-            if (!isRead)
-                return;
         }
+        // Whatever ended it, nobody waits for more.
+        const std::lock_guard lock(m_mutex);
+        m_hasEnded = true;
+        m_changed.notify_all();
+    }
+
+    bool waitForRoom(int index, const std::stop_token& stop) {
+        std::unique_lock lock(m_mutex);
+        return m_changed.wait(lock, stop, [&] { return index - m_released < int(bandsAhead); });
     }
 
     const std::unique_ptr<RowStream> m_stream;
@@ -243,10 +243,10 @@ private:
 
     std::mutex m_mutex;
     std::condition_variable_any m_changed;
-    int m_ready = 0;    ///< Bands read so far.
-    int m_released = 0; ///< Bands that are not looked at any more.
-    bool m_failed = false;
-    std::jthread m_thread; // ends before what it uses
+    int m_ready = 0;         ///< Bands read so far.
+    int m_released = 0;      ///< Bands that are not looked at any more.
+    bool m_hasEnded = false; ///< No more bands are read.
+    std::jthread m_thread;   // ends before what it uses
 };
 
 /// Decodes each row into the memory that `rowOf` says, then calls `done` with it; false ends it.
