@@ -58,7 +58,7 @@ std::optional<QByteArray> composedPng(const Composition& composition, QSizeF siz
     // Whether it is opaque shows only in the whole picture.
     const QImage drawn = rasterizer.drawFrame(composition, size, scale);
     if (drawn.isNull())
-        return {};
+        return QByteArray(); // it is a frame that can be drawn
     return encodePng(drawn, dotsPerInch);
 }
 

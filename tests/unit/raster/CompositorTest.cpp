@@ -137,5 +137,46 @@ TEST(Compositor, HandsOverWantedTilesAsTheyAreMixed) {
         }
 }
 
+TEST(Compositor, DrawsALargePictureAsItsPiecesWhereverItLiesInMemory) {
+    constexpr int width = 2390;
+    constexpr int height = 1790;
+    std::vector<Layer> layers;
+    const Homography toMiddle = Homography::translation(width / 2.0 + 0.3, height / 2.0);
+    layers.push_back(
+        {{2300.4, 1700.7, 90},
+         {},
+         {toMiddle},
+         std::make_shared<GradientPaint>(GradientPaint::Kind::linear, 40, 2300, 1700,
+                                         std::vector{premultiplied(1, 0, 0, 1), premultiplied(0, 1, 1, 0.5)},
+                                         toMiddle.inverse()),
+         Layer::Adjustment{1.3f, -0.1f},
+         Layer::Noise{0.2f, 3, 4}});
+    for (int i = 0; i < 5; ++i) {
+        layers.push_back(solid({900.0 + 210 * i, 600, 50},
+                               Homography::translation(1150, 880) * Homography::rotation(13 * i + 3),
+                               premultiplied(0.2 * i, 0.5, 1 - 0.2 * i, 0.7)));
+        if (i == 3)
+            layers.back().hole = RoundedRect{700, 400, 30};
+    }
+    PixelBuffer pieces = PixelBuffer::create(width, height);
+    const Compositor picture(width, height, layers);
+    picture.draw(pieces.mutableView(), 0);
+    // Its rows begin where lines of the cache do, and beside that.
+    for (const int misplaced : {0, 1, 4, 15}) {
+        PixelBuffer room = PixelBuffer::create(width + 16, height);
+        MutablePixelView whole = room.mutableView();
+        ASSERT_EQ(whole.stride % 64, 0);
+        ASSERT_GT(std::ptrdiff_t(whole.stride) * height, 16 << 20) << "large";
+        whole.data += misplaced * 4;
+        whole.width = width;
+        compose(whole, layers);
+        int different = 0;
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                different += whole.row(y)[x] != pieces.view().row(y)[x];
+        EXPECT_EQ(different, 0) << "pixels, " << misplaced << " beside";
+    }
+}
+
 } // namespace
 } // namespace framora::raster

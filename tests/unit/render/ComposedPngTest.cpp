@@ -7,8 +7,13 @@
 #include "unit/render/RandomComposition.h"
 
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
+#include <sys/resource.h>
+#include <unistd.h>
 
 namespace framora {
 namespace {
@@ -75,6 +80,39 @@ TEST(Compositor, IsSureOfAnOpaquePictureOnlyWhereItIsOne) {
     EXPECT_GT(sure, 0);
 }
 
+TEST(CompositionRasterizer, SaysThatTheCanvasIsOpaqueOnlyWhereItIs) {
+    int opaque = 0;
+    const auto check = [&](const Composition& composition, const CompositionRasterizer::Viewport& viewport) {
+        CompositionRasterizer rasterizer;
+        const QImage drawn = rasterizer.draw(composition, viewport);
+        if (!rasterizer.isCanvasOpaque())
+            return true;
+        ++opaque;
+        const QSizeF canvas =
+            canvasSize(pointSize(composition.image), composition.config) * viewport.pixelsPerPoint;
+        const QPointF corner = viewport.canvasCentre - QPointF(canvas.width(), canvas.height()) / 2;
+        const QRectF place = QRectF(corner, canvas) & QRectF(drawn.rect());
+        for (int y = int(std::ceil(place.top())); y < int(std::floor(place.bottom())); ++y)
+            for (int x = int(std::ceil(place.left())); x < int(std::floor(place.right())); ++x)
+                if (qAlpha(drawn.pixel(x, y)) != 255)
+                    return false;
+        return true;
+    };
+    for (unsigned seed = 0; seed < styles; ++seed) {
+        const RandomComposition random(seed);
+        EXPECT_TRUE(check(random.composition(), random.viewport())) << "seed " << seed;
+    }
+    EXPECT_GT(opaque, 0);
+    // A frame of glass that reaches over the canvas's edge.
+    for (const double padding : {4.0, 10.0, 60.0}) {
+        Composition composition = plainComposition(BackgroundType::gradient);
+        composition.config.padding = padding;
+        composition.config.mockupStyle = MockupStyle::glassEffect;
+        composition.config.screenshotOffset = {75, 0};
+        EXPECT_TRUE(check(composition, {QSize(1200, 700), 1.6, QPointF(600, 350)})) << padding;
+    }
+}
+
 TEST(ComposedPng, IsTheFileOfTheFinishedPicture) {
     for (unsigned seed = 0; seed < styles; ++seed) {
         const RandomComposition random(seed);
@@ -112,6 +150,29 @@ TEST(ComposedPng, IsNothingWhereTheFrameCannotBeDrawn) {
     EXPECT_FALSE(composedPng(composition, QSizeF(1e6, 10), 2, 144));
     EXPECT_FALSE(composedPng(composition, QSizeF(std::numeric_limits<double>::quiet_NaN(), 10), 2, 144));
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // they take more than all memory
+TEST(ComposedPngDeathTest, IsEmptyWhereMemoryIsShort) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto compose = [] {
+        // A gigabyte is asked for where half of one is to be had: only the whole of this frame shows that
+        // it is not opaque.
+        rlimit limit{};
+        std::ifstream pages("/proc/self/statm");
+        rlim_t used = 0;
+        pages >> used;
+        limit.rlim_cur = limit.rlim_max = used * rlim_t(sysconf(_SC_PAGESIZE)) + (rlim_t(512) << 20);
+        setrlimit(RLIMIT_AS, &limit);
+        Composition composition = plainComposition(BackgroundType::image);
+        composition.loadedBackgroundImage = QImage(8, 8, QImage::Format_ARGB32_Premultiplied);
+        composition.loadedBackgroundImage.fill(Qt::blue);
+        composition.loadedBackgroundImage.setPixel(4, 4, 0);
+        const auto file = composedPng(composition, QSizeF(375, 277), 50, 144);
+        std::_Exit(file && file->isEmpty() ? 0 : 1);
+    };
+    EXPECT_EXIT(compose(), testing::ExitedWithCode(0), "");
+}
+#endif
 
 } // namespace
 } // namespace framora
