@@ -10,10 +10,12 @@ namespace framora {
 
 namespace {
 const QString pngType = QStringLiteral("image/png");
+/// For a window to come up.
+constexpr double waitSeconds = 30;
 } // namespace
 
-AdoptingPasteboard::AdoptingPasteboard(DecodePicture decodePicture)
-    : m_decodePicture(std::move(decodePicture)) {
+AdoptingPasteboard::AdoptingPasteboard(MainQueue& mainQueue, DecodePicture decodePicture)
+    : m_mainQueue(mainQueue), m_decodePicture(std::move(decodePicture)) {
     connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* window) {
         if (window)
             offer();
@@ -39,15 +41,22 @@ QImage AdoptingPasteboard::readImage() {
 void AdoptingPasteboard::writePng(const QByteArray& png) {
     ++m_changeCount;
     m_waiting = png;
+    m_dropping = m_mainQueue.after(waitSeconds, [this] { m_waiting.clear(); });
     if (QGuiApplication::focusWindow())
         offer();
 }
 
+QByteArray AdoptingPasteboard::takeWaiting() {
+    m_dropping.reset();
+    return std::exchange(m_waiting, {});
+}
+
 void AdoptingPasteboard::offer() {
-    if (m_waiting.isEmpty())
+    const QByteArray png = takeWaiting();
+    if (png.isEmpty())
         return;
     auto data = std::make_unique<QMimeData>();
-    data->setData(pngType, std::exchange(m_waiting, {}));
+    data->setData(pngType, png);
     QGuiApplication::clipboard()->setMimeData(data.release());
 }
 

@@ -32,8 +32,8 @@ std::unique_ptr<Pasteboard> WaylandWindowSystem::makePasteboard(const Services& 
                                                    services.decodePicture);
     // Desktops that keep the clipboard from programs without the focus share it with their X server.
     if (!qEnvironmentVariableIsEmpty("DISPLAY"))
-        return std::make_unique<XwaylandPasteboard>(services.decodePicture);
-    return std::make_unique<AdoptingPasteboard>(services.decodePicture);
+        return std::make_unique<XwaylandPasteboard>(services.mainQueue, services.decodePicture);
+    return std::make_unique<AdoptingPasteboard>(services.mainQueue, services.decodePicture);
 }
 
 std::unique_ptr<ToastPanels> WaylandWindowSystem::makeToastPanels(const Services& services) {

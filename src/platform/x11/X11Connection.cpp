@@ -4,13 +4,17 @@
 
 namespace framora {
 
-X11Connection::X11Connection() {
-    int screenNumber = 0;
-    m_connection = xcb_connect(nullptr, &screenNumber);
+X11Connection::Link X11Connection::open() {
+    Link link{};
+    link.connection = xcb_connect(nullptr, &link.screenNumber);
+    return link;
+}
+
+X11Connection::X11Connection(const Link& link) : m_connection(link.connection) {
     if (!isValid())
         return;
     auto screens = xcb_setup_roots_iterator(xcb_get_setup(m_connection));
-    for (int i = 0; i < screenNumber && screens.rem > 1; ++i)
+    for (int i = 0; i < link.screenNumber && screens.rem > 1; ++i)
         xcb_screen_next(&screens);
     m_screen = screens.data;
     m_notifier =

@@ -20,7 +20,16 @@ class X11Connection final : public QObject {
 public:
     using EventHandler = std::function<void(const xcb_generic_event_t&)>;
 
-    X11Connection();
+    /// A connection as the library makes it, to be given to one X11Connection.
+    struct Link {
+        xcb_connection_t* connection;
+        int screenNumber;
+    };
+    /// To the server that the environment names; on any thread. Without a server it is a broken one.
+    static Link open();
+
+    X11Connection() : X11Connection(open()) {}
+    explicit X11Connection(const Link& link);
     ~X11Connection() override;
 
     /// False when there is no server, or it has gone.

@@ -22,13 +22,18 @@ constexpr std::size_t answerPlaces = 8;
 constexpr qsizetype maximumBytes = qsizetype(512) << 20;
 const QString pngType = QStringLiteral("image/png");
 
+/// Null where Qt draws on no X server.
+xcb_connection_t* connectionOfQt() {
+    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 ? x11->connection() : nullptr;
+}
+
 /// Whether the clipboard's owner is Qt's clipboard at this moment. What Qt itself believes is as old as the
 /// last event that it has taken.
 bool isOwnedByQt(xcb_atom_t clipboard) {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11)
+    xcb_connection_t* const connection = connectionOfQt();
+    if (!connection)
         return false;
-    xcb_connection_t* const connection = x11->connection();
     const XcbReply<xcb_get_selection_owner_reply_t> reply(
         xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, clipboard), nullptr));
     // A window's number says which client made it.
@@ -39,8 +44,7 @@ bool isOwnedByQt(xcb_atom_t clipboard) {
 
 /// The server has done all that Qt asked of it, and Qt has got all that the server told it before.
 void syncWithServer() {
-    if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
-        auto* connection = x11->connection();
+    if (auto* connection = connectionOfQt()) {
         XcbReply<xcb_get_input_focus_reply_t>(
             xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     }
@@ -227,7 +231,7 @@ void X11Pasteboard::handOver() {
 
 void X11Pasteboard::writePng(const QByteArray& png) {
     // Where Qt's clipboard is another one, X11's is served from outside from the start.
-    if (!qGuiApp->nativeInterface<QNativeInterface::QX11Application>() && leaveWithClipboardKeeper(png))
+    if (!connectionOfQt() && leaveWithClipboardKeeper(png))
         return;
     auto data = std::make_unique<QMimeData>();
     data->setData(pngType, png);
