@@ -82,6 +82,8 @@ void PortalShortcuts::begin() {
     m_services.portal.begin(whileCurrent([this](std::optional<unsigned> version) {
         m_patience.reset();
         m_version = version.value_or(0);
+        if (version)
+            m_falls = 0;
         setState(version ? Portal::present : Portal::absent, Session::none);
         synchronize();
     }));
@@ -89,8 +91,12 @@ void PortalShortcuts::begin() {
 
 void PortalShortcuts::appeared() {
     // One that falls over whenever it is asked is left alone.
-    if (m_failures < mostFailures)
+    if (!isGivenUp())
         begin();
+}
+
+bool PortalShortcuts::isGivenUp() const {
+    return std::max(m_failures, m_falls) >= mostFailures;
 }
 
 void PortalShortcuts::vanished() {
@@ -101,7 +107,9 @@ void PortalShortcuts::vanished() {
     m_isClosing = false;
     if (m_state == Session::creating || m_state == Session::binding)
         ++m_failures;
-    if (m_failures >= mostFailures) {
+    else if (m_portal != Portal::present)
+        ++m_falls;
+    if (isGivenUp()) {
         setState(Portal::absent, Session::none);
         return;
     }
@@ -111,7 +119,7 @@ void PortalShortcuts::vanished() {
 }
 
 double PortalShortcuts::retrySeconds() const {
-    return firstRetrySeconds * (1 << (2 * std::max(0, m_failures - 1)));
+    return firstRetrySeconds * (1 << (2 * std::max({0, m_failures - 1, m_falls - 1})));
 }
 
 bool PortalShortcuts::canMonitor() const {

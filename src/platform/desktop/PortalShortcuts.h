@@ -62,6 +62,7 @@ private:
     void begin();
     void appeared();
     void vanished();
+    bool isGivenUp() const;
     double retrySeconds() const;
     void synchronizeLater();
     void synchronize();
@@ -85,7 +86,8 @@ private:
     std::map<QString, QString> m_bindings; ///< Keys by id, once they are known.
     std::map<Token, KeyMonitors::GlobalHandler> m_handlers;
     unsigned m_generation = 0; ///< Tells late answers from those that are waited for.
-    int m_failures = 0;        ///< In a row.
+    int m_failures = 0;        ///< To give a session, in a row.
+    int m_falls = 0;           ///< Before a version was told, in a row.
     bool m_synchronizes = false;
     bool m_isClosing = false;
     std::unique_ptr<WorkItem> m_patience;

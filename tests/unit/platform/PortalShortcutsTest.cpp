@@ -374,6 +374,49 @@ TEST_F(PortalShortcutsTest, aPortalThatFallsOverWheneverItIsAskedIsLeftAloneInTh
     EXPECT_FALSE(shortcuts->canMonitor());
 }
 
+TEST_F(PortalShortcutsTest, aPortalThatFallsOverAtTheFirstQuestionIsLeftAloneInTheEnd) {
+    start();
+    registerMonitors();
+    for (const double pause : {1.0, 4.0, 16.0}) {
+        EXPECT_EQ(portal.taken(), Log{"begin"});
+        portal.listener.vanished();
+        queue.advance(pause - 0.5);
+        EXPECT_EQ(portal.taken(), Log{});
+        queue.advance(1);
+    }
+    EXPECT_EQ(portal.taken(), Log{"begin"});
+    portal.listener.vanished();
+    EXPECT_EQ(shortcuts->route(), Route::byHand);
+    queue.advance(1000);
+    portal.listener.appeared();
+    EXPECT_EQ(portal.taken(), Log{});
+}
+
+TEST_F(PortalShortcutsTest, aPortalWithoutTheInterfaceThatEndsWhenNobodyAsksIsNotStartedForEver) {
+    start();
+    for (int i = 0; i < 20; ++i) {
+        portal.begun(std::nullopt);
+        portal.listener.vanished();
+        queue.advance(100);
+    }
+    EXPECT_LE(portal.taken().size(), 4U);
+    EXPECT_EQ(shortcuts->route(), Route::byHand);
+}
+
+TEST_F(PortalShortcutsTest, aPortalThatAnswersInTheEndHasItsFirstFallsForgiven) {
+    start();
+    for (int round = 0; round < 3; ++round) {
+        for (int i = 0; i < 3; ++i) {
+            portal.listener.vanished();
+            queue.advance(20);
+        }
+        portal.begun(1);
+        EXPECT_EQ(shortcuts->route(), Route::desktop);
+        portal.listener.vanished();
+        portal.listener.appeared();
+    }
+}
+
 TEST_F(PortalShortcutsTest, aPortalThatOnceBoundMayBeRestartedAsOftenAsOneLikes) {
     bindEverything();
     for (int i = 0; i < 10; ++i) {
