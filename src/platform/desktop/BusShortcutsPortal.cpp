@@ -4,6 +4,7 @@
 #include "platform/desktop/PortalRequest.h"
 
 #include <QDBusArgument>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
@@ -92,10 +93,16 @@ BusShortcutsPortal::BusShortcutsPortal(const QString& busAddress)
     qDBusRegisterMetaType<BusShortcut>();
     qDBusRegisterMetaType<QList<BusShortcut>>();
     connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString&, const QString&, const QString& owner) {
+            [this](const QString&, const QString& before, const QString& owner) {
+                const auto requests = findChildren<PortalRequest*>();
                 const auto& told = owner.isEmpty() ? m_listener.vanished : m_listener.appeared;
                 if (told)
                     told();
+                if (before.isEmpty())
+                    return;
+                // Nobody responds to them any more.
+                for (PortalRequest* request : requests)
+                    request->end(2, {});
             });
     m_bus.connect(service, objectPath, interface, QStringLiteral("Activated"), this,
                   SLOT(onActivated(QDBusMessage)));
@@ -128,7 +135,12 @@ void BusShortcutsPortal::begin(std::function<void(std::optional<unsigned>)> answ
         service, objectPath, QStringLiteral("org.freedesktop.host.portal.Registry"),
         QStringLiteral("Register"));
     introduction << QString::fromLatin1(applicationId) << QVariantMap();
-    send(introduction, [this, answer = std::move(answer)](const QDBusMessage&) {
+    send(introduction, [this, answer = std::move(answer)](const QDBusMessage& introduced) {
+        // One that fell over at that would be started again by another question.
+        if (introduced.errorName() == QDBusError::errorString(QDBusError::NoReply)) {
+            answer(std::nullopt);
+            return;
+        }
         QDBusMessage question = QDBusMessage::createMethodCall(
             service, objectPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
         question << interface << QStringLiteral("version");

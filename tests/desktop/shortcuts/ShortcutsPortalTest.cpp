@@ -1,6 +1,7 @@
 #include "platform/desktop/BusShortcutsPortal.h"
 
 #include "desktop/support/VirtualDesktop.h"
+#include "platform/desktop/PortalRequest.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
@@ -29,6 +30,8 @@ public:
     bool handleMessage(const QDBusMessage& call, const QDBusConnection& bus) override {
         calls << call.member();
         last[call.member()] = call;
+        if (call.member() == hangsAt)
+            return true;
         if (call.member() == u"Get") {
             bus.send(version == 0
                          ? call.createErrorReply(QDBusError::UnknownInterface, QStringLiteral("none"))
@@ -51,6 +54,8 @@ public:
         if (call.member() == u"CreateSession")
             results[QStringLiteral("session_handle")] = session;
         response << (call.member() == u"BindShortcuts" ? bindResponse : 0U) << results;
+        if (isSilent)
+            return true;
         // As a portal does it, whose dialog comes later.
         QTimer::singleShot(strangePaths ? 100 : 0, this, [bus, response] { bus.send(response); });
         return true;
@@ -67,6 +72,8 @@ public:
     uint version = 1;
     uint bindResponse = 0;
     bool strangePaths = false;
+    bool isSilent = false; ///< Takes every request and never responds to it.
+    QString hangsAt;       ///< A call that is not answered at all.
     QStringList calls;
     QMap<QString, QDBusMessage> last;
 
@@ -150,6 +157,39 @@ TEST_F(ShortcutsPortalTest, aPortalThatChoosesItsOwnPathsIsFollowed) {
     PortalOnBus server(desktop.busAddress());
     server.strangePaths = true;
     EXPECT_EQ(create(), PortalOnBus::session);
+}
+
+TEST_F(ShortcutsPortalTest, aRequestEndsWithThePortalThatTookIt) {
+    auto server = std::make_unique<PortalOnBus>(desktop.busAddress());
+    server->isSilent = true;
+    QStringList heard;
+    portal.listen({[] {}, [&] { heard << "vanished"; }, {}, {}, {}});
+    portal.bind(PortalOnBus::session, wishes,
+                [&](Outcome outcome, const std::vector<ShortcutsPortal::Binding>&) {
+                    heard << (outcome == Outcome::failed ? "failed" : "another outcome");
+                });
+    ASSERT_TRUE(waitFor([&] { return server->calls.contains("BindShortcuts"); }));
+    EXPECT_EQ(portal.findChildren<PortalRequest*>().size(), 1);
+    server.reset();
+    EXPECT_TRUE(waitFor([&] { return portal.findChildren<PortalRequest*>().isEmpty(); }));
+    EXPECT_EQ(heard, (QStringList{"vanished", "failed"})) << "what its end means is known by then";
+}
+
+TEST_F(ShortcutsPortalTest, aPortalThatFallsOverAtItsRegistryIsNotStartedByAFurtherQuestion) {
+    auto server = std::make_unique<PortalOnBus>(desktop.busAddress());
+    server->hangsAt = "Register";
+    bool isAnswered = false;
+    std::optional<unsigned> version;
+    portal.begin([&](std::optional<unsigned> answer) {
+        isAnswered = true;
+        version = answer;
+    });
+    ASSERT_TRUE(waitFor([&] { return server->calls.contains("Register"); }));
+    server.reset();
+    const PortalOnBus next(desktop.busAddress());
+    EXPECT_TRUE(waitFor([&] { return isAnswered; }));
+    EXPECT_EQ(version, std::nullopt);
+    EXPECT_EQ(next.calls, QStringList());
 }
 
 TEST_F(ShortcutsPortalTest, whatThePortalTellsIsHeard) {
