@@ -61,6 +61,8 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationName(QStringLiteral("framora"));
     QGuiApplication::setDesktopFileName(QString::fromLatin1(framora::applicationId));
     QApplication application(argc, argv);
+    // On X11 Qt has told the desktop of it by now.
+    qunsetenv("DESKTOP_STARTUP_ID");
     session.platformIsChosen();
     QGuiApplication::setQuitOnLastWindowClosed(false);
     if (!instance.acquire(message.encoded()))
