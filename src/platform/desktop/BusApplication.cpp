@@ -19,8 +19,10 @@ QString tokenIn(const QVariantMap& platformData) {
 
 } // namespace
 
-BusApplication::BusApplication(QDBusConnection bus, bool startedByBus, Handler handler)
-    : m_bus(std::move(bus)), m_startIsAwaited(startedByBus), m_handler(std::move(handler)) {
+BusApplication::BusApplication(QDBusConnection bus, bool startedByBus, Handler handler,
+                               std::chrono::milliseconds startPatience)
+    : m_bus(std::move(bus)), m_awaitsStart(startedByBus ? startPatience : std::chrono::milliseconds(0)),
+      m_handler(std::move(handler)) {
     if (!m_bus.isConnected())
         return;
     // The object first: whoever waits for the name calls at once.
@@ -40,7 +42,7 @@ BusApplication::~BusApplication() {
 
 void BusApplication::Activate(const QVariantMap& platform_data) {
     // The start that the bus was asked for has happened.
-    if (std::exchange(m_startIsAwaited, false))
+    if (!std::exchange(m_awaitsStart, QDeadlineTimer(0)).hasExpired())
         return;
     m_handler(ProgramCommand::activate, tokenIn(platform_data));
 }
@@ -51,7 +53,7 @@ void BusApplication::Open(const QStringList&, const QVariantMap& platform_data) 
 
 void BusApplication::ActivateAction(const QString& action_name, const QVariantList&,
                                     const QVariantMap& platform_data) {
-    m_startIsAwaited = false;
+    m_awaitsStart = QDeadlineTimer(0);
     const auto command = commandOfName(action_name);
     if (!command || *command == ProgramCommand::activate) {
         if (calledFromDBus())

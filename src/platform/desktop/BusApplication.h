@@ -4,8 +4,10 @@
 
 #include <QDBusConnection>
 #include <QDBusContext>
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QVariantMap>
+#include <chrono>
 #include <functional>
 
 namespace framora {
@@ -20,8 +22,10 @@ public:
     /// The token is the one by which windows may come forward; empty when the desktop gave none.
     using Handler = std::function<void(ProgramCommand, const QString& activationToken)>;
 
-    /// `startedByBus`: the bus started this process in order to activate it, which it then is.
-    BusApplication(QDBusConnection bus, bool startedByBus, Handler handler);
+    /// `startedByBus`: the bus started this process in order to activate it, which it then is. An activation
+    /// that comes after `startPatience` is the user's: nobody waits longer for a start.
+    BusApplication(QDBusConnection bus, bool startedByBus, Handler handler,
+                   std::chrono::milliseconds startPatience = std::chrono::seconds(25));
     ~BusApplication() override;
 
 public Q_SLOTS:
@@ -33,7 +37,7 @@ public Q_SLOTS:
 
 private:
     QDBusConnection m_bus;
-    bool m_startIsAwaited;
+    QDeadlineTimer m_awaitsStart; ///< Within it a first activation is the start's own.
     Handler m_handler;
 };
 

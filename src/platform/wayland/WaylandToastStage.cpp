@@ -138,16 +138,17 @@ WaylandToastPanel* WaylandToastStage::panelOf(const wl_surface* surface) const {
     return !surface || found == m_panels.end() ? nullptr : *found;
 }
 
-wl_cursor* WaylandToastStage::hand(int scale) {
-    if (!m_cursors || m_cursorScale != scale) {
-        releaseCursor();
-        m_cursorScale = scale;
-        bool isNumber = false;
-        const int size = qEnvironmentVariableIntValue("XCURSOR_SIZE", &isNumber);
-        const QByteArray theme = qgetenv("XCURSOR_THEME");
-        m_cursors = wl_cursor_theme_load(theme.isEmpty() ? nullptr : theme.constData(),
-                                         (isNumber && size > 0 ? size : defaultCursorSize) * scale, m_shm);
-    }
+void WaylandToastStage::loadCursors(int scale) {
+    releaseCursor();
+    m_cursorScale = scale;
+    bool isNumber = false;
+    const int size = qEnvironmentVariableIntValue("XCURSOR_SIZE", &isNumber);
+    const QByteArray theme = qgetenv("XCURSOR_THEME");
+    m_cursors = wl_cursor_theme_load(theme.isEmpty() ? nullptr : theme.constData(),
+                                     (isNumber && size > 0 ? size : defaultCursorSize) * scale, m_shm);
+}
+
+wl_cursor* WaylandToastStage::loadedHand() const {
     wl_cursor* cursor = nullptr;
     for (const char* name : {"pointer", "pointing_hand", "hand2", "hand1", "left_ptr"}) {
         if (m_cursors && !cursor)
@@ -156,18 +157,26 @@ wl_cursor* WaylandToastStage::hand(int scale) {
     return cursor;
 }
 
+wl_cursor* WaylandToastStage::hand(int scale) {
+    if (m_cursors && m_wantedScale == scale)
+        return loadedHand();
+    m_wantedScale = scale;
+    loadCursors(scale);
+    wl_cursor* const cursor = loadedHand();
+    // A theme may not have the size that was asked for, and a compositor takes only whole parts.
+    const auto isWhole = [&](std::uint32_t length) { return length % std::uint32_t(scale) == 0; };
+    if (!cursor || (isWhole(cursor->images[0]->width) && isWhole(cursor->images[0]->height)))
+        return cursor;
+    loadCursors(1);
+    return loadedHand();
+}
+
 void WaylandToastStage::showHand(std::uint32_t serial) {
     const WaylandToastPanel* const panel = panelOf(m_pointed);
     if (!panel)
         return;
-    int scale = int(std::ceil(panel->pixelRatio()));
-    wl_cursor* cursor = hand(scale);
-    // A theme may not have the size that was asked for, and a compositor takes only whole parts.
-    const auto isWhole = [&](std::uint32_t length) { return length % std::uint32_t(scale) == 0; };
-    if (cursor && !(isWhole(cursor->images[0]->width) && isWhole(cursor->images[0]->height))) {
-        scale = 1;
-        cursor = hand(scale);
-    }
+    wl_cursor* const cursor = hand(int(std::ceil(panel->pixelRatio())));
+    const int scale = m_cursorScale;
     if (!cursor)
         return;
     const wl_cursor_image& image = *cursor->images[0];

@@ -50,8 +50,11 @@ private:
     static const wl_pointer_listener pointerListener;
 
     void takePointer(bool exists);
-    /// The pointing hand in the user's size times `scale`; null where no theme has one.
+    /// The pointing hand in the user's size times `scale`, or once where the theme has no such size; null
+    /// where no theme has one.
     wl_cursor* hand(int scale);
+    void loadCursors(int scale);
+    wl_cursor* loadedHand() const;
     void showHand(std::uint32_t serial);
     void pressed(std::uint32_t serial);
     /// Empty where the compositor gives none.
@@ -73,7 +76,8 @@ private:
     QPointF m_position;              ///< Of the pointer in it.
     wl_cursor_theme* m_cursors = nullptr;
     wl_surface* m_cursorSurface = nullptr;
-    int m_cursorScale = 0;
+    int m_wantedScale = 0; ///< What the cursors were loaded for.
+    int m_cursorScale = 0; ///< What they are.
     std::vector<WaylandToastPanel*> m_panels;
 };
 
