@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 namespace framora {
 
@@ -26,7 +27,11 @@ std::vector<std::unique_ptr<PixelImage>> KwinScreens::freeze(std::span<const Out
         return {};
     std::vector<std::unique_ptr<PixelImage>> images;
     for (std::size_t i = 0; i < outputs.size(); ++i) {
-        images.push_back(fitted(pictures[i].take(), outputs[i].pixelWidth, outputs[i].pixelHeight));
+        const auto [width, height] = std::pair(outputs[i].pixelWidth, outputs[i].pixelHeight);
+        const bool isShown = pictures[i].isWhole();
+        // What has no picture beside one that has is switched off: it shows black.
+        images.push_back(isShown ? fitted(pictures[i].take(), width, height)
+                                 : MemoryImage::create(width, height));
         if (!images.back())
             return {};
     }

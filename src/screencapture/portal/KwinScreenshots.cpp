@@ -17,6 +17,8 @@ constexpr const char* kPath = "/org/kde/KWin/ScreenShot2";
 
 /// For all outputs together, the next frame of each included. KWin writes as fast as it is read.
 constexpr std::chrono::milliseconds kTransferTime{3000};
+/// For the others once one has answered: an output that is switched off has no next frame.
+constexpr std::chrono::milliseconds kStragglerTime{1000};
 /// A few turns a picture instead of hundreds.
 constexpr int kPipeBytes = 1 << 20;
 
@@ -143,20 +145,31 @@ std::unique_ptr<MemoryImage> KwinScreenshots::Picture::take() {
 
 bool KwinScreenshots::receive(std::span<Picture> pictures) {
     // KWin answers before it writes, so no answer waits for a pipe to be read.
-    const auto turn =
-        m_bus.run([&] { return std::ranges::all_of(pictures, &Picture::m_answered); }, kTransferTime);
-    if (turn != SessionBus::Turn::Condition || !std::ranges::all_of(pictures, &Picture::makeRoom))
+    const auto isAnswered = [](const Picture& picture) { return picture.m_answered && !picture.isRefused(); };
+    const auto allHaveAnswered = [&] { return std::ranges::all_of(pictures, &Picture::m_answered); };
+    auto turn = m_bus.run([&] { return allHaveAnswered() || std::ranges::any_of(pictures, isAnswered); },
+                          kTransferTime);
+    if (turn == SessionBus::Turn::Condition)
+        turn = m_bus.run(allHaveAnswered, kStragglerTime);
+    if (turn != SessionBus::Turn::Condition && turn != SessionBus::Turn::TimedOut)
         return false;
-    std::size_t open = pictures.size();
-    std::vector<SessionBus::Reader> readers;
+    // An answer that comes from here on is too late.
+    std::vector<Picture*> coming;
     for (Picture& picture : pictures)
-        readers.push_back({picture.m_pipe, [&picture, &open] {
-                               const bool more = picture.readPart();
+        if (isAnswered(picture))
+            coming.push_back(&picture);
+    if (coming.empty() || !std::ranges::all_of(coming, &Picture::makeRoom))
+        return false;
+    std::size_t open = coming.size();
+    std::vector<SessionBus::Reader> readers;
+    for (Picture* const picture : coming)
+        readers.push_back({picture->m_pipe, [picture, &open] {
+                               const bool more = picture->readPart();
                                open -= !more;
                                return more;
                            }});
     m_bus.run([&] { return open == 0; }, kTransferTime, std::move(readers));
-    return std::ranges::all_of(pictures, &Picture::isWhole);
+    return std::ranges::all_of(coming, &Picture::isWhole);
 }
 
 std::optional<KwinScreenshots::FrameSize> KwinScreenshots::frameSizeOf(const std::string& window) {

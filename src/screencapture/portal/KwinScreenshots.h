@@ -30,13 +30,13 @@ public:
         const RawPicture& shape() const { return m_shape; }
         /// KWin's identifier of the captured window, if it is one.
         const std::string& window() const { return m_window; }
-        /// The received picture, once.
+        bool isWhole() const { return m_answered && !isRefused() && m_have == m_shape.byteCount(); }
+        /// The received picture, once; null when there is none.
         std::unique_ptr<MemoryImage> take();
 
     private:
         friend class KwinScreenshots;
         bool isRefused() const { return !m_error.name.empty() || m_shape.byteCount() == 0; }
-        bool isWhole() const { return !isRefused() && m_have == m_shape.byteCount(); }
         bool makeRoom();
         bool readPart();
 
@@ -65,8 +65,9 @@ public:
     bool requestPickedWindow(Picture& picture);
     /// Waits for KWin's answer; however long without a limit.
     SessionBus::Turn waitForAnswer(const Picture& picture, std::chrono::milliseconds limit = {});
-    /// Waits for the answers and the pixels of all, in whatever order KWin sends them. False when one is
-    /// refused or does not come as announced.
+    /// Waits for the answers and the pixels of all, in whatever order KWin sends them. What is refused, or
+    /// not answered long after another was, stays without a picture. False when none comes, or one does not
+    /// come as announced.
     bool receive(std::span<Picture> pictures);
 
     /// Size of a window with its frame and without its shadow, in logical pixels, as KWin tells it.
