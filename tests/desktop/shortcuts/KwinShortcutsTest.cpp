@@ -1,5 +1,6 @@
 #include "desktop/support/KwinDesktop.h"
 
+#include <QFile>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <linux/input-event-codes.h>
@@ -34,10 +35,14 @@ protected:
                             QStringLiteral("/component/framora"), QStringLiteral("--method"),
                             QStringLiteral("org.kde.kglobalaccel.Component.allShortcutInfos")});
     }
+    /// The captures under way; the program also runs the tool to ask whether it may take pictures.
     std::vector<qint64> captureTools() const {
         std::vector<qint64> tools;
         for (const qint64 pid : desktop.processes()) {
-            if (ChildProcess::nameOf(pid) == u"framora-screenc")
+            if (ChildProcess::nameOf(pid) != u"framora-screenc")
+                continue;
+            QFile file(QStringLiteral("/proc/%1/cmdline").arg(pid));
+            if (file.open(QIODevice::ReadOnly) && file.readAll().split('\0').contains("-c"))
                 tools.push_back(pid);
         }
         return tools;
