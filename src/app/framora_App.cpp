@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/ApplicationIcon.h"
+#include "app/FirstStart.h"
 #include "editor/render/PictureFile.h"
 #include "editor/window/EditorModule.h"
 #include "editor/window/EditorServices.h"
@@ -143,7 +144,8 @@ struct framora_App::Desktop {
                   windows->desktopShortcuts(), windows->globalShortcuts(), handBindingOfDesktop(),
                   windows->permissions(), windows->privacyPanes(), loginItem, appearance, componentVersions,
                   [](CaptureSound sound, float volume) { SoundManager::shared().play(sound, volume); },
-                  [this](QWindow& window) { windows->application().setFrontWindow(window); }},
+                  [this](QWindow& window) { windows->application().setFrontWindow(window); },
+                  windows->application().hasActivationPolicies()},
                  std::move(onWillClose)));
     }
 
@@ -175,9 +177,14 @@ void framora_App::launch() {
     m_desktop->loginItem.followProgram();
     _appDelegate->applicationDidFinishLaunching();
 }
+    m_firstStart = std::make_unique<FirstStart>(
+        FirstStart::Services{m_desktop->mainQueue, m_desktop->defaults, m_desktop->notifications,
+                             m_desktop->windows->globalShortcuts(), m_desktop->statusBar,
+                             [this] { _appDelegate->openSettings(); }});
 
 void framora_App::perform(ProgramCommand command, const QString& activationToken) {
     if (!m_desktop->gate.isOpen())
+    m_firstStart.reset();
         return;
     // Whoever brought the command is answered first. What closes the gate meanwhile comes before it.
     m_desktop->mainQueue.async([this, command, activationToken, closings = m_desktop->gate.closings()] {

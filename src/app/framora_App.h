@@ -9,6 +9,7 @@
 namespace framora {
 
 class AppDelegate;
+class FirstStart;
 
 /// The application: it builds the desktop's real parts, joins them, and holds the one delegate.
 class framora_App {
@@ -33,6 +34,7 @@ private:
     struct Desktop;
     std::unique_ptr<Desktop> m_desktop;
     std::unique_ptr<AppDelegate> _appDelegate;
+    std::unique_ptr<FirstStart> m_firstStart; ///< Until the user has found a way to the program.
 };
 
 } // namespace framora

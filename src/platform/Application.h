@@ -16,6 +16,8 @@ class Application {
 public:
     virtual ~Application() = default;
     virtual void setActivationPolicy(ActivationPolicy policy) = 0;
+    /// Whether a program can choose that here. Elsewhere its windows stand in the task bar.
+    virtual bool hasActivationPolicies() const { return true; }
     /// Brings the program's front window forward, over whatever is active.
     virtual void activate() = 0;
     /// The window that activate() brings forward, until another one is shown or gets the focus. A window that

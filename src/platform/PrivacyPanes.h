@@ -12,6 +12,8 @@ enum class PrivacyPane {
 class PrivacyPanes {
 public:
     virtual ~PrivacyPanes() = default;
+    /// Whether openPage() would find one.
+    virtual bool hasPage(PrivacyPane pane) const = 0;
     /// At the page itself.
     virtual bool openPage(PrivacyPane pane) = 0;
     /// At the page about privacy and security as a whole.

@@ -16,8 +16,13 @@ public:
         bool mail = false;
         bool operator==(const Abilities&) const = default;
     };
-    /// True when the desktop has taken the file over, whatever its user does with it then.
-    using Finished = std::function<void(bool taken)>;
+    enum class Outcome {
+        taken,     ///< Another program has the file, whatever it does with it.
+        cancelled, ///< The user wants none to have it.
+        failed
+    };
+    /// Told once the user has answered what the desktop asks, if it asks anything.
+    using Finished = std::function<void(Outcome)>;
 
     virtual ~Sharing() = default;
     virtual void queryAbilities(std::function<void(Abilities)> answer) = 0;

@@ -30,6 +30,8 @@ public:
     /// A square item, or nothing where the desktop can never show one. An item that is made before the tray
     /// host runs appears with it.
     virtual std::unique_ptr<StatusItem> makeStatusItem() = 0;
+    /// Whether a tray is there now that shows items.
+    virtual bool hasHost() const = 0;
 };
 
 } // namespace framora

@@ -6,15 +6,6 @@
 
 namespace framora {
 
-QEasingCurve toastCurve(ToastPanel::Easing easing) {
-    QEasingCurve curve(QEasingCurve::BezierSpline);
-    if (easing == ToastPanel::Easing::easeOut)
-        curve.addCubicBezierSegment({0, 0}, {0.58, 1}, {1, 1});
-    else
-        curve.addCubicBezierSegment({0.42, 0}, {1, 1}, {1, 1});
-    return curve;
-}
-
 void fadeToast(const QImage& from, QImage& to, double alpha) {
     const auto factor = std::uint32_t(std::lround(std::clamp(alpha, 0.0, 1.0) * 256));
     const auto count = std::size_t(from.width()) * std::size_t(from.height());

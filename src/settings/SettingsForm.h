@@ -20,6 +20,8 @@ namespace framora {
 class SettingsForm final : public QObject {
     Q_OBJECT
     Q_PROPERTY(bool showDockIcon READ showDockIcon WRITE setShowDockIcon NOTIFY settingsChanged FINAL)
+    /// Whether the setting above does anything on this desktop.
+    Q_PROPERTY(bool canHideDockIcon READ canHideDockIcon CONSTANT FINAL)
     Q_PROPERTY(
         bool copyToClipboard READ copyToClipboard WRITE setCopyToClipboard NOTIFY settingsChanged FINAL)
     Q_PROPERTY(bool soundEnabled READ soundEnabled WRITE setSoundEnabled NOTIFY settingsChanged FINAL)
@@ -48,6 +50,7 @@ public:
     const Settings& settings() const { return m_settings; }
 
     bool showDockIcon() const { return m_settings.showDockIcon; }
+    bool canHideDockIcon() const { return m_services.canHideDockIcon; }
     bool copyToClipboard() const { return m_settings.copyToClipboard; }
     bool soundEnabled() const { return m_settings.soundEffectsEnabled; }
     double volume() const { return m_settings.soundEffectsVolume; } ///< 0 to 1.

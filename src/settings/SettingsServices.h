@@ -40,6 +40,7 @@ struct SettingsServices {
     std::function<void(CaptureSound, float volume)> playSound;
     /// Told of the window each time it is brought forward.
     std::function<void(QWindow&)> orderedFront;
+    bool canHideDockIcon = true; ///< Whether this desktop lets a program choose that.
 };
 
 } // namespace framora

@@ -2,6 +2,7 @@
 
 #include "platform/Localized.h"
 #include "platform/Notifications.h"
+#include "platform/PrivacyPanes.h"
 #include "settings/BindingGuide.h"
 #include "settings/ShortcutRecorder.h"
 
@@ -57,8 +58,14 @@ QString ShortcutBinding::notice() const {
 QString ShortcutBinding::remedy() const {
     if (route() == Route::refused)
         return localized(QStringLiteral("shortcut.desktop.ask.again"));
-    const bool isChangeable = !notice().isEmpty() && m_services.globalShortcuts.canConfigure();
-    return isChangeable ? localized(QStringLiteral("shortcut.desktop.configure")) : QString();
+    if (notice().isEmpty())
+        return {};
+    if (m_services.globalShortcuts.canConfigure())
+        return localized(QStringLiteral("shortcut.desktop.configure"));
+    // Some desktops take a program's wish the first time alone: then only their own settings help.
+    return m_services.privacyPanes.hasPage(PrivacyPane::accessibility)
+               ? localized(QStringLiteral("open.accessibility.settings"))
+               : QString();
 }
 
 void ShortcutBinding::copy(int line) const {
@@ -70,8 +77,10 @@ void ShortcutBinding::copy(int line) const {
 void ShortcutBinding::mend() {
     if (route() == Route::refused)
         m_services.globalShortcuts.askAgain();
-    else
+    else if (m_services.globalShortcuts.canConfigure())
         m_services.globalShortcuts.configure();
+    else
+        m_services.privacyPanes.openPage(PrivacyPane::accessibility);
 }
 
 } // namespace framora

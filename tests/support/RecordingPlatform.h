@@ -77,8 +77,10 @@ public:
         m_log.push_back("status item");
         return hasItems ? std::make_unique<Item>(*this) : nullptr;
     }
+    bool hasHost() const override { return isShown; }
 
     bool hasItems = true;
+    bool isShown = true;
     bool hasSymbol = true;
     std::vector<StatusItem::MenuEntry> menu;
 

@@ -9,7 +9,7 @@
 
 namespace framora {
 
-/// A desktop that takes files, or refuses them, as the test says, and remembers what it was given.
+/// A desktop that does with files what the test says, and remembers what it was given.
 class RecordingSharing final : public Sharing {
 public:
     explicit RecordingSharing(MainQueue& queue) : m_queue(queue) {}
@@ -26,7 +26,7 @@ public:
     }
 
     Abilities abilities{true, true};
-    bool takes = true;
+    Outcome outcome = Outcome::taken;
     QStringList calls;
     QStringList paths;
     QList<QImage> pictures; ///< As they lay there at the call.
@@ -38,7 +38,7 @@ private:
         paths.append(path);
         pictures.append(QImage(path));
         parentWindow = parent;
-        m_queue.async([this, finished = std::move(finished)] { finished(takes); });
+        m_queue.async([this, finished = std::move(finished)] { finished(outcome); });
     }
 
     MainQueue& m_queue;

@@ -89,6 +89,7 @@ public:
 /// Writes down the routes that are tried; the one that the test names works.
 class RecordingPrivacyPanes final : public PrivacyPanes {
 public:
+    bool hasPage(PrivacyPane) const override { return working == "page"; }
     bool openPage(PrivacyPane pane) override {
         return attempt(pane == PrivacyPane::accessibility ? "page accessibility" : "page screen capture");
     }
@@ -139,6 +140,7 @@ struct SettingsPlatform {
     MemoryLoginItem loginItem;
     FixedAppearance appearance;
     FixedComponentVersions componentVersions;
+    bool canHideDockIcon = true;
     const QWindow* fronted = nullptr;
     std::vector<std::pair<CaptureSound, float>> played;
 
@@ -157,7 +159,8 @@ struct SettingsPlatform {
                 appearance,
                 componentVersions,
                 [this](CaptureSound sound, float volume) { played.emplace_back(sound, volume); },
-                [this](QWindow& window) { fronted = &window; }};
+                [this](QWindow& window) { fronted = &window; },
+                canHideDockIcon};
     }
 
     /// The names of all that is posted from now on, in order.

@@ -200,15 +200,19 @@ void ScreenshotEditorWindow::querySharing() {
 
 void ScreenshotEditorWindow::share(const QImage& picture, const ShareWith& shareWith) {
     const auto path = m_sharedPictures.add(encodePng(picture, exportDotsPerInch, raster::PngSpeed::fastest));
-    const Sharing::Finished finished = [self = QPointer(this)](bool taken) {
-        if (self && !taken)
+    const Sharing::Finished finished = [self = QPointer(this), path](Sharing::Outcome outcome) {
+        if (!self || outcome == Sharing::Outcome::taken)
+            return;
+        if (path)
+            self->m_sharedPictures.remove(*path);
+        if (outcome == Sharing::Outcome::failed)
             self->m_savedToast->show(localized(QStringLiteral("share.failed")),
                                      QStringLiteral("xmark.circle.fill"), false);
     };
     if (path && m_services.sharing)
         shareWith(*m_services.sharing, *path, finished);
     else
-        finished(false);
+        finished(Sharing::Outcome::failed);
 }
 
 void ScreenshotEditorWindow::loadWallpapers() {

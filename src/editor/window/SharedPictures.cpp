@@ -3,6 +3,7 @@
 #include "platform/MainQueue.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -29,6 +30,11 @@ std::optional<QString> SharedPictures::add(const QByteArray& png) {
     m_entries.push_back(
         {std::move(folder), m_mainQueue.after(keptSeconds, [this] { m_entries.pop_front(); })});
     return file.fileName();
+}
+
+void SharedPictures::remove(const QString& path) {
+    std::erase_if(m_entries,
+                  [&](const Entry& entry) { return entry.folder->path() == QFileInfo(path).path(); });
 }
 
 } // namespace framora

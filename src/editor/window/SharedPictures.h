@@ -26,6 +26,8 @@ public:
 
     /// Writes "Screenshot.png" and returns its path; nothing when that fails.
     std::optional<QString> add(const QByteArray& png);
+    /// At once: nobody was given it after all. Nothing when it has gone already.
+    void remove(const QString& path);
 
 private:
     struct Entry {

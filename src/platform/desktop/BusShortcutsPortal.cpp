@@ -1,7 +1,6 @@
 #include "platform/desktop/BusShortcutsPortal.h"
 
 #include "platform/ApplicationId.h"
-#include "platform/desktop/PortalRequest.h"
 
 #include <QDBusArgument>
 #include <QDBusError>
@@ -9,7 +8,6 @@
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
-#include <QPointer>
 #include <utility>
 
 namespace framora {
@@ -102,7 +100,7 @@ BusShortcutsPortal::BusShortcutsPortal(const QString& busAddress)
                     return;
                 // Nobody responds to them any more.
                 for (PortalRequest* request : requests)
-                    request->end(2, {});
+                    request->end(PortalRequest::failed);
             });
     m_bus.connect(service, objectPath, interface, QStringLiteral("Activated"), this,
                   SLOT(onActivated(QDBusMessage)));
@@ -153,23 +151,9 @@ void BusShortcutsPortal::begin(std::function<void(std::optional<unsigned>)> answ
     });
 }
 
-void BusShortcutsPortal::request(QDBusMessage call, QVariantMap options, Responded responded) {
-    const QString token = QStringLiteral("framora%1").arg(++m_requests);
-    options.insert(QStringLiteral("handle_token"), token);
-    call << options;
-    const QString sender = m_bus.baseService().mid(1).replace(u'.', u'_');
-    // Heard from before the call goes out, or a quick answer would be missed.
-    const QPointer<PortalRequest> waiting(
-        new PortalRequest(m_bus, QStringLiteral("%1/request/%2/%3").arg(objectPath, sender, token),
-                          std::move(responded), this));
-    send(call, [waiting](const QDBusMessage& reply) {
-        if (!waiting)
-            return;
-        if (isAnswer(reply) && !reply.arguments().isEmpty())
-            waiting->follow(reply.arguments().first().value<QDBusObjectPath>().path());
-        else
-            waiting->end(2, {});
-    });
+void BusShortcutsPortal::request(const QDBusMessage& call, const QVariantMap& options,
+                                 PortalRequest::Responded responded) {
+    new PortalRequest(m_bus, call, options, std::move(responded), this);
 }
 
 void BusShortcutsPortal::createSession(const std::vector<Wish>& wishes,
@@ -184,7 +168,8 @@ void BusShortcutsPortal::createSession(const std::vector<Wish>& wishes,
                 const QString session = handle.canConvert<QDBusObjectPath>()
                                             ? handle.value<QDBusObjectPath>().path()
                                             : handle.toString();
-                answer(response == 0 && !session.isEmpty() ? std::optional(session) : std::nullopt);
+                answer(response == PortalRequest::done && !session.isEmpty() ? std::optional(session)
+                                                                             : std::nullopt);
             });
 }
 
@@ -193,9 +178,9 @@ void BusShortcutsPortal::bind(const QString& session, const std::vector<Wish>& w
     QDBusMessage call = portalCall(QStringLiteral("BindShortcuts"));
     call << QVariant::fromValue(QDBusObjectPath(session)) << onBus(wishes) << QString();
     request(call, {}, [answer = std::move(answer)](uint response, const QVariantMap& results) {
-        const auto outcome = response == 0   ? Outcome::done
-                             : response == 1 ? Outcome::refused
-                                             : Outcome::failed;
+        const auto outcome = response == PortalRequest::done        ? Outcome::done
+                             : response == PortalRequest::cancelled ? Outcome::refused
+                                                                    : Outcome::failed;
         answer(outcome, bindingsIn(results));
     });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/desktop/PortalRequest.h"
 #include "platform/desktop/ShortcutsPortal.h"
 
 #include <QDBusConnection>
@@ -39,19 +40,13 @@ private Q_SLOTS:
 
 private:
     using Replied = std::function<void(const QDBusMessage&)>;
-    /// The portal's answer to a request: 0 done, 1 refused, 2 ended otherwise.
-    using Responded = std::function<void(uint response, const QVariantMap& results)>;
-
     void send(const QDBusMessage& call, Replied replied);
-    /// Sends a call whose last argument, `options`, gets the request's token, and waits for its response. A
-    /// call that is answered by an error responds with 2.
-    void request(QDBusMessage call, QVariantMap options, Responded responded);
+    void request(const QDBusMessage& call, const QVariantMap& options, PortalRequest::Responded responded);
 
     QString m_name;
     QDBusConnection m_bus;
     QDBusServiceWatcher m_watcher;
     Listener m_listener;
-    unsigned m_requests = 0;
 };
 
 } // namespace framora

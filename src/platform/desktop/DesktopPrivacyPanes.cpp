@@ -18,7 +18,7 @@ struct DesktopPrivacyPanes::Routes {
 DesktopPrivacyPanes::DesktopPrivacyPanes(const QString& desktop)
     : m_desktops(desktop.split(u':', Qt::SkipEmptyParts)) {}
 
-bool DesktopPrivacyPanes::open(const char* Routes::*route) const {
+QStringList DesktopPrivacyPanes::command(Route route) const {
     static constexpr std::array<Routes, 6> all{{
         {"GNOME", "gnome-control-center keyboard", "gnome-control-center applications",
          "gnome-control-center usage", "gnome-control-center"},
@@ -34,16 +34,32 @@ bool DesktopPrivacyPanes::open(const char* Routes::*route) const {
             if (desktop.compare(QLatin1String(routes.desktop), Qt::CaseInsensitive) != 0 || !(routes.*route))
                 continue;
             QStringList command = QString::fromLatin1(routes.*route).split(u' ');
-            const QString program = QStandardPaths::findExecutable(command.takeFirst());
-            if (!program.isEmpty() && QProcess::startDetached(program, command))
-                return true;
+            command.front() = QStandardPaths::findExecutable(command.front());
+            if (!command.front().isEmpty())
+                return command;
         }
     }
-    return false;
+    return {};
+}
+
+bool DesktopPrivacyPanes::open(Route route) const {
+    QStringList words = command(route);
+    if (words.isEmpty())
+        return false;
+    const QString program = words.takeFirst();
+    return QProcess::startDetached(program, words);
+}
+
+DesktopPrivacyPanes::Route DesktopPrivacyPanes::routeTo(PrivacyPane pane) {
+    return pane == PrivacyPane::accessibility ? &Routes::accessibility : &Routes::screenCapture;
+}
+
+bool DesktopPrivacyPanes::hasPage(PrivacyPane pane) const {
+    return !command(routeTo(pane)).isEmpty();
 }
 
 bool DesktopPrivacyPanes::openPage(PrivacyPane pane) {
-    return open(pane == PrivacyPane::accessibility ? &Routes::accessibility : &Routes::screenCapture);
+    return open(routeTo(pane));
 }
 
 bool DesktopPrivacyPanes::openPrivacyOverview() {

@@ -1,12 +1,27 @@
 #include "platform/desktop/PortalRequest.h"
 
+#include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
 #include <utility>
 
 namespace framora {
 
-PortalRequest::PortalRequest(QDBusConnection bus, const QString& path, Responded responded, QObject* parent)
-    : QObject(parent), m_bus(std::move(bus)), m_path(path), m_responded(std::move(responded)) {
+PortalRequest::PortalRequest(QDBusConnection bus, QDBusMessage call, QVariantMap options, Responded responded,
+                             QObject* parent)
+    : QObject(parent), m_bus(std::move(bus)), m_responded(std::move(responded)) {
+    static int made = 0;
+    const QString token = QStringLiteral("framora%1").arg(++made);
+    options.insert(QStringLiteral("handle_token"), token);
+    call << options;
+    // Heard from before the call goes out, or a quick answer would be missed.
+    const QString sender = m_bus.baseService().mid(1).replace(u'.', u'_');
+    m_path = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2").arg(sender, token);
     subscribe(true);
+    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
+        finished->deleteLater();
+        onReply(finished->reply());
+    });
 }
 
 void PortalRequest::subscribe(bool on) {
@@ -19,8 +34,14 @@ void PortalRequest::subscribe(bool on) {
         m_bus.disconnect(service, m_path, interface, signal, this, SLOT(onResponse(uint, QVariantMap)));
 }
 
-void PortalRequest::follow(const QString& path) {
-    if (path == m_path)
+void PortalRequest::onReply(const QDBusMessage& reply) {
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
+        end(failed);
+        return;
+    }
+    // Older portals choose another path than the one that was expected.
+    const QString path = reply.arguments().first().value<QDBusObjectPath>().path();
+    if (path == m_path || !m_responded)
         return;
     subscribe(false);
     m_path = path;

@@ -1,30 +1,35 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDBusMessage>
 #include <QObject>
 #include <QVariantMap>
 #include <functional>
 
 namespace framora {
 
-/// One answer that a portal gives later, by a signal of an object of its own. Ends itself with it.
+/// One call to the desktop's portal whose answer comes later, by a signal of an object of its own. Ends
+/// itself with it.
 class PortalRequest final : public QObject {
     Q_OBJECT
 
 public:
+    enum Response : uint { done = 0, cancelled = 1, failed = 2 };
     using Responded = std::function<void(uint response, const QVariantMap& results)>;
 
-    PortalRequest(QDBusConnection bus, const QString& path, Responded responded, QObject* parent);
+    /// Makes the call with `options` as its last argument. One that is refused has failed.
+    PortalRequest(QDBusConnection bus, QDBusMessage call, QVariantMap options, Responded responded,
+                  QObject* parent);
 
-    /// Older portals choose another path than the one that was expected.
-    void follow(const QString& path);
-    void end(uint response, const QVariantMap& results);
+    /// For a portal that will not respond any more.
+    void end(uint response, const QVariantMap& results = {});
 
 private Q_SLOTS:
     void onResponse(uint response, const QVariantMap& results);
 
 private:
     void subscribe(bool on);
+    void onReply(const QDBusMessage& reply);
 
     QDBusConnection m_bus;
     QString m_path;

@@ -1,8 +1,11 @@
 #include "platform/desktop/PortalSharing.h"
 
+#include "platform/desktop/PortalRequest.h"
+
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
+#include <QDBusServiceWatcher>
 #include <QDBusUnixFileDescriptor>
 #include <QFile>
 #include <QGuiApplication>
@@ -30,14 +33,12 @@ QString handleOf(const QWindow* window) {
     return QStringLiteral("x11:%1").arg(window->winId(), 0, 16);
 }
 
-int openedForReading(const QString& path) {
-    return ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
-}
-
-/// Takes the descriptor over.
-QDBusUnixFileDescriptor handedOver(int descriptor) {
+/// Invalid where the file cannot be read.
+QDBusUnixFileDescriptor openedForReading(const QString& path) {
     QDBusUnixFileDescriptor result;
-    result.giveFileDescriptor(descriptor);
+    if (const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+        descriptor >= 0)
+        result.giveFileDescriptor(descriptor);
     return result;
 }
 
@@ -45,15 +46,6 @@ QDBusUnixFileDescriptor handedOver(int descriptor) {
 
 PortalSharing::PortalSharing(QDBusConnection bus) : m_bus(std::move(bus)) {
     qDBusRegisterMetaType<QList<QDBusUnixFileDescriptor>>();
-}
-
-void PortalSharing::send(const QDBusMessage& call, std::function<void(bool, const QDBusMessage&)> done) {
-    auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), &m_context);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, &m_context,
-                     [done = std::move(done)](QDBusPendingCallWatcher* finished) {
-                         finished->deleteLater();
-                         done(!finished->isError(), finished->reply());
-                     });
 }
 
 void PortalSharing::queryAbilities(std::function<void(Abilities)> answer) {
@@ -70,39 +62,58 @@ void PortalSharing::queryAbilities(std::function<void(Abilities)> answer) {
         QDBusMessage call = QDBusMessage::createMethodCall(
             service, objectPath, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
         call << interface << QStringLiteral("version");
-        send(call, [query, able = ability](bool answered, const QDBusMessage&) {
-            query->abilities.*able = answered;
-            if (--query->unanswered == 0)
-                query->answer(query->abilities);
-        });
+        auto* watcher = new QDBusPendingCallWatcher(m_bus.asyncCall(call), &m_context);
+        QObject::connect(watcher, &QDBusPendingCallWatcher::finished, &m_context,
+                         [query, able = ability](QDBusPendingCallWatcher* finished) {
+                             finished->deleteLater();
+                             query->abilities.*able = !finished->isError();
+                             if (--query->unanswered == 0)
+                                 query->answer(query->abilities);
+                         });
     }
 }
 
-void PortalSharing::hand(const QDBusMessage& call, int descriptor, Finished finished) {
-    if (descriptor < 0) {
-        QTimer::singleShot(0, &m_context, [finished = std::move(finished)] { finished(false); });
-        return;
-    }
-    send(call, [finished = std::move(finished)](bool answered, const QDBusMessage&) { finished(answered); });
+void PortalSharing::hand(const QDBusMessage& call, const QVariantMap& options, Finished finished) {
+    const auto responded = [finished = std::move(finished)](uint response, const QVariantMap&) {
+        finished(response == PortalRequest::done        ? Outcome::taken
+                 : response == PortalRequest::cancelled ? Outcome::cancelled
+                                                        : Outcome::failed);
+    };
+    auto* request = new PortalRequest(m_bus, call, options, responded, &m_context);
+    auto* watcher =
+        new QDBusServiceWatcher(service, m_bus, QDBusServiceWatcher::WatchForUnregistration, request);
+    QObject::connect(watcher, &QDBusServiceWatcher::serviceUnregistered, request,
+                     [request] { request->end(PortalRequest::failed); });
+}
+
+void PortalSharing::fail(Finished finished) {
+    QTimer::singleShot(0, &m_context, [finished = std::move(finished)] { finished(Outcome::failed); });
 }
 
 void PortalSharing::openWith(const QString& path, const QWindow* parent, Finished finished) {
-    const int descriptor = openedForReading(path);
+    const auto file = openedForReading(path);
+    if (!file.isValid()) {
+        fail(std::move(finished));
+        return;
+    }
     QDBusMessage call = portalCall(openInterface, QStringLiteral("OpenFile"));
-    call << handleOf(parent) << QVariant::fromValue(handedOver(descriptor))
-         << QVariantMap{{QStringLiteral("ask"), true}};
-    hand(call, descriptor, std::move(finished));
+    call << handleOf(parent) << QVariant::fromValue(file);
+    hand(call, {{QStringLiteral("ask"), true}}, std::move(finished));
 }
 
 void PortalSharing::composeMail(const QString& path, const QString& subject, const QWindow* parent,
                                 Finished finished) {
-    const int descriptor = openedForReading(path);
-    const QList<QDBusUnixFileDescriptor> attachments{handedOver(descriptor)};
+    const auto file = openedForReading(path);
+    if (!file.isValid()) {
+        fail(std::move(finished));
+        return;
+    }
     QDBusMessage call = portalCall(mailInterface, QStringLiteral("ComposeEmail"));
-    call << handleOf(parent)
-         << QVariantMap{{QStringLiteral("subject"), subject},
-                        {QStringLiteral("attachment_fds"), QVariant::fromValue(attachments)}};
-    hand(call, descriptor, std::move(finished));
+    call << handleOf(parent);
+    hand(call,
+         {{QStringLiteral("subject"), subject},
+          {QStringLiteral("attachment_fds"), QVariant::fromValue(QList<QDBusUnixFileDescriptor>{file})}},
+         std::move(finished));
 }
 
 } // namespace framora

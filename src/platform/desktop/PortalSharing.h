@@ -4,7 +4,7 @@
 
 #include <QDBusConnection>
 #include <QObject>
-#include <QVariant>
+#include <QVariantMap>
 
 class QDBusMessage;
 
@@ -21,10 +21,8 @@ public:
                      Finished finished) override;
 
 private:
-    /// Sends the call and gives `done` whether it was answered without an error, and the answer.
-    void send(const QDBusMessage& call, std::function<void(bool, const QDBusMessage&)> done);
-    /// `descriptor` is -1 when the file could not be opened: nothing is sent then.
-    void hand(const QDBusMessage& call, int descriptor, Finished finished);
+    void hand(const QDBusMessage& call, const QVariantMap& options, Finished finished);
+    void fail(Finished finished);
 
     QDBusConnection m_bus;
     QObject m_context; ///< Ends what is under way.

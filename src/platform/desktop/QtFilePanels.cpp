@@ -1,6 +1,7 @@
 #include "platform/desktop/QtFilePanels.h"
 
 #include "platform/Localized.h"
+#include "platform/desktop/QtTranslation.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -73,6 +74,7 @@ std::optional<QUrl> run(QFileDialog& dialog) {
 } // namespace
 
 std::optional<QUrl> QtFilePanels::openFile(const QString& message, const QStringList& mimeTypes) {
+    translateQt();
     QFileDialog dialog(nullptr, message, picturesFolder());
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::ExistingFile);
@@ -81,6 +83,7 @@ std::optional<QUrl> QtFilePanels::openFile(const QString& message, const QString
 }
 
 std::optional<QUrl> QtFilePanels::savePng(const QString& proposedName) {
+    translateQt();
     SavePngDialog dialog(nullptr, localized(QStringLiteral("save.title")), picturesFolder());
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setFileMode(QFileDialog::AnyFile);

@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusReply>
+#include <QDBusVariant>
 
 namespace framora {
 
@@ -12,6 +14,9 @@ namespace {
 
 const QString itemPath = QStringLiteral("/StatusNotifierItem");
 const QString menuPath = QStringLiteral("/MenuBar");
+const QString watcherPath = QStringLiteral("/StatusNotifierWatcher");
+/// The program waits for it.
+constexpr int answerMilliseconds = 500;
 
 } // namespace
 
@@ -86,9 +91,8 @@ StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QIcon icon, QString 
     m_bus.registerObject(itemPath, this, QDBusConnection::ExportAdaptors);
     m_bus.registerObject(menuPath, &m_menuObject, QDBusConnection::ExportAdaptors);
     m_bus.registerService(m_service);
-    auto call =
-        QDBusMessage::createMethodCall(watcherService(), QStringLiteral("/StatusNotifierWatcher"),
-                                       watcherService(), QStringLiteral("RegisterStatusNotifierItem"));
+    auto call = QDBusMessage::createMethodCall(watcherService(), watcherPath, watcherService(),
+                                               QStringLiteral("RegisterStatusNotifierItem"));
     call << m_service;
     m_bus.asyncCall(call);
 }
@@ -101,6 +105,17 @@ StatusNotifierItem::~StatusNotifierItem() {
 
 bool StatusNotifierItem::watcherRuns(const QDBusConnection& bus) {
     return bus.isConnected() && bus.interface()->isServiceRegistered(watcherService());
+}
+
+bool StatusNotifierItem::hostRuns(const QDBusConnection& bus) {
+    if (!watcherRuns(bus))
+        return false;
+    auto question = QDBusMessage::createMethodCall(watcherService(), watcherPath,
+                                                   QStringLiteral("org.freedesktop.DBus.Properties"),
+                                                   QStringLiteral("Get"));
+    question << watcherService() << QStringLiteral("IsStatusNotifierHostRegistered");
+    const QDBusReply<QDBusVariant> answer = bus.call(question, QDBus::Block, answerMilliseconds);
+    return answer.isValid() && answer.value().variant().toBool();
 }
 
 void StatusNotifierItem::setIcon(const QIcon& icon) {

@@ -30,6 +30,8 @@ public:
 
     static QString watcherService() { return QStringLiteral("org.kde.StatusNotifierWatcher"); }
     static bool watcherRuns(const QDBusConnection& bus);
+    /// Whether somebody shows what the watcher knows.
+    static bool hostRuns(const QDBusConnection& bus);
 
     void setIcon(const QIcon& icon);
     /// The menu outlives the item or is replaced before.

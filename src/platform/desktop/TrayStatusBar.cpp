@@ -1,6 +1,9 @@
 #include "platform/desktop/TrayStatusBar.h"
 
+#include "platform/desktop/StatusNotifierItem.h"
 #include "platform/desktop/TrayStatusItem.h"
+
+#include <QDBusConnection>
 
 namespace framora {
 
@@ -11,6 +14,11 @@ TrayStatusBar::TrayStatusBar(CommandGate& gate, const Appearance& appearance,
 
 std::unique_ptr<StatusItem> TrayStatusBar::makeStatusItem() {
     return std::make_unique<TrayStatusItem>(m_gate, m_appearance, m_notifications, m_onToken);
+}
+
+bool TrayStatusBar::hasHost() const {
+    return StatusNotifierItem::hostRuns(QDBusConnection::sessionBus()) ||
+           (TrayStatusItem::canBeEmbedded() && QSystemTrayIcon::isSystemTrayAvailable());
 }
 
 } // namespace framora

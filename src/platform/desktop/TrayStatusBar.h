@@ -17,6 +17,7 @@ public:
     TrayStatusBar(CommandGate& gate, const Appearance& appearance, NotificationCenter& notifications,
                   std::function<void(const QString& token)> onToken);
     std::unique_ptr<StatusItem> makeStatusItem() override;
+    bool hasHost() const override;
 
 private:
     CommandGate& m_gate;

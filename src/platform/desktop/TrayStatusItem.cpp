@@ -62,6 +62,11 @@ TrayStatusItem::TrayStatusItem(CommandGate& gate, const Appearance& appearance,
 
 TrayStatusItem::~TrayStatusItem() = default;
 
+bool TrayStatusItem::canBeEmbedded() {
+    // A Wayland desktop has only trays with a watcher.
+    return !QGuiApplication::platformName().startsWith(QStringLiteral("wayland"));
+}
+
 bool TrayStatusItem::setSymbol(const QString& symbol, const QString& accessibilityDescription,
                                double pointSize) {
     if (!symbolGlyph(symbol))
@@ -136,8 +141,7 @@ void TrayStatusItem::makeIcon() {
         m_notifierItem->setMenu(m_menu.get());
         return;
     }
-    // A Wayland desktop has no other kind of tray.
-    if (QGuiApplication::platformName().startsWith(QStringLiteral("wayland")))
+    if (!canBeEmbedded())
         return;
     m_icon = std::make_unique<QSystemTrayIcon>(m_picture);
     m_icon->setToolTip(m_description);

@@ -31,6 +31,9 @@ public:
                    TokenHandler onToken = {});
     ~TrayStatusItem() override;
 
+    /// Whether there is another kind of tray than the one with a watcher.
+    static bool canBeEmbedded();
+
     bool setSymbol(const QString& symbol, const QString& accessibilityDescription, double pointSize) override;
     void setMenu(std::vector<MenuEntry> entries) override;
 

@@ -16,6 +16,7 @@ public:
 
     /// No protocol has a word for windows that skip the task bar.
     void setActivationPolicy(ActivationPolicy) override {}
+    bool hasActivationPolicies() const override { return false; }
     void activate() override;
     void setFrontWindow(QWindow& window) override { m_frontWindow.set(window); }
     void useActivationToken(const QString& token) override { m_token = token; }

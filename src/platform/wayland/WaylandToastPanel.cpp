@@ -92,12 +92,7 @@ void WaylandToastPanel::surfaceClosed() {
 }
 
 double WaylandToastPanel::presentAlpha() const {
-    if (!m_animation)
-        return m_alpha;
-    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - m_animation->start;
-    const double progress = std::min(1.0, passed.count() / m_animation->seconds);
-    return m_animation->from +
-           (m_animation->to - m_animation->from) * m_animation->curve.valueForProgress(progress);
+    return m_animation ? m_animation->alpha() : m_alpha;
 }
 
 void WaylandToastPanel::put() {
@@ -124,23 +119,16 @@ void WaylandToastPanel::orderFront() {
 void WaylandToastPanel::animateAlpha(double alpha, double seconds, Easing easing,
                                      std::function<void()> done) {
     m_alpha = presentAlpha();
-    auto animation = std::make_unique<Animation>();
-    animation->from = m_alpha;
-    animation->to = std::clamp(alpha, 0.0, 1.0);
-    animation->seconds = seconds;
-    animation->curve = toastCurve(easing);
-    animation->done = std::move(done);
-    animation->start = std::chrono::steady_clock::now();
+    m_animation = std::make_unique<ToastAnimation>(m_alpha, alpha, seconds, easing, std::move(done));
     // Not left to the compositor: it wants no pictures of what nobody sees.
-    animation->end = m_queue.after(seconds, [this] { finishAnimation(); });
-    m_animation = std::move(animation);
+    m_animation->timer = m_queue.after(seconds, [this] { finishAnimation(); });
     put();
 }
 
 void WaylandToastPanel::finishAnimation() {
     // The callback may close this panel.
     const auto finished = std::exchange(m_animation, nullptr);
-    m_alpha = finished->to;
+    m_alpha = finished->target();
     put();
     if (finished->done)
         finished->done();

@@ -1,11 +1,8 @@
 #pragma once
 
-#include "platform/MainQueue.h"
-#include "platform/ToastPanel.h"
+#include "platform/ToastAnimation.h"
 #include "platform/wayland/WaylandToastSurface.h"
 
-#include <QEasingCurve>
-#include <chrono>
 #include <memory>
 
 namespace framora {
@@ -34,16 +31,6 @@ public:
     void setWithdrawn(bool withdrawn);
 
 private:
-    struct Animation {
-        double from;
-        double to;
-        double seconds;
-        QEasingCurve curve;
-        std::function<void()> done;
-        std::chrono::steady_clock::time_point start;
-        std::unique_ptr<WorkItem> end;
-    };
-
     /// Places the content on an output of that size in units.
     void layOut(QSizeF size, double pixelRatio);
     /// Lets the content draw itself anew.
@@ -70,7 +57,7 @@ private:
     int m_returnsLeft;
     std::unique_ptr<WaylandToastSurface> m_surface;
     std::unique_ptr<WorkItem> m_return;
-    std::unique_ptr<Animation> m_animation;
+    std::unique_ptr<ToastAnimation> m_animation;
 };
 
 } // namespace framora

@@ -216,7 +216,7 @@ void X11ToastPanel::changeAlpha(double alpha) {
     m_alpha = std::clamp(alpha, 0.0, 1.0);
     // Without a compositor the window is either there or not; with one it stays mapped, so that a fade never
     // blinks.
-    const bool goingAway = m_animation && m_animation->to <= 0;
+    const bool goingAway = m_animation && m_animation->target() <= 0;
     const bool shown = m_ordered && !m_withdrawn && (m_look != Look::opaque || (m_alpha > 0 && !goingAway));
     if (shown && !m_mapped) {
         m_mapped = true;
@@ -238,31 +238,21 @@ void X11ToastPanel::orderFront() {
 }
 
 void X11ToastPanel::animateAlpha(double alpha, double seconds, Easing easing, std::function<void()> done) {
-    auto animation = std::make_unique<Animation>();
-    animation->from = m_alpha;
-    animation->to = alpha;
-    animation->seconds = seconds;
-    animation->curve = toastCurve(easing);
-    animation->done = std::move(done);
-    animation->start = std::chrono::steady_clock::now();
-    animation->timer = m_queue.every(frameSeconds, [this] { step(); });
-    m_animation = std::move(animation);
+    m_animation = std::make_unique<ToastAnimation>(m_alpha, alpha, seconds, easing, std::move(done));
+    m_animation->timer = m_queue.every(frameSeconds, [this] { step(); });
     // Where nothing fades, the change happens now.
     if (m_look == Look::opaque)
         changeAlpha(alpha > 0 ? alpha : m_alpha);
 }
 
 void X11ToastPanel::step() {
-    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - m_animation->start;
-    const double progress = std::min(1.0, passed.count() / m_animation->seconds);
-    if (progress < 1) {
-        changeAlpha(m_animation->from +
-                    (m_animation->to - m_animation->from) * m_animation->curve.valueForProgress(progress));
+    if (!m_animation->isOver()) {
+        changeAlpha(m_animation->alpha());
         return;
     }
     // The callback may close this panel.
     const auto finished = std::exchange(m_animation, nullptr);
-    changeAlpha(finished->to);
+    changeAlpha(finished->target());
     if (finished->done)
         finished->done();
 }

@@ -1,11 +1,8 @@
 #pragma once
 
-#include "platform/MainQueue.h"
-#include "platform/ToastPanel.h"
+#include "platform/ToastAnimation.h"
 #include "platform/x11/X11ToastConnection.h"
 
-#include <QEasingCurve>
-#include <chrono>
 #include <memory>
 
 namespace framora {
@@ -37,16 +34,6 @@ public:
     void keepAbove();
 
 private:
-    struct Animation {
-        double from;
-        double to;
-        double seconds;
-        QEasingCurve curve;
-        std::function<void()> done;
-        std::chrono::steady_clock::time_point start;
-        std::unique_ptr<WorkItem> timer;
-    };
-
     /// How the window may look now.
     enum class Look {
         opaque,      ///< The card alone, solid.
@@ -89,7 +76,7 @@ private:
     bool m_mapped = false;
     bool m_withdrawn = false;
     int m_raisesLeft;
-    std::unique_ptr<Animation> m_animation;
+    std::unique_ptr<ToastAnimation> m_animation;
 };
 
 } // namespace framora

@@ -14,7 +14,9 @@ Section {
         objectName: "showDockIcon"
         title: Strings.localized("show dock icon")
         symbol: "dock.rectangle"
-        checked: section.form.showDockIcon
+        enabled: section.form.canHideDockIcon
+        description: enabled ? "" : Strings.localized("dock.icon.always")
+        checked: section.form.showDockIcon || !enabled
         onToggled: checked => section.form.showDockIcon = checked
     }
 }

@@ -118,5 +118,17 @@ TEST_F(EditorSharing, ARefusalIsSaid) {
         [&] { return display().windowTitled(QStringLiteral("Framora toast")).has_value(); }));
 }
 
+TEST_F(EditorSharing, ACancelledChoiceLeavesNothingBehind) {
+    startPortal();
+    portal->response = 1;
+    open();
+    choose(QStringLiteral("share.openWith"));
+    const PortalDouble::Call* call = waitForCall(1);
+    ASSERT_TRUE(call);
+    EXPECT_FALSE(call->bytes.isEmpty());
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return !QFileInfo::exists(call->path); }));
+    EXPECT_FALSE(display().windowTitled(QStringLiteral("Framora toast")));
+}
+
 } // namespace
 } // namespace framora

@@ -3,11 +3,13 @@
 #include <QDBusAbstractAdaptor>
 #include <QDBusArgument>
 #include <QDBusContext>
+#include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusUnixFileDescriptor>
 #include <QFile>
 #include <QFileInfo>
+#include <QTimer>
 #include <stdexcept>
 #include <sys/stat.h>
 
@@ -25,6 +27,7 @@ public:
                          const QDBusUnixFileDescriptor& descriptor) {
         PortalDouble::Call call{method, parent, options, {}, {}, 0};
         call.options.remove(QStringLiteral("attachment_fds")); // It would hold the descriptors.
+        const QString token = call.options.take(QStringLiteral("handle_token")).toString();
         call.path =
             QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(descriptor.fileDescriptor())).symLinkTarget();
         struct stat status {};
@@ -36,10 +39,22 @@ public:
         m_portal.calls.push_back(call);
         if (m_portal.refuses)
             sendErrorReply(QStringLiteral("org.freedesktop.portal.Error.Failed"), QStringLiteral("refused"));
-        return QDBusObjectPath(QStringLiteral("/org/freedesktop/portal/desktop/request/double/1"));
+        const QString path = QStringLiteral("/org/freedesktop/portal/desktop/request/%1/%2")
+                                 .arg(message().service().mid(1).replace(u'.', u'_'), token);
+        if (!m_portal.refuses && m_portal.response)
+            respond(path, *m_portal.response);
+        return QDBusObjectPath(path);
     }
 
 private:
+    /// After the call has been answered.
+    void respond(const QString& path, unsigned response) {
+        QDBusMessage signal = QDBusMessage::createSignal(
+            path, QStringLiteral("org.freedesktop.portal.Request"), QStringLiteral("Response"));
+        signal << response << QVariantMap();
+        QTimer::singleShot(0, this, [bus = connection(), signal] { bus.send(signal); });
+    }
+
     PortalDouble& m_portal;
 };
 

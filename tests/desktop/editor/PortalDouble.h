@@ -6,6 +6,7 @@
 #include <QString>
 #include <QVariantMap>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace framora {
@@ -21,8 +22,8 @@ public:
     struct Call {
         QString method;
         QString parentWindow;
-        QVariantMap options;
-        QString path; ///< What the descriptor leads to.
+        QVariantMap options; ///< Without what makes them a request.
+        QString path;        ///< What the descriptor leads to.
         QByteArray bytes;
         unsigned folderMode = 0; ///< Permissions of the folder that the file lies in.
     };
@@ -32,6 +33,8 @@ public:
 
     std::vector<Call> calls;
     bool refuses = false;
+    /// What its user answers: 0 goes on, 1 cancels, 2 is some mishap; nothing as long as it is not known.
+    std::optional<unsigned> response = 0;
 
 private:
     QString m_name;

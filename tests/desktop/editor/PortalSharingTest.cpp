@@ -11,6 +11,8 @@
 namespace framora {
 namespace {
 
+using Outcome = Sharing::Outcome;
+
 /// The real sharing against a portal's double on a bus of their own.
 class PortalSharingOnABus : public testing::Test {
 public:
@@ -40,12 +42,20 @@ public:
         return answer.value_or(Sharing::Abilities{});
     }
     /// What the finish said, once it came.
-    bool taken(const std::function<void(Sharing::Finished)>& share) {
-        std::optional<bool> answer;
-        share([&](bool was) { answer = was; });
+    static std::optional<Outcome> outcomeOf(const std::function<void(Sharing::Finished)>& share) {
+        std::optional<Outcome> answer;
+        share([&](Outcome was) { answer = was; });
         EXPECT_FALSE(answer) << "never inside the call";
         EXPECT_TRUE(VirtualDesktop::waitFor([&] { return answer.has_value(); }));
-        return answer.value_or(false);
+        return answer;
+    }
+    std::optional<Outcome> openTheFile() {
+        return outcomeOf([&](auto finished) { sharing->openWith(path, nullptr, finished); });
+    }
+    std::optional<Outcome> mailTheFile() {
+        return outcomeOf([&](auto finished) {
+            sharing->composeMail(path, QStringLiteral("Screenshot"), nullptr, finished);
+        });
     }
 
     std::optional<VirtualDesktop> desktop;
@@ -70,7 +80,7 @@ TEST_F(PortalSharingOnABus, FindsWhatThePortalHas) {
 
 TEST_F(PortalSharingOnABus, OffersTheFileWithAChoiceOfPrograms) {
     startPortal();
-    EXPECT_TRUE(taken([&](auto finished) { sharing->openWith(path, nullptr, finished); }));
+    EXPECT_EQ(openTheFile(), Outcome::taken);
     ASSERT_EQ(portal->calls.size(), 1U);
     const PortalDouble::Call& call = portal->calls[0];
     EXPECT_EQ(call.method, QStringLiteral("OpenFile"));
@@ -82,8 +92,7 @@ TEST_F(PortalSharingOnABus, OffersTheFileWithAChoiceOfPrograms) {
 
 TEST_F(PortalSharingOnABus, AttachesTheFileToAMail) {
     startPortal();
-    EXPECT_TRUE(taken(
-        [&](auto finished) { sharing->composeMail(path, QStringLiteral("Screenshot"), nullptr, finished); }));
+    EXPECT_EQ(mailTheFile(), Outcome::taken);
     ASSERT_EQ(portal->calls.size(), 1U);
     const PortalDouble::Call& call = portal->calls[0];
     EXPECT_EQ(call.method, QStringLiteral("ComposeEmail"));
@@ -94,21 +103,47 @@ TEST_F(PortalSharingOnABus, AttachesTheFileToAMail) {
 
 TEST_F(PortalSharingOnABus, SaysWhenItIsRefusedOrThereIsNoFile) {
     startPortal();
-    EXPECT_FALSE(taken(
-        [&](auto finished) { sharing->openWith(path + QStringLiteral(".missing"), nullptr, finished); }));
+    ASSERT_TRUE(QFile::rename(path, path + QStringLiteral(".away")));
+    EXPECT_EQ(openTheFile(), Outcome::failed);
+    EXPECT_EQ(mailTheFile(), Outcome::failed);
     EXPECT_TRUE(portal->calls.empty());
+    ASSERT_TRUE(QFile::rename(path + QStringLiteral(".away"), path));
     portal->refuses = true;
-    EXPECT_FALSE(taken([&](auto finished) { sharing->openWith(path, nullptr, finished); }));
-    EXPECT_FALSE(taken([&](auto finished) { sharing->composeMail(path, {}, nullptr, finished); }));
+    EXPECT_EQ(openTheFile(), Outcome::failed);
+    EXPECT_EQ(mailTheFile(), Outcome::failed);
+    EXPECT_EQ(portal->calls.size(), 2U);
+}
+
+TEST_F(PortalSharingOnABus, TellsWhatItsUserAnswersThePortal) {
+    startPortal();
+    portal->response = 1;
+    EXPECT_EQ(openTheFile(), Outcome::cancelled);
+    EXPECT_EQ(mailTheFile(), Outcome::cancelled);
+    portal->response = 2;
+    EXPECT_EQ(openTheFile(), Outcome::failed);
+    EXPECT_EQ(mailTheFile(), Outcome::failed);
+}
+
+TEST_F(PortalSharingOnABus, WaitsForTheAnswerAsLongAsThePortalDoes) {
+    startPortal();
+    portal->response.reset();
+    std::optional<Outcome> answer;
+    sharing->openWith(path, nullptr, [&](Outcome was) { answer = was; });
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return !portal->calls.empty(); }));
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return answer.has_value(); }, 200));
+    portal.reset();
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return answer.has_value(); }));
+    EXPECT_EQ(answer, Outcome::failed);
 }
 
 TEST_F(PortalSharingOnABus, NeverWaitsAndLeavesNoDescriptorOpen) {
     startPortal();
-    EXPECT_TRUE(taken([&](auto finished) { sharing->openWith(path, nullptr, finished); }));
+    EXPECT_EQ(openTheFile(), Outcome::taken);
     const int before = ChildProcess::openDescriptors(getpid());
     for (int i = 0; i < 20; ++i) {
-        EXPECT_TRUE(taken([&](auto finished) { sharing->openWith(path, nullptr, finished); }));
-        EXPECT_TRUE(taken([&](auto finished) { sharing->composeMail(path, {}, nullptr, finished); }));
+        portal->response = unsigned(i % 3);
+        EXPECT_TRUE(openTheFile());
+        EXPECT_TRUE(mailTheFile());
     }
     EXPECT_EQ(ChildProcess::openDescriptors(getpid()), before);
 }
@@ -117,7 +152,7 @@ TEST_F(PortalSharingOnABus, AnswersNobodyAfterItsEnd) {
     startPortal();
     bool answered = false;
     sharing->queryAbilities([&](Sharing::Abilities) { answered = true; });
-    sharing->openWith(path, nullptr, [&](bool) { answered = true; });
+    sharing->openWith(path, nullptr, [&](Outcome) { answered = true; });
     sharing.reset();
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return !portal->calls.empty(); }));
     EXPECT_FALSE(VirtualDesktop::waitFor([&] { return answered; }, 200));

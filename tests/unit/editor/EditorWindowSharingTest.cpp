@@ -74,11 +74,23 @@ TEST_F(SharingEditor, WritesAMailTitledScreenshot) {
 }
 
 TEST_F(SharingEditor, SaysWhenTheDesktopRefuses) {
-    sharing.takes = false;
+    sharing.outcome = Sharing::Outcome::failed;
     editor.open(picture(60, 40));
     session().sendByMail();
     queue.runPending();
     EXPECT_EQ(frontToast(), QStringLiteral("Sharing failed|xmark.circle.fill|0"));
+    EXPECT_FALSE(QFileInfo::exists(sharing.paths[0]));
+}
+
+TEST_F(SharingEditor, ForgetsSilentlyWhatItsUserGivesNobody) {
+    sharing.outcome = Sharing::Outcome::cancelled;
+    editor.open(picture(60, 40));
+    session().openWith();
+    queue.runPending();
+    ASSERT_EQ(sharing.pictures.size(), 1);
+    EXPECT_FALSE(sharing.pictures[0].isNull());
+    EXPECT_EQ(frontToast(), QString());
+    EXPECT_FALSE(QFileInfo::exists(sharing.paths[0]));
 }
 
 TEST_F(SharingEditor, SharesNothingWhenThereIsNothingToDraw) {

@@ -61,6 +61,21 @@ TEST_F(Shared, OfManyTheOldestGoFirst) {
     EXPECT_EQ(folders(), 0);
 }
 
+TEST_F(Shared, OneThatNobodyWantsGoesAtOnceAndAlone) {
+    SharedPictures pictures(queue, runtime.path());
+    const auto first = pictures.add("1");
+    const auto second = pictures.add("2");
+    ASSERT_TRUE(first && second);
+    pictures.remove(*first);
+    EXPECT_FALSE(QFile::exists(*first));
+    EXPECT_TRUE(QFile::exists(*second));
+    EXPECT_EQ(folders(), 1);
+    pictures.remove(*first);
+    EXPECT_TRUE(QFile::exists(*second));
+    queue.advance(SharedPictures::keptSeconds + 1);
+    EXPECT_EQ(folders(), 0);
+}
+
 TEST_F(Shared, GoWithTheProgram) {
     {
         SharedPictures pictures(queue, runtime.path());

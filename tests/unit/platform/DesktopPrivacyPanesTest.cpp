@@ -43,6 +43,7 @@ TEST_F(DesktopPrivacyPanesTest, opensThePageOfTheDesktopInUse) {
     install("gnome-control-center");
     install("xfce4-keyboard-settings");
     DesktopPrivacyPanes gnome(QStringLiteral("ubuntu:GNOME"));
+    EXPECT_TRUE(gnome.hasPage(PrivacyPane::accessibility));
     EXPECT_TRUE(gnome.openPage(PrivacyPane::accessibility));
     EXPECT_EQ(takeCall(), QStringLiteral("gnome-control-center keyboard"));
     EXPECT_TRUE(gnome.openPage(PrivacyPane::screenCapture));
@@ -59,6 +60,8 @@ TEST_F(DesktopPrivacyPanesTest, opensThePageOfTheDesktopInUse) {
 TEST_F(DesktopPrivacyPanesTest, aRouteThatADesktopLacksIsNone) {
     install("xfce4-settings-manager");
     DesktopPrivacyPanes xfce(QStringLiteral("XFCE"));
+    EXPECT_FALSE(xfce.hasPage(PrivacyPane::accessibility));
+    EXPECT_FALSE(xfce.hasPage(PrivacyPane::screenCapture));
     EXPECT_FALSE(xfce.openPage(PrivacyPane::accessibility)) << "not installed";
     EXPECT_FALSE(xfce.openPage(PrivacyPane::screenCapture)) << "no such page";
     EXPECT_FALSE(xfce.openPrivacyOverview());

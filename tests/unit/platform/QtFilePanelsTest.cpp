@@ -7,10 +7,12 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QProcess>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <cstdio>
 #include <gtest/gtest.h>
 
 namespace framora {
@@ -110,6 +112,51 @@ TEST_F(SavePngTest, theNameOfAFolderOpensIt) {
                   pressSave();
               }),
               QStringLiteral("c.d/e.png"));
+}
+
+/// The words on the dialog's buttons, and what a question's say.
+TEST_F(SavePngTest, DISABLED_saysItsButtons) {
+    touch(QStringLiteral("a.b.png"));
+    answer([&] {
+        for (const auto* button : dialog().findChild<QDialogButtonBox*>()->buttons())
+            std::printf("[%s]\n", qPrintable(button->text().remove(u'&')));
+        typeName(QStringLiteral("a.b"));
+        QTimer::singleShot(0, [&] {
+            std::printf("[%s]\n", qPrintable(question()->button(QMessageBox::Yes)->text().remove(u'&')));
+            question()->reject();
+        });
+        pressSave();
+    });
+}
+
+TEST(QtFilePanelsLanguage, isTheProgramsDownToItsButtons) {
+    // A process speaks one language from its start to its end.
+    const auto spoken = [](const char* locale) {
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("LC_ALL"), QString::fromLatin1(locale));
+        environment.remove(QStringLiteral("LANGUAGE"));
+        process.setProcessEnvironment(environment);
+        process.start(QCoreApplication::applicationFilePath(),
+                      {QStringLiteral("--gtest_also_run_disabled_tests"),
+                       QStringLiteral("--gtest_filter=*DISABLED_saysItsButtons")});
+        EXPECT_TRUE(process.waitForFinished());
+        return process.readAllStandardOutput();
+    };
+    for (const auto& [locale, words] :
+         {std::pair("C.UTF-8", QStringList{"Save", "Cancel", "Yes"}),
+          std::pair("de_DE.UTF-8", QStringList{"Speichern", "Abbrechen", "Ja"}),
+          std::pair("es_ES.UTF-8", QStringList{"Guardar", "Cancelar", "Sí"}),
+          std::pair("fr_FR.UTF-8", QStringList{"Enregistrer", "Annuler", "Oui"}),
+          std::pair("ja_JP.UTF-8", QStringList{"保存", "キャンセル", "はい"}),
+          std::pair("pt_PT.UTF-8", QStringList{"Salvar", "Cancelar", "Sim"}),
+          std::pair("zh_CN.UTF-8", QStringList{"保存", "取消", "是"})}) {
+        const QByteArray said = spoken(locale);
+        for (const QString& word : words)
+            EXPECT_TRUE(said.contains('[' + word.toUtf8() + ']') || said.contains('[' + word.toUtf8() + '('))
+                << locale << " lacks " << word.toStdString() << " in\n"
+                << said.toStdString();
+    }
 }
 
 } // namespace

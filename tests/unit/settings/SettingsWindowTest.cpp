@@ -1,5 +1,6 @@
 #include "settings/window/QuickSettingsWindow.h"
 
+#include "platform/Localized.h"
 #include "platform/ProgramVersion.h"
 #include "settings/views/SettingsSession.h"
 #include "support/SettingsPlatform.h"
@@ -106,6 +107,26 @@ TEST_F(SettingsWindowTest, everySwitchTurnsItsSetting) {
     platform.loginItem.isReadOnly = true;
     click("startsAtLogin.switch");
     EXPECT_TRUE(find("startsAtLogin.switch")->property("checked").toBool()) << "what could not be stored";
+}
+
+TEST_F(SettingsWindowTest, whereTheTaskBarIsNoChoiceItsSwitchIsOnDeadAndSaysWhy) {
+    Settings hidden;
+    hidden.showDockIcon = false;
+    hidden.save(platform.defaults, platform.notifications);
+    platform.canHideDockIcon = false;
+    open();
+    EXPECT_EQ(find("showDockIcon")->property("description").toString(),
+              localized(QStringLiteral("dock.icon.always")));
+    EXPECT_TRUE(find("showDockIcon.switch")->property("checked").toBool());
+    click("showDockIcon.switch");
+    EXPECT_TRUE(find("showDockIcon.switch")->property("checked").toBool());
+    EXPECT_FALSE(stored().showDockIcon) << "what another session is to have stays";
+
+    window.reset();
+    platform.canHideDockIcon = true;
+    open();
+    EXPECT_EQ(find("showDockIcon")->property("description").toString(), QString());
+    EXPECT_FALSE(find("showDockIcon.switch")->property("checked").toBool());
 }
 
 TEST_F(SettingsWindowTest, theVolumeRunsByTheKeyboardToItsEnds) {

@@ -126,6 +126,7 @@ TEST_F(ShortcutBindingTest, whatTheDesktopBoundOtherwiseIsSaidAndCanBeChangedWhe
     platform.shortcuts.way = Route::desktop;
     platform.shortcuts.keys[QStringLiteral("capture-area")] = QStringLiteral("Meta+Print");
     make();
+    platform.panes.working.clear();
     EXPECT_TRUE(binding->notice().contains(QStringLiteral("Meta+Print")));
     EXPECT_TRUE(binding->remedy().isEmpty());
     platform.shortcuts.configurable = true;
@@ -137,6 +138,17 @@ TEST_F(ShortcutBindingTest, whatTheDesktopBoundOtherwiseIsSaidAndCanBeChangedWhe
     binding->mend();
     EXPECT_EQ(platform.shortcuts.configured, 1);
     EXPECT_EQ(platform.shortcuts.asked, 0);
+}
+
+TEST_F(ShortcutBindingTest, whatTheDesktopKeepsFromEarlierIsChangedInItsOwnSettings) {
+    platform.shortcuts.way = Route::desktop;
+    make();
+    EXPECT_TRUE(binding->remedy().isEmpty()) << "there is nothing to change";
+    platform.shortcuts.keys[QStringLiteral("capture-area")] = QStringLiteral("Alt+$");
+    EXPECT_EQ(binding->remedy(), localized(QStringLiteral("open.accessibility.settings")));
+    binding->mend();
+    EXPECT_EQ(platform.panes.tried, std::vector<std::string>{"page accessibility"});
+    EXPECT_EQ(platform.shortcuts.configured, 0);
 }
 
 TEST_F(ShortcutBindingTest, keysThatTheDesktopNeverGaveAreMissed) {
