@@ -2,14 +2,11 @@
 
 #include "editor/render/ComposedPng.h"
 #include "editor/render/PictureFile.h"
-#include "editor/render/ScreenshotRenderer.h"
 
 #include <QFile>
 
 namespace framora {
 namespace {
-
-constexpr double outputDotsPerInch = 144.0;
 
 LoadedPicture readInput(const QString& input) {
     if (input != u"-")
@@ -49,13 +46,14 @@ QString RenderJob::run(const QString& input, const QString& output) const {
     composition.config.zoom = 100.0;
     composition.isRendering = !m_arguments.isPreview;
     composition.preloadedBackgroundImage = m_background;
-    const QSizeF frame = outputFrame(pointSize(picture.image), composition.config);
-    const std::optional<QByteArray> png = composedPng(composition, frame, exportScale, outputDotsPerInch);
-    if (!png)
+    const std::optional<QByteArray> png = composedPng(composition);
+    if (!png) {
+        const QSizeF frame = outputFrame(pointSize(picture.image), composition.config);
         return QStringLiteral("%1: a frame of %2 x %3 points cannot be drawn")
             .arg(inputName)
             .arg(frame.width())
             .arg(frame.height());
+    }
     if (png->isEmpty())
         return QStringLiteral("%1: not enough memory for the PNG").arg(inputName);
     const QString problem = writeOutput(output, *png);

@@ -325,18 +325,19 @@ QImage ScreenshotEditorViewModel::renderFinalImage() const {
 }
 
 void ScreenshotEditorViewModel::saveImage() {
-    const QImage image = renderFinalImage();
-    if (image.isNull())
+    // The picture as it is now; it is drawn into its file, not held while the user chooses one.
+    const std::optional<Composition> composition = exportComposition(m_originalImage, m_config);
+    if (!composition)
         return;
     // The panel serves the program's other windows: this model may be gone when it returns, and the user's
     // choice still counts.
-    const auto encode = m_services.encodePng;
+    const auto exportPng = m_services.exportPng;
     const auto showToast = m_services.showToast;
     const auto seconds = static_cast<long long>(std::floor(m_services.clock.secondsSince1970()));
     const auto url = m_services.filePanels.savePng(QStringLiteral("screenshot_%1.png").arg(seconds));
     if (!url)
         return;
-    const QByteArray png = encode(image);
+    const QByteArray png = exportPng(*composition);
     // A failed write leaves what was there; it is not reported.
     if (!png.isEmpty())
         writeFileAtomically(url->toLocalFile(), png);

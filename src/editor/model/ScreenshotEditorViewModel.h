@@ -28,6 +28,7 @@ class MainQueue;
 class RandomSource;
 class ResourceBundle;
 class WorkItem;
+struct Composition;
 
 /// The state of one editor window and its commands. Lives on the main thread.
 ///
@@ -82,8 +83,8 @@ public:
         FilePanels& filePanels;
         const ResourceBundle& resources;
         RandomSource& random;
-        std::function<QByteArray(const QImage&)> encodePng; ///< Empty bytes when it fails.
-        ShowToast showToast;                                ///< May be empty: no toast then.
+        std::function<QByteArray(const Composition&)> exportPng; ///< composedPng(); empty when it fails.
+        ShowToast showToast;                                     ///< May be empty: no toast then.
         /// Hands an import to the wallpaper cache; may be empty.
         std::function<void(const Wallpaper&)> shareWallpaper;
         /// The start-up texture that somebody has loaded already; when empty the model loads it itself.

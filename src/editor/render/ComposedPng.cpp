@@ -2,6 +2,7 @@
 
 #include "editor/render/CompositionRasterizer.h"
 #include "editor/render/PictureFile.h"
+#include "editor/render/ScreenshotRenderer.h"
 #include "editor/render/raster/Opacity.h"
 
 #include <algorithm>
@@ -33,9 +34,9 @@ bool isSeenThrough(const raster::Compositor& picture) {
 
 } // namespace
 
-std::optional<QByteArray> composedPng(const Composition& composition, QSizeF size, double scale,
-                                      double dotsPerInch) {
-    const auto viewport = CompositionRasterizer::frameViewport(size, scale);
+std::optional<QByteArray> composedPng(const Composition& composition) {
+    const QSizeF size = outputFrame(pointSize(composition.image), composition.config);
+    const auto viewport = CompositionRasterizer::frameViewport(size, exportScale);
     if (!viewport)
         return {};
     CompositionRasterizer rasterizer;
@@ -48,18 +49,19 @@ std::optional<QByteArray> composedPng(const Composition& composition, QSizeF siz
             return isOpaque && !raster::areRowsOpaque(drawn) ? raster::PixelView() : drawn;
         };
         QByteArray file;
-        if (raster::writePng(
-                {picture.width(), picture.height(), isOpaque, rows}, raster::pixelsPerMetre(dotsPerInch),
-                raster::PngSpeed::compact, [&](std::span<const std::uint8_t> bytes) {
-                    file.append(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size()));
-                }))
+        if (raster::writePng({picture.width(), picture.height(), isOpaque, rows},
+                             raster::pixelsPerMetre(exportDotsPerInch), raster::PngSpeed::compact,
+                             [&](std::span<const std::uint8_t> bytes) {
+                                 file.append(reinterpret_cast<const char*>(bytes.data()),
+                                             qsizetype(bytes.size()));
+                             }))
             return file;
     }
     // Whether it is opaque shows only in the whole picture.
-    const QImage drawn = rasterizer.drawFrame(composition, size, scale);
+    const QImage drawn = rasterizer.drawFrame(composition, size, exportScale);
     if (drawn.isNull())
         return QByteArray(); // it is a frame that can be drawn
-    return encodePng(drawn, dotsPerInch);
+    return encodePng(drawn, exportDotsPerInch);
 }
 
 } // namespace framora

@@ -8,8 +8,16 @@
 
 namespace framora {
 
-QImage renderComposition(const QImage& image, const ScreenshotStyleConfig& config) {
-    if (image.isNull())
+namespace {
+
+QSizeF exportFrame(const QImage& image, const ScreenshotStyleConfig& config) {
+    return outputFrame(pointSize(image), config);
+}
+
+} // namespace
+
+std::optional<Composition> exportComposition(const QImage& image, const ScreenshotStyleConfig& config) {
+    if (image.isNull() || !CompositionRasterizer::frameViewport(exportFrame(image, config), exportScale))
         return {};
     Composition composition;
     composition.image = image;
@@ -18,7 +26,14 @@ QImage renderComposition(const QImage& image, const ScreenshotStyleConfig& confi
     composition.isRendering = true;
     if (config.backgroundType == BackgroundType::image && config.backgroundImageURL)
         composition.preloadedBackgroundImage = BackgroundDecoder::decode(*config.backgroundImageURL);
-    return CompositionRasterizer().drawFrame(composition, outputFrame(pointSize(image), config), exportScale);
+    return composition;
+}
+
+QImage renderComposition(const QImage& image, const ScreenshotStyleConfig& config) {
+    const std::optional<Composition> composition = exportComposition(image, config);
+    return composition
+               ? CompositionRasterizer().drawFrame(*composition, exportFrame(image, config), exportScale)
+               : QImage();
 }
 
 QImage ScreenshotRenderer::render() const {

@@ -3,15 +3,21 @@
 #include "editor/render/Composition.h"
 
 #include <QImage>
+#include <optional>
 
 namespace framora {
 
 /// Pixels a point in every export.
 inline constexpr double exportScale = 2.0;
+/// The resolution that says so in a file.
+inline constexpr double exportDotsPerInch = 72 * exportScale;
+
+/// The composition of an export, with its background decoded. Nothing where its output frame is empty, not
+/// finite or too large. Safe on any thread.
+std::optional<Composition> exportComposition(const QImage& image, const ScreenshotStyleConfig& config);
 
 /// The picture that Copy and Save hand out: the composition in its output frame at exportScale, which is also
-/// its devicePixelRatio. It decodes the background first. Null when the frame is empty, not finite or too
-/// large. Safe on any thread, several at once.
+/// its devicePixelRatio. Null where there is none or memory is short. Safe on any thread, several at once.
 QImage renderComposition(const QImage& image, const ScreenshotStyleConfig& config);
 
 /// One export of one screenshot; bound to the main thread.

@@ -2,7 +2,9 @@
 
 #include "editor/model/RandomSource.h"
 #include "editor/model/ScreenshotEditorViewModel.h"
+#include "editor/render/ComposedPng.h"
 #include "editor/render/PictureFile.h"
+#include "editor/render/ScreenshotRenderer.h"
 #include "editor/render/WallpaperCache.h"
 #include "editor/views/EditorSession.h"
 #include "editor/views/EditorViews.h"
@@ -32,9 +34,6 @@
 
 namespace framora {
 namespace {
-
-/// Both Copy and Save write at twice the point size.
-constexpr double exportDotsPerInch = 144.0;
 
 std::function<ScreenshotEditorWindow::Services()>& sharedServices() {
     static std::function<ScreenshotEditorWindow::Services()> services;
@@ -149,7 +148,7 @@ ScreenshotEditorWindow::makeSession(const QImage& image,
         m_services.filePanels,
         m_services.resources,
         *m_random,
-        [](const QImage& picture) { return encodePng(picture, exportDotsPerInch); },
+        [](const Composition& composition) { return composedPng(composition).value_or(QByteArray()); },
         [this](const QString& message, const QString& icon, bool success) {
             m_savedToast->show(message, icon, success);
         },

@@ -2,6 +2,7 @@
 
 #include "editor/model/RandomSource.h"
 #include "editor/model/ScreenshotEditorViewModel.h"
+#include "editor/render/ComposedPng.h"
 #include "editor/render/PictureFile.h"
 #include "platform/FilePanels.h"
 #include "platform/ResourceBundle.h"
@@ -112,8 +113,9 @@ public:
         return std::make_unique<ScreenshotEditorViewModel>(
             image, ScreenshotEditorViewModel::Services{
                        queue, background, queue, panels, resources, random,
-                       [this](const QImage& encoded) {
-                           return encodeFails ? QByteArray() : encodePng(encoded, 144.0);
+                       [this](const Composition& composition) {
+                           return encodeFails ? QByteArray()
+                                              : composedPng(composition).value_or(QByteArray());
                        },
                        [this](const QString& message, const QString& icon, bool success) {
                            toasts.append(QStringLiteral("%1|%2|%3").arg(message, icon).arg(success));

@@ -434,6 +434,16 @@ TEST_F(ViewModel, SavingWritesAPngOfTheRenderedPictureAndSaysSo) {
     EXPECT_EQ(toasts, QStringList{QStringLiteral("Saved|checkmark.circle.fill|1")});
 }
 
+TEST_F(ViewModel, SavesThePictureAsItWasWhenTheUserAskedForIt) {
+    const auto model = makeModel(picture(60, 40));
+    panels.answer = QUrl::fromLocalFile(files.filePath(QStringLiteral("out.png")));
+    const QImage asked = model->renderFinalImage();
+    panels.whileOpen = [&] { change(*model, [](auto& config) { config.padding = 1; }); };
+    model->saveImage();
+    EXPECT_EQ(QImage(panels.answer->toLocalFile()).size(), asked.size());
+    EXPECT_NE(model->renderFinalImage().size(), asked.size());
+}
+
 TEST_F(ViewModel, ACancelledSaveShowsNothing) {
     makeModel(picture(60, 40))->saveImage();
     EXPECT_EQ(panels.saveCount, 1);

@@ -32,8 +32,7 @@ Composition plainComposition(BackgroundType background) {
 }
 
 QByteArray composed(const Composition& composition) {
-    const QSizeF frame = outputFrame(pointSize(composition.image), composition.config);
-    return composedPng(composition, frame, 2, 144).value_or(QByteArray());
+    return composedPng(composition).value_or(QByteArray());
 }
 
 QByteArray encodedWhole(const Composition& composition) {
@@ -145,10 +144,11 @@ TEST(ComposedPng, IsTheFileOfTheFinishedPictureWhateverShowsThatItIsOpaque) {
 }
 
 TEST(ComposedPng, IsNothingWhereTheFrameCannotBeDrawn) {
-    const Composition composition = plainComposition(BackgroundType::gradient);
-    EXPECT_FALSE(composedPng(composition, QSizeF(0, 10), 2, 144));
-    EXPECT_FALSE(composedPng(composition, QSizeF(1e6, 10), 2, 144));
-    EXPECT_FALSE(composedPng(composition, QSizeF(std::numeric_limits<double>::quiet_NaN(), 10), 2, 144));
+    Composition composition = plainComposition(BackgroundType::gradient);
+    for (const double scale : {0.0, 1e6, std::numeric_limits<double>::quiet_NaN()}) {
+        composition.config.scale = scale;
+        EXPECT_FALSE(composedPng(composition)) << scale;
+    }
 }
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // they take more than all memory
@@ -167,7 +167,9 @@ TEST(ComposedPngDeathTest, IsEmptyWhereMemoryIsShort) {
         composition.loadedBackgroundImage = QImage(8, 8, QImage::Format_ARGB32_Premultiplied);
         composition.loadedBackgroundImage.fill(Qt::blue);
         composition.loadedBackgroundImage.setPixel(4, 4, 0);
-        const auto file = composedPng(composition, QSizeF(375, 277), 50, 144);
+        composition.image.setDevicePixelRatio(0.04);
+        composition.config.padding *= 25;
+        const auto file = composedPng(composition);
         std::_Exit(file && file->isEmpty() ? 0 : 1);
     };
     EXPECT_EXIT(compose(), testing::ExitedWithCode(0), "");
