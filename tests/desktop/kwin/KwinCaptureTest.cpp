@@ -41,26 +41,13 @@ public:
         return std::make_unique<PaintedSurface>(m_desktop.socketPath(), options);
     }
 
-    /// The desktop when nothing on it changes any more.
-    QImage settled() {
-        QImage last = m_desktop.screenshot();
-        int same = 0;
-        waitFor([&] {
-            const QImage now = m_desktop.screenshot();
-            same = now == last ? same + 1 : 0;
-            last = now;
-            return same >= 3;
-        });
-        return last;
-    }
-
     /// Starts the tool and waits until it shows something.
     ChildProcess& open(const QStringList& arguments) {
-        settled();
+        m_desktop.settledScreenshot();
         ChildProcess& child = m_descriptors.launch(m_desktop, tool, arguments);
         EXPECT_TRUE(waitFor([&] { return !child.isRunning() || m_descriptors.isReady(); }));
         EXPECT_TRUE(child.isRunning()) << child.output().toStdString();
-        settled();
+        m_desktop.settledScreenshot();
         return child;
     }
     static int exitCodeOf(ChildProcess& child) {
@@ -86,7 +73,7 @@ private:
 TEST(KwinCaptureTest, TakesAnAreaByTheOverlayPixelForPixel) {
     KwinCapture kwin({.size = {900, 600}, .portal = false});
     const auto wall = kwin.paperTheWall(QStringLiteral("Virtual-0"), {900, 600}, 1);
-    const QImage screen = kwin.settled();
+    const QImage screen = kwin.desktop().settledScreenshot();
     ChildProcess& capture = kwin.open(area);
     kwin.input().drag({100, 120}, {300, 250});
     EXPECT_EQ(kwin.exitCodeOf(capture), Done) << capture.output().toStdString();
@@ -97,7 +84,7 @@ TEST(KwinCaptureTest, TakesAnAreaByTheOverlayPixelForPixel) {
 TEST(KwinCaptureTest, TakesEveryDevicePixelOfAScaledOutput) {
     KwinCapture kwin({.size = {900, 600}, .scale = 1.5, .portal = false});
     const auto wall = kwin.paperTheWall(QStringLiteral("Virtual-0"), {1350, 900}, 1.5);
-    const QImage screen = kwin.settled();
+    const QImage screen = kwin.desktop().settledScreenshot();
     ASSERT_EQ(screen.size(), QSize(1350, 900));
     ChildProcess& capture = kwin.open(area);
     kwin.input().drag({100, 120}, {300, 250});
@@ -122,7 +109,7 @@ TEST(KwinCaptureTest, TakesAnAreaOfTheSecondOutput) {
     KwinCapture kwin({.size = {800, 600}, .outputs = 2, .portal = false});
     const auto first = kwin.paperTheWall(QStringLiteral("Virtual-0"), {800, 600}, 1, 1);
     const auto second = kwin.paperTheWall(QStringLiteral("Virtual-1"), {800, 600}, 1, 2);
-    const QImage screen = kwin.settled();
+    const QImage screen = kwin.desktop().settledScreenshot();
     ASSERT_EQ(screen.size(), QSize(1600, 600));
     ChildProcess& capture = kwin.open(area);
     kwin.input().drag({900, 50}, {1100, 200});
@@ -149,7 +136,7 @@ TEST(KwinCaptureTest, LetsTheUserPickAWindowInKwinsWay) {
     options.size = {400, 300};
     options.title = QStringLiteral("painted window");
     const PaintedSurface painted(kwin.desktop().socketPath(), options);
-    const QImage screen = kwin.settled();
+    const QImage screen = kwin.desktop().settledScreenshot();
     // Where KWin put it: its first row of pixels is like no other.
     QPoint place(-1, -1);
     for (int y = 0; y + 300 <= screen.height() && place.x() < 0; ++y)
@@ -196,15 +183,15 @@ TEST(KwinCaptureTest, TakesAPictureThroughKdesPortal) {
     KwinCapture kwin({.size = {900, 600}, .everyoneMayCapture = false});
     permitThisTest(kwin.desktop());
     const auto wall = kwin.paperTheWall(QStringLiteral("Virtual-0"), {900, 600}, 1);
-    const QImage screen = kwin.settled();
+    const QImage screen = kwin.desktop().settledScreenshot();
     ChildProcess& capture = kwin.open(area);
     ASSERT_TRUE(KwinCapture::waitFor([&] { return kwin.desktop().screenshot() != screen; }));
-    const QImage dialog = kwin.settled();
+    const QImage dialog = kwin.desktop().settledScreenshot();
     kwin.input().click(pointerBox);
-    kwin.settled();
+    kwin.desktop().settledScreenshot();
     kwin.input().click(takeButton);
     EXPECT_TRUE(KwinCapture::waitFor([&] { return kwin.desktop().screenshot() != dialog; }));
-    kwin.settled();
+    kwin.desktop().settledScreenshot();
     kwin.input().click(saveButton);
     ASSERT_EQ(kwin.exitCodeOf(capture), Done) << capture.output().toStdString();
     const QImage taken = kwin.clipboardImage();
@@ -219,12 +206,12 @@ TEST(KwinCaptureTest, TakesAPictureThroughKdesPortal) {
 TEST(KwinCaptureTest, CancellingKdesDialogLeavesTheClipboard) {
     KwinCapture kwin({.size = {900, 600}, .everyoneMayCapture = false});
     permitThisTest(kwin.desktop());
-    const QImage screen = kwin.settled();
+    const QImage screen = kwin.desktop().settledScreenshot();
     kwin.desktop().start(QStringLiteral("wl-copy"),
                          {QStringLiteral("--foreground"), QStringLiteral("before")});
     ChildProcess& capture = kwin.open(window);
     ASSERT_TRUE(KwinCapture::waitFor([&] { return kwin.desktop().screenshot() != screen; }));
-    kwin.settled();
+    kwin.desktop().settledScreenshot();
     kwin.input().click(cancelButton);
     EXPECT_EQ(kwin.exitCodeOf(capture), Cancelled) << capture.output().toStdString();
     EXPECT_EQ(kwin.desktop().run(QStringLiteral("wl-paste"), {QStringLiteral("-n")}), "before");

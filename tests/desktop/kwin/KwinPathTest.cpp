@@ -1,7 +1,7 @@
 #include "desktop/kwin/CapturePermission.h"
 #include "desktop/portal/PortalDesktop.h"
 #include "desktop/portal/ScreenshotPortalDouble.h"
-#include "desktop/support/AccessibleTree.h"
+#include "desktop/support/FramoraUser.h"
 #include "desktop/support/KwinDesktop.h"
 
 #include <QDir>
@@ -20,6 +20,7 @@ using Code = ScreenshotPortalDouble::Code;
 class KwinPathTest : public testing::Test {
 protected:
     KwinPathTest() {
+        m_desktop.storeUnchangedSettings();
         QDir().mkpath(m_desktop.homePath() + QStringLiteral("/Pictures"));
         permitThisTest(m_desktop);
     }
@@ -33,28 +34,16 @@ protected:
     }
 
     static bool waitFor(const std::function<bool()>& condition) { return DesktopSession::waitFor(condition); }
-    static QString program() { return QStringLiteral(FRAMORA_PROGRAM_FOLDER "/framora"); }
+    static QString program() { return FramoraUser::program(QStringLiteral("framora")); }
 
     void launch() {
         m_framora = &m_desktop.start(program());
         ASSERT_TRUE(waitFor([&] { return m_desktop.serviceIsOnBus(QStringLiteral("org.framora.Framora")); }));
-        m_empty = settled();
+        m_empty = m_desktop.settledScreenshot();
     }
     void command(const char* option) {
         ChildProcess& asking = m_desktop.start(program(), {QString::fromLatin1(option)});
         EXPECT_TRUE(waitFor([&] { return !asking.isRunning(); }));
-    }
-    /// The desktop when nothing on it changes any more.
-    QImage settled() {
-        QImage last = m_desktop.screenshot();
-        int same = 0;
-        waitFor([&] {
-            const QImage now = m_desktop.screenshot();
-            same = now == last ? same + 1 : 0;
-            last = now;
-            return same >= 3;
-        });
-        return last;
     }
     /// Something is shown and goes by itself, as a toast does. How long it took to come, in milliseconds.
     qint64 toastAfter(const char* option) {

@@ -1,5 +1,4 @@
-#include "desktop/path/DemoDesktop.h"
-#include "desktop/path/FramoraDriver.h"
+#include "desktop/path/PathDesktop.h"
 #include "support/PrintQt.h"
 
 #include <QBuffer>
@@ -45,24 +44,8 @@ private:
     int m_visits = 0;
 };
 
-class ClipboardPathTest : public testing::Test {
+class ClipboardPathTest : public testing::Test, protected PathDesktop {
 protected:
-    static DesktopOptions options() {
-        DesktopOptions options;
-        options.size = {1440, 900};
-        options.accessibility = true;
-        return options;
-    }
-
-    ClipboardPathTest() : m_desktop(options()), m_driver(m_desktop) {
-        display().setWallpaper(demoWallpaper(display().size()));
-    }
-
-    DesktopDisplay& display() { return m_desktop.display(); }
-    QString scratch(const char* name) {
-        return m_desktop.scratchPath() + QLatin1Char('/') + QLatin1String(name);
-    }
-
     /// Starts Framora, captures, and copies out of the editor, which closes with it: what was copied.
     QImage copyFromTheEditor() {
         m_driver.launch();
@@ -83,9 +66,6 @@ protected:
         m_driver.framora().process().terminate();
         EXPECT_TRUE(VirtualDesktop::waitFor([&] { return !m_driver.framora().isRunning(); }));
     }
-
-    VirtualDesktop m_desktop;
-    FramoraDriver m_driver;
 };
 
 TEST_F(ClipboardPathTest, copyOffersPixelForPixelWhatSaveWrites) {

@@ -2,28 +2,7 @@
 
 #include <QElapsedTimer>
 
-#include <stdexcept>
-
 namespace framora {
-
-FramoraDriver::FramoraDriver(VirtualDesktop& desktop) : m_desktop(desktop) {}
-
-FramoraDriver::~FramoraDriver() = default;
-
-QString FramoraDriver::program(const QString& name) {
-    return QStringLiteral(FRAMORA_PROGRAM_FOLDER "/") + name;
-}
-
-void FramoraDriver::require(const QString& what, const std::function<bool()>& condition, int timeoutMs) {
-    if (VirtualDesktop::waitFor(condition, timeoutMs))
-        return;
-    std::string message = "did not see: " + what.toStdString();
-    if (m_framora && !m_framora->isRunning())
-        message += " (Framora has ended)";
-    if (m_framora)
-        message += "\n" + m_framora->output().toStdString();
-    throw std::runtime_error(message);
-}
 
 ChildProcess& FramoraDriver::launch() {
     m_framora = &m_desktop.start(program(QStringLiteral("framora")));
@@ -73,14 +52,6 @@ void FramoraDriver::selectArea(const QRect& area) {
     display().drag(area.topLeft(), area.topLeft() + QPoint(area.width(), area.height()));
     waitForNoOverlay();
     require(QStringLiteral("the capture tool's end"), [&] { return captureTools().empty(); });
-}
-
-std::vector<qint64> FramoraDriver::captureTools() {
-    std::vector<qint64> tools;
-    for (const qint64 child : m_framora->children())
-        if (ChildProcess::nameOf(child).startsWith(QStringLiteral("framora-screen")))
-            tools.push_back(child);
-    return tools;
 }
 
 QRect FramoraDriver::capture(const QRect& area) {
@@ -142,17 +113,6 @@ DesktopWindow FramoraDriver::captureAndEdit(const QRect& area) {
     return waitForEditor();
 }
 
-AccessibleNode FramoraDriver::control(const QString& name, const QString& role) {
-    std::optional<AccessibleNode> found;
-    require(QStringLiteral("the control \"%1\"").arg(name), [&] {
-        if (!m_accessible)
-            m_accessible = std::make_unique<AccessibleTree>(m_desktop.busAddress());
-        found = m_accessible->find(QString(), name, role);
-        return found.has_value();
-    });
-    return *found;
-}
-
 void FramoraDriver::clickControl(const QString& name, const QString& role) {
     display().click(control(name, role).area.center());
 }
@@ -171,18 +131,12 @@ void FramoraDriver::answerSaveDialog(const QString& path) {
                 return window;
         return {};
     };
-    require(QStringLiteral("the file dialog"), [&] {
+    const auto isActive = [&] {
         const auto window = dialog();
         return window && display().activeWindow() == window->id;
-    });
-    display().key({"Control_L", "a"});
-    display().type(path);
-    // The first Return may go to the list of completions, which opens when the folder has been read.
-    display().key({"Return"});
-    if (!VirtualDesktop::waitFor([&] { return !dialog(); }, 2000))
-        display().key({"Return"});
-    require(QStringLiteral("the file dialog closing"), [&] { return !dialog(); });
-    require(QStringLiteral("the saved file"), [&] { return !QImage(path).isNull(); });
+    };
+    FramoraUser::answerSaveDialog(
+        display(), [&] { return dialog().has_value(); }, isActive, path);
 }
 
 void FramoraDriver::save(const QString& path) {

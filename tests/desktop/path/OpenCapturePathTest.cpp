@@ -1,5 +1,4 @@
-#include "desktop/path/DemoDesktop.h"
-#include "desktop/path/FramoraDriver.h"
+#include "desktop/path/PathDesktop.h"
 #include "support/PrintQt.h"
 
 #include <gtest/gtest.h>
@@ -9,23 +8,8 @@ namespace framora {
 namespace {
 
 /// What comes in while a capture is on screen.
-class OpenCapturePathTest : public testing::Test {
+class OpenCapturePathTest : public testing::Test, protected PathDesktop {
 protected:
-    static DesktopOptions options() {
-        DesktopOptions options;
-        options.size = {1440, 900};
-        options.accessibility = true;
-        return options;
-    }
-
-    OpenCapturePathTest() : m_desktop(options()), m_driver(m_desktop) {
-        display().setWallpaper(demoWallpaper(display().size()));
-    }
-
-    DesktopDisplay& display() { return m_desktop.display(); }
-    QString scratch(const char* name) {
-        return m_desktop.scratchPath() + QLatin1Char('/') + QLatin1String(name);
-    }
     bool preferencesAreOpen() { return display().windowTitled(QStringLiteral("Preferences")).has_value(); }
     /// Starts the program again; it hands over to the one that runs, and ends.
     void startAgain() {
@@ -48,9 +32,6 @@ protected:
                        reinterpret_cast<const char*>(&press));
         xcb_flush(display().connection());
     }
-
-    VirtualDesktop m_desktop;
-    FramoraDriver m_driver;
 };
 
 TEST_F(OpenCapturePathTest, aSecondCaptureCannotStart) {

@@ -1,5 +1,4 @@
-#include "desktop/path/DemoDesktop.h"
-#include "desktop/path/FramoraDriver.h"
+#include "desktop/path/PathDesktop.h"
 #include "support/PrintQt.h"
 
 #include <QColorSpace>
@@ -29,19 +28,16 @@ void PrintTo(const PathCase& desktop, std::ostream* out) {
     *out << desktop.name;
 }
 
-class PathTest : public testing::TestWithParam<PathCase> {
+class PathTest : public testing::TestWithParam<PathCase>, protected PathDesktop {
 protected:
     static DesktopOptions options() {
-        DesktopOptions options;
-        options.size = {1440, 900};
+        DesktopOptions options = PathDesktop::options();
         options.windowManager = GetParam().windowManager;
         options.compositor = GetParam().compositor;
-        options.accessibility = true;
         return options;
     }
 
-    PathTest() : m_desktop(options()), m_driver(m_desktop) {
-        display().setWallpaper(demoWallpaper(display().size()));
+    PathTest() : PathDesktop(options()) {
         // It stays as it is: what the shortcuts type into it is not shown.
         const QString script =
             QStringLiteral("stty -echo; ls -l /usr; touch '%1'; exec sleep 100000").arg(scratch("shown"));
@@ -51,8 +47,6 @@ protected:
                          QStringLiteral("sh"), QStringLiteral("-c"), script});
     }
 
-    DesktopDisplay& display() { return m_desktop.display(); }
-
     DesktopWindow terminal() {
         EXPECT_TRUE(VirtualDesktop::waitFor([&] {
             const auto window = display().windowOfClass(QStringLiteral("xterm"));
@@ -61,18 +55,11 @@ protected:
         return display().windowOfClass(QStringLiteral("xterm")).value_or(DesktopWindow());
     }
 
-    QString scratch(const char* name) {
-        return m_desktop.scratchPath() + QLatin1Char('/') + QLatin1String(name);
-    }
-
     /// What the editor saves now.
     QImage saved(const char* name) {
         m_driver.save(scratch(name));
         return QImage(scratch(name));
     }
-
-    VirtualDesktop m_desktop;
-    FramoraDriver m_driver;
 };
 
 TEST_P(PathTest, leadsFromTheAreaShortcutToASavedPicture) {

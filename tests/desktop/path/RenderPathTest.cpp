@@ -1,5 +1,4 @@
-#include "desktop/path/DemoDesktop.h"
-#include "desktop/path/FramoraDriver.h"
+#include "desktop/path/PathDesktop.h"
 #include "support/PrintQt.h"
 
 #include <QFile>
@@ -12,26 +11,14 @@ QImage pixels(const QImage& image) {
     return image.convertToFormat(QImage::Format_ARGB32);
 }
 
-class RenderPathTest : public testing::Test {
+class RenderPathTest : public testing::Test, protected PathDesktop {
 protected:
-    static DesktopOptions options() {
-        DesktopOptions options;
-        options.size = {1600, 1000};
-        options.accessibility = true;
-        return options;
-    }
-
-    RenderPathTest() : m_desktop(options()), m_driver(m_desktop) {
-        m_desktop.display().setWallpaper(demoWallpaper(options().size));
+    RenderPathTest() : PathDesktop(options({1600, 1000})) {
         m_driver.launch();
         m_driver.captureAndEdit(QRect(500, 400, 420, 280));
         QFile source(scratch("source.png"));
         if (source.open(QIODevice::WriteOnly))
             source.write(m_desktop.clipboard());
-    }
-
-    QString scratch(const char* name) {
-        return m_desktop.scratchPath() + QLatin1Char('/') + QLatin1String(name);
     }
 
     QImage rendered(const QStringList& fields) {
@@ -49,9 +36,6 @@ protected:
         m_driver.save(scratch("saved.png"));
         return QImage(scratch("saved.png"));
     }
-
-    VirtualDesktop m_desktop;
-    FramoraDriver m_driver;
 };
 
 TEST_F(RenderPathTest, theCommandDrawsWhatANewEditorSaves) {

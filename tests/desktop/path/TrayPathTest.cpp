@@ -1,5 +1,4 @@
-#include "desktop/path/DemoDesktop.h"
-#include "desktop/path/FramoraDriver.h"
+#include "desktop/path/PathDesktop.h"
 #include "support/PrintQt.h"
 
 #include <QElapsedTimer>
@@ -18,21 +17,17 @@ void PrintTo(const TrayCase& tray, std::ostream* out) {
     *out << tray.name;
 }
 
-class TrayPathTest : public testing::TestWithParam<TrayCase> {
+class TrayPathTest : public testing::TestWithParam<TrayCase>, protected PathDesktop {
 protected:
     static DesktopOptions options() {
-        DesktopOptions options;
-        options.size = {1440, 900};
+        DesktopOptions options = PathDesktop::options();
+        options.accessibility = false;
         options.trayHost = GetParam().hostStartsLater ? TrayHost::none : GetParam().host;
         return options;
     }
 
-    TrayPathTest() : m_desktop(options()), m_driver(m_desktop) {
-        // Bare screen: what changes on it is the tray's doing.
-        display().setWallpaper(demoWallpaper(display().size()));
-    }
-
-    DesktopDisplay& display() { return m_desktop.display(); }
+    // The screen is bare: what changes on it is the tray's doing.
+    TrayPathTest() : PathDesktop(options()) {}
 
     /// The screen once it has stopped changing.
     QImage restingScreen() {
@@ -93,9 +88,6 @@ protected:
             display().key({"Down"});
         display().key({"Return"});
     }
-
-    VirtualDesktop m_desktop;
-    FramoraDriver m_driver;
 };
 
 TEST_P(TrayPathTest, takesAnAreaFromTheMenu) {

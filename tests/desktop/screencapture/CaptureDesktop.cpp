@@ -43,15 +43,7 @@ std::unique_ptr<PaintedWindow> CaptureDesktop::show(const PaintedWindow::Options
 }
 
 QImage CaptureDesktop::settledScreen() {
-    QImage last = display().screenshot();
-    int same = 0;
-    VirtualDesktop::waitFor([&] {
-        const QImage now = display().screenshot();
-        same = now == last ? same + 1 : 0;
-        last = now;
-        return same >= 6;
-    });
-    return last;
+    return VirtualDesktop::settled([&] { return display().screenshot(); }, 7);
 }
 
 QImage CaptureDesktop::paperTheWall() {

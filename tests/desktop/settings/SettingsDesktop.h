@@ -66,10 +66,7 @@ protected:
             stopCapture();
         return came;
     }
-    QByteArray stored() {
-        QFile file(desktop.configPath() + QStringLiteral("/framora/defaults.json"));
-        return file.open(QIODevice::ReadOnly) ? file.readAll().simplified() : QByteArray();
-    }
+    QByteArray stored() { return desktop.storedDefaults(); }
 
     VirtualDesktop desktop;
     FramoraDriver driver;

@@ -1,7 +1,5 @@
 #include "desktop/path/FramoraDriver.h"
 
-#include <QDir>
-#include <QFile>
 #include <csignal>
 #include <gtest/gtest.h>
 
@@ -150,32 +148,22 @@ TEST_F(StartTest, toldToEndWithAFileDialogOpenItEnds) {
 
 TEST_F(StartTest, aDamagedStoreGivesTheDefaultsAndStaysAsItIs) {
     VirtualDesktop desktop;
-    const QString folder = desktop.configPath() + QStringLiteral("/framora");
-    ASSERT_TRUE(QDir().mkpath(folder));
-    const QByteArray damaged = "{\"Settings\": {\"hotkey\": ";
-    QFile file(folder + QStringLiteral("/defaults.json"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(damaged);
-    file.close();
+    const QByteArray damaged = "{\"Settings\": {\"hotkey\":";
+    desktop.storeDefaults(damaged);
     FramoraDriver driver(desktop);
     driver.launch();
     captureOnce(driver);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), damaged);
+    EXPECT_EQ(desktop.storedDefaults(), damaged);
 }
 
 TEST_F(StartTest, answersTheShortcutThatIsStored) {
     VirtualDesktop desktop;
-    const QString folder = desktop.configPath() + QStringLiteral("/framora");
-    ASSERT_TRUE(QDir().mkpath(folder));
-    QFile file(folder + QStringLiteral("/defaults.json"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     // Control+Super+F9 takes an area.
-    file.write(R"({"Settings":{"hotkey":{"keyCode":101,"modifierFlagsRaw":1310720},)"
-               R"("tabCaptureHotkey":{"keyCode":17,"modifierFlagsRaw":655360},"showDockIcon":true,)"
-               R"("copyToClipboard":true,"soundEffectsEnabled":false,"soundEffectsVolume":0.5,)"
-               R"("captureSound":"Frog"}})");
-    file.close();
+    desktop.storeDefaults(
+        R"({"Settings":{"hotkey":{"keyCode":101,"modifierFlagsRaw":1310720},)"
+        R"("tabCaptureHotkey":{"keyCode":17,"modifierFlagsRaw":655360},"showDockIcon":true,)"
+        R"("copyToClipboard":true,"soundEffectsEnabled":false,"soundEffectsVolume":0.5,)"
+        R"("captureSound":"Frog"}})");
     FramoraDriver driver(desktop);
     desktop.start(framoraProgram());
     ASSERT_TRUE(VirtualDesktop::waitFor([&] {

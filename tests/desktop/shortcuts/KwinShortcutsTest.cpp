@@ -1,3 +1,4 @@
+#include "desktop/support/FramoraUser.h"
 #include "desktop/support/KwinDesktop.h"
 
 #include <QFile>
@@ -11,10 +12,7 @@ namespace {
 /// Framora in a Plasma session, where only the compositor sees the keys.
 class KwinShortcutsTest : public testing::Test {
 protected:
-    static QString program(const char* name) {
-        return QStringLiteral(FRAMORA_PROGRAM_FOLDER "/") + QString::fromLatin1(name);
-    }
-
+    explicit KwinShortcutsTest(const KwinOptions& options = {}) : desktop(options) {}
     void SetUp() override { launch(); }
     void TearDown() override {
         if (framora)
@@ -24,7 +22,7 @@ protected:
 
     /// Returns when the desktop has the program's shortcuts.
     void launch() {
-        framora = &desktop.start(program("framora"));
+        framora = &desktop.start(FramoraUser::program(QStringLiteral("framora")));
         ASSERT_TRUE(DesktopSession::waitFor([this] { return boundKeys().contains("capture-window"); }));
     }
     /// What Plasma has bound for the program, as it tells it.
@@ -97,6 +95,47 @@ TEST_F(KwinShortcutsTest, afterTheProgramsEndTheKeysDoNothingAndTheNextStartHasT
             return startsACapture({KEY_LEFTALT, KEY_LEFTSHIFT, KEY_T});
         },
         30000));
+}
+
+class KwinSettingsTest : public KwinShortcutsTest {
+protected:
+    KwinSettingsTest() : KwinShortcutsTest({.accessibility = true}) {}
+
+    /// Stands in for the desktop's settings program; it writes down its arguments.
+    void installSettingsProgram() {
+        QFile script(desktop.scratchPath() + QStringLiteral("/systemsettings"));
+        ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+        script.write("#!/bin/sh\necho \"$@\" > '" + QFile::encodeName(told()) + "'\n");
+        script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        desktop.setEnvironmentVariable(QStringLiteral("PATH"),
+                                       desktop.scratchPath() + QStringLiteral(":/usr/bin:/bin"));
+    }
+    QString told() const { return desktop.scratchPath() + QStringLiteral("/told"); }
+};
+
+TEST_F(KwinSettingsTest, keysThatPlasmaKeepsFromEarlierAreSaidAndChangedInItsOwnSettings) {
+    framora->end();
+    installSettingsProgram();
+    // Control+Alt+F9 takes an area from now on, as far as Framora is concerned.
+    desktop.storeDefaults(
+        R"({"Settings":{"hotkey":{"keyCode":101,"modifierFlagsRaw":786432},)"
+        R"("tabCaptureHotkey":{"keyCode":17,"modifierFlagsRaw":655360},"showDockIcon":true,)"
+        R"("copyToClipboard":true,"soundEffectsEnabled":false,"soundEffectsVolume":0.5,)"
+        R"("captureSound":"Frog"}})");
+    launch();
+    desktop.start(FramoraUser::program(QStringLiteral("framora")), {QStringLiteral("--settings")});
+    AccessibleTree controls(desktop.busAddress());
+    std::optional<AccessibleNode> remedy;
+    ASSERT_TRUE(DesktopSession::waitFor([&] {
+        remedy = controls.find(QString(), QStringLiteral("Open Keyboard Settings"));
+        return remedy.has_value();
+    }));
+    EXPECT_TRUE(startsACapture({KEY_LEFTALT, KEY_LEFTSHIFT, KEY_4})) << "the keys of the first time";
+    ASSERT_TRUE(controls.press(*remedy));
+    QFile arguments(told());
+    EXPECT_TRUE(DesktopSession::waitFor([&] { return arguments.size() > 0; }));
+    ASSERT_TRUE(arguments.open(QIODevice::ReadOnly));
+    EXPECT_EQ(arguments.readAll(), "kcm_keys\n");
 }
 
 } // namespace

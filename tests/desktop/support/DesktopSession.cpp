@@ -19,6 +19,7 @@ namespace framora {
 namespace {
 
 constexpr auto markerVariable = "FRAMORA_TEST_DESKTOP";
+constexpr auto defaultsFile = "/framora/defaults.json";
 
 constexpr auto busConfiguration =
     R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
@@ -74,6 +75,22 @@ void DesktopSession::writeFile(const QString& path, const QByteArray& contents) 
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
         throw std::runtime_error("cannot write " + path.toStdString());
+}
+
+QByteArray DesktopSession::storedDefaults() const {
+    QFile file(configPath() + QLatin1String(defaultsFile));
+    return file.open(QIODevice::ReadOnly) ? file.readAll().simplified() : QByteArray();
+}
+
+void DesktopSession::storeDefaults(const QByteArray& contents) const {
+    writeFile(configPath() + QLatin1String(defaultsFile), contents);
+}
+
+void DesktopSession::storeUnchangedSettings() const {
+    storeDefaults(R"({"Settings":{"hotkey":{"keyCode":21,"modifierFlagsRaw":655360},)"
+                  R"("tabCaptureHotkey":{"keyCode":17,"modifierFlagsRaw":655360},"showDockIcon":true,)"
+                  R"("copyToClipboard":true,"soundEffectsEnabled":true,"soundEffectsVolume":0.5,)"
+                  R"("captureSound":"Frog"}})");
 }
 
 void DesktopSession::startBus(const QStringList& services) {
@@ -168,6 +185,18 @@ bool DesktopSession::waitFor(const std::function<bool()>& condition, int timeout
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
     return true;
+}
+
+QImage DesktopSession::settled(const std::function<QImage()>& takePicture, int times) {
+    QImage last = takePicture();
+    int same = 1;
+    waitFor([&] {
+        const QImage now = takePicture();
+        same = now == last ? same + 1 : 1;
+        last = now;
+        return same >= times;
+    });
+    return last;
 }
 
 void DesktopSession::requireSoon(const char* what, const std::function<bool()>& condition) {

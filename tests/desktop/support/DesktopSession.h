@@ -2,6 +2,7 @@
 
 #include "desktop/support/ChildProcess.h"
 
+#include <QImage>
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
 
@@ -43,6 +44,12 @@ public:
     /// A place for a test's own files, gone with the desktop.
     QString scratchPath() const { return m_folder.filePath(QStringLiteral("scratch")); }
 
+    /// What Framora has in its store, in one line; empty where it has none.
+    QByteArray storedDefaults() const;
+    void storeDefaults(const QByteArray& contents) const;
+    /// As for a user who has seen Framora before and changed nothing.
+    void storeUnchangedSettings() const;
+
     /// Every process that carries this desktop's environment, also those whose parent is gone.
     std::vector<qint64> processes() const;
 
@@ -55,6 +62,8 @@ public:
 
     /// Waits for `condition`, with this process's own events served meanwhile. False after the time limit.
     static bool waitFor(const std::function<bool()>& condition, int timeoutMs = 10000);
+    /// The first picture that is the same that many times in a row; after ten seconds the last one.
+    static QImage settled(const std::function<QImage()>& takePicture, int times = 4);
 
 protected:
     /// Makes the folders. `type` is what XDG_SESSION_TYPE says.

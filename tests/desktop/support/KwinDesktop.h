@@ -36,6 +36,10 @@ public:
 
     /// All outputs as they are composed, in device pixels; a null image when KWin refuses.
     QImage screenshot();
+    /// The same when nothing on them changes any more.
+    QImage settledScreenshot() {
+        return settled([this] { return screenshot(); });
+    }
 
     /// Where desktop entries of this session go.
     QString applicationsPath() const;

@@ -219,15 +219,7 @@ QImage SwayDesktop::screenshot(int output) {
 }
 
 QImage SwayDesktop::settledScreenshot(int output) {
-    QImage last = screenshot(output);
-    int same = 0;
-    waitFor([&] {
-        const QImage now = screenshot(output);
-        same = now == last ? same + 1 : 0;
-        last = now;
-        return same >= 3;
-    });
-    return last;
+    return settled([&] { return screenshot(output); });
 }
 
 void SwayDesktop::command(const QString& text) {

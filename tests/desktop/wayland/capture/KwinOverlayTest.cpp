@@ -21,17 +21,7 @@ protected:
 
     static QImage picture(const QImage& image) { return image.convertToFormat(QImage::Format_RGB32); }
 
-    QImage settled() {
-        QImage last = desktop.screenshot();
-        int same = 0;
-        KwinDesktop::waitFor([&] {
-            const QImage now = desktop.screenshot();
-            same = now == last ? same + 1 : 0;
-            last = now;
-            return same >= 3;
-        });
-        return picture(last);
-    }
+    QImage settled() { return picture(desktop.settledScreenshot()); }
 
     ChildProcess& open() {
         const QImage before = settled();

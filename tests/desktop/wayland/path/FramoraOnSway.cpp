@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <csignal>
-#include <stdexcept>
 
 namespace framora {
 namespace {
@@ -17,6 +16,7 @@ bool isFramoras(const SwayWindow& window) {
 } // namespace
 
 FramoraOnSway::FramoraOnSway(const SwayOptions& options) : m_options(options), m_desktop(options) {
+    m_desktop.storeUnchangedSettings();
     for (int index = 0; index < int(options.outputs.size()); ++index) {
         const QSize size = m_desktop.outputArea(index).size();
         m_backgrounds.push_back(std::make_unique<PaintedSurface>(
@@ -38,21 +38,6 @@ SwayOptions FramoraOnSway::options(double scale, QSize size) {
     options.outputs = {{size * scale, scale, {0, 0}, QStringLiteral("normal")}};
     options.accessibility = true;
     return options;
-}
-
-QString FramoraOnSway::program(const QString& name) {
-    return QStringLiteral(FRAMORA_PROGRAM_FOLDER "/") + name;
-}
-
-void FramoraOnSway::require(const QString& what, const std::function<bool()>& condition, int timeoutMs) {
-    if (SwayDesktop::waitFor(condition, timeoutMs))
-        return;
-    std::string message = "did not see: " + what.toStdString();
-    if (m_framora && !m_framora->isRunning())
-        message += " (Framora has ended)";
-    if (m_framora)
-        message += "\n" + m_framora->output().toStdString();
-    throw std::runtime_error(message);
 }
 
 QImage FramoraOnSway::backgroundPixels(const QRect& area, int output) {
@@ -102,14 +87,6 @@ void FramoraOnSway::openCapture(const QString& option) {
 
 void FramoraOnSway::waitForNoCapture() {
     require(QStringLiteral("the capture tool's end"), [&] { return captureTools().empty(); });
-}
-
-std::vector<qint64> FramoraOnSway::captureTools() {
-    std::vector<qint64> tools;
-    for (const qint64 child : m_framora->children())
-        if (ChildProcess::nameOf(child).startsWith(QStringLiteral("framora-screen")))
-            tools.push_back(child);
-    return tools;
 }
 
 void FramoraOnSway::selectArea(const QRect& area) {
@@ -191,18 +168,12 @@ SwayWindow FramoraOnSway::captureAndEdit(const QRect& area) {
 }
 
 AccessibleNode FramoraOnSway::control(const QString& name, const QString& role) {
-    std::optional<AccessibleNode> found;
-    require(QStringLiteral("the control \"%1\"").arg(name), [&] {
-        if (!m_accessible)
-            m_accessible = std::make_unique<AccessibleTree>(m_desktop.busAddress());
-        found = m_accessible->find(QString(), name, role);
-        return found.has_value();
-    });
+    AccessibleNode found = findControl(m_desktop.busAddress(), name, role);
     // A Wayland program does not know where its window is, an X program does.
     const SwayWindow window = waitForEditor();
     if (window.xClass.isEmpty())
-        found->area.translate(window.content.topLeft());
-    return *found;
+        found.area.translate(window.content.topLeft());
+    return found;
 }
 
 void FramoraOnSway::clickControl(const QString& name, const QString& role) {
@@ -217,15 +188,8 @@ QImage FramoraOnSway::save(const QString& path) {
                 return window;
         return {};
     };
-    require(QStringLiteral("the file dialog"), [&] { return dialog() && dialog()->focused; });
-    input().key({"Control_L", "a"});
-    input().type(path);
-    // The first Return may go to the list of completions, which opens when the folder has been read.
-    input().key({"Return"});
-    if (!SwayDesktop::waitFor([&] { return !dialog(); }, 2000))
-        input().key({"Return"});
-    require(QStringLiteral("the file dialog closing"), [&] { return !dialog(); });
-    require(QStringLiteral("the saved file"), [&] { return !QImage(path).isNull(); });
+    answerSaveDialog(
+        input(), [&] { return dialog().has_value(); }, [&] { return dialog() && dialog()->focused; }, path);
     return QImage(path);
 }
 

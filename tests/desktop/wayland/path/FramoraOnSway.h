@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/support/AccessibleTree.h"
+#include "desktop/support/FramoraUser.h"
 #include "desktop/support/PaintedSurface.h"
 #include "desktop/support/SwayDesktop.h"
 
@@ -8,10 +8,8 @@
 
 namespace framora {
 
-/// Uses the built Framora on sway the way a person would: by commands that a key is bound to, pointer, keys
-/// and eyes. Every step waits for what it should bring about and throws std::runtime_error naming it when
-/// that does not come.
-class FramoraOnSway {
+/// A sway desktop of its own with Framora's user: by commands that a key is bound to, pointer, keys and eyes.
+class FramoraOnSway : public FramoraUser {
 public:
     /// Each output has a known picture behind everything.
     explicit FramoraOnSway(const SwayOptions& options);
@@ -21,8 +19,6 @@ public:
 
     /// One output of so many logical pixels, with an accessibility bus.
     static SwayOptions options(double scale = 1, QSize size = {1280, 800});
-    /// Where this build's programs are.
-    static QString program(const QString& name);
 
     SwayDesktop& desktop() { return m_desktop; }
     VirtualInput& input() { return m_desktop.input(); }
@@ -34,7 +30,6 @@ public:
     void unset(const QString& variable) { m_unset << QStringLiteral("--unset") << variable; }
     /// Starts Framora and returns when it takes commands.
     ChildProcess& launch();
-    ChildProcess& framora() { return *m_framora; }
     /// Ends it as the session's end does, and sees that it went well.
     void quit();
     /// `framora --...` to its end.
@@ -45,8 +40,6 @@ public:
     void waitForNoCapture();
     /// Drags over the area, in logical pixels, and waits until the capture tool has gone.
     void selectArea(const QRect& area);
-    /// The capture tools that Framora runs at the moment.
-    std::vector<qint64> captureTools();
 
     /// Where something is in front of the output's background, in logical pixels; empty for nothing.
     QRect inFront(int output = 0);
@@ -70,7 +63,6 @@ public:
 
     /// Takes the clipboard and says what of Framora is left.
     testing::AssertionResult leavesNothing();
-    void require(const QString& what, const std::function<bool()>& condition, int timeoutMs = 15000);
 
 private:
     ChildProcess& startFramora(const QStringList& arguments = {});
@@ -79,8 +71,6 @@ private:
     SwayDesktop m_desktop;
     std::vector<std::unique_ptr<PaintedSurface>> m_backgrounds;
     QStringList m_unset;
-    ChildProcess* m_framora = nullptr;
-    std::unique_ptr<AccessibleTree> m_accessible;
 };
 
 } // namespace framora

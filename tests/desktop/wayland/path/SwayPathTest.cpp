@@ -126,6 +126,19 @@ TEST_F(SwayFlowTest, aCommandStartsFramoraWhenItDoesNotRun) {
     EXPECT_TRUE(path.leavesNothing());
 }
 
+TEST_F(SwayFlowTest, theVeryFirstStartSaysWhatToBindSinceNothingElseShowsIt) {
+    path.desktop().storeDefaults("{}");
+    const auto preferences = [&] { return path.desktop().window(QStringLiteral("Preferences")); };
+    path.launch();
+    ASSERT_TRUE(SwayDesktop::waitFor([&] { return preferences() && preferences()->focused; }));
+    path.desktop().close(*preferences());
+    path.quit();
+    path.launch();
+    EXPECT_FALSE(SwayDesktop::waitFor([&] { return preferences().has_value(); }, 4000));
+    path.quit();
+    EXPECT_TRUE(path.leavesNothing());
+}
+
 TEST_F(SwayFlowTest, theEditorTakesThePictureOfTheCaptureAlsoWhenAnotherProgramCopiesMeanwhile) {
     path.launch();
     const QRect area(100, 120, 300, 200);

@@ -1,4 +1,5 @@
 #include "desktop/feedback/TimerQueue.h"
+#include "desktop/support/FramoraUser.h"
 #include "desktop/support/KwinDesktop.h"
 #include "desktop/support/PaintedSurface.h"
 #include "feedback/ToastManager.h"
@@ -96,7 +97,7 @@ TEST_P(KwinShellTest, aToastStandsInItsPlaceAndTakesTheClickOnItsCardAlone) {
 
 TEST_P(KwinShellTest, theSettingsWindowIsItsOwnFrameAlone) {
     ChildProcess& program =
-        desktop->start(QStringLiteral(FRAMORA_PROGRAM_FOLDER "/framora"), {QStringLiteral("--settings")});
+        desktop->start(FramoraUser::program(QStringLiteral("framora")), {QStringLiteral("--settings")});
     const auto seenArea = [&] {
         const QImage seen = desktop->screenshot();
         QRect area;

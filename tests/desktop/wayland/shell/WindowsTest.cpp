@@ -87,10 +87,7 @@ protected:
         });
         return found->area.translated(settings()->content.topLeft());
     }
-    QByteArray stored() {
-        QFile file(desktop().configPath() + QStringLiteral("/framora/defaults.json"));
-        return file.open(QIODevice::ReadOnly) ? file.readAll().simplified() : QByteArray();
-    }
+    QByteArray stored() { return desktop().storedDefaults(); }
 
     FramoraOnSway framora;
     std::optional<AccessibleTree> tree;
