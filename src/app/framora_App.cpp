@@ -127,7 +127,8 @@ struct framora_App::Desktop {
                 editor.reset(make({mainQueue, clock, filePanels, resources, notifications,
                                    windows->pasteboard(), windows->application(), appearance,
                                    [this] { return std::make_unique<ToastManager>(toastServices()); },
-                                   backgroundQueue, desktopPictures, &sharing}));
+                                   backgroundQueue, desktopPictures, &sharing,
+                                   &windows->colorPicker(), &defaults}));
         }
         return editor.get();
     }
@@ -176,15 +177,15 @@ void framora_App::launch() {
     m_desktop->appearance.colorApplication();
     m_desktop->loginItem.followProgram();
     _appDelegate->applicationDidFinishLaunching();
-}
     m_firstStart = std::make_unique<FirstStart>(
         FirstStart::Services{m_desktop->mainQueue, m_desktop->defaults, m_desktop->notifications,
                              m_desktop->windows->globalShortcuts(), m_desktop->statusBar,
                              [this] { _appDelegate->openSettings(); }});
+}
 
 void framora_App::perform(ProgramCommand command, const QString& activationToken) {
-    if (!m_desktop->gate.isOpen())
     m_firstStart.reset();
+    if (!m_desktop->gate.isOpen())
         return;
     // Whoever brought the command is answered first. What closes the gate meanwhile comes before it.
     m_desktop->mainQueue.async([this, command, activationToken, closings = m_desktop->gate.closings()] {

@@ -11,13 +11,13 @@
 namespace framora {
 namespace {
 
-/// A letter or digit that belongs to a symbol. Geometry in fractions of the design square.
+/// A letter, digit or sign that belongs to a symbol. Geometry in fractions of the design square.
 struct Mark {
     char32_t base = 0; ///< The glyph that carries the mark.
-    char letter = 0;
+    char16_t letter = 0;
     double centerX = 0.5;
     double centerY = 0.5;
-    double height = 0.4; ///< Of the letter's outline.
+    double height = 0.4; ///< Of the letter's outline, or its width where that is more.
     bool cutOut = true;  ///< Cut out of the base, or added to it.
 };
 
@@ -28,9 +28,9 @@ struct Entry {
 };
 
 constexpr std::array symbols{
-    Entry{u"1.magnifyingglass", 0xF3A6, {0xF349, '1', 0.398, 0.398, 0.25, false}},
-    Entry{u"2.circle.fill", 0xF3A7, {0xF12F, '2', 0.5, 0.5, 0.42, true}},
-    Entry{u"3.circle.fill", 0xF3AA, {0xF12F, '3', 0.5, 0.5, 0.42, true}},
+    Entry{u"1.magnifyingglass", 0xF3A6, {0xF349, u'1', 0.398, 0.398, 0.25, false}},
+    Entry{u"2.circle.fill", 0xF3A7, {0xF12F, u'2', 0.5, 0.5, 0.42, true}},
+    Entry{u"3.circle.fill", 0xF3AA, {0xF12F, u'3', 0.5, 0.5, 0.42, true}},
     Entry{u"arrow.counterclockwise", 0xF459},
     Entry{u"arrow.up.left.and.arrow.down.right", 0xF04C},
     Entry{u"arrow.uturn.backward", 0xF54C},
@@ -52,12 +52,13 @@ constexpr std::array symbols{
     Entry{u"dock.rectangle", 0xF379},
     Entry{u"drop.fill", 0xF58C},
     Entry{u"exclamationmark.triangle.fill", 0xF026},
-    Entry{u"f.square.fill", 0xF19F, {0xF12E, 'F', 0.515, 0.5, 0.44, true}},
+    Entry{u"eyedropper", 0xF20A},
+    Entry{u"f.square.fill", 0xF19F, {0xF12E, u'F', 0.515, 0.5, 0.44, true}},
     Entry{u"gearshape", 0xF493},
     Entry{u"info.circle", 0xF2FD},
     Entry{u"keyboard", 0xF30C},
     Entry{u"macwindow", 0xF614},
-    Entry{u"minus.magnifyingglass", 0xF34A},
+    Entry{u"minus.magnifyingglass", 0xF34A, {0xF349, u'\u2212', 0.398, 0.398, 0.23, false}},
     Entry{u"music.note", 0xF387},
     Entry{u"paintbrush", 0xF0E3},
     Entry{u"pencil", 0xF3EB},
@@ -67,7 +68,7 @@ constexpr std::array symbols{
     Entry{u"play.circle.fill", 0xF40C},
     Entry{u"play.rectangle.fill", 0xF40B},
     Entry{u"plus.circle.fill", 0xF417},
-    Entry{u"plus.magnifyingglass", 0xF34B},
+    Entry{u"plus.magnifyingglass", 0xF34B, {0xF349, u'+', 0.398, 0.398, 0.23, false}},
     Entry{u"power", 0xF425},
     Entry{u"record.circle", 0xF43E},
     Entry{u"rectangle", 0xF1A0},
@@ -82,8 +83,8 @@ constexpr std::array symbols{
     Entry{u"square.and.arrow.up", 0xF552},
     Entry{u"square.on.square", 0xF137},
     Entry{u"window.close", 0xF5AD},
-    Entry{u"window.maximize", 0xF5AF},
-    Entry{u"window.minimize", 0xF5B0},
+    Entry{u"window.maximize", 0xF131},
+    Entry{u"window.minimize", 0xF374},
     Entry{u"window.restore", 0xF5B2},
     Entry{u"xmark", 0xF156},
     Entry{u"xmark.circle.fill", 0xF159},
@@ -133,9 +134,9 @@ QPainterPath letterPath(const Mark& mark) {
     font.setWeight(QFont::Bold);
     font.setPixelSize(int(outlineSize));
     QPainterPath letter;
-    letter.addText(0, 0, font, QString(QLatin1Char(mark.letter)));
+    letter.addText(0, 0, font, QString(QChar(mark.letter)));
     const QRectF bounds = letter.boundingRect();
-    const double scale = mark.height / bounds.height();
+    const double scale = mark.height / std::max(bounds.width(), bounds.height());
     const QTransform place = QTransform::fromTranslate(-bounds.center().x(), -bounds.center().y()) *
                              QTransform::fromScale(scale, scale) *
                              QTransform::fromTranslate(mark.centerX, mark.centerY);

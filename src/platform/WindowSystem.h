@@ -19,6 +19,7 @@ class KeyboardLayout;
 class Pasteboard;
 class Permissions;
 class PrivacyPanes;
+class ScreenColorPicker;
 class Screens;
 class ToastPanels;
 
@@ -48,6 +49,7 @@ public:
     virtual PrivacyPanes& privacyPanes() = 0;
     virtual Application& application() = 0;
     virtual ToastPanels& toastPanels() = 0;
+    virtual ScreenColorPicker& colorPicker() = 0;
 };
 
 } // namespace framora

@@ -9,6 +9,8 @@
 #include "support/FixedAppearance.h"
 #include "support/FixedDesktopPictures.h"
 #include "support/FixedScreens.h"
+#include "support/MemoryDefaults.h"
+#include "support/RecordingColorPicker.h"
 #include "support/RecordingToastPanels.h"
 #include "unit/editor/ModelFixture.h"
 
@@ -133,12 +135,14 @@ public:
     FixedScreens screens;
     RecordingToastPanels toastPanels{queue};
     FixedDesktopPictures desktopPictures;
+    RecordingColorPicker colorPicker{queue};
+    MemoryDefaults defaults;
     ScreenshotEditorWindow editor{ScreenshotEditorWindow::Services{
         queue, queue, panels, resources, notifications, pasteboard, application, appearance,
         [this] {
             return std::make_unique<ToastManager>(ToastServices{queue, toastPanels, screens, appearance});
         },
-        background, desktopPictures}};
+        background, desktopPictures, nullptr, &colorPicker, &defaults}};
     QDir folder = drawn::folder(QStringLiteral("editor"));
 };
 
@@ -192,6 +196,15 @@ TEST_F(EditorPictures, OfTheBackgroundTab) {
         tabTo("colorPanel.hue");
         leaveControls();
         save("background-color-panel-focused");
+        for (const char* swatch : {"colorPanel.swatch.5", "colorPanel.swatch.8", "colorPanel.swatch.12"}) {
+            click(swatch);
+            click("gradientConfig.color1.well");
+            click(swatch);
+            click("gradientConfig.color3.well");
+        }
+        hover("colorPanel.eyedropper", 700);
+        save("background-color-panel-recent");
+        colorPicker.available = false;
     });
 }
 

@@ -1,6 +1,5 @@
 // qmllint disable unqualified
 import QtQuick
-import QtQuick.Templates as T
 import Framora.Controls
 import Framora.Editor
 
@@ -23,7 +22,7 @@ RoundedBox {
 
     objectName: "colorPanel"
     width: 264
-    height: column.implicitHeight + 32
+    height: column.implicitHeight + 28
     radius: Theme.cardRadius
     color: Theme.surface
     outline: Theme.outline
@@ -76,10 +75,22 @@ RoundedBox {
             width: parent.width
             bridge: panel.bridge
         }
-        HueSlider {
-            objectName: "colorPanel.hue"
+        Item {
             width: parent.width
-            bridge: panel.bridge
+            height: 32
+            EyedropperButton {
+                id: eyedropper
+                objectName: "colorPanel.eyedropper"
+                bridge: panel.bridge
+            }
+            HueSlider {
+                objectName: "colorPanel.hue"
+                anchors.verticalCenter: parent.verticalCenter
+                anchors.left: eyedropper.right
+                anchors.leftMargin: 12
+                anchors.right: parent.right
+                bridge: panel.bridge
+            }
         }
         Row {
             width: parent.width
@@ -130,63 +141,28 @@ RoundedBox {
                                                         (Number(shown) + steps) / 100)
             }
         }
-        ChoiceGroup {
-            id: choices
-
-            readonly property var palette: ["#ffffff", "#c9ccd3", "#6b6f78", "#1a1a1a", "#e5484d", "#f76b15", "#ffc53d",
-                                            "#46a758", "#12a594", "#00a2c7", "#3d6df2", "#6e56cf", "#ab4aba", "#e93d82",
-                                            "#8d6e58", "#0d2b45"]
-
+        ColorSwatches {
+            objectName: "colorPanel.swatch"
             width: parent.width
-            implicitHeight: grid.implicitHeight + 4
-            count: palette.length
-            current: palette.indexOf(panel.bridge.color.toString())
-            itemAt: index => swatches.itemAt(index)
-            Grid {
-                id: grid
+            bridge: panel.bridge
+            colors: ["#ffffff", "#c9ccd3", "#6b6f78", "#1a1a1a", "#e5484d", "#f76b15", "#ffc53d", "#46a758", "#12a594",
+                     "#00a2c7", "#3d6df2", "#6e56cf", "#ab4aba", "#e93d82", "#8d6e58", "#0d2b45"]
+        }
+        Column {
+            width: parent.width
+            spacing: 8
+            visible: panel.bridge.recentColors.length > 0
+            Label {
+                objectName: "colorPanel.recent.caption"
                 width: parent.width
-                columns: 8
-                spacing: 8
-                Repeater {
-                    id: swatches
-                    model: choices.palette
-                    delegate: T.RadioButton {
-                        id: swatch
-                        required property string modelData
-                        required property int index
-                        objectName: "colorPanel.swatch." + index
-                        width: (grid.width - 7 * grid.spacing) / 8
-                        height: width
-                        hoverEnabled: true
-                        focusPolicy: choices.stop === index ? Qt.TabFocus : Qt.NoFocus
-                        Accessible.name: modelData
-                        checked: choices.current === index
-                        Accessible.onToggleAction: swatch.clicked()
-                        Accessible.onPressAction: swatch.clicked()
-                        onActiveFocusChanged: if (activeFocus) choices.entered(index)
-                        onClicked: panel.bridge.setColor(modelData)
-                        Keys.onReturnPressed: swatch.clicked()
-                        Keys.onEnterPressed: swatch.clicked()
-                        background: Item {
-                            GradientSwatch {
-                                anchors.fill: parent
-                                radius: width / 2
-                                colors: [swatch.modelData]
-                                outline: Theme.swatchOutline
-                            }
-                            RoundedBox {
-                                anchors.fill: parent
-                                anchors.margins: -3
-                                radius: width / 2
-                                color: "transparent"
-                                outlineWidth: 2
-                                outline: choices.current === swatch.index ? Theme.accent : Theme.outline
-                                visible: choices.current === swatch.index || swatch.hovered
-                            }
-                            FocusRing { radius: width / 2; shown: swatch.visualFocus }
-                        }
-                    }
-                }
+                text: Strings.localized("recent.colors")
+                font.pixelSize: 11
+            }
+            ColorSwatches {
+                objectName: "colorPanel.recent"
+                width: parent.width
+                bridge: panel.bridge
+                colors: panel.bridge.recentColors
             }
         }
     }

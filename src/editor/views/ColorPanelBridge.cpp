@@ -1,5 +1,6 @@
 #include "editor/views/ColorPanelBridge.h"
 
+#include "editor/model/RecentColors.h"
 #include "editor/model/ScreenshotEditorViewModel.h"
 
 #include <algorithm>
@@ -7,9 +8,15 @@
 
 namespace framora {
 
-ColorPanelBridge::ColorPanelBridge(ScreenshotEditorViewModel& viewModel, QObject* parent)
-    : QObject(parent), m_viewModel(viewModel) {
+ColorPanelBridge::ColorPanelBridge(ScreenshotEditorViewModel& viewModel, RecentColors& recentColors,
+                                   QObject* parent)
+    : QObject(parent), m_viewModel(viewModel), m_recentColors(recentColors) {
     connect(&viewModel, &ScreenshotEditorViewModel::configChanged, this, &ColorPanelBridge::follow);
+    connect(&recentColors, &RecentColors::changed, this, &ColorPanelBridge::recentColorsChanged);
+}
+
+ColorPanelBridge::~ColorPanelBridge() {
+    keepAsRecent();
 }
 
 QColor ColorPanelBridge::color() const {
@@ -34,7 +41,9 @@ void ColorPanelBridge::open(const QString& field, QQuickItem* opener) {
     const QColor current = currentColor(field);
     if (!current.isValid())
         return;
+    keepAsRecent();
     show(current.alpha() == 0 ? QColor(Qt::white) : current);
+    m_colorAtOpening = color().rgb();
     m_opener = opener;
     if (m_field != field) {
         m_field = field;
@@ -45,11 +54,44 @@ void ColorPanelBridge::open(const QString& field, QQuickItem* opener) {
 void ColorPanelBridge::close() {
     if (m_field.isEmpty())
         return;
+    keepAsRecent();
     m_field.clear();
     const QPointer<QQuickItem> opener = std::exchange(m_opener, nullptr);
     Q_EMIT fieldChanged();
     if (opener)
         opener->forceActiveFocus(Qt::TabFocusReason);
+}
+
+void ColorPanelBridge::keepAsRecent() {
+    if (isOpen() && color().rgb() != m_colorAtOpening)
+        m_recentColors.add(color());
+}
+
+QStringList ColorPanelBridge::recentColors() const {
+    return m_recentColors.names();
+}
+
+void ColorPanelBridge::setPickFromScreen(PickFromScreen pick) {
+    m_pickFromScreen = std::move(pick);
+    Q_EMIT screenPickingChanged();
+}
+
+void ColorPanelBridge::pickFromScreen() {
+    if (!isOpen() || !m_pickFromScreen || m_isPickingFromScreen)
+        return;
+    m_isPickingFromScreen = true;
+    Q_EMIT screenPickingChanged();
+    m_pickFromScreen([self = QPointer(this), field = m_field](std::optional<QColor> picked) {
+        if (!self)
+            return;
+        self->m_isPickingFromScreen = false;
+        Q_EMIT self->screenPickingChanged();
+        // The panel may have moved on to another field, whose colour was not meant.
+        if (!picked || self->m_field != field)
+            return;
+        self->setColor(*picked);
+        self->m_recentColors.add(*picked);
+    });
 }
 
 void ColorPanelBridge::beginEdit() {

@@ -1,13 +1,18 @@
 #pragma once
 
+#include "platform/ScreenColorPicker.h"
+
 #include <QColor>
 #include <QObject>
 #include <QPointer>
 #include <QQuickItem>
+#include <QStringList>
 #include <QtQml/qqmlregistration.h>
+#include <functional>
 
 namespace framora {
 
+class RecentColors;
 class ScreenshotEditorViewModel;
 
 /// Ties the one colour panel to the colour being edited: "customColor", "borderColor" or a gradient colour
@@ -25,9 +30,18 @@ class ColorPanelBridge final : public QObject {
     Q_PROPERTY(double hue READ hue NOTIFY colorChanged)
     Q_PROPERTY(double saturation READ saturation NOTIFY colorChanged)
     Q_PROPERTY(double brightness READ brightness NOTIFY colorChanged)
+    Q_PROPERTY(QStringList recentColors READ recentColors NOTIFY recentColorsChanged)
+    Q_PROPERTY(bool canPickFromScreen READ canPickFromScreen NOTIFY screenPickingChanged)
+    Q_PROPERTY(bool isPickingFromScreen READ isPickingFromScreen NOTIFY screenPickingChanged)
 
 public:
-    explicit ColorPanelBridge(ScreenshotEditorViewModel& viewModel, QObject* parent = nullptr);
+    /// Asks the user for a pixel of the screen.
+    using PickFromScreen = std::function<void(ScreenColorPicker::Picked)>;
+
+    /// `recentColors` outlives the bridge.
+    ColorPanelBridge(ScreenshotEditorViewModel& viewModel, RecentColors& recentColors,
+                     QObject* parent = nullptr);
+    ~ColorPanelBridge() override;
 
     QString field() const { return m_field; }
     bool isOpen() const { return !m_field.isEmpty(); }
@@ -48,18 +62,35 @@ public:
     Q_INVOKABLE void setColor(const QColor& color);
     Q_INVOKABLE void setHsv(double hue, double saturation, double brightness);
 
+    /// "#rrggbb" each, the newest first. What a panel has made of its colour is among them once it is left.
+    QStringList recentColors() const;
+    /// Where the desktop can do that; an empty one where it cannot, as until this is called.
+    void setPickFromScreen(PickFromScreen pick);
+    bool canPickFromScreen() const { return bool(m_pickFromScreen); }
+    bool isPickingFromScreen() const { return m_isPickingFromScreen; }
+    /// Lets the user point at the colour; nothing while that is under way.
+    Q_INVOKABLE void pickFromScreen();
+
 Q_SIGNALS:
     void fieldChanged();
     void colorChanged();
+    void recentColorsChanged();
+    void screenPickingChanged();
 
 private:
     QColor currentColor(const QString& field) const;
     void show(const QColor& color);
     void write();
+    /// The panel's field is being left.
+    void keepAsRecent();
     /// The style changed, perhaps by somebody else: undo, a preset, the dice.
     void follow();
 
     ScreenshotEditorViewModel& m_viewModel;
+    RecentColors& m_recentColors;
+    PickFromScreen m_pickFromScreen;
+    bool m_isPickingFromScreen = false;
+    QRgb m_colorAtOpening = 0;
     QString m_field;
     QPointer<QQuickItem> m_opener;
     bool m_isWriting = false;

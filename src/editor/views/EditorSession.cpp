@@ -8,9 +8,10 @@
 namespace framora {
 
 EditorSession::EditorSession(std::unique_ptr<ScreenshotEditorViewModel> viewModel,
-                             NotificationCenter& notifications, QVariantList toolbarItems, Actions actions)
-    : m_viewModel(std::move(viewModel)), m_colorPanel(*m_viewModel), m_notifications(notifications),
-      m_toolbarItems(std::move(toolbarItems)), m_actions(std::move(actions)) {
+                             NotificationCenter& notifications, QVariantList toolbarItems, Actions actions,
+                             RecentColors& recentColors)
+    : m_viewModel(std::move(viewModel)), m_colorPanel(*m_viewModel, recentColors),
+      m_notifications(notifications), m_toolbarItems(std::move(toolbarItems)), m_actions(std::move(actions)) {
     const auto observe = [this](const char* name, auto handler) {
         m_observers.push_back(m_notifications.observe(name, handler));
     };
@@ -46,6 +47,10 @@ void EditorSession::setSharing(Sharing::Abilities abilities) {
         return;
     m_sharing = abilities;
     Q_EMIT sharingChanged();
+}
+
+void EditorSession::setCanPickFromScreen(bool can) {
+    m_colorPanel.setPickFromScreen(can ? m_actions.onPickFromScreen : nullptr);
 }
 
 void EditorSession::share(const std::function<void(const QImage&)>& take) {

@@ -14,6 +14,7 @@
 
 namespace framora {
 
+class RecentColors;
 class ScreenshotEditorViewModel;
 
 /// What the root view of one editor window holds: the view model, the window's actions and the toolbar's
@@ -43,12 +44,15 @@ public:
         /// Hands the picture to the program that the user chooses, or to a mail composer.
         std::function<void(const QImage&)> onOpenWith = {};
         std::function<void(const QImage&)> onSendByMail = {};
+        /// Lets the user point at a pixel of the screen.
+        ColorPanelBridge::PickFromScreen onPickFromScreen = {};
     };
 
     /// `toolbarItems`: maps with "identifier" (empty for a space, "flexible" for the flexible one), "label",
     /// "toolTip" and "symbol", in the order shown.
+    /// `recentColors` outlives the session.
     EditorSession(std::unique_ptr<ScreenshotEditorViewModel> viewModel, NotificationCenter& notifications,
-                  QVariantList toolbarItems, Actions actions);
+                  QVariantList toolbarItems, Actions actions, RecentColors& recentColors);
     ~EditorSession() override;
 
     ScreenshotEditorViewModel* viewModel() const { return m_viewModel.get(); }
@@ -62,6 +66,9 @@ public:
     bool canMail() const { return m_sharing.mail; }
     /// What the desktop can do with a picture; nothing until this is called.
     void setSharing(Sharing::Abilities abilities);
+
+    /// Whether the desktop lets a colour be picked from the screen; not until this is called.
+    void setCanPickFromScreen(bool can);
 
     Q_INVOKABLE void triggerToolbarItem(const QString& identifier);
     Q_INVOKABLE void importBackgroundImage();

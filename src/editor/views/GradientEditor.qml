@@ -70,40 +70,52 @@ Column {
         defaultValue: 135
         value: editor.viewModel.config.gradientConfig.angle
     }
-    PushButton {
-        objectName: "randomize"
+    Item {
         width: parent.width
-        text: "Randomize"
-        symbol: "dice.fill"
-        onClicked: editor.viewModel.randomizeGradient()
-    }
-    ChoiceGroup {
-        id: choices
-        width: parent.width
-        implicitHeight: grid.implicitHeight
-        count: presets.count
-        current: editor.viewModel.gradientPresetIndex
-        itemAt: index => presets.itemAt(index)
-        Grid {
-            id: grid
+        height: Math.max(choices.implicitHeight, randomize.y + randomize.height)
+
+        ChoiceGroup {
+            id: choices
             width: parent.width
-            columns: 3
-            columnSpacing: 10
-            rowSpacing: 12
-            Repeater {
-                id: presets
-                model: Presets.gradientPresets
-                delegate: SwatchButton {
-                    required property var modelData
-                    objectName: "gradientPreset." + index
-                    width: (grid.width - 2 * grid.columnSpacing) / 3
-                    group: choices
-                    colors: modelData.colors
-                    angle: modelData.angle
-                    caption: modelData.name
-                    onClicked: editor.viewModel.selectGradientPreset(index)
+            implicitHeight: grid.implicitHeight
+            count: presets.count
+            current: editor.viewModel.gradientPresetIndex
+            itemAt: index => presets.itemAt(index)
+            Grid {
+                id: grid
+
+                readonly property real tileWidth: (width - 2 * columnSpacing) / 3
+
+                width: parent.width
+                columns: 3
+                columnSpacing: 10
+                rowSpacing: 12
+                Repeater {
+                    id: presets
+                    model: Presets.gradientPresets
+                    delegate: SwatchButton {
+                        required property var modelData
+                        objectName: "gradientPreset." + index
+                        width: grid.tileWidth
+                        group: choices
+                        colors: modelData.colors
+                        angle: modelData.angle
+                        caption: modelData.name
+                        onClicked: editor.viewModel.selectGradientPreset(index)
+                    }
                 }
             }
+        }
+        // On the tile after the last preset's.
+        TileButton {
+            id: randomize
+            objectName: "randomize"
+            x: presets.count % grid.columns * (grid.tileWidth + grid.columnSpacing)
+            y: Math.floor(presets.count / grid.columns) * (height + grid.rowSpacing)
+            width: grid.tileWidth
+            text: "Randomize"
+            symbol: "dice.fill"
+            onClicked: editor.viewModel.randomizeGradient()
         }
     }
 }

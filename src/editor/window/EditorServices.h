@@ -15,8 +15,10 @@ class MainQueue;
 class NotificationCenter;
 class Pasteboard;
 class ResourceBundle;
+class ScreenColorPicker;
 class Sharing;
 class ToastManager;
+class UserDefaults;
 
 /// What the editor asks of the rest of the program; all of it outlives the editor.
 struct EditorServices {
@@ -32,6 +34,8 @@ struct EditorServices {
     BackgroundQueue& backgroundQueue;
     DesktopPictures& desktopPictures;
     Sharing* sharing = nullptr; ///< Null where nothing can be shared.
+    ScreenColorPicker* colorPicker = nullptr; ///< Null where no colour can be picked from the screen.
+    UserDefaults* defaults = nullptr;         ///< Null where nothing is kept from one run to the next.
 };
 
 } // namespace framora

@@ -53,7 +53,7 @@ const QScreen& mainScreen() {
 
 ScreenshotEditorWindow::ScreenshotEditorWindow(Services services)
     : m_services(std::move(services)), m_random(std::make_unique<SystemRandomSource>()),
-      m_sharedPictures(m_services.mainQueue) {
+      m_recentColors(m_services.defaults), m_sharedPictures(m_services.mainQueue) {
     const auto observe = [this](const char* name, auto handler) {
         m_observers.push_back(m_services.notifications.observe(name, handler));
     };
@@ -131,6 +131,7 @@ void ScreenshotEditorWindow::open(const QImage& image) {
     connect(&window, &QQuickWindow::frameSwapped, this, &ScreenshotEditorWindow::loadWallpapers,
             static_cast<Qt::ConnectionType>(Qt::QueuedConnection | Qt::SingleShotConnection));
     querySharing();
+    queryColorPicker();
     window.show();
     window.requestActivate();
     m_services.application.activate();
@@ -185,6 +186,19 @@ ScreenshotEditorWindow::makeSession(const QImage& image,
                                             finished);
                     });
             },
+            [self = QPointer(this)](ScreenColorPicker::Picked picked) {
+                if (self)
+                    self->m_services.colorPicker->pick(self->editorWindow(), std::move(picked));
+            },
+        },
+        m_recentColors);
+}
+
+void ScreenshotEditorWindow::queryColorPicker() {
+    if (m_services.colorPicker)
+        m_services.colorPicker->queryAvailable([session = QPointer(m_session.get())](bool available) {
+            if (session)
+                session->setCanPickFromScreen(available);
         });
 }
 
@@ -261,6 +275,8 @@ void ScreenshotEditorWindow::finishClosing(bool orderOut) {
         return;
     m_isClosing = true;
     m_editorWindow->removeEventFilter(this);
+    if (m_services.colorPicker)
+        m_services.colorPicker->cancel();
     if (orderOut)
         m_editorWindow->hide();
     // The close may come out of the window's own handlers, so the window goes with the next turn of the event

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editor/model/RecentColors.h"
 #include "editor/window/EditorServices.h"
 #include "editor/window/SharedPictures.h"
 #include "platform/NotificationCenter.h"
@@ -86,6 +87,7 @@ private:
     void applyAppearance();
     /// Asks the desktop for its ways to share; the session hears of them.
     void querySharing();
+    void queryColorPicker();
     using ShareWith = std::function<void(Sharing&, const QString& path, const Sharing::Finished&)>;
     /// Writes the picture to a file for other programs and hands it over; a failure is said by a toast.
     void share(const QImage& picture, const ShareWith& shareWith);
@@ -94,6 +96,7 @@ private:
 
     Services m_services;
     std::unique_ptr<RandomSource> m_random;
+    RecentColors m_recentColors;
     std::unique_ptr<QQuickView> m_editorWindow;
     std::unique_ptr<EditorSession> m_session;
     /// Closed, and going with the next turn of the event loop.

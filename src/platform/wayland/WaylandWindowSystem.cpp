@@ -5,6 +5,7 @@
 #include "platform/desktop/NotificationToastPanels.h"
 #include "platform/wayland/WaylandPasteboard.h"
 #include "platform/wayland/WaylandToastPanels.h"
+#include "platform/wayland/WaylandWindowExport.h"
 #include "platform/wayland/XwaylandPasteboard.h"
 
 namespace framora {
@@ -20,7 +21,10 @@ WaylandWindowSystem::WaylandWindowSystem(std::unique_ptr<WaylandConnection> conn
                          isCurrentDesktop("KDE") ? ShiftStyle::inTheSign : ShiftStyle::besideTheKey}),
       m_keyMonitors(services.gate, m_globalShortcuts), m_outputs(*m_connection),
       m_screens(*m_connection, m_outputs), m_pasteboard(makePasteboard(services)),
-      m_toastPanels(makeToastPanels(services)) {
+      m_toastPanels(makeToastPanels(services)), m_colorPicker([](QWindow* window) {
+          const auto exported = std::make_shared<WaylandWindowExport>(window);
+          return PortalColorPicker::WindowName(exported, &exported->portalName());
+      }) {
     m_connection->listen();
 }
 

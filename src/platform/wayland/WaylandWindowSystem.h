@@ -3,6 +3,7 @@
 #include "platform/WindowSystem.h"
 #include "platform/desktop/BusShortcutsPortal.h"
 #include "platform/desktop/DesktopPrivacyPanes.h"
+#include "platform/desktop/PortalColorPicker.h"
 #include "platform/desktop/PortalShortcuts.h"
 #include "platform/wayland/WaylandApplication.h"
 #include "platform/wayland/WaylandConnection.h"
@@ -34,6 +35,7 @@ public:
     PrivacyPanes& privacyPanes() override { return m_privacyPanes; }
     Application& application() override { return m_application; }
     ToastPanels& toastPanels() override { return *m_toastPanels; }
+    ScreenColorPicker& colorPicker() override { return m_colorPicker; }
 
 private:
     std::unique_ptr<Pasteboard> makePasteboard(const Services& services);
@@ -52,6 +54,7 @@ private:
     DesktopPrivacyPanes m_privacyPanes;
     std::unique_ptr<Pasteboard> m_pasteboard;
     std::unique_ptr<ToastPanels> m_toastPanels;
+    PortalColorPicker m_colorPicker;
 };
 
 } // namespace framora

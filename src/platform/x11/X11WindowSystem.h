@@ -3,6 +3,7 @@
 #include "platform/WindowSystem.h"
 #include "platform/desktop/DesktopPrivacyPanes.h"
 #include "platform/x11/X11Application.h"
+#include "platform/x11/X11ColorPicker.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DesktopShortcuts.h"
 #include "platform/x11/X11KeyMonitors.h"
@@ -29,6 +30,7 @@ public:
     PrivacyPanes& privacyPanes() override { return m_privacyPanes; }
     Application& application() override { return m_application; }
     ToastPanels& toastPanels() override { return m_toastPanels; }
+    ScreenColorPicker& colorPicker() override { return m_colorPicker; }
 
 private:
     X11Connection m_connection;
@@ -42,6 +44,7 @@ private:
     DesktopPrivacyPanes m_privacyPanes;
     X11Application m_application;
     X11ToastPanels m_toastPanels;
+    X11ColorPicker m_colorPicker{m_connection, m_screens};
 };
 
 } // namespace framora

@@ -13,6 +13,7 @@
 #include "platform/desktop/SystemClock.h"
 #include "platform/desktop/ThreadBackgroundQueue.h"
 #include "platform/x11/X11Application.h"
+#include "platform/x11/X11ColorPicker.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Pasteboard.h"
 #include "platform/x11/X11Screens.h"
@@ -35,6 +36,7 @@ struct EditorHostServices {
     X11Application application{connection, notifications};
     X11Screens screens{connection};
     X11ToastPanels panels{queue};
+    X11ColorPicker colorPicker{connection, screens};
     FixedAppearance appearance;
     ThreadBackgroundQueue backgroundQueue{queue};
     ConfiguredDesktopPictures desktopPictures{screens};
@@ -53,7 +55,8 @@ struct EditorHostServices {
                 },
                 backgroundQueue,
                 desktopPictures,
-                &sharing};
+                &sharing,
+                &colorPicker};
     }
 };
 

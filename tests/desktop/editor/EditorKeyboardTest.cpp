@@ -41,8 +41,8 @@ TEST_F(WithoutAMouse, TabReachesEveryControlInTheOrderOfTheEye) {
           "rotationY.slider"}},
         {"tabs.1",
          {"backgroundType.gradient", "gradientStyle.linear", "gradientConfig.color1.well",
-          "gradientConfig.color2.well", "useThreeColors", "gradientConfig.angle.slider", "randomize",
-          "gradientPreset.0", "gradientConfig.blurAmount.slider", "gradientConfig.noiseAmount.slider",
+          "gradientConfig.color2.well", "useThreeColors", "gradientConfig.angle.slider", "gradientPreset.0",
+          "randomize", "gradientConfig.blurAmount.slider", "gradientConfig.noiseAmount.slider",
           "gradientConfig.saturation.slider", "gradientConfig.brightness.slider"}},
         {"tabs.2", {"padding.slider", "imageScale.slider", "socialPreset.0"}}};
     tabTo("tabs.1");
@@ -192,6 +192,8 @@ TEST_F(WithoutAMouse, ButtonsGroupsAndTheColourPanelAnswerToKeys) {
     ASSERT_TRUE(waitForField("customColor", "#e6e6e6"));
     press({"Right"});
     ASSERT_TRUE(waitForField("customColor", "#e6e3e3"));
+    press({"Tab"});
+    ASSERT_TRUE(waitForFocus("colorPanel.eyedropper.button"));
     press({"Tab"});
     ASSERT_TRUE(waitForFocus("colorPanel.hue"));
     press({"Shift_L", "Right"});

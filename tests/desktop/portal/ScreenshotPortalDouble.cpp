@@ -3,12 +3,35 @@
 #include <QDBusArgument>
 #include <QDBusError>
 #include <QDBusMessage>
+#include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QUuid>
 
 #include <stdexcept>
+
+namespace framora {
+
+/// (ddd): a colour on the bus.
+struct BusColor {
+    QColor color;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, const BusColor& color) {
+    argument.beginStructure();
+    argument << color.color.redF() << color.color.greenF() << color.color.blueF();
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, BusColor&) {
+    return argument; // Nobody sends one here.
+}
+
+} // namespace framora
+
+Q_DECLARE_METATYPE(framora::BusColor)
 
 namespace framora {
 namespace {
@@ -31,7 +54,7 @@ public:
         if (message.interface() == propertiesInterface)
             return properties(message, bus);
         if (message.interface() == screenshotInterface && m_portal.hasScreenshots &&
-            message.member() == u"Screenshot")
+            (message.member() == u"Screenshot" || message.member() == u"PickColor"))
             return screenshot(message, bus);
         if (message.interface() == requestInterface && message.member() == u"Close")
             return close(message, bus);
@@ -58,6 +81,7 @@ private:
     bool screenshot(const QDBusMessage& message, const QDBusConnection& bus) {
         message.setDelayedReply(true);
         Call call;
+        call.method = message.member();
         call.parentWindow = message.arguments().value(0).toString();
         call.options = qdbus_cast<QVariantMap>(message.arguments().value(1).value<QDBusArgument>());
         call.sender = message.service();
@@ -95,6 +119,7 @@ private:
 ScreenshotPortalDouble::ScreenshotPortalDouble(const QString& busAddress)
     : m_name(QUuid::createUuid().toString()), m_bus(QDBusConnection::connectToBus(busAddress, m_name)),
       m_object(std::make_unique<Object>(*this)) {
+    qDBusRegisterMetaType<BusColor>();
     if (!m_bus.registerVirtualObject(portalPath, m_object.get(), QDBusConnection::SubPath) ||
         !m_bus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")))
         throw std::runtime_error("the portal's double cannot get onto the bus: " +
@@ -112,6 +137,8 @@ void ScreenshotPortalDouble::respond(const Response& response) {
     QVariantMap results;
     if (!response.uri.isEmpty())
         results.insert(QStringLiteral("uri"), response.uri);
+    if (response.color)
+        results.insert(QStringLiteral("color"), QVariant::fromValue(BusColor{*response.color}));
     signal << unsigned(response.code) << results;
     m_bus.send(signal);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QDBusConnection>
 #include <QString>
 #include <QVariantMap>
@@ -18,10 +19,12 @@ public:
     enum class Code : unsigned { done = 0, cancelled = 1, other = 2 };
     struct Response {
         Code code = Code::done;
-        QString uri; ///< no entry when empty
+        QString uri;                      ///< no entry when empty
+        std::optional<QColor> color = {}; ///< no entry when not set
     };
-    /// One call of Screenshot.
+    /// One call of Screenshot or PickColor.
     struct Call {
+        QString method;
         QString parentWindow;
         QVariantMap options;
         QString sender;

@@ -1,8 +1,10 @@
 #include "unit/editor/ModelFixture.h"
 
+#include "editor/model/RecentColors.h"
 #include "editor/views/EditorSession.h"
 #include "editor/views/Presets.h"
 #include "platform/Notifications.h"
+#include "support/MemoryDefaults.h"
 
 #include <QSignalSpy>
 
@@ -16,10 +18,15 @@ public:
     void start(const QImage& image) {
         session = std::make_unique<EditorSession>(
             makeModel(image), notifications, QVariantList(),
-            EditorSession::Actions{[this](const QImage& copiedImage) { copied.append(copiedImage); },
-                                   [this] { ++closeCount; },
-                                   [this](const QString& identifier) { triggered.append(identifier); },
-                                   [this](std::function<void()> work) { queue.async(std::move(work)); }});
+            EditorSession::Actions{
+                [this](const QImage& copiedImage) { copied.append(copiedImage); },
+                [this] { ++closeCount; },
+                [this](const QString& identifier) { triggered.append(identifier); },
+                [this](std::function<void()> work) { queue.async(std::move(work)); },
+                {},
+                {},
+                [this](ScreenColorPicker::Picked answer) { asked.push_back(std::move(answer)); }},
+            recentColors);
     }
     ScreenshotEditorViewModel& model() { return *session->viewModel(); }
 
@@ -27,6 +34,9 @@ public:
     QList<QImage> copied;
     int closeCount = 0;
     QStringList triggered;
+    std::vector<ScreenColorPicker::Picked> asked;
+    MemoryDefaults defaults;
+    RecentColors recentColors{&defaults};
     std::unique_ptr<EditorSession> session;
 };
 
@@ -146,6 +156,111 @@ TEST_F(Session, AGreyKeepsThePanelsHue) {
     panel.setColor(QColor(80, 80, 80));
     EXPECT_NEAR(panel.hue(), 0.6, 1e-9);
     EXPECT_EQ(model().borderColor(), QColor(80, 80, 80));
+}
+
+TEST_F(Session, AColourIsRecentOnceItsPanelIsLeft) {
+    ColorPanelBridge& panel = *session->colorPanel();
+    QSignalSpy changes(&panel, &ColorPanelBridge::recentColorsChanged);
+    panel.open(u"borderColor"_qs);
+    panel.setColor(Qt::red);
+    panel.setColor(Qt::green);
+    EXPECT_EQ(panel.recentColors(), QStringList()) << "not every one on the way";
+    panel.open(u"customColor"_qs);
+    EXPECT_EQ(panel.recentColors(), QStringList{u"#00ff00"_qs});
+    panel.setColor(Qt::blue);
+    panel.close();
+    EXPECT_EQ(panel.recentColors(), (QStringList{u"#0000ff"_qs, u"#00ff00"_qs}));
+    EXPECT_EQ(changes.size(), 2);
+}
+
+TEST_F(Session, AColourThatIsOnlyLookedAtIsNotRecent) {
+    ColorPanelBridge& panel = *session->colorPanel();
+    panel.open(u"borderColor"_qs);
+    panel.close();
+    panel.open(u"borderColor"_qs);
+    panel.setColor(Qt::red);
+    model().undo();
+    panel.close();
+    EXPECT_EQ(panel.recentColors(), QStringList());
+}
+
+TEST_F(Session, RecentColoursOutliveTheEditor) {
+    session->colorPanel()->open(u"borderColor"_qs);
+    session->colorPanel()->setColor(Qt::red);
+    session.reset();
+    start(picture(60, 40));
+    EXPECT_EQ(session->colorPanel()->recentColors(), QStringList{u"#ff0000"_qs});
+}
+
+TEST_F(Session, TheScreensColourGoesWhereThePanelEdits) {
+    ColorPanelBridge& panel = *session->colorPanel();
+    EXPECT_FALSE(panel.canPickFromScreen());
+    session->setCanPickFromScreen(true);
+    EXPECT_TRUE(panel.canPickFromScreen());
+    panel.pickFromScreen();
+    EXPECT_TRUE(asked.empty()) << "there is no panel";
+    panel.open(u"borderColor"_qs);
+    panel.pickFromScreen();
+    panel.pickFromScreen();
+    ASSERT_EQ(asked.size(), 1U) << "one at a time";
+    EXPECT_TRUE(panel.isPickingFromScreen());
+    asked[0](QColor(12, 34, 56));
+    EXPECT_FALSE(panel.isPickingFromScreen());
+    EXPECT_EQ(model().borderColor(), QColor(12, 34, 56));
+    EXPECT_EQ(panel.recentColors(), QStringList{u"#0c2238"_qs});
+    model().undo();
+    EXPECT_EQ(model().borderColor(), QColor(0x2d, 0x2d, 0x2d)) << "one step";
+}
+
+TEST_F(Session, NoPixelNoColour) {
+    ColorPanelBridge& panel = *session->colorPanel();
+    session->setCanPickFromScreen(true);
+    panel.open(u"borderColor"_qs);
+    panel.pickFromScreen();
+    asked[0](std::nullopt);
+    EXPECT_FALSE(panel.isPickingFromScreen());
+    EXPECT_FALSE(model().canUndo());
+    panel.pickFromScreen();
+    panel.open(u"customColor"_qs);
+    asked[1](QColor(Qt::red));
+    EXPECT_EQ(model().customColor(), QColor(Qt::white)) << "it was meant for another field";
+    panel.pickFromScreen();
+    session.reset();
+    asked[2](QColor(Qt::red));
+}
+
+TEST(RecentColors, AreTheLastEightWithTheNewestFirstAndNoneTwice) {
+    RecentColors recent(nullptr);
+    for (int i = 0; i < 10; ++i)
+        recent.add(QColor(i, 0, 0));
+    ASSERT_EQ(recent.names().size(), 8);
+    EXPECT_EQ(recent.names().first(), u"#090000"_qs);
+    EXPECT_EQ(recent.names().last(), u"#020000"_qs);
+    recent.add(QColor(4, 0, 0));
+    EXPECT_EQ(recent.names().size(), 8);
+    EXPECT_EQ(recent.names().first(), u"#040000"_qs);
+    EXPECT_EQ(recent.names().count(u"#040000"_qs), 1);
+    recent.add(QColor(0, 0, 0, 0));
+    EXPECT_EQ(recent.names().first(), u"#040000"_qs) << "a clear one is none";
+}
+
+TEST(RecentColors, ComeBackInTheNextRun) {
+    MemoryDefaults defaults;
+    defaults.values["Settings"] = "{}";
+    RecentColors(&defaults).add(QColor(1, 2, 3));
+    RecentColors(&defaults).add(QColor(4, 5, 6));
+    EXPECT_EQ(RecentColors(&defaults).names(), (QStringList{u"#040506"_qs, u"#010203"_qs}));
+    EXPECT_EQ(defaults.values["Settings"], "{}");
+}
+
+TEST(RecentColors, TakeNothingOddFromTheStore) {
+    MemoryDefaults defaults;
+    for (const char* odd :
+         {"", "null", "{}", "[1, \"no colour\", \"#80ff0000\", [], \"#010203\", \"#010203\"]"}) {
+        defaults.values[RecentColors::key] = odd;
+        const QStringList names = RecentColors(&defaults).names();
+        EXPECT_EQ(names, odd[0] == '[' ? QStringList{u"#010203"_qs} : QStringList()) << odd;
+    }
 }
 
 TEST(Presets, GroupTheExportSizesByPlatformInTheirOrder) {

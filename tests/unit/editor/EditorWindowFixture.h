@@ -11,6 +11,8 @@
 #include "support/FixedAppearance.h"
 #include "support/FixedDesktopPictures.h"
 #include "support/FixedScreens.h"
+#include "support/MemoryDefaults.h"
+#include "support/RecordingColorPicker.h"
 #include "support/RecordingSharing.h"
 #include "support/RecordingToastPanels.h"
 
@@ -64,7 +66,9 @@ public:
             },
             background,
             desktopPictures,
-            &sharing};
+            &sharing,
+            &colorPicker,
+            &defaults};
     }
     EditorSession& session() { return *editor.session(); }
     QQuickView& window() { return *editor.editorWindow(); }
@@ -87,6 +91,8 @@ public:
     FixedScreens screens;
     FixedDesktopPictures desktopPictures;
     RecordingSharing sharing{queue};
+    RecordingColorPicker colorPicker{queue};
+    MemoryDefaults defaults;
     RecordingToastPanels toastPanels{queue};
     int toastManagerCount = 0;
     ScreenshotEditorWindow editor{services()};

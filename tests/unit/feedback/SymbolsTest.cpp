@@ -36,6 +36,7 @@ TEST(Symbols, everySymbolThatTheProgramShowsHasAGlyph) {
                                    u"2.circle.fill",
                                    u"3.circle.fill",
                                    u"dice.fill",
+                                   u"eyedropper",
                                    u"arrow.up.left.and.arrow.down.right",
                                    u"1.magnifyingglass",
                                    u"bird",

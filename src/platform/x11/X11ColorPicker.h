@@ -1,0 +1,56 @@
+#pragma once
+
+#include "platform/ScreenColorPicker.h"
+#include "platform/x11/X11Connection.h"
+
+#include <QImage>
+#include <QObject>
+#include <QPoint>
+#include <memory>
+
+namespace framora {
+
+class ColorLoupe;
+class Screens;
+
+/// Takes pointer and keys for itself and follows the pointer with a loupe. A click, Return or Space takes the
+/// pixel, the arrow keys move by one (with Shift by ten), Escape or another button lets it be.
+class X11ColorPicker final : public QObject, public ScreenColorPicker {
+    Q_OBJECT
+
+public:
+    /// Both outlive the picker.
+    X11ColorPicker(X11Connection& connection, Screens& screens);
+    ~X11ColorPicker() override;
+
+    void queryAvailable(std::function<void(bool)> answer) override;
+    void pick(QWindow* parent, Picked picked) override;
+    void cancel() override;
+
+private:
+    void handle(const xcb_generic_event_t& event);
+    void pressed(xcb_keycode_t key, bool many);
+    /// False where another program has them.
+    bool grab();
+    void release();
+    void readPointer();
+    /// Draws the loupe anew, once for all that has just arrived.
+    void follow();
+    void showLoupe();
+    void take();
+    void end(std::optional<QColor> color);
+    /// ColorLoupe::pixelsAcross to each side; what lies outside of the screen is black. Null where the
+    /// server's pixels are of a kind that is not known here.
+    QImage pixelsAround(QPoint middle);
+    bool hasCompositor();
+    xcb_cursor_t crosshair();
+
+    X11Connection& m_connection;
+    Screens& m_screens;
+    Picked m_picked; ///< Empty while nothing is under way.
+    QPoint m_pointer;
+    bool m_followQueued = false;
+    std::unique_ptr<ColorLoupe> m_loupe;
+};
+
+} // namespace framora
