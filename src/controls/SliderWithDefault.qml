@@ -153,10 +153,13 @@ Item {
                 width: Math.abs(end - origin)
                 height: 4
                 radius: 2
+                // No stub beside a handle that covers it.
+                visible: slider.zeroPosition === 0 || width > 10
                 color: control.enabled ? Theme.accent : Theme.outline
             }
-            // Where the default lies.
+            // Where the default lies, unless the handle stands there.
             RoundedBox {
+                visible: Math.abs(slider.defaultPosition - slider.visualPosition) * (parent.width - 16) > 9
                 x: 8 + slider.defaultPosition * (parent.width - 16) - 1
                 y: 15
                 width: 2

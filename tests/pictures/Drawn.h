@@ -57,8 +57,10 @@ inline QString cutOff(const QQuickItem& item) {
             .arg(text)
             .arg(item.implicitWidth())
             .arg(item.width());
-    const auto words = text.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
-    if (item.property("lineCount").toInt() > words.size())
+    // Chinese and Japanese end a line behind any character.
+    static const QRegularExpression word(QStringLiteral("[\\x{2e80}-\\x{ffff}]|[^\\s\\x{2e80}-\\x{ffff}]+"));
+    const auto words = text.count(word);
+    if (item.property("lineCount").toInt() > words)
         return QStringLiteral("\"%1\" breaks within a word").arg(text);
     // A label without a width of its own can stick out of what it stands on.
     for (const QQuickItem* above = item.parentItem(); above; above = above->parentItem()) {

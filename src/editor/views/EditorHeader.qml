@@ -16,6 +16,13 @@ Item {
     readonly property ScreenshotEditorViewModel viewModel: session.viewModel
     readonly property bool compact: width - Math.max(sidebarSpace, windowCluster.width) < 700
 
+    // Sets groups apart where there is room.
+    component Gap: Item {
+        visible: !header.compact
+        width: 6
+        height: 1
+    }
+
     Rectangle {
         x: header.sidebarSpace
         width: parent.width - x
@@ -100,6 +107,7 @@ Item {
             enabled: header.viewModel.canRedo
             onClicked: header.viewModel.redo()
         }
+        Gap {}
         IconButton {
             objectName: "zoom.in"
             symbol: "plus.magnifyingglass"
@@ -114,12 +122,14 @@ Item {
             shortcut: header.shortcuts.zoomOut
             onClicked: header.viewModel.zoomOut()
         }
+        Gap {}
         IconButton {
             objectName: "reset.disposition"
             symbol: "arrow.counterclockwise"
             help: "Reset Disposition"
             onClicked: header.viewModel.resetDisposition()
         }
+        Gap {}
         ShareButton { session: header.session }
     }
     Row {

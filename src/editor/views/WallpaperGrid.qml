@@ -55,6 +55,20 @@ Column {
                 editor.viewModel.selectWallpaper(entry.modelData);
             }
         }
+
+        // Where the rows stand that show, beside them in the card's margin.
+        RoundedBox {
+            parent: grid
+            anchors.right: parent.right
+            anchors.rightMargin: 1
+            y: 4 + grid.visibleArea.yPosition * (grid.height - 8)
+            width: 4
+            height: grid.visibleArea.heightRatio * (grid.height - 8)
+            radius: 2
+            visible: grid.scrolls
+            color: Theme.tertiaryText
+            opacity: 0.4
+        }
     }
     Item {
         width: parent.width
