@@ -32,10 +32,6 @@ FootprintSampler::Ellipse widened(const FootprintSampler::Ellipse& exact) {
             narrowSide + (longSide - narrowSide) * (1 - alongX)};
 }
 
-double inside(double value, double size) {
-    return value > -4 ? std::min(value, size + 4) : -4; // what is not a number goes to the edge
-}
-
 } // namespace
 
 double FootprintSampler::Ellipse::longest() const {
@@ -150,6 +146,8 @@ FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
     }
     const int longStep = std::max(plan.line.stepX, std::abs(plan.line.stepY));
     plan.reach = plan.line.count * longStep / 2 >> FootprintTaps::phaseBits;
+    if (plan.isCubic && plan.line.count == 1)
+        plan.sheared = ShearedBlock::make(plan.level, plan.toLevel, block, plan.most);
     if (plan.isCubic) {
         plan.line.stepX *= CubicTaps::phases / FootprintTaps::phases;
         plan.line.stepY *= CubicTaps::phases / FootprintTaps::phases;
@@ -208,30 +206,9 @@ Homography FootprintSampler::cubicMap(const Plan& plan, const TileRect& block, c
            Homography::translation(block.x + 0.5, block.y + 0.5);
 }
 
-TileRect FootprintSampler::cubicBox(const Plan& plan, const TileRect& part) {
-    double left = plan.level.width + 4;
-    double right = -4;
-    double top = plan.level.height + 4;
-    double bottom = -4;
-    for (const int x : {part.x, part.x + part.width})
-        for (const int y : {part.y, part.y + part.height}) {
-            const Vec2 corner = plan.toLevel.map({double(x), double(y)});
-            left = std::min(left, inside(corner.x, plan.level.width));
-            right = std::max(right, inside(corner.x, plan.level.width));
-            top = std::min(top, inside(corner.y, plan.level.height));
-            bottom = std::max(bottom, inside(corner.y, plan.level.height));
-        }
-    // The neighbours of the pixels that lie between, and one more for rounding.
-    const int margin = 3 + plan.reach;
-    const int firstColumn = int(std::floor(left)) - margin;
-    const int firstRow = int(std::floor(top)) - margin;
-    return TileRect{firstColumn, firstRow, int(std::ceil(right)) + margin - firstColumn,
-                    int(std::ceil(bottom)) + margin - firstRow};
-}
-
 void FootprintSampler::readCubic(const Plan& plan, const TileRect& block, int x, int y, int count,
                                  Float4* out) const {
-    const TileRect box = cubicBox(plan, block);
+    const TileRect box = neighbours(plan.level, plan.toLevel, block, plan.reach);
     FootprintPlaces places;
     project(plan, cubicMap(plan, block, box), block, y, x - block.x, x - block.x + count, places);
     for (int i = 0; i < count; ++i) {
@@ -262,8 +239,8 @@ void FootprintSampler::readCubic(const Plan& plan, const TileRect& block, int x,
 
 void FootprintSampler::mixCubic(const Plan& plan, const TileRect& block, const TileRect& part, MixPixel* out,
                                 int stride) const {
-    const TileRect whole = cubicBox(plan, block);
-    const TileRect read = cubicBox(plan, part);
+    const TileRect whole = neighbours(plan.level, plan.toLevel, block, plan.reach);
+    const TileRect read = neighbours(plan.level, plan.toLevel, part, plan.reach);
     SourceBox box{nullptr, read.width, read.height};
     thread_local std::vector<MixPixel> pixels;
     pixels.resize(std::max(pixels.size(), std::size_t(box.width) * std::size_t(box.height)));
@@ -283,6 +260,8 @@ void FootprintSampler::mixCubic(const Plan& plan, const TileRect& block, const T
 
 void FootprintSampler::read(const TileRect& block, int x, int y, int count, Float4* out) const {
     const Plan plan = this->plan(block);
+    if (plan.sheared)
+        return plan.sheared->read(y, x - block.x, count, out);
     if (plan.isCubic)
         return readCubic(plan, block, x, y, count, out);
     FootprintPlaces places;
@@ -315,7 +294,9 @@ void FootprintSampler::read(const TileRect& block, int x, int y, int count, Floa
 
 void FootprintSampler::mix(const TileRect& block, const TileRect& part, MixPixel* out, int stride) const {
     const Plan plan = this->plan(block);
-    if (plan.isCubic)
+    if (plan.sheared)
+        plan.sheared->mix(part, out, stride);
+    else if (plan.isCubic)
         mixCubic(plan, block, part, out, stride);
     else
         mixWide(plan, block, part, out, stride);

@@ -4,14 +4,17 @@
 #include "editor/render/raster/FootprintKernels.h"
 #include "editor/render/raster/Homography.h"
 #include "editor/render/raster/PicturePyramid.h"
+#include "editor/render/raster/ShearedBlock.h"
+
+#include <optional>
 
 namespace framora::raster {
 
 /// Reads the blocks of a picture under a projective map. Each pixel mixes what lies under its footprint: with
 /// a cubic along both axes of the reduction that fits the footprint, and where the footprint is long and lies
 /// aslant, with several of them along it. Where the reduction fits so well everywhere in a block that four
-/// pixels a side are enough, that is all they read (CubicTaps), else as many as the widths want
-/// (FootprintTaps).
+/// pixels a side are enough, that is all they read (CubicTaps, by a ShearedBlock where rows lie along the
+/// picture's), else as many as the widths want (FootprintTaps).
 class FootprintSampler {
 public:
     /// Blocks are this wide and this high at most.
@@ -52,7 +55,8 @@ private:
         float share = 1;
         int most = 0; ///< The largest index of a width.
         FootprintLine line;
-        int reach = 0; ///< Pixels of the level beyond a place that its reading may use.
+        int reach = 0;                       ///< Pixels of the level beyond a place that its reading may use.
+        std::optional<ShearedBlock> sheared; ///< What reads them where rows lie along the level's.
     };
     Plan plan(const TileRect& block) const;
     /// The footprints [from, end) of row y of a block, which lies at `map` in the level.
@@ -63,8 +67,6 @@ private:
                             FootprintPlaces& out);
     /// From a block's pixels to the first of the four by four of the level, counted from the corner of `box`.
     static Homography cubicMap(const Plan& plan, const TileRect& block, const TileRect& box);
-    /// The columns and rows of the level that a part of a block reads four by four of.
-    static TileRect cubicBox(const Plan& plan, const TileRect& part);
     void readCubic(const Plan& plan, const TileRect& block, int x, int y, int count, Float4* out) const;
     void mixCubic(const Plan& plan, const TileRect& block, const TileRect& part, MixPixel* out,
                   int stride) const;

@@ -8,9 +8,8 @@
 
 namespace framora::raster {
 
-/// Reads a picture under any projective map, block by block. Where it is magnified it interpolates with a
-/// cubic; where one output pixel spans more than one source pixel in some direction, it mixes everything
-/// under the pixel's footprint.
+/// Reads a picture under any projective map, in blocks on a grid from the layer's origin, which are quartered
+/// where footprints differ much.
 class ProjectiveSampler {
 public:
     /// `toSource` maps output pixels to pixels of the pyramid's picture. `pyramid` must live as long as this.
@@ -28,12 +27,7 @@ private:
     TileRect blockAround(int x, int y) const;
     /// mix() for what of `tile`, which begins at `out`, lies in a block.
     void mixBlock(const TileRect& block, const TileRect& tile, MixPixel* out) const;
-    /// Whether no pixel of a block spans more than one of the picture's in any direction.
-    bool isMagnified(const TileRect& block) const;
-    Float4 interpolated(Vec2 source) const;
 
-    const PicturePyramid& m_pyramid;
-    Homography m_toSource;
     FootprintSampler m_footprints;
 };
 
