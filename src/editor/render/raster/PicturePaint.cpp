@@ -86,14 +86,9 @@ PicturePaint::PicturePaint(std::shared_ptr<const PicturePyramid> picture, double
     const PixelView level = m_picture->level(reduction(std::max(map(0, 0), map(1, 1))));
     const double scaleX = map(0, 0) * pixels.width / level.width;
     const double scaleY = map(1, 1) * pixels.height / level.height;
-    // Both are told at once: a slider waits for them in every frame.
-    std::array<FixedAxis, 2> axes;
-    parallelFor(2, [&](int axis) {
-        axes[std::size_t(axis)] =
-            axis == 0 ? FixedAxis::columns(axisKernel(scaleX, map(0, 2), level.width, region.left, region.width))
-                      : FixedAxis::rows(axisKernel(scaleY, map(1, 2), level.height, region.top, region.height));
-    });
-    m_separable = std::make_shared<const SeparableSampler>(level, std::move(axes[0]), std::move(axes[1]));
+    m_separable = std::make_shared<const SeparableSampler>(
+        level, axisKernel(scaleX, map(0, 2), level.width, region.left, region.width),
+        axisKernel(scaleY, map(1, 2), level.height, region.top, region.height));
     if (m_cache)
         m_cache->keepSampler(m_separable);
 }
