@@ -49,12 +49,15 @@ std::optional<QByteArray> composedPng(const Composition& composition) {
             return isOpaque && !raster::areRowsOpaque(drawn) ? raster::PixelView() : drawn;
         };
         QByteArray file;
+        const auto append = [&](std::span<const std::uint8_t> bytes) {
+            // Room that is taken only as far as it is filled: growing the file would copy it again and again.
+            constexpr qsizetype usualRatio = 16;
+            if (file.isEmpty())
+                file.reserve(qsizetype(picture.width()) * picture.height() * 3 / usualRatio);
+            file.append(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size()));
+        };
         if (raster::writePng({picture.width(), picture.height(), isOpaque, rows},
-                             raster::pixelsPerMetre(exportDotsPerInch), raster::PngSpeed::compact,
-                             [&](std::span<const std::uint8_t> bytes) {
-                                 file.append(reinterpret_cast<const char*>(bytes.data()),
-                                             qsizetype(bytes.size()));
-                             }))
+                             raster::pixelsPerMetre(exportDotsPerInch), raster::PngSpeed::compact, append))
             return file;
     }
     // Whether it is opaque shows only in the whole picture.

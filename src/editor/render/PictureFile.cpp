@@ -13,6 +13,7 @@
 #include <QFileInfo>
 #include <QImageReader>
 #include <QSaveFile>
+#include <cstdlib>
 #include <mutex>
 
 namespace framora {
@@ -45,6 +46,18 @@ QImage roomFor(const QImageReader& reader, QSize size) {
     return image;
 }
 
+/// A picture all of whose pixels are about to be written. In large pages where it is large: half of what
+/// writing it takes is fresh memory.
+QImage unwrittenPicture(int width, int height) {
+    constexpr QImage::Format format = QImage::Format_ARGB32_Premultiplied;
+    constexpr std::size_t largeBytes = 8 << 20;
+    const std::size_t rowBytes = std::size_t(width) * sizeof(QRgb);
+    if (rowBytes * std::size_t(height) < largeBytes)
+        return QImage(width, height, format);
+    auto* const pixels = static_cast<uchar*>(raster::allocateHugePages(rowBytes * std::size_t(height)));
+    return pixels ? QImage(pixels, width, height, qsizetype(rowBytes), format, std::free, pixels) : QImage();
+}
+
 /// A PNG of the usual kind, several times faster than by the reader for all kinds. Null for everything that
 /// it does not take: the other reader knows what it is, or what is wrong with it.
 QImage readPlainPng(const QByteArray& encoded, DecodingWatch& watch) {
@@ -52,10 +65,9 @@ QImage readPlainPng(const QByteArray& encoded, DecodingWatch& watch) {
         {reinterpret_cast<const std::uint8_t*>(encoded.constData()), std::size_t(encoded.size())});
     if (!png || !isWithinBounds({png->width, png->height}))
         return {};
-    QImage image(png->width, png->height, QImage::Format_ARGB32_Premultiplied);
+    QImage image = unwrittenPicture(png->width, png->height);
     if (image.isNull())
         return {};
-    raster::adviseHugePages(image.bits(), std::size_t(image.sizeInBytes()));
     constexpr int rowsAtOnce = 64;
     const bool decoded = raster::decodePlainPng(
         *png,

@@ -50,6 +50,27 @@ TEST(PngFilters, EveryTargetChoosesAndWritesAsThePlainKernelsDo) {
     });
 }
 
+TEST(PngFilters, EveryTargetSamplesLongRowsAsThePlainKernelDoes) {
+    forEachTarget([](const char* target) {
+        for (std::size_t size = wholePngRow - 2; size < wholePngRow + 2 * pngCostStep + 3; ++size) {
+            const Rows rows(size, 3, 70, unsigned(size));
+            ASSERT_EQ(pngFilterCosts(rows.row()), plain::pngFilterCosts(rows.row()))
+                << target << ", " << size << " bytes";
+        }
+    });
+}
+
+TEST(PngFilters, CountsOnlyTheSamplesOfLongRows) {
+    const std::size_t size = wholePngRow + 1;
+    const std::vector<std::uint8_t> zeros(zerosBefore + size + pngRowPadding);
+    for (std::size_t place = 0; place < size; ++place) {
+        std::vector<std::uint8_t> row = zeros;
+        row[zerosBefore + place] = 1;
+        const auto costs = pngFilterCosts({row.data() + zerosBefore, zeros.data() + zerosBefore, size, 3});
+        ASSERT_EQ(costs[0], place % pngCostStep < pngCostSample ? 3u : 0u) << place;
+    }
+}
+
 TEST(PngFilters, PaethAgreesForEveryKindOfNeighbours) {
     // left, up and up-left from a grid of values with all their extremes; the value itself is zero.
     const std::vector<int> values = {0, 1, 2, 3, 63, 64, 126, 127, 128, 129, 191, 192, 253, 254, 255};

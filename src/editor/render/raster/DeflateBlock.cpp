@@ -137,25 +137,33 @@ void writeTokens(BitWriter& writer, std::span<const DeflateToken> tokens, const 
     std::array<std::uint16_t, distanceSymbols> distanceCodes;
     assignCodes(code.literals, literalCodes);
     assignCodes(code.distances, distanceCodes);
+    struct Bits {
+        std::uint32_t bits;
+        std::uint32_t count;
+    };
+    std::array<Bits, longestMatch + 1> lengthCodes{}; // with the extra bits
+    for (unsigned length = 3; length <= unsigned(longestMatch); ++length) {
+        const Slot slot = lengthSlots[length];
+        const unsigned count = code.literals[slot.symbol];
+        lengthCodes[length] = {literalCodes[slot.symbol] | std::uint32_t(length - slot.base) << count,
+                               count + slot.extraBits};
+    }
+    BitSink sink = writer.sink();
     for (const DeflateToken token : tokens) {
         if (token < 256) {
-            writer.put(literalCodes[token], code.literals[token]);
+            sink.put(literalCodes[token], code.literals[token]);
             continue;
         }
-        const unsigned length = token >> 16;
         const unsigned distance = (token & 0xffff) + 1;
-        const Slot lengths = lengthSlots[length];
-        const Slot distances = distanceSlot(distance);
-        std::uint64_t bits = literalCodes[lengths.symbol];
-        unsigned count = code.literals[lengths.symbol];
-        bits |= std::uint64_t(length - lengths.base) << count;
-        count += lengths.extraBits;
-        bits |= std::uint64_t(distanceCodes[distances.symbol]) << count;
-        count += code.distances[distances.symbol];
-        bits |= std::uint64_t(distance - distances.base) << count;
-        writer.put(bits, count + distances.extraBits); // at most 48
+        const Bits length = lengthCodes[token >> 16];
+        const Slot slot = distanceSlot(distance);
+        std::uint64_t bits = length.bits | std::uint64_t(distanceCodes[slot.symbol]) << length.count;
+        const unsigned count = length.count + code.distances[slot.symbol];
+        bits |= std::uint64_t(distance - slot.base) << count;
+        sink.put(bits, count + slot.extraBits); // at most 48
     }
-    writer.put(literalCodes[endOfBlock], code.literals[endOfBlock]);
+    sink.put(literalCodes[endOfBlock], code.literals[endOfBlock]);
+    writer.setSink(sink);
 }
 
 void writeStored(BitWriter& writer, std::span<const std::uint8_t> bytes, bool isLast) {
@@ -182,22 +190,17 @@ double entropyOf(std::span<const std::uint32_t> counts) {
 
 } // namespace
 
-void BitWriter::put(std::uint64_t bits, unsigned count) {
-    m_bits |= bits << m_count;
-    m_count += count;
-    std::memcpy(m_out.data() + m_size, &m_bits, 8);
-    m_size += m_count / 8;
-    m_bits >>= m_count & ~7u;
-    m_count &= 7;
-}
-
-void BitWriter::alignToByte() {
-    put(0, (8 - m_count) & 7);
+void BitWriter::reserve(std::size_t bytes) {
+    constexpr std::size_t spare = 16;
+    const std::size_t used = size();
+    if (m_out.size() < used + bytes + spare)
+        m_out.resize(used + bytes + spare + used / 2);
+    m_sink.at = m_out.data() + used;
 }
 
 void BitWriter::append(std::span<const std::uint8_t> bytes) {
-    std::memcpy(m_out.data() + m_size, bytes.data(), bytes.size());
-    m_size += bytes.size();
+    std::memcpy(m_sink.at, bytes.data(), bytes.size());
+    m_sink.at += bytes.size();
 }
 
 void DeflateSymbols::add(const DeflateSymbols& other) {

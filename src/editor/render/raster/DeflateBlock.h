@@ -4,35 +4,53 @@
 
 #include <array>
 #include <cstdint>
+#include <cstring>
 #include <span>
 #include <vector>
 
 namespace framora::raster {
 
-/// Bytes as deflate packs them, lowest bit first, appended to a vector.
+/// Bytes as deflate packs them, lowest bit first. A local one stays in registers.
+struct BitSink {
+    std::uint8_t* at;       ///< Where the next whole byte goes; 8 bytes from here may be written.
+    std::uint64_t bits = 0; ///< Fewer than 8 between two calls.
+    unsigned count = 0;
+
+    /// At most 56 bits at once; `more` has none set beyond `moreCount`.
+    void put(std::uint64_t more, unsigned moreCount) {
+        bits |= more << count;
+        count += moreCount;
+        std::memcpy(at, &bits, sizeof bits);
+        at += count / 8;
+        bits >>= count & ~7u;
+        count &= 7;
+    }
+};
+
+/// Bits appended to a vector.
 class BitWriter {
 public:
-    explicit BitWriter(std::vector<std::uint8_t>& out) : m_out(out), m_size(out.size()) {}
+    explicit BitWriter(std::vector<std::uint8_t>& out) : m_out(out), m_sink{out.data() + out.size()} {}
     BitWriter(const BitWriter&) = delete;
     BitWriter& operator=(const BitWriter&) = delete;
-    ~BitWriter() { m_out.resize(m_size); }
+    ~BitWriter() { m_out.resize(size()); }
 
-    /// Makes room for `bytes` more; put() writes only into room that was made.
-    void reserve(std::size_t bytes) {
-        if (m_out.size() < m_size + bytes + 16)
-            m_out.resize(m_size + bytes + 16 + m_size / 2);
-    }
-    /// At most 56 bits at once; `bits` has none set beyond `count`.
-    void put(std::uint64_t bits, unsigned count);
-    void alignToByte();
+    /// Makes room for `bytes` more; what is put is written only into room that was made.
+    void reserve(std::size_t bytes);
+    void put(std::uint64_t bits, unsigned count) { m_sink.put(bits, count); }
+    void alignToByte() { put(0, (8 - m_sink.count) & 7); }
     /// On a byte boundary only.
     void append(std::span<const std::uint8_t> bytes);
 
+    /// For many bits at once: a copy to put them into, which then takes the place of this one's.
+    BitSink sink() const { return m_sink; }
+    void setSink(BitSink sink) { m_sink = sink; }
+
 private:
+    std::size_t size() const { return std::size_t(m_sink.at - m_out.data()); }
+
     std::vector<std::uint8_t>& m_out;
-    std::size_t m_size;
-    std::uint64_t m_bits = 0; ///< Fewer than 8 between two calls.
-    unsigned m_count = 0;
+    BitSink m_sink;
 };
 
 /// A piece of a deflate stream on its way to a block: literals and matches in order, and how often each

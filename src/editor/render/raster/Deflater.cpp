@@ -77,9 +77,8 @@ int commonLength(const std::uint8_t* a, const std::uint8_t* b, int limit) {
 } // namespace
 
 Deflater::Deflater(DeflateEffort effort)
-    : m_effort(effort), m_head(std::size_t(1) << hashBits), m_previous(windowSize) {
-    m_tokens.reserve(longestBlock + 2 * chunkTokens);
-}
+    : m_effort(effort), m_head(std::size_t(1) << hashBits), m_previous(windowSize),
+      m_tokens(longestBlock + 3 * chunkTokens) {}
 
 template <DeflateEffort effort> void Deflater::start(std::span<const std::uint8_t> data, std::size_t begin) {
     m_data = data.data();
@@ -87,8 +86,9 @@ template <DeflateEffort effort> void Deflater::start(std::span<const std::uint8_
     std::ranges::fill(m_head, -1);
     const int first = int(begin);
     for (int i = std::max(0, first - windowSize); i < std::min(first, m_end - readAhead + 1); ++i)
-        insert<effort>(i);
-    m_tokens.clear();
+        if (i == 0 || load64(m_data + i) != load64(m_data + i - 1))
+            insert<effort>(i);
+    m_tokenCount = 0;
     m_blockTokens = 0;
     m_block = m_chunk = {};
     m_blockEntropy = 0;
@@ -163,12 +163,12 @@ bool Deflater::isWorthwhile(int position, Match match) const {
 
 void Deflater::addLiteral(int position) {
     const std::uint8_t value = m_data[position];
-    m_tokens.push_back(value);
+    m_tokens[m_tokenCount++] = value;
     ++m_chunk.literals[value];
 }
 
 void Deflater::addMatch(Match match) {
-    m_tokens.push_back(std::uint32_t(match.length) << 16 | std::uint32_t(match.distance - 1));
+    m_tokens[m_tokenCount++] = std::uint32_t(match.length) << 16 | std::uint32_t(match.distance - 1);
     ++m_chunk.literals[lengthSlots[std::size_t(match.length)].symbol];
     ++m_chunk.distances[distanceSlot(unsigned(match.distance)).symbol];
 }
@@ -178,16 +178,17 @@ template <DeflateEffort effort> void Deflater::parse(BitWriter& writer) {
     int lastDistance = 0;
     int misses = 0;
     while (position < m_end) {
-        if (m_tokens.size() - m_blockTokens >= chunkTokens)
+        if (m_tokenCount - m_blockTokens >= chunkTokens)
             endChunk(writer, position);
         // Runs of one byte, above all of zeros, and then what repeats at the distance of the last match.
         const int limit = std::min(longestMatch, m_end - position);
         Match repeat;
         for (const int distance : {1, lastDistance}) {
-            if (distance == 0 || distance > position)
+            if (distance == 0 || distance > position || limit < shortestMatch ||
+                load32(m_data + position) != load32(m_data + position - distance))
                 continue;
             const int length = commonLength(m_data + position, m_data + position - distance, limit);
-            if (length > repeat.length && length >= shortestMatch)
+            if (length > repeat.length)
                 repeat = {.length = length, .distance = distance};
             if (repeat.length == limit)
                 break;
@@ -196,7 +197,9 @@ template <DeflateEffort effort> void Deflater::parse(BitWriter& writer) {
         if (repeat.length >= search<effort>.sureRepeat ||
             (nearEnd && repeat.length > 0 && isWorthwhile(position, repeat))) {
             addMatch(repeat);
-            insertMatched<effort>(position, position + repeat.length);
+            // Inside a run all places are alike.
+            const int inRun = repeat.distance == 1 ? repeat.length - search<effort>.hashedBytes + 1 : 0;
+            insertMatched<effort>(position + std::max(inRun, 0), position + repeat.length);
             position += repeat.length;
             lastDistance = repeat.distance > 1 ? repeat.distance : lastDistance;
             misses = 0;
@@ -273,16 +276,17 @@ void Deflater::endChunk(BitWriter& writer, int position) {
     double joinedEntropy = joined.entropy();
     if (m_blockTokens > 0 && (m_blockTokens >= longestBlock ||
                               joinedEntropy > m_blockEntropy + chunkEntropy + blockOverheadBits)) {
-        const std::vector<DeflateToken> chunk(m_tokens.begin() + std::ptrdiff_t(m_blockTokens),
-                                              m_tokens.end());
+        const std::size_t chunkBegin = m_blockTokens;
         writeBlock(writer, false);
-        m_tokens.assign(chunk.begin(), chunk.end());
+        std::copy(m_tokens.begin() + std::ptrdiff_t(chunkBegin),
+                  m_tokens.begin() + std::ptrdiff_t(m_tokenCount), m_tokens.begin());
+        m_tokenCount -= chunkBegin;
         joined = m_chunk;
         joinedEntropy = chunkEntropy;
     }
     m_block = joined;
     m_blockEntropy = joinedEntropy;
-    m_blockTokens = m_tokens.size();
+    m_blockTokens = m_tokenCount;
     m_chunk = {};
     m_chunkBegin = position;
 }

@@ -58,7 +58,8 @@ private:
     std::vector<int> m_previous; ///< By position modulo the window: the one before with the same hash.
 
     // The block so far, and the chunk that is about to join it or to start the next one.
-    std::vector<DeflateToken> m_tokens;
+    std::vector<DeflateToken> m_tokens; ///< Room for as many as there can be.
+    std::size_t m_tokenCount = 0;
     std::size_t m_blockTokens = 0;
     DeflateSymbols m_block;
     DeflateSymbols m_chunk;

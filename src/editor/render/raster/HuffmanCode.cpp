@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <compare>
 #include <cstddef>
 
 namespace framora::raster {
@@ -10,9 +11,18 @@ namespace {
 constexpr std::size_t maximumSymbols = 288;
 constexpr int maximumLength = 15;
 
-struct Leaf {
-    std::uint32_t frequency;
-    std::uint16_t symbol;
+/// A symbol and its frequency in one number, in the order of rarity; of two alike the later symbol first.
+class Leaf {
+public:
+    Leaf() = default;
+    Leaf(std::uint32_t frequency, std::size_t symbol)
+        : m_key(std::uint64_t(frequency) << 16 | (0xffff - symbol)) {}
+    std::uint32_t frequency() const { return std::uint32_t(m_key >> 16); }
+    std::size_t symbol() const { return 0xffff - (m_key & 0xffff); }
+    friend auto operator<=>(const Leaf&, const Leaf&) = default;
+
+private:
+    std::uint64_t m_key;
 };
 
 /// How many leaves of the optimal tree lie at each depth; what lies deeper than `limit` counts as `limit`.
@@ -29,8 +39,8 @@ std::array<int, maximumLength + 1> countDepths(std::span<const Leaf> leaves, int
     for (std::size_t made = 0; made < innerCount; ++made)
         for (int child = 0; child < 2; ++child) {
             const bool takeLeaf =
-                leaf < leaves.size() && (inner == made || leaves[leaf].frequency <= weight[inner]);
-            weight[made] += takeLeaf ? leaves[leaf].frequency : weight[inner];
+                leaf < leaves.size() && (inner == made || leaves[leaf].frequency() <= weight[inner]);
+            weight[made] += takeLeaf ? leaves[leaf].frequency() : weight[inner];
             (takeLeaf ? leafParent[leaf++] : innerParent[inner++]) = made;
         }
     std::array<int, maximumSymbols> depth{};
@@ -65,21 +75,19 @@ void chooseCodeLengths(std::span<const std::uint32_t> frequencies, int limit,
     std::size_t used = 0;
     for (std::size_t i = 0; i < frequencies.size(); ++i)
         if (frequencies[i] > 0)
-            storage[used++] = {frequencies[i], std::uint16_t(i)};
+            storage[used++] = Leaf(frequencies[i], i);
     for (std::size_t i = 0; used < 2; ++i)
         if (frequencies[i] == 0)
-            storage[used++] = {1, std::uint16_t(i)};
+            storage[used++] = Leaf(1, i);
     const std::span<Leaf> leaves(storage.data(), used);
-    std::ranges::sort(leaves, [](const Leaf& a, const Leaf& b) {
-        return a.frequency != b.frequency ? a.frequency < b.frequency : a.symbol > b.symbol;
-    });
+    std::ranges::sort(leaves);
     std::array<int, maximumLength + 1> counts = countDepths(leaves, limit);
     fitDepths(counts, limit);
     std::ranges::fill(lengths, std::uint8_t(0));
     std::size_t leaf = 0;
     for (int length = limit; length > 0; --length)
         for (int i = 0; i < counts[std::size_t(length)]; ++i)
-            lengths[leaves[leaf++].symbol] = std::uint8_t(length);
+            lengths[leaves[leaf++].symbol()] = std::uint8_t(length);
 }
 
 void assignCodes(std::span<const std::uint8_t> lengths, std::span<std::uint16_t> codes) {

@@ -9,4 +9,7 @@ namespace framora::raster {
 /// pages.
 void adviseHugePages(void* data, std::size_t size);
 
+/// Memory that begins and ends with large pages, not touched yet, for std::free(); null when it is short.
+void* allocateHugePages(std::size_t size);
+
 } // namespace framora::raster

@@ -28,6 +28,11 @@ constexpr std::size_t stripeBytes = 1 << 20;
 // Pictures up to this many bytes get the better and slower search for matches.
 constexpr std::size_t thoroughBytes = 8u << 20;
 
+// Rows are drawn and filtered about so many bytes of pixels at a time, which stay in the second-level cache,
+// and in whole tiles of the compositor.
+constexpr std::size_t bandBytes = 512 << 10;
+constexpr std::size_t bandRows = 32;
+
 // A large picture's filtering is tried on this many strips of it, half a stripe together.
 constexpr int sampledStrips = 4;
 
@@ -93,8 +98,22 @@ bool isSmall(const PngSource& picture, PngRowFormat format) {
 /// What one thread encodes with; its memory is used again for the next stripe.
 struct Workshop {
     explicit Workshop(DeflateEffort effort) : deflater(effort) {}
+
+    /// Memory for so many bytes of filtered rows, and their padding.
+    std::span<std::uint8_t> filteredRoom(std::size_t size) {
+        if (m_filteredSize < size) {
+            m_filtered = std::make_unique_for_overwrite<std::uint8_t[]>(size + pngRowPadding);
+            m_filteredSize = size;
+        }
+        return {m_filtered.get(), size};
+    }
+
     PixelBuffer room;
     Deflater deflater;
+
+private:
+    std::unique_ptr<std::uint8_t[]> m_filtered;
+    std::size_t m_filteredSize = 0;
 };
 
 /// A workshop for each thread that asks for one meanwhile.
@@ -121,14 +140,29 @@ private:
     std::vector<std::unique_ptr<Workshop>> m_free;
 };
 
-/// The rows [firstRow, endRow) as PNG rows.
-Bytes filteredRows(const PngSource& picture, PngRowFormat format, int firstRow, int endRow,
-                   PixelBuffer& room) {
-    const int above = firstRow > 0 ? 1 : 0;
-    const PixelView rows = picture.rows(firstRow - above, endRow, room);
-    if (rows.isEmpty())
-        throw std::bad_alloc();
-    return filteredPngRows(rows, format, above, rows.height);
+/// The rows [firstRow, endRow) as PNG rows, in the workshop's memory.
+std::span<const std::uint8_t> filteredRows(const PngSource& picture, PngRowFormat format, int firstRow,
+                                           int endRow, Workshop& workshop) {
+    const std::size_t rowBytes = format.rowBytes(picture.width);
+    const auto filtered = workshop.filteredRoom(std::size_t(endRow - firstRow) * rowBytes);
+    PngRowFilter filter(format, picture.width);
+    const std::size_t tiles = bandBytes / (std::size_t(picture.width) * sizeof(std::uint32_t) * bandRows);
+    const int rowsAtOnce = int(bandRows * std::max<std::size_t>(1, tiles));
+    std::uint8_t* out = filtered.data();
+    for (int y = firstRow > 0 ? firstRow - 1 : 0, end = 0; y < endRow; y = end) {
+        end = std::min(endRow - y, rowsAtOnce) + y;
+        PixelView rows = picture.rows(y, end, workshop.room);
+        if (rows.isEmpty())
+            throw std::bad_alloc();
+        if (y < firstRow) {
+            filter.startBelow(rows.row(0));
+            rows.data += rows.stride;
+            --rows.height;
+        }
+        filter.add(rows, out);
+        out += std::size_t(rows.height) * rowBytes;
+    }
+    return filtered;
 }
 
 Stripe encodeStripe(const PngSource& picture, PngRowFormat format, PngSpeed speed, int firstRow, int endRow,
@@ -137,9 +171,10 @@ Stripe encodeStripe(const PngSource& picture, PngRowFormat format, PngSpeed spee
     // The compact stream goes on from the stripe before, so the rows in its window are filtered once more.
     const std::size_t windowRows = (std::size_t(deflate::windowSize) + rowBytes - 1) / rowBytes;
     const int rowsBefore = speed == PngSpeed::compact ? std::min(firstRow, int(windowRows)) : 0;
-    const Bytes rows = filteredRows(picture, format, firstRow - rowsBefore, endRow, workshop.room);
+    const std::span<const std::uint8_t> rows =
+        filteredRows(picture, format, firstRow - rowsBefore, endRow, workshop);
     const std::size_t begin = std::size_t(rowsBefore) * rowBytes;
-    const std::span<const std::uint8_t> filtered = std::span(rows).subspan(begin);
+    const std::span<const std::uint8_t> filtered = rows.subspan(begin);
     const bool isLast = endRow == picture.height;
 
     Stripe stripe;
@@ -178,7 +213,7 @@ PngFiltering chooseFiltering(const PngSource& picture, PngRowFormat format, Work
         candidate.filtering = tried[which];
         try {
             std::unique_ptr<Workshop> workshop = workshops.take();
-            const Bytes filtered = filteredRows(picture, candidate, first, first + rows, workshop->room);
+            const auto filtered = filteredRows(picture, candidate, first, first + rows, *workshop);
             Bytes out;
             workshop->deflater.compress(filtered, 0, true, out);
             sizes[which] += out.size();

@@ -34,8 +34,9 @@ void rgbaFromPixels(const std::uint32_t* pixels, std::size_t count, std::uint8_t
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-// Never more than the padding holds.
-using Bytes = hn::CappedTag<std::uint8_t, pngRowPadding>;
+// Never more than the padding holds, or a sample has.
+using Bytes = hn::CappedTag<std::uint8_t, pngCostSample>;
+static_assert(pngCostSample <= pngRowPadding && pngCostStep % pngCostSample == 0);
 using V = hn::Vec<Bytes>;
 
 V distance(V a, V b) {
@@ -74,13 +75,15 @@ V residualBits(Bytes d, V residual) {
 std::array<std::uint64_t, pngFilterCount> filterCosts(const PngRow& row) {
     const Bytes d;
     const hn::Repartition<std::uint64_t, Bytes> d64;
+    const std::size_t skipped = row.size > wholePngRow ? pngCostStep - pngCostSample : 0;
     auto none = hn::Zero(d64);
     auto sub = none;
     auto up = none;
     auto averaged = none;
     auto predicted = none;
     const std::size_t lanes = hn::Lanes(d);
-    for (std::size_t i = 0; i < row.size; i += lanes) {
+    for (std::size_t i = 0; i < row.size;
+         i += lanes + ((i + lanes) % pngCostStep == pngCostSample ? skipped : 0)) {
         V value = hn::LoadU(d, row.data + i);
         V left = hn::LoadU(d, row.data + i - row.pixelBytes);
         V above = hn::LoadU(d, row.above + i);
@@ -129,14 +132,26 @@ void filterRow(PngFilter filter, const PngRow& row, std::uint8_t* out) {
 }
 
 void rgbFromPixels(const std::uint32_t* pixels, std::size_t count, std::uint8_t* out) {
+    // Four pixels to the start of each 16 bytes, then these together.
     alignas(16) static constexpr std::uint8_t order[16] = {2, 1,  0,  6,  5,    4,    10,   9,
                                                            8, 14, 13, 12, 0x80, 0x80, 0x80, 0x80};
-    const hn::Full128<std::uint8_t> d;
-    const auto indices = hn::Load(d, order);
+    alignas(64) static constexpr std::uint32_t words[16] = {0,  1,  2,  4,  5, 6, 8,  9,
+                                                            10, 12, 13, 14, 3, 7, 11, 15};
+    const hn::CappedTag<std::uint32_t, 16> d;
+    const hn::Repartition<std::uint8_t, decltype(d)> bytes;
+    const std::size_t lanes = hn::Lanes(d);
+    const auto inFours = hn::LoadDup128(bytes, order);
+    alignas(64) std::uint32_t places[16];
+    std::size_t place = 0;
+    for (const std::uint32_t word : words)
+        if (word < lanes)
+            places[place++] = word;
+    const auto together = hn::SetTableIndices(d, places);
     std::size_t i = 0;
-    for (; i + 4 <= count; i += 4) {
-        const auto four = hn::LoadU(d, reinterpret_cast<const std::uint8_t*>(pixels + i));
-        hn::StoreU(hn::TableLookupBytesOr0(four, indices), d, out + 3 * i);
+    for (; i + lanes <= count; i += lanes) {
+        const auto some = hn::BitCast(bytes, hn::LoadU(d, pixels + i));
+        const auto fours = hn::BitCast(d, hn::TableLookupBytesOr0(some, inFours));
+        hn::StoreU(hn::BitCast(bytes, hn::TableLookupLanes(fours, together)), bytes, out + 3 * i);
     }
     plain::packRgb(pixels + i, count - i, out + 3 * i);
 }

@@ -55,7 +55,8 @@ std::array<std::uint64_t, pngFilterCount> pngFilterCosts(const PngRow& row) {
     std::array<std::uint64_t, pngFilterCount> costs{};
     for (std::size_t filter = 0; filter < costs.size(); ++filter)
         for (std::size_t i = 0; i < row.size; ++i)
-            costs[filter] += bits(residual(PngFilter(filter), row, i));
+            if (row.size <= wholePngRow || i % pngCostStep < pngCostSample)
+                costs[filter] += bits(residual(PngFilter(filter), row, i));
     return costs;
 }
 

@@ -55,31 +55,31 @@ PngFilter chooseFilter(PngFiltering filtering, const PngRow& row) {
 
 } // namespace
 
-std::vector<std::uint8_t> filteredPngRows(PixelView picture, PngRowFormat format, int firstRow, int endRow) {
-    const std::size_t rowBytes = format.rowBytes(picture.width);
-    const auto pack = [&](int y, std::uint8_t* out) {
-        (format.isOpaque ? packRgb : packRgba)(picture.row(y), std::size_t(picture.width), out);
-    };
-    std::vector<std::uint8_t> above(zerosBefore + rowBytes + pngRowPadding);
-    std::vector<std::uint8_t> current(above.size());
-    if (firstRow > 0)
-        pack(firstRow - 1, above.data() + zerosBefore);
-    const std::size_t size = std::size_t(endRow - firstRow) * rowBytes;
-    std::vector<std::uint8_t> filtered(size + pngRowPadding);
-    std::uint8_t* out = filtered.data();
-    for (int y = firstRow; y < endRow; ++y, out += rowBytes) {
-        pack(y, current.data() + zerosBefore);
-        const PngRow row{.data = current.data() + zerosBefore,
-                         .above = above.data() + zerosBefore,
+PngRowFilter::PngRowFilter(PngRowFormat format, int width)
+    : m_format(format), m_width(width), m_above(zerosBefore + format.rowBytes(width) + pngRowPadding),
+      m_current(m_above.size()) {}
+
+void PngRowFilter::pack(const std::uint32_t* pixels, std::vector<std::uint8_t>& row) const {
+    (m_format.isOpaque ? packRgb : packRgba)(pixels, std::size_t(m_width), row.data() + zerosBefore);
+}
+
+void PngRowFilter::startBelow(const std::uint32_t* row) {
+    pack(row, m_above);
+}
+
+void PngRowFilter::add(PixelView rows, std::uint8_t* out) {
+    const std::size_t rowBytes = m_format.rowBytes(m_width);
+    for (int y = 0; y < rows.height; ++y, out += rowBytes) {
+        pack(rows.row(y), m_current);
+        const PngRow row{.data = m_current.data() + zerosBefore,
+                         .above = m_above.data() + zerosBefore,
                          .size = rowBytes - 1,
-                         .pixelBytes = format.pixelBytes()};
-        const PngFilter filter = chooseFilter(format.filtering, row);
+                         .pixelBytes = m_format.pixelBytes()};
+        const PngFilter filter = chooseFilter(m_format.filtering, row);
         out[0] = std::uint8_t(filter);
         applyPngFilter(filter, row, out + 1);
-        current.swap(above);
+        m_current.swap(m_above);
     }
-    filtered.resize(size);
-    return filtered;
 }
 
 } // namespace framora::raster

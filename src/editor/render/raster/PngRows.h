@@ -26,8 +26,24 @@ struct PngRowFormat {
     std::size_t rowBytes(int width) const { return std::size_t(width) * pixelBytes() + 1; }
 };
 
-/// The rows [firstRow, endRow) of the picture as PNG rows, each behind its filter's number. A row comes out
-/// the same whichever range it is in.
-std::vector<std::uint8_t> filteredPngRows(PixelView picture, PngRowFormat format, int firstRow, int endRow);
+/// Makes a picture's pixels to PNG rows, from the top or from any row on. A row comes out the same wherever
+/// that was.
+class PngRowFilter {
+public:
+    PngRowFilter(PngRowFormat format, int width);
+
+    /// Starts below this row of the picture instead of at its top.
+    void startBelow(const std::uint32_t* row);
+    /// Writes the next rows, each behind its filter's number, and past their end up to pngRowPadding bytes.
+    void add(PixelView rows, std::uint8_t* out);
+
+private:
+    void pack(const std::uint32_t* pixels, std::vector<std::uint8_t>& row) const;
+
+    const PngRowFormat m_format;
+    const int m_width;
+    std::vector<std::uint8_t> m_above;
+    std::vector<std::uint8_t> m_current;
+};
 
 } // namespace framora::raster
