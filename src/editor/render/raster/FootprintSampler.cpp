@@ -69,38 +69,45 @@ bool FootprintSampler::isUneven(const TileRect& block) const {
     return wide > mostRatio * narrow;
 }
 
-FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
-    bool isInFront = true;
-    const auto ellipseAt = [&](double x, double y) {
-        const double depth = m_toSource.depth({x, y});
-        isInFront = isInFront && depth > 0;
-        return depth > 0 ? ellipse(m_toSource, m_toSource.map({x, y}), depth) : Ellipse{1e12, 0, 1e12};
-    };
-    Plan plan;
-    std::array<Ellipse, 4> corners;
-    for (int i = 0; i < 4; ++i)
-        corners[std::size_t(i)] = ellipseAt(block.x + i % 2 * block.width, block.y + i / 2 * block.height);
-    // What readings along a line answer for, the widths along the axes need not: as much as everywhere in the
-    // block.
-    Ellipse aslant{1, 0, 1};
-    double correlation = 1 - 1.0 / 256;
-    for (const Ellipse& corner : corners) {
-        const Ellipse wide = widened(corner);
-        const double here = wide.xy / std::sqrt(wide.xx * wide.yy);
-        const bool isSameWay = corners[0].xy * wide.xy > 0;
-        if (std::abs(here) < correlation || !isSameWay) {
-            correlation = isSameWay ? std::abs(here) : 0;
-            aslant = wide;
+std::optional<FootprintSampler::Corners> FootprintSampler::shearedCorners(const TileRect& block) const {
+    const Homography& g = m_toSource;
+    Corners corners;
+    for (int i = 0; i < 4; ++i) {
+        const Vec2 corner{double(block.x + i % 2 * block.width), double(block.y + i / 2 * block.height)};
+        const double depth = g.depth(corner);
+        const Vec2 source = g.map(corner);
+        // What a step to the right and one down are in the picture.
+        Vec2 right{(g(0, 0) - source.x * g(2, 0)) / depth, (g(1, 0) - source.y * g(2, 0)) / depth};
+        Vec2 down{(g(0, 1) - source.x * g(2, 1)) / depth, (g(1, 1) - source.y * g(2, 1)) / depth};
+        const bool isTurned = std::abs(right.y) > std::abs(right.x);
+        if (isTurned) {
+            std::swap(right.x, right.y);
+            std::swap(down.x, down.y);
         }
+        const double across = down.y - down.x * right.y / right.x;
+        const Ellipse exact{right.x * right.x + down.x * down.x, down.x * across, across * across};
+        const Ellipse wide = widened(exact);
+        constexpr double mostCorrelation = 0.25;
+        if (!(depth > 0 && std::abs(right.y) <= ShearedBlock::steepest * std::abs(right.x) &&
+              std::abs(wide.xy) <= mostCorrelation * std::sqrt(wide.xx * wide.yy)))
+            return std::nullopt;
+        corners[std::size_t(i)] = isTurned ? Ellipse{exact.yy, exact.xy, exact.xx} : exact;
     }
-    const double slant = correlation / (1 - correlation);
-    constexpr double leastSlant = 0.1;
-    if (slant > leastSlant) {
-        plan.share = float(1 - correlation);
-        plan.line.count = int(std::min<double>(
-            std::ceil(std::sqrt(1 + 12 * variance * slant / (widestGap * widestGap))), mostReadings));
-    }
+    return corners;
+}
 
+std::optional<FootprintSampler::Plan> FootprintSampler::shearedPlan(const TileRect& block) const {
+    const std::optional<Corners> corners = shearedCorners(block);
+    if (!corners)
+        return std::nullopt;
+    Plan plan;
+    chooseLevel(*corners, plan);
+    if (plan.isCubic)
+        plan.sheared = ShearedBlock::make(plan.level, plan.toLevel, block, plan.most);
+    return plan.sheared ? std::optional(plan) : std::nullopt;
+}
+
+void FootprintSampler::chooseLevel(const Corners& corners, Plan& plan) const {
     double narrowX = 1e12;
     double narrowY = 1e12;
     double largestX = 1;
@@ -131,8 +138,45 @@ FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
     const auto fits = [](int most, int level) {
         return most <= (level == 0 ? CubicTaps::lastThorough : CubicTaps::widthCount);
     };
-    plan.isCubic = isInFront && fits(mostX, levelX) && fits(mostY, levelY);
+    plan.isCubic = fits(mostX, levelX) && fits(mostY, levelY);
     plan.most = plan.isCubic ? std::min(plan.most, CubicTaps::widthCount - 1) : plan.most + 1;
+}
+
+FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
+    const auto ellipseAt = [&](double x, double y) {
+        const double depth = m_toSource.depth({x, y});
+        return depth > 0 ? ellipse(m_toSource, m_toSource.map({x, y}), depth) : Ellipse{1e12, 0, 1e12};
+    };
+    if (const std::optional<Plan> sheared = shearedPlan(block))
+        return *sheared;
+    Plan plan;
+    Corners corners;
+    for (int i = 0; i < 4; ++i)
+        corners[std::size_t(i)] = ellipseAt(block.x + i % 2 * block.width, block.y + i / 2 * block.height);
+    // What readings along a line answer for, the widths along the axes need not: as much as everywhere in the
+    // block.
+    Ellipse aslant{1, 0, 1};
+    double correlation = 1 - 1.0 / 256;
+    for (const Ellipse& corner : corners) {
+        const Ellipse wide = widened(corner);
+        const double here = wide.xy / std::sqrt(wide.xx * wide.yy);
+        const bool isSameWay = corners[0].xy * wide.xy > 0;
+        if (std::abs(here) < correlation || !isSameWay) {
+            correlation = isSameWay ? std::abs(here) : 0;
+            aslant = wide;
+        }
+    }
+    const double slant = correlation / (1 - correlation);
+    constexpr double leastSlant = 0.1;
+    if (slant > leastSlant) {
+        plan.share = float(1 - correlation);
+        plan.line.count = int(std::min<double>(
+            std::ceil(std::sqrt(1 + 12 * variance * slant / (widestGap * widestGap))), mostReadings));
+    }
+
+    chooseLevel(corners, plan);
+    const double scaleX = double(plan.level.width) / m_pyramid.picture().width;
+    const double scaleY = double(plan.level.height) / m_pyramid.picture().height;
 
     if (plan.line.count > 1) {
         const int gaps = plan.line.count * plan.line.count - 1;
@@ -146,8 +190,6 @@ FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
     }
     const int longStep = std::max(plan.line.stepX, std::abs(plan.line.stepY));
     plan.reach = plan.line.count * longStep / 2 >> FootprintTaps::phaseBits;
-    if (plan.isCubic && plan.line.count == 1)
-        plan.sheared = ShearedBlock::make(plan.level, plan.toLevel, block, plan.most);
     if (plan.isCubic) {
         plan.line.stepX *= CubicTaps::phases / FootprintTaps::phases;
         plan.line.stepY *= CubicTaps::phases / FootprintTaps::phases;

@@ -6,6 +6,7 @@
 #include "editor/render/raster/PicturePyramid.h"
 #include "editor/render/raster/ShearedBlock.h"
 
+#include <array>
 #include <optional>
 
 namespace framora::raster {
@@ -59,6 +60,15 @@ private:
         std::optional<ShearedBlock> sheared; ///< What reads them where rows lie along the level's.
     };
     Plan plan(const TileRect& block) const;
+    /// The footprints of a block's corners.
+    using Corners = std::array<Ellipse, 4>;
+    /// The same along the line that each corner's row lies on, and across it. Nothing where rows lie too far
+    /// aslant, or columns then do, or what is not in front of the eye.
+    std::optional<Corners> shearedCorners(const TileRect& block) const;
+    /// The plan for a ShearedBlock where one does.
+    std::optional<Plan> shearedPlan(const TileRect& block) const;
+    /// Which reduction fits these footprints, as far as widths answer for them, and with which widths.
+    void chooseLevel(const Corners& corners, Plan& plan) const;
     /// The footprints [from, end) of row y of a block, which lies at `map` in the level.
     static void project(const Plan& plan, const Homography& map, const TileRect& block, int y, int from,
                         int end, FootprintPlaces& out);

@@ -1,6 +1,5 @@
 #include "editor/render/raster/ShearedBlock.h"
 
-#include "editor/render/raster/FootprintSampler.h"
 #include "editor/render/raster/SourceBox.h"
 
 #include <algorithm>
@@ -10,10 +9,6 @@
 
 namespace framora::raster {
 namespace {
-
-// Columns that a row gets down while it gets along one. Steeper, the finest detail that lies aslant would be
-// read less well than with four by four pixels.
-constexpr double steepest = 0.25;
 
 /// The library's rounding is a call. The values fit an int.
 std::int32_t toNearest(double value) {
@@ -28,19 +23,24 @@ void widenColumnBox(PixelView picture, int firstColumn, int firstRow, const Colu
     const int from = std::clamp(firstColumn + left, 0, picture.width - 1);
     const int count = std::clamp(picture.width - from, 1, box.columns - left);
     const auto column = [&](int index) { return pixels + std::ptrdiff_t(index) * box.rows; };
-    for (int y = 0; y < box.rows;) {
-        // The last four end with the box.
-        y = std::min(y, box.rows - 4);
-        const std::uint32_t* rows[4];
-        for (int i = 0; i < 4; ++i)
-            rows[i] = picture.row(std::clamp(firstRow + y + i, 0, picture.height - 1)) + from;
-        widenColumns(rows, std::size_t(count), column(left) + y, box.rows);
-        y += 4;
-    }
+    const std::uint32_t* rows[ColumnBox::mostRows];
+    for (int y = 0; y < box.rows; ++y)
+        rows[y] = picture.row(std::clamp(firstRow + y, 0, picture.height - 1)) + from;
+    widenColumns(rows, std::size_t(box.rows), std::size_t(count), column(left));
     for (int x = 0; x < left; ++x)
         std::copy_n(column(left), box.rows, column(x));
     for (int x = left + count; x < box.columns; ++x)
         std::copy_n(column(left + count - 1), box.rows, column(x));
+}
+
+/// Has the columns [first, end) of a row fetched, as far as the picture reaches.
+void fetch(PixelView picture, int row, int first, int end) {
+    constexpr int line = 64 / int(sizeof(std::uint32_t));
+    if (row < 0 || row >= picture.height)
+        return;
+    const std::uint32_t* pixels = picture.row(row);
+    for (int x = std::max(first, 0); x < std::min(end, picture.width); x += line)
+        __builtin_prefetch(pixels + x);
 }
 
 } // namespace
@@ -75,7 +75,7 @@ std::optional<ShearedBlock> ShearedBlock::make(PixelView picture, const Homograp
     return made;
 }
 
-ShearedRow ShearedBlock::row(int y) const {
+void ShearedBlock::describe(int y, ShearedRow& row) const {
     const int down = y - m_block.y;
     const int width = m_block.width;
     const auto start = [&](int index) { return m_toBox(index, 2) + m_toBox(index, 1) * down; };
@@ -92,7 +92,6 @@ ShearedRow ShearedBlock::row(int y) const {
     // Column 0 is the second one of the place before it; halves of a phase round up.
     const double line = std::clamp(lineY - slope * (x + 1), -512.0, 512.0);
     constexpr double phase = double(CubicTaps::phases) * (1 << ShearedRow::lineBits);
-    ShearedRow row;
     row.x = float(x);
     row.stepX = float(stepX);
     row.stepW = float(stepW);
@@ -102,24 +101,32 @@ ShearedRow ShearedBlock::row(int y) const {
     row.lineStep = toNearest(slope * phase);
     row.square = row.squareStep = 0;
     if (m_most > 0) {
+        const double downX = m_toBox(0, 1) * near;
+        const double downY = m_toBox(1, 1) * near;
+        const double downW = m_toBox(2, 1) * near;
+        // What a pixel extends over beside the line.
         const auto square = [&](int right) {
-            const Vec2 end{double(right), double(down)};
-            return FootprintSampler::ellipse(m_toBox, m_toBox.map(end), m_toBox.depth(end)).yy;
+            const double depth = 1 + stepW * right;
+            const double column = (x + stepX * right) / depth;
+            const double at = lineY + slope * (column - x);
+            const double extent = (downY - at * downW - slope * (downX - column * downW)) / depth;
+            return extent * extent;
         };
         const double left = square(0);
         const double squareStep = (square(width) - left) * (1 + stepW * width) / wide;
         row.square = float(left - squareStep * (x + 1));
         row.squareStep = float(squareStep);
     }
-    return row;
 }
 
 void ShearedBlock::read(int y, int skipped, int count, Float4* out) const {
     ColumnBox box{nullptr, m_box.width, m_box.height};
     if (m_isTurned)
         std::swap(box.columns, box.rows);
-    const plain::ShearedPlaces places =
-        plain::placeSheared(box, row(y), {std::size_t(skipped), std::size_t(skipped + count), 0, 0, m_most});
+    ShearedRow described;
+    describe(y, described);
+    const plain::ShearedPlaces places = plain::placeSheared(
+        box, described, {std::size_t(skipped), std::size_t(skipped + count), 0, 0, m_most});
     const auto pixel = [&](int column, int row) {
         if (m_isTurned)
             std::swap(column, row);
@@ -142,6 +149,23 @@ void ShearedBlock::read(int y, int skipped, int count, Float4* out) const {
     }
 }
 
+void ShearedBlock::fetchNext(const TileRect& part, const TileRect& read) const {
+    const Vec2 here = m_toPicture.map({double(part.x), double(part.y)});
+    const Vec2 next = m_toPicture.map({double(part.x + part.width), double(part.y)});
+    const int right = int(next.x - here.x);
+    const int down = int(next.y - here.y);
+    const int end = read.x + read.width;
+    for (int y = read.y + down; y < read.y + down + read.height; ++y) {
+        const bool isNew = y < read.y || y >= read.y + read.height;
+        if (isNew)
+            fetch(m_picture, y, read.x + right, end + right);
+        else if (right > 0)
+            fetch(m_picture, y, end, end + right);
+        else
+            fetch(m_picture, y, read.x + right, read.x);
+    }
+}
+
 void ShearedBlock::mix(const TileRect& part, MixPixel* out, int stride) const {
     const TileRect read = neighbours(m_picture, m_toPicture, part, 0);
     ColumnBox box{nullptr, read.width, read.height};
@@ -161,11 +185,12 @@ void ShearedBlock::mix(const TileRect& part, MixPixel* out, int stride) const {
     else
         widenColumnBox(m_picture, read.x, read.y, box, pixels.data());
     box.pixels = pixels.data();
+    fetchNext(part, read);
     for (int y = 0; y < part.height;) {
         ShearedRow rows[mostShearedRows];
         const int count = std::min(int(mostShearedRows), part.height - y);
         for (int i = 0; i < count; ++i)
-            rows[i] = row(part.y + y + i);
+            describe(part.y + y + i, rows[i]);
         interpolateSheared(box, rows, std::size_t(count), sheared, out + std::ptrdiff_t(y) * stride, stride);
         y += count;
     }

@@ -15,6 +15,10 @@ namespace framora::raster {
 /// the line.
 class ShearedBlock {
 public:
+    /// Columns that a row gets down while it gets along one, at most. Steeper, the finest detail that lies
+    /// aslant the other way would be read less well than with four by four pixels.
+    static constexpr double steepest = 0.25;
+
     /// `toPicture` maps output pixels to the picture's; they span a root of two of them at most, and all lie
     /// in front. `most` is the largest index of a width (CubicTaps). Nothing where rows lie too far aslant.
     static std::optional<ShearedBlock> make(PixelView picture, const Homography& toPicture,
@@ -28,8 +32,10 @@ public:
 
 private:
     ShearedBlock(PixelView picture, const Homography& toPicture, const TileRect& block, int most);
-    /// Row y of the output.
-    ShearedRow row(int y) const;
+    /// Has fetched what the block to the right of a part will read, beside what the part itself does, `read`.
+    void fetchNext(const TileRect& part, const TileRect& read) const;
+    /// Row y of the output. Filled in place: a copy would wait for what has only just been written.
+    void describe(int y, ShearedRow& row) const;
     /// How far from its left end to its right end row y gets along the picture's rows and columns.
     Vec2 reach(int y) const;
 

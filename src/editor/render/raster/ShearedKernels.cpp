@@ -20,9 +20,9 @@ void interpolateShearedRows(const ColumnBox& box, const ShearedRow* rows, std::s
                             const ShearedPart& part, MixPixel* out, std::ptrdiff_t stride) {
     plain::interpolateSheared(box, rows, rowCount, part, out, stride);
 }
-void widenFourRows(const std::uint32_t* const* rows, std::size_t count, MixPixel* out,
-                   std::ptrdiff_t stride) {
-    plain::widenColumns(rows, count, out, stride);
+void widenAllColumns(const std::uint32_t* const* rows, std::size_t rowCount, std::size_t columnCount,
+                     MixPixel* out) {
+    plain::widenColumns(rows, rowCount, columnCount, out);
 }
 
 #else
@@ -66,30 +66,43 @@ struct Places {
 HWY_INLINE void placePixels(const ColumnBox& box, const ShearedRow& row, const ShearedPart& part,
                             Places& out) {
     constexpr int bits = CubicTaps::phaseBits;
+    constexpr auto phases = float(CubicTaps::phases);
     const auto all = [](float value) HWY_ATTR { return hn::Set(floats, value); };
-    const Vector x = all(row.x);
-    const Vector stepX = all(row.stepX);
+    // Places in phases: what is doubled is as exact as before.
+    const Vector x = all(row.x * phases);
+    const Vector stepX = all(row.stepX * phases);
     const Vector stepW = all(row.stepW);
-    const auto start = hn::Set(words, part.column * CubicTaps::phases);
-    const auto last = hn::Set(words, (box.columns - 3) * CubicTaps::phases - 1);
+    const int start = part.column * CubicTaps::phases;
+    const Vector lowest = all(float(start));
+    const Vector highest = all(float(start + (box.columns - 3) * CubicTaps::phases - 1));
+    // What is added to this one loses its fraction, to the nearest, and is an integer in the lower bits.
+    constexpr float roundingOne = 3 << 22;
+    constexpr std::int32_t roundingBits = 0x4b400000;
     const auto fraction = hn::Set(words, CubicTaps::phases - 1);
+    const bool isNearlyEven = row.isNearlyEven();
     const std::size_t step = hn::Lanes(floats);
     const std::size_t first = part.first - part.first % step;
     Vector index = hn::Iota(floats, float(first));
     for (std::size_t i = first; i < part.end; i += step, index = hn::Add(index, all(float(step)))) {
-        const Vector near = hn::Div(all(1), hn::Add(all(1), hn::Mul(index, stepW)));
+        const Vector farther = hn::Mul(index, stepW);
+        Vector near = hn::Sub(all(1), farther);
+        if (isNearlyEven)
+            for (int power = 0; power < 3; ++power)
+                near = hn::Sub(all(1), hn::Mul(farther, near));
+        else
+            near = hn::Div(all(1), hn::Add(all(1), farther));
         const Vector at = hn::Mul(hn::Add(x, hn::Mul(index, stepX)), near);
-        const Vector inside = hn::Min(hn::Max(at, all(-farthestPlace)), all(farthestPlace));
-        const auto place =
-            hn::Min(hn::Max(hn::Sub(hn::NearestInt(hn::Mul(inside, all(float(CubicTaps::phases)))), start),
-                            hn::Zero(words)),
-                    last);
+        const Vector inside = hn::Min(hn::Max(at, lowest), highest);
+        const auto place = hn::Sub(hn::BitCast(words, hn::Add(inside, all(roundingOne))),
+                                   hn::Set(words, roundingBits + start));
         auto entry = hn::And(place, fraction);
         if (part.most > 0) {
-            const auto slope = [&](Vector grow, Vector depth)
-                                   HWY_ATTR { return hn::Mul(hn::Sub(grow, hn::Mul(at, depth)), near); };
-            const Vector across = slope(stepX, stepW);
-            const Vector down = slope(all(row.downX), all(row.downW));
+            const Vector atX = hn::Mul(at, all(1 / phases));
+            const auto slope = [&](float grow, float depth) HWY_ATTR {
+                return hn::Mul(hn::Sub(all(grow), hn::Mul(atX, all(depth))), near);
+            };
+            const Vector across = slope(row.stepX, row.stepW);
+            const Vector down = slope(row.downX, row.downW);
             const auto width =
                 widthIndex(hn::Add(hn::Mul(across, across), hn::Mul(down, down)), hn::Set(words, part.most));
             entry = hn::Or(hn::ShiftLeft<bits>(width), entry);
@@ -223,39 +236,42 @@ void interpolateShearedRows(const ColumnBox& box, const ShearedRow* rows, std::s
     }
 }
 
-void widenFourRows(const std::uint32_t* const* rows, std::size_t count, MixPixel* out,
-                   std::ptrdiff_t stride) {
-    if (count < 4) {
-        plain::widenColumns(rows, count, out, stride);
+void widenAllColumns(const std::uint32_t* const* rows, std::size_t rowCount, std::size_t columnCount,
+                     MixPixel* out) {
+    if (columnCount < 4) {
+        plain::widenColumns(rows, rowCount, columnCount, out);
         return;
     }
     const hn::CappedTag<std::uint32_t, 4> four;
     const hn::Repartition<std::uint64_t, decltype(four)> two;
     const hn::Repartition<std::uint8_t, decltype(four)> narrow;
-    const auto widenFour = [&](std::size_t x) HWY_ATTR {
-        const auto a = hn::LoadU(four, rows[0] + x);
-        const auto b = hn::LoadU(four, rows[1] + x);
-        const auto c = hn::LoadU(four, rows[2] + x);
-        const auto d = hn::LoadU(four, rows[3] + x);
+    const auto widenFour = [&](std::size_t x, std::size_t y) HWY_ATTR {
+        const auto a = hn::LoadU(four, rows[y] + x);
+        const auto b = hn::LoadU(four, rows[y + 1] + x);
+        const auto c = hn::LoadU(four, rows[y + 2] + x);
+        const auto d = hn::LoadU(four, rows[y + 3] + x);
         const auto abLow = hn::BitCast(two, hn::InterleaveLower(four, a, b));
         const auto abHigh = hn::BitCast(two, hn::InterleaveUpper(four, a, b));
         const auto cdLow = hn::BitCast(two, hn::InterleaveLower(four, c, d));
         const auto cdHigh = hn::BitCast(two, hn::InterleaveUpper(four, c, d));
-        const auto store = [&](auto column, std::ptrdiff_t index) HWY_ATTR {
+        const auto store = [&](auto column, std::size_t index) HWY_ATTR {
             hn::StoreU(hn::ShiftLeft<sourceShift>(hn::PromoteTo(lanes, hn::BitCast(narrow, column))), lanes,
-                       reinterpret_cast<std::int16_t*>(out + (std::ptrdiff_t(x) + index) * stride));
+                       reinterpret_cast<std::int16_t*>(out + (x + index) * rowCount + y));
         };
         store(hn::InterleaveLower(two, abLow, cdLow), 0);
         store(hn::InterleaveUpper(two, abLow, cdLow), 1);
         store(hn::InterleaveLower(two, abHigh, cdHigh), 2);
         store(hn::InterleaveUpper(two, abHigh, cdHigh), 3);
     };
-    std::size_t x = 0;
-    for (; x + 4 <= count; x += 4)
-        widenFour(x);
-    // The last four again, from where they end with the rows.
-    if (x < count)
-        widenFour(count - 4);
+    // Down a strip as wide as a line of the cache, so that every line is written at once. What ends with the
+    // rows or the columns does some of them again.
+    constexpr std::size_t strip = 16;
+    for (std::size_t left = 0; left < columnCount; left += strip)
+        for (std::size_t y = 0; y < rowCount; y += 4) {
+            const std::size_t top = std::min(y, rowCount - 4);
+            for (std::size_t x = left; x < std::min(left + strip, columnCount); x += 4)
+                widenFour(std::min(x, columnCount - 4), top);
+        }
 }
 
 #endif
@@ -267,15 +283,16 @@ HWY_AFTER_NAMESPACE();
 namespace framora::raster {
 
 HWY_EXPORT(interpolateShearedRows);
-HWY_EXPORT(widenFourRows);
+HWY_EXPORT(widenAllColumns);
 
 void interpolateSheared(const ColumnBox& box, const ShearedRow* rows, std::size_t rowCount,
                         const ShearedPart& part, MixPixel* out, std::ptrdiff_t stride) {
     HWY_DYNAMIC_DISPATCH(interpolateShearedRows)(box, rows, rowCount, part, out, stride);
 }
 
-void widenColumns(const std::uint32_t* const* rows, std::size_t count, MixPixel* out, std::ptrdiff_t stride) {
-    HWY_DYNAMIC_DISPATCH(widenFourRows)(rows, count, out, stride);
+void widenColumns(const std::uint32_t* const* rows, std::size_t rowCount, std::size_t columnCount,
+                  MixPixel* out) {
+    HWY_DYNAMIC_DISPATCH(widenAllColumns)(rows, rowCount, columnCount, out);
 }
 
 } // namespace framora::raster

@@ -21,6 +21,7 @@ struct ColumnBox {
     int rows = 0;    ///< Pixels of a column; there are no gaps between columns.
 
     static constexpr int mostColumns = 256;
+    static constexpr int mostRows = 256;
     static constexpr int mostPixels = 1 << 16;
     /// Readable columns that the kernels want behind the last one.
     static constexpr int slack = 3;
@@ -44,6 +45,8 @@ struct ShearedRow {
     float squareStep;
 
     static constexpr int lineBits = 11;
+    /// Whether depths differ by so little that a few products give their reciprocals, to a millionth.
+    bool isNearlyEven() const { return stepW < 1.0f / 1024 && stepW > -1.0f / 1024; }
 };
 
 /// Which of a row's pixels are read where in a picture.
@@ -63,7 +66,8 @@ inline constexpr std::size_t mostShearedRows = 8;
 
 /// Four rows of a picture as columns of four: pixel x of row y goes to out[x stride + y], as widenRow() has
 /// it.
-void widenColumns(const std::uint32_t* const* rows, std::size_t count, MixPixel* out, std::ptrdiff_t stride);
+void widenColumns(const std::uint32_t* const* rows, std::size_t rowCount, std::size_t columnCount,
+                  MixPixel* out);
 
 namespace plain {
 
@@ -80,7 +84,8 @@ ShearedPlaces placeSheared(const ColumnBox& box, const ShearedRow& row, const Sh
 
 void interpolateSheared(const ColumnBox& box, const ShearedRow* rows, std::size_t rowCount,
                         const ShearedPart& part, MixPixel* out, std::ptrdiff_t stride);
-void widenColumns(const std::uint32_t* const* rows, std::size_t count, MixPixel* out, std::ptrdiff_t stride);
+void widenColumns(const std::uint32_t* const* rows, std::size_t rowCount, std::size_t columnCount,
+                  MixPixel* out);
 
 } // namespace plain
 

@@ -29,7 +29,10 @@ ShearedPlaces placeSheared(const ColumnBox& box, const ShearedRow& row, const Sh
     ShearedPlaces out;
     for (std::size_t i = part.first; i < part.end; ++i) {
         const auto index = float(i);
-        const float near = 1.0f / (1.0f + index * row.stepW);
+        const float farther = index * row.stepW;
+        const float near = row.isNearlyEven()
+                               ? 1.0f - farther * (1.0f - farther * (1.0f - farther * (1.0f - farther)))
+                               : 1.0f / (1.0f + farther);
         const float at = (row.x + index * row.stepX) * near;
         const float inside = std::min(std::max(at, -farthestPlace), farthestPlace);
         const int place = std::clamp(std::int32_t(std::lrint(inside * float(CubicTaps::phases))) -
@@ -71,11 +74,12 @@ void interpolateSheared(const ColumnBox& box, const ShearedRow* rows, std::size_
     }
 }
 
-void widenColumns(const std::uint32_t* const* rows, std::size_t count, MixPixel* out, std::ptrdiff_t stride) {
-    for (std::size_t x = 0; x < count; ++x, out += stride)
-        for (int y = 0; y < 4; ++y)
+void widenColumns(const std::uint32_t* const* rows, std::size_t rowCount, std::size_t columnCount,
+                  MixPixel* out) {
+    for (std::size_t x = 0; x < columnCount; ++x)
+        for (std::size_t y = 0; y < rowCount; ++y, ++out)
             for (int c = 0; c < 4; ++c)
-                out[y].channel[c] = std::int16_t((rows[y][x] >> (8 * c) & 255) << sourceShift);
+                out->channel[c] = std::int16_t((rows[y][x] >> (8 * c) & 255) << sourceShift);
 }
 
 } // namespace framora::raster::plain
