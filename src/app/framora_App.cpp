@@ -20,7 +20,6 @@
 #include "platform/desktop/JsonFileDefaults.h"
 #include "platform/desktop/LazySoundOutput.h"
 #include "platform/desktop/ModuleLoader.h"
-#include "platform/desktop/PortalSharing.h"
 #include "platform/desktop/ProcessCaptureTool.h"
 #include "platform/desktop/QtFilePanels.h"
 #include "platform/desktop/QtMainQueue.h"
@@ -60,7 +59,6 @@ struct framora_App::Desktop {
     JsonFileDefaults defaults{JsonFileDefaults::defaultPath()};
     FileResourceBundle resources;
     QtFilePanels filePanels;
-    PortalSharing sharing;
     DesktopAppearance appearance{notifications};
     LazySoundOutput soundOutput;
     std::unique_ptr<WindowSystem> windows;
@@ -124,11 +122,11 @@ struct framora_App::Desktop {
         if (!editor) {
             const auto make = reinterpret_cast<MakeEditor*>(windowsFunction(makeEditorName));
             if (make)
-                editor.reset(make({mainQueue, clock, filePanels, resources, notifications,
-                                   windows->pasteboard(), windows->application(), appearance,
-                                   [this] { return std::make_unique<ToastManager>(toastServices()); },
-                                   backgroundQueue, desktopPictures, &sharing,
-                                   &windows->colorPicker(), &defaults}));
+                editor.reset(
+                    make({mainQueue, clock, filePanels, resources, notifications, windows->pasteboard(),
+                          windows->application(), appearance,
+                          [this] { return std::make_unique<ToastManager>(toastServices()); }, backgroundQueue,
+                          desktopPictures, &windows->sharing(), &windows->colorPicker(), &defaults}));
         }
         return editor.get();
     }

@@ -27,9 +27,9 @@ public:
     virtual ~Sharing() = default;
     virtual void queryAbilities(std::function<void(Abilities)> answer) = 0;
     /// Lets the user choose a program for the file, in front of `parent`, which may be null.
-    virtual void openWith(const QString& path, const QWindow* parent, Finished finished) = 0;
+    virtual void openWith(const QString& path, QWindow* parent, Finished finished) = 0;
     /// Opens a mail composer with the file attached.
-    virtual void composeMail(const QString& path, const QString& subject, const QWindow* parent,
+    virtual void composeMail(const QString& path, const QString& subject, QWindow* parent,
                              Finished finished) = 0;
 };
 

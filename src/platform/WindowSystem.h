@@ -21,6 +21,7 @@ class Permissions;
 class PrivacyPanes;
 class ScreenColorPicker;
 class Screens;
+class Sharing;
 class ToastPanels;
 
 /// The parts of the program that depend on what shows its windows, all of one kind: X11's or Wayland's. One
@@ -50,6 +51,7 @@ public:
     virtual Application& application() = 0;
     virtual ToastPanels& toastPanels() = 0;
     virtual ScreenColorPicker& colorPicker() = 0;
+    virtual Sharing& sharing() = 0;
 };
 
 } // namespace framora

@@ -17,10 +17,10 @@ public:
     void queryAbilities(std::function<void(Abilities)> answer) override {
         m_queue.async([this, answer = std::move(answer)] { answer(abilities); });
     }
-    void openWith(const QString& path, const QWindow* parent, Finished finished) override {
+    void openWith(const QString& path, QWindow* parent, Finished finished) override {
         record(QStringLiteral("open"), path, parent, std::move(finished));
     }
-    void composeMail(const QString& path, const QString& subject, const QWindow* parent,
+    void composeMail(const QString& path, const QString& subject, QWindow* parent,
                      Finished finished) override {
         record(QStringLiteral("mail ") + subject, path, parent, std::move(finished));
     }
@@ -30,10 +30,10 @@ public:
     QStringList calls;
     QStringList paths;
     QList<QImage> pictures; ///< As they lay there at the call.
-    const QWindow* parentWindow = nullptr;
+    QWindow* parentWindow = nullptr;
 
 private:
-    void record(const QString& call, const QString& path, const QWindow* parent, Finished finished) {
+    void record(const QString& call, const QString& path, QWindow* parent, Finished finished) {
         calls.append(call);
         paths.append(path);
         pictures.append(QImage(path));

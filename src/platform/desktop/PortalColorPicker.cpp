@@ -38,7 +38,7 @@ std::optional<QColor> colorIn(const QVariantMap& results) {
 
 } // namespace
 
-PortalColorPicker::PortalColorPicker(NameWindow nameWindow, QDBusConnection bus)
+PortalColorPicker::PortalColorPicker(NamePortalWindow nameWindow, QDBusConnection bus)
     : m_nameWindow(std::move(nameWindow)), m_bus(std::move(bus)),
       m_watcher(service, m_bus, QDBusServiceWatcher::WatchForUnregistration) {
     connect(&m_watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
@@ -69,10 +69,10 @@ void PortalColorPicker::queryAvailable(std::function<void(bool)> answer) {
 void PortalColorPicker::pick(QWindow* parent, Picked picked) {
     if (m_request)
         m_request->end(PortalRequest::cancelled);
-    const WindowName name = m_nameWindow(parent);
+    const PortalWindowName name = m_nameWindow(parent);
     QDBusMessage call =
         QDBusMessage::createMethodCall(service, objectPath, interface, QStringLiteral("PickColor"));
-    call << (name ? *name : QString());
+    call << *name;
     m_request = new PortalRequest(
         m_bus, call, {},
         [picked = std::move(picked), name](uint response, const QVariantMap& results) {

@@ -1,13 +1,12 @@
 #pragma once
 
 #include "platform/ScreenColorPicker.h"
+#include "platform/desktop/PortalWindow.h"
 
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
 #include <QObject>
 #include <QPointer>
-#include <QString>
-#include <memory>
 
 namespace framora {
 
@@ -18,11 +17,8 @@ class PortalColorPicker final : public QObject, public ScreenColorPicker {
     Q_OBJECT
 
 public:
-    /// One of our windows as portals name it; the name is good as long as it is held.
-    using WindowName = std::shared_ptr<const QString>;
-    using NameWindow = std::function<WindowName(QWindow*)>;
-
-    explicit PortalColorPicker(NameWindow nameWindow, QDBusConnection bus = QDBusConnection::sessionBus());
+    explicit PortalColorPicker(NamePortalWindow nameWindow,
+                               QDBusConnection bus = QDBusConnection::sessionBus());
     ~PortalColorPicker() override;
 
     void queryAvailable(std::function<void(bool)> answer) override;
@@ -30,7 +26,7 @@ public:
     void cancel() override;
 
 private:
-    NameWindow m_nameWindow;
+    NamePortalWindow m_nameWindow;
     QDBusConnection m_bus;
     QDBusServiceWatcher m_watcher;
     QPointer<PortalRequest> m_request;

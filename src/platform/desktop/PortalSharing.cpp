@@ -8,9 +8,7 @@
 #include <QDBusServiceWatcher>
 #include <QDBusUnixFileDescriptor>
 #include <QFile>
-#include <QGuiApplication>
 #include <QTimer>
-#include <QWindow>
 #include <fcntl.h>
 #include <memory>
 
@@ -26,13 +24,6 @@ QDBusMessage portalCall(const QString& interface, const QString& method) {
     return QDBusMessage::createMethodCall(service, objectPath, interface, method);
 }
 
-/// The window as portals name it; empty where they have no name for it.
-QString handleOf(const QWindow* window) {
-    if (!window || QGuiApplication::platformName() != u"xcb")
-        return {};
-    return QStringLiteral("x11:%1").arg(window->winId(), 0, 16);
-}
-
 /// Invalid where the file cannot be read.
 QDBusUnixFileDescriptor openedForReading(const QString& path) {
     QDBusUnixFileDescriptor result;
@@ -44,7 +35,8 @@ QDBusUnixFileDescriptor openedForReading(const QString& path) {
 
 } // namespace
 
-PortalSharing::PortalSharing(QDBusConnection bus) : m_bus(std::move(bus)) {
+PortalSharing::PortalSharing(NamePortalWindow nameWindow, QDBusConnection bus)
+    : m_nameWindow(std::move(nameWindow)), m_bus(std::move(bus)) {
     qDBusRegisterMetaType<QList<QDBusUnixFileDescriptor>>();
 }
 
@@ -73,8 +65,11 @@ void PortalSharing::queryAbilities(std::function<void(Abilities)> answer) {
     }
 }
 
-void PortalSharing::hand(const QDBusMessage& call, const QVariantMap& options, Finished finished) {
-    const auto responded = [finished = std::move(finished)](uint response, const QVariantMap&) {
+void PortalSharing::hand(QDBusMessage call, QWindow* parent, const QVariantList& arguments,
+                         const QVariantMap& options, Finished finished) {
+    const PortalWindowName name = m_nameWindow(parent);
+    call.setArguments(QVariantList{*name} + arguments);
+    const auto responded = [finished = std::move(finished), name](uint response, const QVariantMap&) {
         finished(response == PortalRequest::done        ? Outcome::taken
                  : response == PortalRequest::cancelled ? Outcome::cancelled
                                                         : Outcome::failed);
@@ -90,27 +85,24 @@ void PortalSharing::fail(Finished finished) {
     QTimer::singleShot(0, &m_context, [finished = std::move(finished)] { finished(Outcome::failed); });
 }
 
-void PortalSharing::openWith(const QString& path, const QWindow* parent, Finished finished) {
+void PortalSharing::openWith(const QString& path, QWindow* parent, Finished finished) {
     const auto file = openedForReading(path);
     if (!file.isValid()) {
         fail(std::move(finished));
         return;
     }
-    QDBusMessage call = portalCall(openInterface, QStringLiteral("OpenFile"));
-    call << handleOf(parent) << QVariant::fromValue(file);
-    hand(call, {{QStringLiteral("ask"), true}}, std::move(finished));
+    hand(portalCall(openInterface, QStringLiteral("OpenFile")), parent, {QVariant::fromValue(file)},
+         {{QStringLiteral("ask"), true}}, std::move(finished));
 }
 
-void PortalSharing::composeMail(const QString& path, const QString& subject, const QWindow* parent,
+void PortalSharing::composeMail(const QString& path, const QString& subject, QWindow* parent,
                                 Finished finished) {
     const auto file = openedForReading(path);
     if (!file.isValid()) {
         fail(std::move(finished));
         return;
     }
-    QDBusMessage call = portalCall(mailInterface, QStringLiteral("ComposeEmail"));
-    call << handleOf(parent);
-    hand(call,
+    hand(portalCall(mailInterface, QStringLiteral("ComposeEmail")), parent, {},
          {{QStringLiteral("subject"), subject},
           {QStringLiteral("attachment_fds"), QVariant::fromValue(QList<QDBusUnixFileDescriptor>{file})}},
          std::move(finished));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Sharing.h"
+#include "platform/desktop/PortalWindow.h"
 
 #include <QDBusConnection>
 #include <QObject>
@@ -13,17 +14,20 @@ namespace framora {
 /// Shares through the desktop portal. Files cross over as open descriptors.
 class PortalSharing final : public Sharing {
 public:
-    explicit PortalSharing(QDBusConnection bus = QDBusConnection::sessionBus());
+    explicit PortalSharing(NamePortalWindow nameWindow, QDBusConnection bus = QDBusConnection::sessionBus());
 
     void queryAbilities(std::function<void(Abilities)> answer) override;
-    void openWith(const QString& path, const QWindow* parent, Finished finished) override;
-    void composeMail(const QString& path, const QString& subject, const QWindow* parent,
+    void openWith(const QString& path, QWindow* parent, Finished finished) override;
+    void composeMail(const QString& path, const QString& subject, QWindow* parent,
                      Finished finished) override;
 
 private:
-    void hand(const QDBusMessage& call, const QVariantMap& options, Finished finished);
+    /// `arguments` are those between the first, the parent window's name, and the last, the options.
+    void hand(QDBusMessage call, QWindow* parent, const QVariantList& arguments, const QVariantMap& options,
+              Finished finished);
     void fail(Finished finished);
 
+    NamePortalWindow m_nameWindow;
     QDBusConnection m_bus;
     QObject m_context; ///< Ends what is under way.
 };

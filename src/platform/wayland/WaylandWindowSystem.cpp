@@ -10,6 +10,15 @@
 
 namespace framora {
 
+namespace {
+
+PortalWindowName exportedName(QWindow* window) {
+    const auto exported = std::make_shared<WaylandWindowExport>(window);
+    return {exported, &exported->portalName()};
+}
+
+} // namespace
+
 WaylandWindowSystem::WaylandWindowSystem(std::unique_ptr<WaylandConnection> connection,
                                          const Services& services)
     : m_connection(std::move(connection)), m_keyboardLayout(*m_connection, services.notifications),
@@ -21,10 +30,7 @@ WaylandWindowSystem::WaylandWindowSystem(std::unique_ptr<WaylandConnection> conn
                          isCurrentDesktop("KDE") ? ShiftStyle::inTheSign : ShiftStyle::besideTheKey}),
       m_keyMonitors(services.gate, m_globalShortcuts), m_outputs(*m_connection),
       m_screens(*m_connection, m_outputs), m_pasteboard(makePasteboard(services)),
-      m_toastPanels(makeToastPanels(services)), m_colorPicker([](QWindow* window) {
-          const auto exported = std::make_shared<WaylandWindowExport>(window);
-          return PortalColorPicker::WindowName(exported, &exported->portalName());
-      }) {
+      m_toastPanels(makeToastPanels(services)), m_colorPicker(exportedName), m_sharing(exportedName) {
     m_connection->listen();
 }
 

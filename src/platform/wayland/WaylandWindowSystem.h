@@ -4,6 +4,7 @@
 #include "platform/desktop/BusShortcutsPortal.h"
 #include "platform/desktop/DesktopPrivacyPanes.h"
 #include "platform/desktop/PortalColorPicker.h"
+#include "platform/desktop/PortalSharing.h"
 #include "platform/desktop/PortalShortcuts.h"
 #include "platform/wayland/WaylandApplication.h"
 #include "platform/wayland/WaylandConnection.h"
@@ -36,6 +37,7 @@ public:
     Application& application() override { return m_application; }
     ToastPanels& toastPanels() override { return *m_toastPanels; }
     ScreenColorPicker& colorPicker() override { return m_colorPicker; }
+    Sharing& sharing() override { return m_sharing; }
 
 private:
     std::unique_ptr<Pasteboard> makePasteboard(const Services& services);
@@ -55,6 +57,7 @@ private:
     std::unique_ptr<Pasteboard> m_pasteboard;
     std::unique_ptr<ToastPanels> m_toastPanels;
     PortalColorPicker m_colorPicker;
+    PortalSharing m_sharing;
 };
 
 } // namespace framora

@@ -2,6 +2,7 @@
 
 #include "platform/WindowSystem.h"
 #include "platform/desktop/DesktopPrivacyPanes.h"
+#include "platform/desktop/PortalSharing.h"
 #include "platform/x11/X11Application.h"
 #include "platform/x11/X11ColorPicker.h"
 #include "platform/x11/X11Connection.h"
@@ -31,6 +32,7 @@ public:
     Application& application() override { return m_application; }
     ToastPanels& toastPanels() override { return m_toastPanels; }
     ScreenColorPicker& colorPicker() override { return m_colorPicker; }
+    Sharing& sharing() override { return m_sharing; }
 
 private:
     X11Connection m_connection;
@@ -45,6 +47,7 @@ private:
     X11Application m_application;
     X11ToastPanels m_toastPanels;
     X11ColorPicker m_colorPicker{m_connection, m_screens};
+    PortalSharing m_sharing{x11PortalWindowName};
 };
 
 } // namespace framora

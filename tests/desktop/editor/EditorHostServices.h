@@ -28,7 +28,7 @@ struct EditorHostServices {
     QtMainQueue queue{gate};
     SystemClock clock;
     QtFilePanels filePanels;
-    PortalSharing sharing;
+    PortalSharing sharing{x11PortalWindowName};
     FileResourceBundle resources;
     NotificationCenter notifications;
     X11Connection connection;

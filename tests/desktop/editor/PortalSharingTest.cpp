@@ -25,7 +25,8 @@ public:
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write("the picture");
         file.close();
-        sharing.emplace(QDBusConnection::connectToBus(desktop->busAddress(), QStringLiteral("sharing")));
+        sharing.emplace([this](QWindow*) { return parent; },
+                        QDBusConnection::connectToBus(desktop->busAddress(), QStringLiteral("sharing")));
     }
     ~PortalSharingOnABus() override {
         sharing.reset();
@@ -61,6 +62,7 @@ public:
     std::optional<VirtualDesktop> desktop;
     std::unique_ptr<PortalDouble> portal;
     std::optional<PortalSharing> sharing;
+    PortalWindowName parent = std::make_shared<const QString>(QStringLiteral("wayland:the editor"));
     QString path;
 };
 
@@ -87,7 +89,7 @@ TEST_F(PortalSharingOnABus, OffersTheFileWithAChoiceOfPrograms) {
     EXPECT_EQ(call.path, path);
     EXPECT_EQ(call.bytes, "the picture");
     EXPECT_EQ(call.options, (QVariantMap{{QStringLiteral("ask"), true}}));
-    EXPECT_EQ(call.parentWindow, QString());
+    EXPECT_EQ(call.parentWindow, *parent);
 }
 
 TEST_F(PortalSharingOnABus, AttachesTheFileToAMail) {
@@ -131,6 +133,7 @@ TEST_F(PortalSharingOnABus, WaitsForTheAnswerAsLongAsThePortalDoes) {
     sharing->openWith(path, nullptr, [&](Outcome was) { answer = was; });
     ASSERT_TRUE(VirtualDesktop::waitFor([&] { return !portal->calls.empty(); }));
     EXPECT_FALSE(VirtualDesktop::waitFor([&] { return answer.has_value(); }, 200));
+    EXPECT_GT(parent.use_count(), 1) << "the dialog stands on the window";
     portal.reset();
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return answer.has_value(); }));
     EXPECT_EQ(answer, Outcome::failed);

@@ -50,7 +50,7 @@ public:
     std::optional<VirtualDesktop> desktop;
     std::optional<ScreenshotPortalDouble> portal;
     std::optional<PortalColorPicker> picker;
-    PortalColorPicker::WindowName name = std::make_shared<const QString>(QStringLiteral("x11:1f"));
+    PortalWindowName name = std::make_shared<const QString>(QStringLiteral("x11:1f"));
     std::optional<QColor> picked;
     int answers = 0;
 };
