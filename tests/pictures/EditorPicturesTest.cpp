@@ -204,7 +204,10 @@ TEST_F(EditorPictures, OfTheBackgroundTab) {
         }
         hover("colorPanel.eyedropper", 700);
         save("background-color-panel-recent");
-        colorPicker.available = false;
+        editor.session()->setCanPickFromScreen(false);
+        leaveControls();
+        hover("colorPanel.eyedropper", 700);
+        save("background-color-panel-unavailable");
     });
 }
 

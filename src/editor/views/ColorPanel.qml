@@ -30,11 +30,16 @@ RoundedBox {
     Accessible.name: Strings.localized("color")
     Component.onCompleted: if (bridge.takesKeys) field.forceActiveFocus(Qt.TabFocusReason)
 
+    NumberAnimation on opacity { from: 0; to: 1; duration: Theme.shortMotion }
     SoftShadow { radius: panel.radius; strength: Theme.dark ? 2 : 1 }
     // Keeps clicks between the controls from reaching the canvas, and lets the panel be moved.
     MouseArea {
         anchors.fill: parent
         drag.target: panel.parent
+        drag.minimumX: 0
+        drag.maximumX: Math.max(0, panel.Window.width - panel.width)
+        drag.minimumY: 0
+        drag.maximumY: Math.max(0, panel.Window.height - panel.height)
         onWheel: wheel => wheel.accepted = true
     }
     Column {
@@ -162,6 +167,7 @@ RoundedBox {
                 objectName: "colorPanel.recent"
                 width: parent.width
                 bridge: panel.bridge
+                label: Strings.localized("recent.colors")
                 colors: panel.bridge.recentColors
             }
         }

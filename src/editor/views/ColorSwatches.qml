@@ -10,6 +10,7 @@ ChoiceGroup {
 
     required property ColorPanelBridge bridge
     required property var colors ///< "#rrggbb" each.
+    property string label: "" ///< In front of each one's name, for screen readers.
 
     implicitHeight: grid.implicitHeight
     count: colors.length
@@ -33,7 +34,7 @@ ChoiceGroup {
                 height: width
                 hoverEnabled: true
                 focusPolicy: choices.stop === index ? Qt.TabFocus : Qt.NoFocus
-                Accessible.name: modelData
+                Accessible.name: (choices.label + " " + modelData).trim()
                 checked: choices.current === index
                 Accessible.onToggleAction: swatch.clicked()
                 Accessible.onPressAction: swatch.clicked()

@@ -13,8 +13,9 @@ constexpr double pixelSide = 8;
 constexpr double margin = 8;
 constexpr double cornerRadius = 12;
 constexpr double gap = 18; ///< From the pointer; wide enough that the card is in none of its own pictures.
-constexpr QRectF glass{margin, margin, ColorLoupe::pixelsAcross* pixelSide,
-                       ColorLoupe::pixelsAcross* pixelSide};
+constexpr double glassSide = ColorLoupe::pixelsAcross * pixelSide;
+constexpr QRectF glass{margin, margin, glassSide, glassSide};
+constexpr QColor cardColor{29, 30, 33};
 
 void drawGlass(QPainter& painter, const QImage& pixels) {
     QPainterPath rounded;
@@ -33,10 +34,12 @@ void drawGlass(QPainter& painter, const QImage& pixels) {
         painter.drawLine(QPointF(glass.left(), at), QPointF(glass.right(), at));
     }
     painter.restore();
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(QPen(QColor(255, 255, 255, 40), 1));
+    painter.drawPath(rounded);
     // The pixel that counts, to be seen on every colour.
     const QRectF middle(glass.x() + ColorLoupe::reach * pixelSide, glass.y() + ColorLoupe::reach * pixelSide,
                         pixelSide, pixelSide);
-    painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(QColor(0, 0, 0, 150), 1));
     painter.drawRect(middle.adjusted(-2, -2, 2, 2));
     painter.setPen(QPen(Qt::white, 1.5));
@@ -111,7 +114,7 @@ QImage ColorLoupe::card(const QImage& pixels, double ratio) {
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setBrush(QColor(29, 30, 33));
+    painter.setBrush(cardColor);
     painter.setPen(QPen(QColor(96, 99, 107), 1));
     painter.drawRoundedRect(QRectF({0, 0}, cardSize).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius,
                             cornerRadius);
@@ -124,6 +127,10 @@ void ColorLoupe::paintEvent(QPaintEvent* event) {
     Q_UNUSED(event)
     QPainter painter(this);
     painter.setCompositionMode(QPainter::CompositionMode_Source);
+    // The cut follows whole points: what it leaves outside of the rounding is the card's, too.
+    painter.fillRect(QRect({0, 0}, cardSize), mask().isEmpty() ? QColor(Qt::transparent) : cardColor);
+    if (!mask().isEmpty())
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     painter.drawImage(QPointF(0, 0), card(m_pixels, devicePixelRatio()));
 }
 

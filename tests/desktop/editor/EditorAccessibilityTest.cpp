@@ -158,7 +158,14 @@ TEST_F(OnTheAccessibilityBus, AScreenReaderMovesSlidersAndOpensThePanel) {
     const AccessibleNode hue = node("Hue", "slider");
     EXPECT_EQ(tree.range(hue), std::pair(0.0, 360.0));
     node("Hex", "text");
+    node("Pick a color from the screen", "push button");
     press("#e5484d", "radio button");
+    ASSERT_TRUE(waitForField("borderColor", "#e5484d"));
+    press("Color", "push button"); // Closes the panel, and opens it again.
+    press("Color", "push button");
+    press("#1a1a1a", "radio button");
+    ASSERT_TRUE(waitForField("borderColor", "#1a1a1a"));
+    press("Recent #e5484d", "radio button");
     ASSERT_TRUE(waitForField("borderColor", "#e5484d"));
 }
 
