@@ -1,7 +1,11 @@
 #include "editor/render/TextLayers.h"
 
-#include "editor/render/RasterView.h"
+#include "editor/render/raster/AlphaPlane.h"
 #include "editor/render/raster/BlurTaps.h"
+#include "editor/render/raster/FixedPoint.h"
+#include "editor/render/raster/MixKernels.h"
+#include "editor/render/raster/ParallelFor.h"
+#include "editor/render/raster/ResampleKernels.h"
 
 #include <QColor>
 #include <QFont>
@@ -16,6 +20,7 @@
 namespace framora {
 namespace {
 
+using raster::AlphaPlane;
 using raster::MixBuffer;
 
 constexpr double blurRadius = 8;
@@ -47,31 +52,31 @@ Layout layout(const TextOverlay& overlay) {
     return result;
 }
 
-/// From the layout to the output's pixels: centred on its position, turned about it, and moved by `offset`
-/// points.
-QTransform toOutput(const TextOverlay& overlay, const Layout& layout, const TextLayers::Place& place,
-                    QPointF offset) {
+/// From the layout to the output's pixels: centred on its position and turned about it.
+QTransform toOutput(const TextOverlay& overlay, const Layout& layout, const TextLayers::Place& place) {
     const double scale = place.pixelsPerPoint;
     const double size = overlay.fontSize / layoutSize * scale;
     QTransform transform;
-    transform.translate(place.origin.x() + (overlay.position.x + offset.x()) * scale,
-                        place.origin.y() + (overlay.position.y + offset.y()) * scale);
+    transform.translate(place.origin.x() + overlay.position.x * scale,
+                        place.origin.y() + overlay.position.y * scale);
     transform.rotate(overlay.rotation);
     transform.scale(size, size);
     transform.translate(-layout.size.width() / 2, -layout.size.height() / 2);
     return transform;
 }
 
-/// The text where `transform` puts it in an area of the output.
-QImage drawn(const TextOverlay& overlay, const Layout& layout, const QColor& color,
-             const QTransform& transform, const QRect& area) {
+/// The text where `transform` puts it in an area of the output. Symbols may have colours of their own.
+QImage drawn(const TextOverlay& overlay, const Layout& layout, const QTransform& transform,
+             const QRect& area) {
     QImage image(area.size(), QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
     painter.setTransform(transform * QTransform::fromTranslate(-area.left(), -area.top()));
     painter.setFont(layout.font);
-    painter.setPen(color);
+    painter.setPen(QColor::fromRgbF(
+        float(std::clamp(overlay.color.red, 0.0, 1.0)), float(std::clamp(overlay.color.green, 0.0, 1.0)),
+        float(std::clamp(overlay.color.blue, 0.0, 1.0)), float(std::clamp(overlay.color.alpha, 0.0, 1.0))));
     painter.drawText(QRectF(QPointF(), layout.size), Qt::AlignLeft | Qt::AlignTop | Qt::TextDontClip,
                      overlay.text);
     return image;
@@ -94,14 +99,42 @@ QRect ink(const QImage& image) {
     return found;
 }
 
-/// `part` of a picture that lies at `origin` in the output.
-MixBuffer mixBuffer(const QImage& image, QPoint origin, const QRect& part) {
-    raster::PixelView view = rasterView(image);
-    view.data = reinterpret_cast<const std::byte*>(view.row(part.top()) + part.left());
-    view.width = part.width();
-    view.height = part.height();
-    return {view, origin.x() + part.left(), origin.y() + part.top()};
+const QRgb* pixelsOf(const QImage& image, const QRect& part, int y) {
+    return reinterpret_cast<const QRgb*>(image.constScanLine(part.top() + y)) + part.left();
 }
+
+/// One channel of a part of a picture.
+AlphaPlane plane(const QImage& image, const QRect& part, int channel) {
+    AlphaPlane result(part.width(), part.height());
+    for (int y = 0; y < part.height(); ++y) {
+        const QRgb* from = pixelsOf(image, part, y);
+        std::transform(from, from + part.width(), result.row(y), [channel](QRgb pixel) {
+            return std::int16_t(int(pixel >> (8 * channel) & 255u) * raster::mixStep);
+        });
+    }
+    return result;
+}
+
+/// The letters of a part of a picture, row by row.
+class Letters {
+public:
+    Letters(const QImage& image, const QRect& part, double blur) : m_image(image), m_part(part) {
+        for (int channel = 0; blur > 0 && channel < 4; ++channel)
+            m_blurred.push_back(plane(image, part, channel).blurred(blur));
+    }
+    void read(int y, raster::MixPixel* out) const {
+        if (m_blurred.empty())
+            return raster::widenRow(pixelsOf(m_image, m_part, y), std::size_t(m_part.width()), out);
+        for (std::size_t channel = 0; channel < m_blurred.size(); ++channel)
+            for (int x = 0; x < m_part.width(); ++x)
+                out[x].channel[channel] = m_blurred[channel].row(y)[x];
+    }
+
+private:
+    const QImage& m_image;
+    QRect m_part;
+    std::vector<AlphaPlane> m_blurred; ///< A plane for each channel, if any.
+};
 
 int reach(double deviation) {
     return deviation > 0 ? raster::gaussianRadius(deviation) : 0;
@@ -118,10 +151,11 @@ std::shared_ptr<const MixBuffer> textPixels(const TextOverlay& overlay, const Te
         return nullptr;
     const double blur = overlay.isBlurred ? blurRadius * place.pixelsPerPoint : 0;
     const double shadowBlur = std::hypot(blur, shadowRadius * place.pixelsPerPoint);
-    const int margin = reach(shadowBlur) + 2;
+    const QPointF offset = shadowOffset * place.pixelsPerPoint;
+    const int margin = reach(shadowBlur) + int(std::ceil(std::max(offset.x(), offset.y()))) + 2;
 
     const Layout lines = layout(overlay);
-    const QTransform transform = toOutput(overlay, lines, place, {});
+    const QTransform transform = toOutput(overlay, lines, place);
     // Letters may lean out of their lines.
     const QRectF box =
         QRectF(QPointF(), lines.size).adjusted(-layoutSize, -layoutSize, layoutSize, layoutSize);
@@ -131,26 +165,30 @@ std::shared_ptr<const MixBuffer> textPixels(const TextOverlay& overlay, const Te
     if (area.isEmpty())
         return nullptr;
 
-    const QColor color = QColor::fromRgbF(
-        float(std::clamp(overlay.color.red, 0.0, 1.0)), float(std::clamp(overlay.color.green, 0.0, 1.0)),
-        float(std::clamp(overlay.color.blue, 0.0, 1.0)), float(std::clamp(overlay.color.alpha, 0.0, 1.0)));
-    const QColor shadowColor = QColor::fromRgbF(0, 0, 0, color.alphaF());
-    const QImage letters = drawn(overlay, lines, color, transform, area);
-    const QImage below =
-        drawn(overlay, lines, shadowColor, toOutput(overlay, lines, place, shadowOffset), area);
+    const QImage image = drawn(overlay, lines, transform, area);
     // The letters take a part of their lines only, and what is empty need not be blurred nor mixed.
-    const QRect inked = ink(letters) | ink(below);
+    const QRect inked = ink(image);
     if (inked.isEmpty())
         return nullptr;
-    const QRect part = inked.adjusted(-margin, -margin, margin, margin).intersected(letters.rect());
-    MixBuffer text = mixBuffer(letters, area.topLeft(), part);
-    text.blur(blur);
-    text.fade(overlay.opacity);
+    const QRect part = inked.adjusted(-margin, -margin, margin, margin).intersected(image.rect());
     // The shadow of a blurred text: two Gaussians in a row are one.
-    auto pixels = std::make_shared<MixBuffer>(mixBuffer(below, area.topLeft(), part));
-    pixels->blur(shadowBlur);
-    pixels->fade(shadowOpacity * std::min(overlay.opacity, 1.0));
-    pixels->put(text);
+    const AlphaPlane shadow = plane(image, part, 3).blurred(shadowBlur, {offset.x(), offset.y()});
+    const Letters letters(image, part, blur);
+    const auto share = [](double value) { return std::int16_t(std::lround(value * raster::coverageOne)); };
+    const double opacity = std::min(overlay.opacity, 1.0);
+    auto pixels = std::make_shared<MixBuffer>(
+        raster::TileRect{area.left() + part.left(), area.top() + part.top(), part.width(), part.height()});
+    raster::parallelFor(part.height(), [&](int y) {
+        thread_local std::vector<raster::MixPixel> above;
+        above.resize(std::size_t(part.width()));
+        letters.read(y, above.data());
+        raster::MixPixel* out = pixels->row(y);
+        std::transform(shadow.row(y), shadow.row(y) + part.width(), out,
+                       [darkness = share(shadowOpacity * opacity)](std::int16_t alpha) {
+                           return raster::MixPixel{{0, 0, 0, raster::mulFixed(alpha, darkness)}};
+                       });
+        raster::blendOver(out, above.data(), share(opacity), above.size());
+    });
     return pixels;
 }
 

@@ -1,5 +1,6 @@
 #include "editor/render/raster/MixKernels.h"
 
+#include "editor/render/raster/SharedEdge.h"
 #include "unit/raster/EachTarget.h"
 
 #include <algorithm>
@@ -89,6 +90,28 @@ TEST(MixKernels, KeepColoursWithinAlpha) {
     for (const std::uint32_t pixel : pixels)
         for (int shift = 0; shift < 24; shift += 8)
             ASSERT_LE(pixel >> shift & 255, pixel >> 24);
+}
+
+TEST(MixKernels, OverlayByTheFormulaWithColoursWithinAlpha) {
+    std::mt19937 random(9);
+    constexpr std::size_t count = 5000;
+    const auto under = randomPixels(random, count);
+    const auto over = randomPixels(random, count);
+    auto mixed = under;
+    blendOverlay(mixed.data(), over.data(), std::int16_t(coverageOne), count);
+    const auto toFloats = [](const MixPixel& pixel) {
+        return Float4{float(pixel.channel[0]), float(pixel.channel[1]), float(pixel.channel[2]),
+                      float(pixel.channel[3])} *
+               splat(1.0f / mixOne);
+    };
+    for (std::size_t i = 0; i < count; ++i) {
+        const Float4 expected = overlaid(toFloats(under[i]), toFloats(over[i]));
+        for (int c = 0; c < 4; ++c) {
+            ASSERT_NEAR(mixed[i].channel[c], expected[c] * mixOne, 5) << i;
+            ASSERT_LE(mixed[i].channel[c], mixed[i].channel[3]) << i;
+            ASSERT_GE(mixed[i].channel[c], 0) << i;
+        }
+    }
 }
 
 TEST(MixKernels, PackWholeStepsAsTheyAre) {

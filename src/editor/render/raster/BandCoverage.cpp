@@ -27,28 +27,55 @@ void BandCoverage::begin(const TileRect& band, const std::vector<LayerShape>& sh
     for (std::size_t i = 0; i < shapes.size(); ++i)
         for (std::size_t part = 0; part < (shapes[i].hasHole ? 2 : 1); ++part) {
             const Coverage& coverage = part == 0 ? shapes[i].shape : shapes[i].hole;
-            std::vector<Coverage::Run>& runs = m_runs[i][part];
-            runs.resize(std::size_t(band.height));
-            for (int y = 0; y < band.height; ++y)
-                runs[std::size_t(y)] = coverage.extent(band.y + y, band.width);
+            BandRuns& runs = m_runs[i][part];
+            runs.rows.resize(std::size_t(band.height));
+            runs.first = runs.fullEnd = band.width;
+            runs.end = runs.fullFirst = 0;
+            for (int y = 0; y < band.height; ++y) {
+                const Coverage::Run run = runs.rows[std::size_t(y)] = coverage.extent(band.y + y, band.width);
+                if (!run.isEmpty()) {
+                    runs.first = std::min(runs.first, run.first);
+                    runs.end = std::max(runs.end, run.end);
+                }
+                runs.fullFirst = std::max(runs.fullFirst, run.fullFirst);
+                runs.fullEnd = std::min(runs.fullEnd, run.fullEnd);
+            }
         }
 }
 
 BandCoverage::Runs BandCoverage::runs(std::size_t layer, const TileRect& block, int y) const {
     const auto row = std::size_t(y - m_top);
-    return {cut(m_runs[layer][0][row], block),
-            (*m_shapes)[layer].hasHole ? cut(m_runs[layer][1][row], block) : Coverage::Run{}};
+    return {cut(m_runs[layer][0].rows[row], block),
+            (*m_shapes)[layer].hasHole ? cut(m_runs[layer][1].rows[row], block) : Coverage::Run{}};
+}
+
+BandCoverage::Columns BandCoverage::wholeColumns(std::size_t layer) const {
+    if ((*m_shapes)[layer].hasHole)
+        return {};
+    const BandRuns& shape = m_runs[layer][0];
+    return {shape.fullFirst, shape.fullEnd};
 }
 
 Share BandCoverage::share(std::size_t layer, const TileRect& tile) const {
+    // Most tiles are told from the band alone.
+    const BandRuns& shape = m_runs[layer][0];
+    const BandRuns* opening = (*m_shapes)[layer].hasHole ? &m_runs[layer][1] : nullptr;
+    const auto isWithin = [&](int first, int end) { return tile.x >= first && tile.x + tile.width <= end; };
+    const auto isOutside = [&](int first, int end) { return tile.x >= end || tile.x + tile.width <= first; };
+    if (isOutside(shape.first, shape.end) || (opening && isWithin(opening->fullFirst, opening->fullEnd)))
+        return {};
+    if (opening && isOutside(opening->first, opening->end))
+        opening = nullptr;
+    if (!opening && isWithin(shape.fullFirst, shape.fullEnd))
+        return {Share::whole, tile};
+
     int left = tile.x + tile.width;
     int right = tile.x;
     int top = tile.y + tile.height;
     int bottom = tile.y;
     bool isWhole = true;
-    const Coverage::Run* shapeRuns = m_runs[layer][0].data() + (tile.y - m_top);
-    const Coverage::Run* holeRuns =
-        (*m_shapes)[layer].hasHole ? m_runs[layer][1].data() + (tile.y - m_top) : nullptr;
+    const Coverage::Run* shapeRuns = shape.rows.data() + (tile.y - m_top);
+    const Coverage::Run* holeRuns = opening ? opening->rows.data() + (tile.y - m_top) : nullptr;
     for (int y = tile.y; y < tile.y + tile.height; ++y) {
         const Coverage::Run run = cut(shapeRuns[y - tile.y], tile);
         const Coverage::Run hole = holeRuns ? cut(holeRuns[y - tile.y], tile) : Coverage::Run{};

@@ -34,17 +34,31 @@ public:
     /// `shapes` are the layers'; they must live until the next band.
     void begin(const TileRect& band, const std::vector<LayerShape>& shapes);
     Share share(std::size_t layer, const TileRect& tile) const;
+    /// The columns [first, end) that a layer covers whole in all rows of the band.
+    struct Columns {
+        int first = 0;
+        int end = 0;
+    };
+    Columns wholeColumns(std::size_t layer) const;
     /// In row y of a block.
     Runs runs(std::size_t layer, const TileRect& block, int y) const;
     /// The coverage of a block's pixels, times the layer's opacity.
     void cover(std::size_t layer, float opacity, const TileRect& block, MixPixel* out);
 
 private:
+    /// The runs of a shape in the band's rows, and what they have in common.
+    struct BandRuns {
+        std::vector<Coverage::Run> rows;
+        int first = 0; ///< What any of them touches lies in [first, end).
+        int end = 0;
+        int fullFirst = 0; ///< All of them cover [fullFirst, fullEnd) whole.
+        int fullEnd = 0;
+    };
     void coverRow(const Coverage& shape, int y, const TileRect& block, const Coverage::Run& run, float* out);
 
     const std::vector<LayerShape>* m_shapes = nullptr;
-    /// For each layer the runs of its shape in the band's rows, then those of its hole.
-    std::vector<std::array<std::vector<Coverage::Run>, 2>> m_runs;
+    /// For each layer its shape's, then its hole's.
+    std::vector<std::array<BandRuns, 2>> m_runs;
     int m_top = 0; ///< The band's first row.
     std::vector<float> m_covered;
     std::vector<float> m_hole;

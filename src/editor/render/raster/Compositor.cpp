@@ -110,13 +110,21 @@ void blendWhole(const Layer& layer, MixPixel* under, const MixPixel* shaded, con
         blendOver(under, shaded, even, count);
 }
 
-/// Mixes a layer onto a row. What it covers whole is mixed as such, and what it does not touch stays as it
+/// Mixes pixels that a layer covers whole and whose rows are `stride` apart, if its paint can do that at
+/// once.
+bool blendAtOnce(const Layer& layer, const TileRect& block, MixPixel* under, std::ptrdiff_t stride) {
+    return layer.blend == Layer::Blend::overlay && layer.opacity == 1 && !layer.adjustment && !layer.noise &&
+           layer.paint->overlay(block, under, stride);
+}
+
+/// Mixes a layer onto row y. What it covers whole is mixed as such, and what it does not touch stays as it
 /// is, both to the last bit: so no pixel depends on the block that it is mixed in.
-void blendRow(const Layer& layer, const BandCoverage::Runs& runs, int left, MixPixel* under,
+void blendRow(const Layer& layer, const BandCoverage::Runs& runs, int left, int y, MixPixel* under,
               const MixPixel* shaded, const MixPixel* coverage) {
     const auto& [run, hole] = runs;
     const auto blend = [&](auto mix, int from, int to) {
-        if (from < to)
+        if (from < to &&
+            (mix != blendWhole || !blendAtOnce(layer, {from, y, to - from, 1}, under + (from - left), 0)))
             mix(layer, under + (from - left), shaded + (from - left), coverage + (from - left),
                 std::size_t(to - from));
     };
@@ -147,8 +155,12 @@ void blendRow(const Layer& layer, const BandCoverage::Runs& runs, int left, MixP
 void blendLayer(const Layer& layer, std::size_t index, const Share& share, const TileRect& tile,
                 Scratch& scratch) {
     const TileRect& block = share.touched;
-    mixLayer(layer, block, scratch.shaded.data());
     const bool isPartly = share.kind == Share::partly;
+    MixPixel* const first =
+        scratch.mixed.data() + std::ptrdiff_t(block.y - tile.y) * tile.width + (block.x - tile.x);
+    if (!isPartly && blendAtOnce(layer, block, first, tile.width))
+        return;
+    mixLayer(layer, block, scratch.shaded.data());
     if (isPartly)
         scratch.layers.cover(index, layer.opacity, block, scratch.coverage.data());
     else if (layer.blend == Layer::Blend::replace && layer.opacity < 1)
@@ -157,34 +169,58 @@ void blendLayer(const Layer& layer, std::size_t index, const Share& share, const
         mixEdge(layer, block, tile, scratch);
     const auto width = std::size_t(block.width);
     for (int y = 0; y < block.height; ++y) {
-        MixPixel* under =
-            scratch.mixed.data() + std::ptrdiff_t(block.y - tile.y + y) * tile.width + (block.x - tile.x);
+        MixPixel* under = first + std::ptrdiff_t(y) * tile.width;
         const MixPixel* shaded = scratch.shaded.data() + std::size_t(y) * width;
         const MixPixel* coverage = scratch.coverage.data() + std::size_t(y) * width;
         if (isPartly)
-            blendRow(layer, scratch.layers.runs(index, block, block.y + y), block.x, under, shaded, coverage);
+            blendRow(layer, scratch.layers.runs(index, block, block.y + y), block.x, block.y + y, under,
+                     shaded, coverage);
         else
             blendWhole(layer, under, shaded, coverage, width);
     }
 }
 
-/// Mixes a tile into scratch.mixed. False when no layer touches it; then nothing is written.
-bool mixTile(const std::vector<Layer>& layers, const TileRect& tile, Scratch& scratch) {
+/// Finds the layers' shares of a tile and says from which layer on something is seen of it, their number when
+/// none touches it. The shares of what lies below are not written, and those above it are without the columns
+/// at the tile's sides that an opaque layer hides.
+std::size_t firstSeen(const std::vector<Layer>& layers, const TileRect& tile, Scratch& scratch) {
     std::vector<Share>& shares = scratch.shares;
-    // What lies under an opaque layer that fills the tile is not seen.
     std::size_t first = 0;
+    int left = tile.x;
+    int right = tile.x + tile.width;
     for (std::size_t i = layers.size(); i-- > 0;) {
         shares[i] = scratch.layers.share(i, tile);
-        if (shares[i].kind == Share::whole && hidesWhatLiesUnder(layers[i])) {
+        TileRect& touched = shares[i].touched;
+        const int end = std::min(touched.x + touched.width, right);
+        touched.x = std::max(touched.x, left);
+        touched.width = end - touched.x;
+        if (touched.width <= 0)
+            shares[i] = {};
+        if (shares[i].kind == Share::none || !hidesWhatLiesUnder(layers[i]))
+            continue;
+        const auto [hiddenFirst, hiddenEnd] = scratch.layers.wholeColumns(i);
+        if (hiddenFirst <= left)
+            left = std::max(left, hiddenEnd);
+        if (hiddenEnd >= right)
+            right = std::min(right, hiddenFirst);
+        if (left >= right) {
             first = i;
             break;
         }
     }
     while (first < layers.size() && shares[first].kind == Share::none)
         ++first;
+    return first;
+}
+
+/// Mixes a tile into scratch.mixed, from the first layer that is seen on. False when no layer touches it;
+/// then nothing is written.
+bool mixTile(const std::vector<Layer>& layers, const TileRect& tile, std::size_t first, Scratch& scratch) {
+    const std::vector<Share>& shares = scratch.shares;
     if (first == layers.size())
         return false;
-    if (shares[first].kind == Share::whole && layers[first].opacity == 1) {
+    if (shares[first].kind == Share::whole && shares[first].touched.width == tile.width &&
+        layers[first].opacity == 1) {
         mixLayer(layers[first], tile, scratch.mixed.data());
         ++first;
     } else {
@@ -246,7 +282,7 @@ void drawBand(MutablePixelView out, const TileRect& band, int tileWidth, int lea
     for (int x = 0, end = 0; x < band.width; x = end) {
         end = std::min(x < lead ? lead : x + tileWidth, band.width);
         const TileRect tile{x, band.y, end - x, band.height};
-        const bool isDrawn = mixTile(layers, tile, scratch);
+        const bool isDrawn = mixTile(layers, tile, firstSeen(layers, tile, scratch), scratch);
         for (int y = 0; y < tile.height; ++y) {
             std::uint32_t* row = out.row(y) + tile.x;
             if (isDrawn)
@@ -342,7 +378,7 @@ void composeTiles(int width, int height, const std::vector<Layer>& layers,
             while (end < width && end - x < tileWidth && wanted(end))
                 end += tileGrain;
             const TileRect tile{x, band.y, std::min(end, width) - x, band.height};
-            if (mixTile(layers, tile, scratch))
+            if (mixTile(layers, tile, firstSeen(layers, tile, scratch), scratch))
                 take(tile, scratch.mixed.data());
             x = end;
         }

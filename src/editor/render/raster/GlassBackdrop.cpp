@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 namespace framora::raster {
 namespace {
@@ -46,9 +47,10 @@ std::shared_ptr<const GlassBackdrop> GlassBackdrop::make(const std::vector<Layer
     const double remaining = remainingDeviation(deviation, cell);
     const std::shared_ptr<GlassBackdrop> backdrop(new GlassBackdrop(window.width(), window.height(), cell));
     const int around = (gaussianRadius(remaining) + 2) * cell;
-    backdrop->findBlocks(window, around, around + reach);
-    const Cells cells = allocated(std::size_t(backdrop->m_slotCount) * side * side);
-    backdrop->m_blurred = allocated(std::size_t(backdrop->m_slotCount) * readSide * readSide);
+    backdrop->m_known = backdrop->findBlocks(window, around, around + reach);
+    backdrop->m_read = backdrop->findBlocks(window, cell, cell + reach);
+    const Cells cells = allocated(std::size_t(backdrop->m_known.count) * side * side);
+    backdrop->m_blurred = allocated(std::size_t(backdrop->m_read.count) * readSide * readSide);
     if (!cells || !backdrop->m_blurred)
         return nullptr;
     composeTiles(
@@ -59,48 +61,86 @@ std::shared_ptr<const GlassBackdrop> GlassBackdrop::make(const std::vector<Layer
     return backdrop;
 }
 
-void GlassBackdrop::findBlocks(const GlassWindow& window, int outwards, int inwards) {
+GlassBackdrop::Blocks GlassBackdrop::findBlocks(const GlassWindow& window, int outwards, int inwards) const {
     const int pixels = side * m_cell;
-    m_slots.reserve(std::size_t(m_blocksAcross) * std::size_t(m_blocksDown));
+    Blocks blocks;
+    blocks.slots.reserve(std::size_t(m_blocksAcross) * std::size_t(m_blocksDown));
     for (int y = 0; y < m_blocksDown; ++y) {
         const GlassWindow::Strip strip = window.strip(y * pixels, (y + 1) * pixels, outwards, inwards);
         for (int x = 0; x < m_blocksAcross; ++x)
-            m_slots.push_back(strip.shows(x * pixels, (x + 1) * pixels) ? m_slotCount++ : -1);
+            blocks.slots.push_back(strip.shows(x * pixels, (x + 1) * pixels) ? blocks.count++ : -1);
     }
+    return blocks;
 }
 
 bool GlassBackdrop::hasBlock(const TileRect& pixels) const {
     const int block = side * m_cell;
     for (int y = pixels.y / block; y <= (pixels.y + pixels.height - 1) / block; ++y)
         for (int x = pixels.x / block; x <= (pixels.x + pixels.width - 1) / block; ++x)
-            if (slotAt(x, y) >= 0)
+            if (slotAt(m_known, x, y) >= 0)
                 return true;
     return false;
 }
 
+template <int cellSize>
+void GlassBackdrop::reduceRow(const TileRect& tile, const MixPixel* pixels, int row, int rows,
+                              MixPixel* cells) const {
+    const auto mean = [&](const MixPixel* from, int columns) {
+        Float4 sum = splat(0); // of at most 16 x 16 times mixOne: exact
+        for (int j = 0; j < rows; ++j, from += tile.width)
+            for (int i = 0; i < columns; ++i)
+                sum += toFloats(from[i]);
+        const Float4 rounded = sum * splat(1.0f / float(rows * columns)) + splat(0.5f);
+        return MixPixel{{std::int16_t(rounded[0]), std::int16_t(rounded[1]), std::int16_t(rounded[2]),
+                         std::int16_t(rounded[3])}};
+    };
+    for (int x = 0; x < tile.width; x += cellSize) {
+        const int column = (tile.x + x) / cellSize;
+        const int slot = slotAt(m_known, column / side, row / side);
+        if (slot < 0)
+            continue;
+        MixPixel& out =
+            cells[std::size_t(slot) * side * side + std::size_t(row % side * side + column % side)];
+        out = x + cellSize <= tile.width ? mean(pixels + x, cellSize) : mean(pixels + x, tile.width - x);
+    }
+}
+
 void GlassBackdrop::reduce(const TileRect& tile, const MixPixel* pixels, MixPixel* cells) const {
-    for (int y = 0; y < tile.height; y += m_cell) {
-        const int row = (tile.y + y) / m_cell;
-        const int rows = std::min(m_cell, tile.height - y);
-        for (int x = 0; x < tile.width; x += m_cell) {
-            const int column = (tile.x + x) / m_cell;
-            const int slot = slotAt(column / side, row / side);
-            if (slot < 0)
-                continue;
-            const int columns = std::min(m_cell, tile.width - x);
-            int sums[4] = {};
-            for (int j = 0; j < rows; ++j) {
-                const MixPixel* from = pixels + std::ptrdiff_t(y + j) * tile.width + x;
-                for (int i = 0; i < columns; ++i)
-                    for (int c = 0; c < 4; ++c)
-                        sums[c] += from[i].channel[c];
-            }
-            MixPixel& out =
-                cells[std::size_t(slot) * side * side + std::size_t(row % side * side + column % side)];
-            const int area = rows * columns;
-            for (int c = 0; c < 4; ++c)
-                out.channel[c] = std::int16_t((sums[c] + area / 2) / area);
-        }
+    const auto reduceAll = [&]<int cellSize>(std::integral_constant<int, cellSize>) {
+        for (int y = 0; y < tile.height; y += cellSize)
+            reduceRow<cellSize>(tile, pixels + std::ptrdiff_t(y) * tile.width, (tile.y + y) / cellSize,
+                                std::min(cellSize, tile.height - y), cells);
+    };
+    static_assert(tileGrain == 16);
+    switch (m_cell) {
+    case 1:
+        return reduceAll(std::integral_constant<int, 1>());
+    case 2:
+        return reduceAll(std::integral_constant<int, 2>());
+    case 4:
+        return reduceAll(std::integral_constant<int, 4>());
+    case 8:
+        return reduceAll(std::integral_constant<int, 8>());
+    default:
+        return reduceAll(std::integral_constant<int, tileGrain>());
+    }
+}
+
+void GlassBackdrop::copyCells(const MixPixel* cells, int row, int first, int count, MixPixel* out) const {
+    for (int x = first; x < first + count;) {
+        // As far as the block goes, or one by one outside.
+        const bool isInside = x >= 0 && x < m_width;
+        const int column = std::clamp(x, 0, m_width - 1);
+        const int run = isInside ? std::min({side - column % side, first + count - x, m_width - x}) : 1;
+        const int slot = slotAt(m_known, column / side, row / side);
+        if (slot < 0)
+            std::fill_n(out, run, MixPixel{});
+        else
+            std::copy_n(cells + std::size_t(slot) * side * side +
+                            std::size_t(row % side * side + column % side),
+                        run, out);
+        x += run;
+        out += run;
     }
 }
 
@@ -120,20 +160,13 @@ void GlassBackdrop::blur(const MixPixel* cells, double deviation) {
         padded.resize(width * (readSide + std::size_t(2 * radius)));
         lowered.resize(width);
         for (int blockX = 0; blockX < m_blocksAcross; ++blockX) {
-            const int slot = slotAt(blockX, blockY);
+            const int slot = slotAt(m_read, blockX, blockY);
             if (slot < 0)
                 continue;
             MixPixel* to = padded.data();
-            for (int y = -radius; y < int(readSide) + radius; ++y) {
-                const int row = std::clamp(blockY * side + y, 0, m_height - 1);
-                for (int x = -radius; x <= int(readSide) + radius; ++x) {
-                    const int column = std::clamp(blockX * side + x, 0, m_width - 1);
-                    const int from = slotAt(column / side, row / side);
-                    *to++ = from < 0 ? MixPixel{}
-                                     : cells[std::size_t(from) * side * side +
-                                             std::size_t(row % side * side + column % side)];
-                }
-            }
+            for (int y = -radius; y < int(readSide) + radius; ++y, to += width)
+                copyCells(cells, std::clamp(blockY * side + y, 0, m_height - 1), blockX * side - radius,
+                          int(width), to);
             MixPixel* out = m_blurred.get() + std::size_t(slot) * readSide * readSide;
             for (std::size_t y = 0; y < readSide; ++y, out += readSide) {
                 rows.clear();

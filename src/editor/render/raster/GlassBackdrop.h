@@ -4,6 +4,7 @@
 #include "editor/render/raster/GlassWindow.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -28,7 +29,7 @@ public:
         const float top = cellY > 0 ? (cellY < m_lastY ? cellY : m_lastY) : 0;
         const int column = int(left);
         const int row = int(top);
-        const int slot = slotAt(column / side, row / side);
+        const int slot = slotAt(m_read, column / side, row / side);
         if (slot < 0)
             return splat(0);
         const MixPixel* cells = m_blurred.get() + std::size_t(slot) * readSide * readSide +
@@ -53,19 +54,37 @@ private:
 
     GlassBackdrop(int width, int height, int cell);
     static Float4 toFloats(const MixPixel& pixel) {
-        return Float4{float(pixel.channel[0]), float(pixel.channel[1]), float(pixel.channel[2]),
-                      float(pixel.channel[3])};
+        using Short8 = std::int16_t __attribute__((vector_size(16)));
+        using Int4 = std::int32_t __attribute__((vector_size(16)));
+        using Long2 = std::int64_t __attribute__((vector_size(16)));
+        std::int64_t all = 0;
+        std::memcpy(&all, pixel.channel, sizeof all);
+        const Short8 channels = reinterpret_cast<Short8>(Long2{all, 0});
+        // Each in the upper half of a word, which the shift spreads its sign over.
+        const Int4 upper =
+            reinterpret_cast<Int4>(__builtin_shufflevector(Short8{}, channels, 0, 8, 1, 9, 2, 10, 3, 11));
+        return __builtin_convertvector(upper >> 16, Float4);
     }
     static Cells allocated(std::size_t count);
-    int slotAt(int blockX, int blockY) const {
-        return m_slots[std::size_t(blockY) * std::size_t(m_blocksAcross) + std::size_t(blockX)];
+    /// Some of the blocks: the place of each in their memory, -1 for the others.
+    struct Blocks {
+        std::vector<int> slots;
+        int count = 0;
+    };
+    int slotAt(const Blocks& blocks, int blockX, int blockY) const {
+        return blocks.slots[std::size_t(blockY) * std::size_t(m_blocksAcross) + std::size_t(blockX)];
     }
-    /// Gives every block near the window a slot: outwards and inwards in pixels.
-    void findBlocks(const GlassWindow& window, int outwards, int inwards);
+    /// The blocks so near to the window, outwards and inwards in pixels.
+    Blocks findBlocks(const GlassWindow& window, int outwards, int inwards) const;
     bool hasBlock(const TileRect& pixels) const;
     /// The means of the layers' pixels in the cells of a tile.
     void reduce(const TileRect& tile, const MixPixel* pixels, MixPixel* cells) const;
+    /// The same of one row of cells, of which the tile has so many `rows` of pixels.
+    template <int cellSize>
+    void reduceRow(const TileRect& tile, const MixPixel* pixels, int row, int rows, MixPixel* cells) const;
     void blur(const MixPixel* cells, double deviation);
+    /// The cells [first, first + count) of a row, of which the edge repeats beyond the output.
+    void copyCells(const MixPixel* cells, int row, int first, int count, MixPixel* out) const;
 
     int m_cell;  ///< Pixels a side.
     int m_width; ///< Cells.
@@ -75,8 +94,8 @@ private:
     double m_scale;
     float m_lastX;
     float m_lastY;
-    std::vector<int> m_slots; ///< Of each block; -1 for none.
-    int m_slotCount = 0;
+    Blocks m_known; ///< What lies behind is known there.
+    Blocks m_read;  ///< And there also blurred.
     Cells m_blurred;
 };
 

@@ -2,6 +2,7 @@
 
 #include "editor/render/raster/BlurKernels.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace framora::raster {
@@ -32,6 +33,20 @@ GlassPaint::Edge edgeOf(const RoundedRect& card, double extent, double exponent,
     return {extent * (1 - level) / slope, {signX * slopeU / slope, signY * slopeV / slope}};
 }
 
+/// Neither tilted nor turned nor mirrored.
+bool isUpright(const Homography& map) {
+    const double w = map(2, 2);
+    return map.isAffine() && map(0, 1) == 0 && map(1, 0) == 0 && map(0, 0) / w > 0 && map(1, 1) / w > 0;
+}
+
+/// Calls visit(from, to) for the one or two runs of columns that are seen.
+template <typename Visit> void forEachSeen(const GlassWindow::Span& span, const Visit& visit) {
+    if (span.hiddenFirst >= span.hiddenEnd)
+        return visit(span.first, span.end);
+    visit(span.first, std::min(span.hiddenFirst, span.end));
+    visit(std::max(span.hiddenEnd, span.first), span.end);
+}
+
 } // namespace
 
 GlassPaint::Edge GlassPaint::edge(const RoundedRect& card, Vec2 point) {
@@ -45,49 +60,130 @@ GlassPaint::GlassPaint(std::shared_ptr<const GlassBackdrop> backdrop,
       m_cornerExtent(card.cornerExtent()), m_cornerExponent(card.cornerExponent()),
       m_toLocal(placement.toLocal()),
       m_toOutput(Homography::translation(placement.originX, placement.originY) * placement.toOutput),
-      m_look(look) {}
+      m_look(look), m_isTilted(!m_toLocal.isAffine()), m_isUpright(isUpright(m_toLocal)),
+      m_flat(bevel({look.rim, {}})) {
+    if (m_isUpright)
+        makeColumns();
+}
 
-Float4 GlassPaint::color(Vec2 pixel, Vec2 point) const {
-    const Edge edge = edgeOf(m_card, m_cornerExtent, m_cornerExponent, point);
-    if (!(edge.depth < m_look.rim)) {
-        const Float4 behind = m_backdrop->at(pixel.x, pixel.y);
-        return m_look.veil + behind * splat(1 - m_look.veil[3]);
-    }
+GlassPaint::Bevel GlassPaint::bevel(const Edge& edge) const {
+    Bevel made;
+    made.through = splat(1 - m_look.veil[3]);
+    made.added = m_look.veil;
+    if (!(m_look.rim > 0 && edge.depth < m_look.rim))
+        return made;
     // How steep the bevel is here, from 1 at the edge to 0 where the pane is flat.
     const double steep = 1 - std::max(edge.depth, 0.0) / m_look.rim;
     const double bend = m_look.bend * steep * steep;
-    const Vec2 seen = m_toOutput.map({point.x - edge.outward.x * bend, point.y - edge.outward.y * bend});
-    Float4 color = m_backdrop->at(seen.x, seen.y);
-    color = m_look.veil + color * splat(1 - m_look.veil[3]);
+    made.bend = {-edge.outward.x * bend, -edge.outward.y * bend};
+    const double w = m_toOutput(2, 2);
+    made.bendPixels = {(m_toOutput(0, 0) * made.bend.x + m_toOutput(0, 1) * made.bend.y) / w,
+                       (m_toOutput(1, 0) * made.bend.x + m_toOutput(1, 1) * made.bend.y) / w};
     // The far side shows less of the light, the near side less of the dark; the dark lies further in.
     const double facing = edge.outward.x * light.x + edge.outward.y * light.y;
     const double toLight = facing > 0 ? facing : weaker * -facing;
     const double fromLight = facing < 0 ? -facing : weaker * facing;
     const auto dark = float(m_look.shade * fromLight * 4 * steep * (1 - steep));
     const auto bright = float(m_look.glow * toLight * steep * steep * steep);
-    color = color * splat(1 - dark) + Float4{0, 0, 0, dark};
-    return color * splat(1 - bright) + splat(bright);
+    const Float4 rest = splat((1 - dark) * (1 - bright));
+    made.through *= rest;
+    made.added = made.added * rest + Float4{0, 0, 0, dark * (1 - bright)} + splat(bright);
+    return made;
+}
+
+void GlassPaint::makeColumns() {
+    const auto depth = [this](int x) { return m_card.width / 2 - std::abs(m_toLocal.map({x + 0.5, 0.5}).x); };
+    const auto isLeft = [this](int x) { return m_toLocal.map({x + 0.5, 0.5}).x < 0; };
+    int first = m_window->width();
+    int end = 0;
+    for (int y = 0; y < m_window->height(); ++y) {
+        const GlassWindow::Span& span = m_window->row(y);
+        if (span.first < span.end) {
+            first = std::min(first, span.first);
+            end = std::max(end, span.end);
+        }
+    }
+    m_left = first;
+    m_right = end;
+    for (int x = first; x < end && isLeft(x) && depth(x) < m_look.rim; ++x)
+        m_leftColumns.push_back(bevel({depth(x), {-1, 0}}));
+    for (int x = end - 1; x >= first && !isLeft(x) && depth(x) < m_look.rim; --x)
+        m_rightColumns.push_back(bevel({depth(x), {1, 0}}));
+    std::ranges::reverse(m_rightColumns);
 }
 
 void GlassPaint::shade(int x, int y, int count, Float4* out) const {
+    std::fill_n(out, count, splat(0));
     const GlassWindow::Span& span = m_window->row(y);
-    const double row = y + 0.5;
-    for (int i = 0; i < count; ++i) {
-        const int column = x + i;
-        if (column < span.first || column >= span.end ||
-            (column >= span.hiddenFirst && column < span.hiddenEnd)) {
-            out[i] = splat(0);
-            continue;
-        }
-        const Vec2 pixel{column + 0.5, row};
-        out[i] = color(pixel, m_toLocal.map(pixel));
+    const auto shadeRun = [&](int from, int to) {
+        from = std::max(from, x);
+        to = std::min(to, x + count);
+        if (from < to)
+            (this->*(m_isUpright ? &GlassPaint::shadeUpright : &GlassPaint::shadeAny))(from, to, y,
+                                                                                       out + (from - x));
+    };
+    forEachSeen(span, shadeRun);
+}
+
+void GlassPaint::shadeAny(int from, int to, int y, Float4* out) const {
+    for (int x = from; x < to; ++x) {
+        const Vec2 pixel{x + 0.5, y + 0.5};
+        const Vec2 point = m_toLocal.map(pixel);
+        const Bevel here = bevel(edgeOf(m_card, m_cornerExtent, m_cornerExponent, point));
+        const Vec2 seen = m_isTilted && (here.bend.x != 0 || here.bend.y != 0)
+                              ? m_toOutput.map({point.x + here.bend.x, point.y + here.bend.y})
+                              : Vec2{pixel.x + here.bendPixels.x, pixel.y + here.bendPixels.y};
+        *out++ = color(seen, here);
+    }
+}
+
+void GlassPaint::shadeUpright(int from, int to, int y, Float4* out) const {
+    const double scale = m_toLocal(0, 0) / m_toLocal(2, 2);
+    const Vec2 first = m_toLocal.map({0.5, y + 0.5});
+    const double end = m_card.height / 2 - std::abs(first.y);
+    const bool isCornerRow = end < m_cornerExtent;
+    const Bevel ofRow = bevel({end, {0, first.y < 0 ? -1.0 : 1.0}});
+    const int flatFirst = m_left + int(m_leftColumns.size());
+    const int flatEnd = m_right - int(m_rightColumns.size());
+    for (int x = from; x < to; ++x) {
+        const double side = m_card.width / 2 - std::abs(first.x + scale * x);
+        const Vec2 pixel{x + 0.5, y + 0.5};
+        const auto through = [&](const Bevel& bevel) {
+            return color({pixel.x + bevel.bendPixels.x, pixel.y + bevel.bendPixels.y}, bevel);
+        };
+        if (isCornerRow && side < m_cornerExtent)
+            *out++ = through(
+                bevel(edgeOf(m_card, m_cornerExtent, m_cornerExponent, {first.x + scale * x, first.y})));
+        else if (!(side < end))
+            *out++ = through(ofRow);
+        else if (x < flatFirst)
+            *out++ = through(m_leftColumns[std::size_t(x - m_left)]);
+        else if (x >= flatEnd)
+            *out++ = through(m_rightColumns[std::size_t(x - flatEnd)]);
+        else
+            *out++ = through(m_flat);
     }
 }
 
 void GlassPaint::mix(const TileRect& tile, MixPixel* out) const {
-    Paint::mix(tile, out);
-    for (int y = 0; y < tile.height; ++y, out += tile.width)
-        ditherPixels(out, tile.x, tile.y + y, std::size_t(tile.width));
+    // Where nothing is seen nothing is to be converted.
+    thread_local std::vector<Float4> colors;
+    colors.resize(std::size_t(tile.width));
+    for (int y = tile.y; y < tile.y + tile.height; ++y, out += tile.width) {
+        std::fill_n(out, tile.width, MixPixel{});
+        const GlassWindow::Span& span = m_window->row(y);
+        const auto mixRun = [&](int from, int to) {
+            from = std::max(from, tile.x);
+            const int count = std::min(to, tile.x + tile.width) - from;
+            if (count <= 0)
+                return;
+            MixPixel* run = out + (from - tile.x);
+            shade(from, y, count, colors.data());
+            std::transform(colors.begin(), colors.begin() + count, run, toMix);
+            ditherPixels(run, from, y, std::size_t(count));
+        };
+        forEachSeen(span, mixRun);
+    }
 }
 
 } // namespace framora::raster

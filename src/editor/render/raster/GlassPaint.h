@@ -6,6 +6,7 @@
 #include "editor/render/raster/RoundedRect.h"
 
 #include <memory>
+#include <vector>
 
 namespace framora::raster {
 
@@ -41,7 +42,21 @@ public:
     bool isOpaque() const override { return false; }
 
 private:
-    Float4 color(Vec2 pixel, Vec2 point) const;
+    /// What the pane does to what is seen through one point of it.
+    struct Bevel {
+        Vec2 bend;           ///< From the point to the one that is seen, in points.
+        Vec2 bendPixels;     ///< The same in pixels, unless the card is tilted.
+        Float4 through = {}; ///< How much of it comes through, and what is added.
+        Float4 added = {};
+    };
+    Bevel bevel(const Edge& edge) const;
+    Float4 color(Vec2 pixel, const Bevel& bevel) const {
+        return m_backdrop->at(pixel.x, pixel.y) * bevel.through + bevel.added;
+    }
+    void makeColumns();
+    /// shade() of the pixels [from, to), all of which are seen, of an upright card and of any.
+    void shadeUpright(int from, int to, int y, Float4* out) const;
+    void shadeAny(int from, int to, int y, Float4* out) const;
 
     std::shared_ptr<const GlassBackdrop> m_backdrop;
     std::shared_ptr<const GlassWindow> m_window;
@@ -51,6 +66,15 @@ private:
     Homography m_toLocal;
     Homography m_toOutput;
     Look m_look;
+    bool m_isTilted;
+    bool m_isUpright;
+    Bevel m_flat;
+    /// The bevels along the left side of an upright card, column by column from m_left on, and along the
+    /// right one up to m_right, where it has no corners.
+    std::vector<Bevel> m_leftColumns;
+    std::vector<Bevel> m_rightColumns;
+    int m_left = 0;
+    int m_right = 0;
 };
 
 } // namespace framora::raster

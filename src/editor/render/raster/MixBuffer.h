@@ -2,34 +2,25 @@
 
 #include "editor/render/raster/MixTile.h"
 #include "editor/render/raster/Paint.h"
-#include "editor/render/raster/PixelView.h"
 
 #include <memory>
-#include <vector>
 
 namespace framora::raster {
 
 /// A block of pixels being mixed that is made before the picture is. Beyond it nothing is there.
 class MixBuffer {
 public:
-    /// The pixels of `picture`; its first one lies at (x, y) in the output.
-    MixBuffer(PixelView picture, int x, int y);
+    /// Where it lies in the output. Its pixels are still to be written.
+    explicit MixBuffer(const TileRect& area)
+        : m_area(area), m_pixels(std::make_unique_for_overwrite<MixPixel[]>(area.area())) {}
 
     const TileRect& area() const { return m_area; }
-    MixPixel* row(int y) { return m_pixels.data() + std::size_t(y) * std::size_t(m_area.width); }
-    const MixPixel* row(int y) const { return m_pixels.data() + std::size_t(y) * std::size_t(m_area.width); }
-    std::size_t size() const { return m_area.area(); }
-
-    /// Scales every channel by 0...1.
-    void fade(double opacity);
-    /// A Gaussian blur of so many pixels. What reaches beyond the block is lost.
-    void blur(double deviation);
-    /// Puts `above`, a block of the same area, over it.
-    void put(const MixBuffer& above);
+    MixPixel* row(int y) { return m_pixels.get() + std::size_t(y) * std::size_t(m_area.width); }
+    const MixPixel* row(int y) const { return m_pixels.get() + std::size_t(y) * std::size_t(m_area.width); }
 
 private:
     TileRect m_area;
-    std::vector<MixPixel> m_pixels; ///< One more is readable behind the last one.
+    std::unique_ptr<MixPixel[]> m_pixels;
 };
 
 /// Shows a block where it lies.

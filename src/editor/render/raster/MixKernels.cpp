@@ -70,22 +70,12 @@ HWY_INLINE Vector over(Vector under, Vector above) {
 }
 
 HWY_INLINE Vector overlay(Vector under, Vector above) {
-    const Vector one = hn::Set(lanes, mixOne);
-    const Vector underAlpha = alphas(under);
-    const Vector overAlpha = alphas(above);
-    const Vector fromUnder = hn::MulFixedPoint15(under, factor(hn::Sub(one, overAlpha)));
-    const Vector outside = hn::Add(hn::MulFixedPoint15(above, factor(hn::Sub(one, underAlpha))), fromUnder);
-    const Vector product = hn::MulFixedPoint15(above, factor(under));
-    const Vector dark = hn::Add(product, product);
-    const Vector rest = hn::MulFixedPoint15(hn::Sub(underAlpha, under), factor(hn::Sub(overAlpha, above)));
-    const Vector light = hn::Sub(hn::MulFixedPoint15(overAlpha, factor(underAlpha)), hn::Add(rest, rest));
-    // Twice a channel would overflow; nothing that is compared here does.
-    const auto isLight = hn::Gt(under, hn::Sub(underAlpha, under));
-    const Vector colors = hn::Add(outside, hn::IfThenElse(isLight, light, dark));
-    const Vector alpha = hn::Add(above, fromUnder);
-    const hn::Repartition<std::uint64_t, Lanes> words;
-    const auto alphaLane = hn::BitCast(lanes, hn::Set(words, 0xffff000000000000u));
-    return hn::Or(hn::AndNot(alphaLane, colors), hn::And(alphaLane, alpha));
+    const Vector alpha = alphas(under);
+    const Vector beside = hn::MulFixedPoint15(above, factor(hn::Sub(hn::Set(lanes, mixOne), alpha)));
+    // Twice a channel less alpha: in this order nothing overflows.
+    const Vector lift = hn::Sub(above, hn::Sub(alphas(above), above));
+    const Vector room = hn::Min(under, hn::Sub(alpha, under));
+    return hn::Add(hn::Add(under, beside), hn::MulFixedPoint15(lift, factor(room)));
 }
 
 /// Calls body(offset, load, store) for `count` pixels, vector by vector; what is left at the end goes through

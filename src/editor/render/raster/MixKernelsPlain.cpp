@@ -10,16 +10,15 @@ std::int16_t covered(std::int16_t value, std::int16_t coverage) {
     return mulFixed(value, coverage);
 }
 
-/// One channel of the overlay mode, from premultiplied channels and both alphas.
+/// One channel of the overlay mode, from premultiplied channels and both alphas. Written as one formula for
+/// dark and light, and for alpha too: what the upper one adds to the lower one is as much as it is lighter
+/// than a mid tone, times what the lower one is away from black or white.
 std::int16_t overlaid(std::int16_t under, std::int16_t underAlpha, std::int16_t over,
                       std::int16_t overAlpha) {
-    const auto product = [](int a, int b) {
-        return int(mulFixed(std::int16_t(a), toFactor(std::int16_t(b))));
-    };
-    const int outside = product(over, one - underAlpha) + product(under, one - overAlpha);
-    const int dark = 2 * product(over, under);
-    const int light = product(overAlpha, underAlpha) - 2 * product(underAlpha - under, overAlpha - over);
-    return std::int16_t(outside + (2 * under <= underAlpha ? dark : light));
+    const std::int16_t beside = mulFixed(over, toFactor(std::int16_t(one - underAlpha)));
+    const auto lift = std::int16_t(2 * over - overAlpha);
+    const std::int16_t room = std::min(under, std::int16_t(underAlpha - under));
+    return std::int16_t(under + beside + mulFixed(lift, toFactor(room)));
 }
 
 } // namespace
@@ -45,11 +44,9 @@ void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverag
     for (std::size_t i = 0; i < count; ++i) {
         const std::int16_t overAlpha = covered(over[i].channel[3], coverage[i].channel[3]);
         const std::int16_t underAlpha = under[i].channel[3];
-        for (int c = 0; c < 3; ++c)
+        for (int c = 0; c < 4; ++c)
             under[i].channel[c] = overlaid(under[i].channel[c], underAlpha,
                                            covered(over[i].channel[c], coverage[i].channel[c]), overAlpha);
-        const std::int16_t through = toFactor(std::int16_t(one - overAlpha));
-        under[i].channel[3] = std::int16_t(overAlpha + mulFixed(underAlpha, through));
     }
 }
 

@@ -17,4 +17,8 @@ void Paint::mix(const TileRect& tile, MixPixel* out) const {
         }
 }
 
+bool Paint::overlay(const TileRect&, MixPixel*, std::ptrdiff_t) const {
+    return false;
+}
+
 } // namespace framora::raster

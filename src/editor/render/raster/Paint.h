@@ -18,6 +18,10 @@ public:
     /// The colours of a block, row by row without gaps. Called from many threads. As it stands it rounds what
     /// shade() gives.
     virtual void mix(const TileRect& tile, MixPixel* out) const;
+    /// What mix() gives, mixed in overlay mode onto a block whose rows are `stride` pixels apart, to within a
+    /// step of 255. False, and nothing is done, for a paint that cannot do both at once, and so always.
+    /// Called from many threads.
+    virtual bool overlay(const TileRect& tile, MixPixel* under, std::ptrdiff_t stride) const;
     /// Whether every colour has an alpha of exactly 1.
     virtual bool isOpaque() const = 0;
     /// Whether mix() does best on blocks that are about as high as wide.

@@ -1,6 +1,8 @@
 #include "editor/render/raster/ScenePaint.h"
 
+#include "editor/render/raster/Dither.h"
 #include "editor/render/raster/MixKernels.h"
+#include "editor/render/raster/SceneKernels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,22 +15,82 @@ constexpr double pitch = 40;
 // Along x; a stripe is 20 points across.
 constexpr double halfWidth = 20 * std::numbers::sqrt2 / 2;
 
+// So many steps from one corner of the canvas to the other are too fine to be seen.
+constexpr int leastSteps = 4096;
+constexpr int mostSteps = 1 << 16;
+
 /// The part of a pixel about the origin where x - y is below `limit`, in pixels.
 double areaBelow(double limit) {
     const double d = std::clamp(limit, -1.0, 1.0);
     return d < 0 ? (1 + d) * (1 + d) / 2 : 1 - (1 - d) * (1 - d) / 2;
 }
 
+std::int16_t toShare(double value) {
+    return std::int16_t(std::lround(value * coverageOne));
+}
+
 } // namespace
 
-ScenePaint::ScenePaint(std::shared_ptr<const Paint> under, double width, double height,
-                       const Homography& toCanvas, int outputWidth, int outputHeight)
-    : m_under(std::move(under)), m_pixel(toCanvas(0, 0) / toCanvas(2, 2)),
+ScenePaint::ScenePaint(Look look, double width, double height, const Homography& toCanvas, int outputWidth,
+                       int outputHeight)
+    : m_opacity(std::clamp(look.opacity, 0.0, 1.0)), m_white(toShare(m_opacity)), m_toCanvas(toCanvas),
+      m_pixel(toCanvas(0, 0) / toCanvas(2, 2)),
       m_start((toCanvas(0, 2) - toCanvas(1, 2)) / toCanvas(2, 2) + (width - height) / 2 + height),
-      m_firstDiagonal(1 - outputHeight) {
-    m_stripes.reserve(std::size_t(outputWidth) + std::size_t(outputHeight));
+      m_firstDiagonal(1 - outputHeight), m_shift(height / width) {
+    m_stripes.reserve(std::size_t(outputWidth) + std::size_t(outputHeight) + SceneRow::stripesSlack);
     for (int diagonal = m_firstDiagonal; diagonal < outputWidth; ++diagonal)
-        m_stripes.push_back(toMix(splat(float(coverage(diagonal)))));
+        m_stripes.push_back(toShare(coverage(diagonal)));
+    m_stripes.resize(m_stripes.size() + SceneRow::stripesSlack);
+    makeDither(look.tint);
+    if (look.tint.empty())
+        return;
+    const double degrees = std::atan2(width, -height) * 180 / std::numbers::pi;
+    m_gradient.emplace(GradientPaint::Kind::linear, degrees, width, height, std::move(look.tint), toCanvas);
+    const double length = outputWidth + std::ceil((outputHeight - 1) * m_shift) + 1;
+    if (!(length <= mostSteps))
+        return;
+    const int count = int(length);
+    int phases = 1;
+    while (phases * count < leastSteps)
+        phases *= 2;
+    m_tint.reserve(std::size_t(phases) * std::size_t(count));
+    for (int phase = 0; phase < phases; ++phase)
+        for (int x = 0; x < count; ++x)
+            m_tint.push_back(tintAt(x + double(phase) / phases));
+    for (int y = 0; y < outputHeight; ++y) {
+        const int shift = int(y * m_shift * phases + 0.5);
+        m_rowStarts.push_back(shift % phases * count + shift / phases);
+    }
+}
+
+/// As if the tint were dithered before it fades. One colour needs no dither, and what shows through it all
+/// would be dithered as well.
+void ScenePaint::makeDither(const std::vector<Float4>& colors) {
+    const auto isFaint = [](Float4 color) { return color[3] < 1.0f / 255; };
+    const auto isOther = [&](Float4 color) {
+        const Float4 difference = color - colors.front();
+        return difference[0] != 0 || difference[1] != 0 || difference[2] != 0 || difference[3] != 0;
+    };
+    const bool isDithered = std::ranges::any_of(colors, isOther) && std::ranges::none_of(colors, isFaint);
+    for (int y = 0; y < Dither::period; ++y)
+        for (int x = 0; x < 2 * Dither::period; ++x) {
+            MixPixel offset;
+            for (int c = 0; c < 4; ++c)
+                offset.channel[c] = std::int16_t(
+                    isDithered ? std::lround(2 * m_opacity * Dither::row(x % Dither::period, y)->channel[c])
+                               : 0);
+            m_dither.push_back(offset);
+        }
+}
+
+MixPixel ScenePaint::tintAt(double x) const {
+    const Float4 color = m_gradient->color(m_gradient->position(m_toCanvas.map({x + 0.5, 0.5})));
+    MixPixel tint;
+    for (int c = 0; c < 4; ++c) {
+        const double twice = c < 3 ? 2 * color[c] - color[3] : color[3];
+        tint.channel[c] = toShare(std::clamp(twice * m_opacity, -1.0, 1.0));
+    }
+    return tint;
 }
 
 double ScenePaint::coverage(int diagonal) const {
@@ -44,24 +106,47 @@ double ScenePaint::coverage(int diagonal) const {
 }
 
 void ScenePaint::shade(int x, int y, int count, Float4* out) const {
-    if (m_under)
-        m_under->shade(x, y, count, out);
+    if (m_gradient)
+        m_gradient->shade(x, y, count, out);
     else
         std::fill_n(out, count, splat(0));
     for (int i = 0; i < count; ++i) {
         const auto white = float(coverage(x + i - y));
-        out[i] = splat(white) + out[i] * splat(1 - white);
+        out[i] = (splat(white) + out[i] * splat(1 - white)) * splat(float(m_opacity));
+    }
+}
+
+template <typename Draw> void ScenePaint::forEachRow(const TileRect& tile, const Draw& draw) const {
+    thread_local std::vector<MixPixel> told;
+    if (m_tint.empty())
+        told.assign(std::size_t(tile.width), MixPixel{});
+    for (int y = tile.y; y < tile.y + tile.height; ++y) {
+        const MixPixel* tint = told.data();
+        if (!m_tint.empty())
+            tint = m_tint.data() + m_rowStarts[std::size_t(y)] + tile.x;
+        else if (m_gradient)
+            for (int x = 0; x < tile.width; ++x)
+                told[std::size_t(x)] = tintAt(tile.x + x + y * m_shift);
+        const int diagonal = tile.x - y - m_firstDiagonal;
+        const MixPixel* dither =
+            m_dither.data() + y % Dither::period * 2 * Dither::period + tile.x % Dither::period;
+        draw(SceneRow{tint, m_stripes.data() + diagonal, m_white, dither});
     }
 }
 
 void ScenePaint::mix(const TileRect& tile, MixPixel* out) const {
-    if (m_under)
-        m_under->mix(tile, out);
-    else
-        std::fill_n(out, tile.area(), MixPixel{});
-    const auto width = std::size_t(tile.width);
-    for (int y = tile.y; y < tile.y + tile.height; ++y, out += width)
-        blendOver(out, m_stripes.data() + (tile.x - y - m_firstDiagonal), width);
+    forEachRow(tile, [&](const SceneRow& row) {
+        paintScene(row, std::size_t(tile.width), out);
+        out += tile.width;
+    });
+}
+
+bool ScenePaint::overlay(const TileRect& tile, MixPixel* under, std::ptrdiff_t stride) const {
+    forEachRow(tile, [&](const SceneRow& row) {
+        overlayScene(row, std::size_t(tile.width), under);
+        under += stride;
+    });
+    return true;
 }
 
 } // namespace framora::raster

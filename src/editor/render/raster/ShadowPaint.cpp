@@ -3,6 +3,7 @@
 #include "editor/render/raster/Dither.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -20,15 +21,30 @@ std::int16_t offsetAt(int x, int y) {
     return std::int16_t(offset - (offset >> 2));
 }
 
-MixPixel black(float alpha, int x, int y) {
-    const int value = int(alpha * float(mixOne) + 0.5f);
-    return {{0, 0, 0, std::int16_t(value > 0 ? std::clamp(value + offsetAt(x, y), 0, mixOne) : 0)}};
+int toMix(float alpha) {
+    return int(alpha * float(mixOne) + 0.5f);
+}
+
+MixPixel black(int alpha, int offset) {
+    return {{0, 0, 0, std::int16_t(alpha > 0 ? std::clamp(alpha + offset, 0, mixOne) : 0)}};
+}
+
+using Offsets = std::array<int, std::size_t(Dither::period)>;
+
+/// A row of black(): in whole periods, so that the compiler makes vectors of them.
+void blacken(const int* alphas, const Offsets& offsets, int count, MixPixel* out) {
+    int x = 0;
+    for (; x + Dither::period <= count; x += Dither::period)
+        for (int i = 0; i < Dither::period; ++i)
+            out[x + i] = black(alphas[x + i], offsets[std::size_t(i)]);
+    for (; x < count; ++x)
+        out[x] = black(alphas[x], offsets[std::size_t(x % Dither::period)]);
 }
 
 } // namespace
 
 ShadowPaint::Place ShadowPaint::Axis::place(double distance) const {
-    const double at = (distance - start) / step;
+    const double at = (distance - start) * perStep;
     // Not a number counts as the middle.
     const double inside = at > 0 ? std::min(at, double(count - 1)) : 0;
     const int index = std::min(int(inside), count - 2);
@@ -48,6 +64,7 @@ ShadowPaint::ShadowPaint(const RoundedRect& shape, double deviation, double opac
         const double length = half + reach * deviation - made.start;
         const double steps = std::clamp(std::ceil(length / (finest * deviation)), 1.0, mostEntries);
         made.step = length / steps;
+        made.perStep = 1 / made.step;
         made.count = int(steps) + 1;
         return made;
     };
@@ -118,41 +135,43 @@ void ShadowPaint::mix(const TileRect& tile, MixPixel* out) const {
     if (!isUpright) {
         for (int y = tile.y; y < tile.y + tile.height; ++y)
             for (int x = tile.x; x < tile.x + tile.width; ++x)
-                *out++ = black(alpha(m_toLocal.map({x + 0.5, y + 0.5})), x, y);
+                *out++ = black(toMix(alpha(m_toLocal.map({x + 0.5, y + 0.5}))), offsetAt(x, y));
         return;
     }
-    const auto column = [&](int x) {
-        return m_columns.place(std::abs(m_toLocal.map({x + 0.5, tile.y + 0.5}).x));
+    const double w = m_toLocal(2, 2);
+    const auto along = [w](double scale, double move, int pixel) {
+        return std::abs((scale * (pixel + 0.5) + move) / w);
     };
-    const auto row = [&](int y) { return m_rows.place(std::abs(m_toLocal.map({tile.x + 0.5, y + 0.5}).y)); };
     thread_local std::vector<Place> columns;
     columns.clear();
     for (int x = tile.x; x < tile.x + tile.width; ++x)
-        columns.push_back(column(x));
+        columns.push_back(m_columns.place(along(m_toLocal(0, 0), m_toLocal(0, 2), x)));
     // Along the middle of a straight side, and in the middle of the card, the columns are alike; but for the
     // dither, which repeats.
     const auto isMiddle = [](Place place) { return place.index == 0 && place.part == 0; };
     const bool isAlike = tile.width > Dither::period && std::all_of(columns.begin(), columns.end(), isMiddle);
     Place above{-1, 0};
     for (int y = tile.y; y < tile.y + tile.height; ++y, out += tile.width) {
-        const Place here = row(y);
+        const Place here = m_rows.place(along(m_toLocal(1, 1), m_toLocal(1, 2), y));
+        Offsets offsets;
+        for (int x = 0; x < Dither::period; ++x)
+            offsets[std::size_t(x)] = offsetAt(tile.x + x, y);
         if (isAlike) {
-            const float middle = read(columns.front(), here);
+            const int middle = toMix(read(columns.front(), here));
             for (int x = 0; x < Dither::period; ++x)
-                out[x] = black(middle, tile.x + x, y);
+                out[x] = black(middle, offsets[std::size_t(x)]);
             for (int x = Dither::period; x < tile.width; ++x)
                 out[x] = out[x - Dither::period];
             continue;
         }
         // The same from top to bottom.
-        thread_local std::vector<float> alphas;
+        thread_local std::vector<int> alphas;
         alphas.resize(columns.size());
         if (here.index != above.index || here.part != above.part)
             for (std::size_t x = 0; x < columns.size(); ++x)
-                alphas[x] = read(columns[x], here);
+                alphas[x] = toMix(read(columns[x], here));
         above = here;
-        for (int x = 0; x < tile.width; ++x)
-            out[x] = black(alphas[std::size_t(x)], tile.x + x, y);
+        blacken(alphas.data(), offsets, tile.width, out);
     }
 }
 

@@ -37,6 +37,7 @@ private:
     struct Axis {
         double start = 0; ///< Points.
         double step = 1;
+        double perStep = 1; ///< 1 / step.
         int count = 2;
         Place place(double distance) const;
     };
