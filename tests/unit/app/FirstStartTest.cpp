@@ -31,8 +31,8 @@ class FirstStartTest : public testing::Test {
 protected:
     FirstStartTest() { statusBar.isShown = false; }
     void start() {
-        firstStart.emplace(FirstStart::Services{queue, defaults, notifications, shortcuts, statusBar,
-                                                [this] { ++opened; }});
+        firstStart.emplace(
+            FirstStart::Services{queue, defaults, notifications, shortcuts, statusBar, [this] { ++opened; }});
     }
     bool hasSettings() const { return defaults.dataForKey(Settings::storeKey).has_value(); }
 
