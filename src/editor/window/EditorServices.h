@@ -33,7 +33,7 @@ struct EditorServices {
     std::function<std::unique_ptr<ToastManager>()> makeToastManager;
     BackgroundQueue& backgroundQueue;
     DesktopPictures& desktopPictures;
-    Sharing* sharing = nullptr; ///< Null where nothing can be shared.
+    Sharing* sharing = nullptr;               ///< Null where nothing can be shared.
     ScreenColorPicker* colorPicker = nullptr; ///< Null where no colour can be picked from the screen.
     UserDefaults* defaults = nullptr;         ///< Null where nothing is kept from one run to the next.
 };
