@@ -35,9 +35,8 @@ ColorAdjustmentsModifier adjustments(const ScreenshotStyleConfig& config) {
     return {config.gradientConfig.saturation / 100, (config.gradientConfig.brightness - 100) / 100};
 }
 
-/// A `color` or `gradient` background, not adjusted; null for none.
-std::shared_ptr<const raster::Paint> coloredPaint(const ScreenshotStyleConfig& config, QSizeF size,
-                                                  const Homography& toCanvas) {
+std::shared_ptr<const raster::Paint> makeColoredPaint(const ScreenshotStyleConfig& config, QSizeF size,
+                                                      const Homography& toCanvas) {
     return config.backgroundType == BackgroundType::color
                ? colorBackgroundPaint(config, size, toCanvas)
                : gradientBackgroundPaint(config.gradientConfig, size, toCanvas);
@@ -81,6 +80,14 @@ bool CompositionRasterizer::drawInto(QImage& target, const Composition& composit
     target.setDevicePixelRatio(1);
     raster::compose(mutableRasterView(target), layers(composition, viewport));
     return true;
+}
+
+bool CompositionRasterizer::drawInto(LivePicture& target, const Composition& composition,
+                                     const Viewport& viewport) {
+    if (isDrawable(viewport))
+        return target.draw(viewport.pixelSize, layers(composition, viewport));
+    target.clear();
+    return false;
 }
 
 std::vector<Layer> CompositionRasterizer::layers(const Composition& composition, const Viewport& viewport) {
@@ -149,9 +156,28 @@ std::shared_ptr<const raster::Paint> CompositionRasterizer::picturePaint(Slot sl
     Prepared& picture = prepared(slot, image);
     if (!picture.pyramid)
         return nullptr;
-    return std::make_shared<raster::PicturePaint>(picture.pyramid, size.width(), size.height(), placement,
-                                                  viewport.pixelSize.width(), viewport.pixelSize.height(),
-                                                  &picture.shades);
+    const PaintPlace place{size.width(), size.height(), placement, viewport.pixelSize.width(),
+                           viewport.pixelSize.height()};
+    const bool isSame = picture.paint && picture.place == place;
+    if (isSame && picture.hasComeTwice)
+        return picture.paint;
+    picture.paint =
+        std::make_shared<raster::PicturePaint>(picture.pyramid, place.width, place.height, placement,
+                                               place.outputWidth, place.outputHeight, &picture.shades);
+    picture.place = place;
+    picture.hasComeTwice = isSame;
+    return picture.paint;
+}
+
+std::shared_ptr<const raster::Paint> CompositionRasterizer::coloredPaint(const ScreenshotStyleConfig& config,
+                                                                         QSizeF size,
+                                                                         const Homography& toCanvas) {
+    auto identity = BackgroundBlur::Identity::ofColors(config);
+    if (m_colors.identity != identity || m_colors.width != size.width() || m_colors.height != size.height() ||
+        m_colors.toCanvas != toCanvas)
+        m_colors = {std::move(identity), size.width(), size.height(), toCanvas,
+                    makeColoredPaint(config, size, toCanvas)};
+    return m_colors.paint;
 }
 
 void CompositionRasterizer::appendBackground(std::vector<Layer>& layers, const Composition& composition,
@@ -232,7 +258,7 @@ std::shared_ptr<const raster::Paint> CompositionRasterizer::blurredBackground(co
         return m_blur.fine({{}, image.cacheKey()}, std::move(sharp), margin, canvas, deviation);
     }
     const auto adjusted = [&](const Homography& toCanvas) -> std::shared_ptr<const raster::Paint> {
-        auto paint = coloredPaint(config, size, toCanvas);
+        auto paint = makeColoredPaint(config, size, toCanvas);
         const ColorAdjustmentsModifier modifier = adjustments(config);
         if (!modifier.isActive())
             return paint;

@@ -2,6 +2,7 @@
 
 #include "editor/render/BackgroundBlur.h"
 #include "editor/render/Composition.h"
+#include "editor/render/LivePicture.h"
 #include "editor/render/TextLayers.h"
 #include "editor/render/raster/Compositor.h"
 #include "editor/render/raster/PicturePyramid.h"
@@ -42,6 +43,8 @@ public:
     /// The same into `target`, whose memory is used again when it fits and nobody else holds it. False, and a
     /// null target, where draw() gives null.
     bool drawInto(QImage& target, const Composition& composition, const Viewport& viewport);
+    /// The same as the next frame of a picture that this object alone draws.
+    bool drawInto(LivePicture& target, const Composition& composition, const Viewport& viewport);
 
     /// A frame of `size` points with the canvas centred in it, at `scale` pixels a point; the result has
     /// round(size x scale) pixels and `scale` as its devicePixelRatio. Null when that is nothing, not finite
@@ -59,12 +62,33 @@ public:
     bool isCanvasOpaque() const { return m_isCanvasOpaque; }
 
 private:
+    /// Where a background or a picture is stretched to.
+    struct PaintPlace {
+        double width = 0; ///< Points.
+        double height = 0;
+        raster::Placement placement;
+        int outputWidth = 0;
+        int outputHeight = 0;
+        bool operator==(const PaintPlace&) const = default;
+    };
     /// A picture in the kernels' format, its reductions, and its colours in the last frame.
     struct Prepared {
         qint64 key = 0;
         QImage pixels;
         std::shared_ptr<const raster::PicturePyramid> pyramid;
         raster::ShadeCache shades;
+        std::shared_ptr<const raster::Paint> paint; ///< Of the last frame.
+        PaintPlace place;
+        /// That a paint keeps its colours shows when its place comes for the second time.
+        bool hasComeTwice = false;
+    };
+    /// A background of colours, and what it was made of.
+    struct KeptColors {
+        BackgroundBlur::Identity identity;
+        double width = 0;
+        double height = 0;
+        raster::Homography toCanvas;
+        std::shared_ptr<const raster::Paint> paint;
     };
     enum Slot { screenshotSlot, backgroundSlot, slotCount };
 
@@ -79,6 +103,9 @@ private:
     /// transparent background.
     std::shared_ptr<const raster::Paint> blurredBackground(const Composition& composition,
                                                            const Viewport& viewport, double deviation);
+    /// A `color` or `gradient` background, not adjusted; null for none.
+    std::shared_ptr<const raster::Paint> coloredPaint(const ScreenshotStyleConfig& config, QSizeF size,
+                                                      const raster::Homography& toCanvas);
     void appendScene(std::vector<raster::Layer>& layers, const Composition& composition,
                      const Viewport& viewport);
     void appendTexts(std::vector<raster::Layer>& layers, const Composition& composition,
@@ -87,6 +114,7 @@ private:
                           const Viewport& viewport);
 
     std::array<Prepared, slotCount> m_prepared;
+    KeptColors m_colors;
     bool m_isCanvasOpaque = false;
     TextLayers m_texts;
     BackgroundBlur m_blur;

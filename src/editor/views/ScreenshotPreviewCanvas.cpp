@@ -107,8 +107,7 @@ void ScreenshotPreviewCanvas::drawFrame() {
     composition.config = m_config;
     composition.dragOffset = {m_dragOffset.width(), m_dragOffset.height()};
     composition.loadedBackgroundImage = m_loadedBackgroundImage;
-    m_front = 1 - m_front;
-    m_rasterizer.drawInto(m_frames[m_front], composition, {size, m_viewport.zoom() * ratio, centre});
+    m_rasterizer.drawInto(m_frame, composition, {size, m_viewport.zoom() * ratio, centre});
 }
 
 QRectF ScreenshotPreviewCanvas::canvasPlace() const {
@@ -130,7 +129,7 @@ QRect ScreenshotPreviewCanvas::canvasPixels() const {
 QRect ScreenshotPreviewCanvas::opaquePixels() const {
     if (!m_rasterizer.isCanvasOpaque())
         return {};
-    const QRectF place = canvasPlace() & QRectF(m_frames[m_front].rect());
+    const QRectF place = canvasPlace() & QRectF(m_frame.rect());
     const QPoint topLeft(int(std::ceil(place.left())), int(std::ceil(place.top())));
     return {topLeft, QSize(int(std::floor(place.right())) - topLeft.x(),
                            int(std::floor(place.bottom())) - topLeft.y())};
@@ -142,7 +141,7 @@ QSGNode* ScreenshotPreviewCanvas::updatePaintNode(QSGNode* node, UpdatePaintNode
         return nullptr;
     }
     drawFrame();
-    if (m_frames[m_front].isNull()) {
+    if (m_frame.isNull()) {
         delete node;
         return nullptr;
     }
@@ -154,8 +153,8 @@ QSGNode* ScreenshotPreviewCanvas::updatePaintNode(QSGNode* node, UpdatePaintNode
     }
     const double ratio = window()->effectiveDevicePixelRatio();
     static_cast<CanvasEdge*>(node->firstChild())
-        ->place(*window(), canvasPixels(), m_frames[m_front].size(), ratio, m_isDark);
-    static_cast<CanvasFrame*>(node->lastChild())->show(*window(), m_frames[m_front], opaquePixels(), ratio);
+        ->place(*window(), canvasPixels(), m_frame.rect().size(), ratio, m_isDark);
+    static_cast<CanvasFrame*>(node->lastChild())->show(*window(), m_frame, opaquePixels(), ratio);
     return node;
 }
 

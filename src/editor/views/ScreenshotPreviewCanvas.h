@@ -2,6 +2,7 @@
 
 #include "editor/model/ScreenshotStyleConfig.h"
 #include "editor/render/CompositionRasterizer.h"
+#include "editor/render/LivePicture.h"
 #include "editor/views/CanvasViewport.h"
 
 #include <QImage>
@@ -9,7 +10,6 @@
 #include <QQuickItem>
 #include <QSizeF>
 #include <QtQml/qqmlregistration.h>
-#include <array>
 #include <optional>
 #include <stop_token>
 #include <utility>
@@ -52,7 +52,7 @@ public:
     /// The decoded background; null while there is none.
     QImage loadedBackgroundImage() const { return m_loadedBackgroundImage; }
     /// The drawn frame, in device pixels.
-    QImage frame() const { return m_frames[m_front]; }
+    QImage frame() const { return m_frame.view().copy(); }
     const CanvasViewport& viewport() const { return m_viewport; }
 
     /// Puts the canvas into the middle of the view.
@@ -142,9 +142,7 @@ private:
     bool m_watchesBackground = false;
     std::stop_source m_backgroundLoading; ///< Of the latest decoding.
     CompositionRasterizer m_rasterizer;
-    /// Two, so that drawing the next frame does not copy the one that is being shown.
-    std::array<QImage, 2> m_frames;
-    std::size_t m_front = 0;
+    LivePicture m_frame;
 };
 
 } // namespace framora

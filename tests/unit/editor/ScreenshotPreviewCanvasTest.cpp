@@ -210,6 +210,48 @@ TEST_F(Canvas, ShowsAFrameOfGlassOverItsEdgeAsItIsDrawn) {
     }
 }
 
+TEST_F(Canvas, IsSeenWithEveryChangeThoughNoMoreThanThatIsDrawnAgain) {
+    // Almost all of the view, with the screenshot's middle large enough to stay while the rest changes.
+    set([](auto& style) {
+        style.zoom = 190;
+        style.padding = 20;
+        style.backgroundType = BackgroundType::gradient;
+    });
+    CompositionRasterizer rasterizer;
+    const auto isRight = [&] {
+        Composition composition;
+        composition.image = canvas->image();
+        composition.config = config;
+        const QImage expected = rasterizer.draw(composition, {{600, 400}, 1.9, {300, 200}});
+        const QSizeF size = canvas->viewport().content();
+        const QRect inside(int(300 - size.width() / 2) + 1, int(200 - size.height() / 2) + 1,
+                           int(size.width()) - 2, int(size.height()) - 2);
+        return window.grabWindow().convertToFormat(QImage::Format_ARGB32_Premultiplied).copy(inside) ==
+               expected.copy(inside);
+    };
+    for (int step = 0; step < 6; ++step) {
+        for (int again = 0; again < 3; ++again) {
+            set([&](auto& style) { style.gradientConfig.saturation = 40 * step + 10 * again; });
+            ASSERT_TRUE(isRight()) << "colours " << step;
+        }
+        set([&](auto& style) { style.screenshotOffset.width = step * 9 % 25; });
+        ASSERT_TRUE(isRight()) << "place " << step;
+        set([&](auto& style) { style.padding = 20 + step % 3; });
+        ASSERT_TRUE(isRight()) << "size " << step;
+        canvas->update(); // nothing changed
+        ASSERT_TRUE(isRight()) << "nothing " << step;
+    }
+    QImage other = image;
+    other.fill(QColor(20, 160, 40));
+    canvas->setImage(other);
+    EXPECT_TRUE(isRight());
+    // Another view has another frame.
+    canvas->setSize({500, 400});
+    window.grabWindow();
+    canvas->setSize({600, 400});
+    EXPECT_TRUE(isRight());
+}
+
 TEST_F(Canvas, IsSeenInItsPlaceWhenPartsOfItComeLater) {
     // Beside a sidebar and under a header, as in the editor.
     const QPoint corner(90, 40);

@@ -4,7 +4,9 @@
 #include "unit/render/TestPictures.h"
 
 #include <cmath>
+#include <functional>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace framora {
 namespace {
@@ -285,6 +287,103 @@ TEST(CompositionRasterizer, DrawsTheSameFromWhatItKeptOfEarlierFrames) {
         ASSERT_TRUE(areEqual(target, CompositionRasterizer().draw(composition, viewport)))
             << "other pictures";
     }
+}
+
+/// A live picture after each of some changes of the style, beside what is drawn of it afresh.
+class LiveFrames {
+public:
+    /// Whether the next frame is the same as one drawn from nothing, and what is told to have stayed did.
+    testing::AssertionResult areExact(const Composition& composition, QPointF centre = {131.4, 80}) {
+        const CompositionRasterizer::Viewport viewport{QSize(260, 170), 0.55, centre};
+        const QImage before = live.view().copy();
+        if (!rasterizer.drawInto(live, composition, viewport))
+            return testing::AssertionFailure() << "nothing was drawn";
+        const QImage fresh = CompositionRasterizer().draw(composition, viewport);
+        if (!areEqual(live.view(), fresh))
+            return testing::AssertionFailure() << "another picture";
+        const QRect still = live.unchanged();
+        if (!before.isNull() && !still.isEmpty() && !areEqual(before.copy(still), fresh.copy(still)))
+            return testing::AssertionFailure() << "what stayed is different";
+        return testing::AssertionSuccess();
+    }
+
+    CompositionRasterizer rasterizer;
+    LivePicture live;
+};
+
+TEST(LivePicture, ShowsWhatIsDrawnFromNothingWhateverTheFramesBeforeIt) {
+    Composition composition = compositionOf(noisePicture(220, 130), {}, false);
+    composition.loadedBackgroundImage = noisePicture(60, 70);
+    LiveFrames frames;
+    ScreenshotStyleConfig& style = composition.config;
+    const std::vector<std::function<void(double)>> gestures = {
+        [&](double part) {
+            composition.dragOffset = {part * 200, part * -90};
+        },
+        [&](double part) { style.gradientConfig.saturation = 100 + part * 100; },
+        [&](double part) { style.gradientConfig.noiseAmount = part * 50; },
+        [&](double part) { style.gradientConfig.blurAmount = part * 30; },
+        [&](double part) { style.borderRadius = part * 40; },
+        [&](double part) { style.padding = part * 90; },
+        [&](double part) { style.mockupBorderSize = part * 10; },
+        [&](double part) { style.scale = 0.5 + part; },
+        [&](double part) { style.rotationX = part * 60; },
+        [&](double part) {
+            style.shadowSceneMode = part > 0.5 ? ShadowSceneMode::overlay : ShadowSceneMode::underlay;
+        },
+    };
+    for (const auto type : {BackgroundType::image, BackgroundType::gradient, BackgroundType::color,
+                            BackgroundType::transparent})
+        for (const auto mockup : {MockupStyle::border, MockupStyle::glassEffect})
+            for (std::size_t gesture = 0; gesture < gestures.size(); ++gesture) {
+                style = {};
+                composition.dragOffset = {};
+                style.backgroundType = type;
+                style.mockupStyle = mockup;
+                // Each step twice: what comes again is drawn from what is kept.
+                for (const double part : {0.0, 0.0, 0.2, 0.2, 0.2, 0.9, 0.2}) {
+                    gestures[gesture](part);
+                    ASSERT_TRUE(frames.areExact(composition)) << int(type) << " " << gesture << " " << part;
+                }
+            }
+    // Other pictures in the same place.
+    for (int i = 0; i < 3; ++i) {
+        composition.image = noisePicture(220, 130 + i % 2);
+        composition.loadedBackgroundImage = i == 1 ? QImage() : flatPicture(3, 3);
+        ASSERT_TRUE(frames.areExact(composition));
+        ASSERT_TRUE(frames.areExact(composition, {100, 90}));
+    }
+}
+
+TEST(LivePicture, DrawsNothingAgainThatDidNotChange) {
+    ScreenshotStyleConfig style;
+    style.backgroundType = BackgroundType::gradient;
+    style.padding = 200;
+    Composition composition = compositionOf(noisePicture(1200, 800), style, false);
+    CompositionRasterizer rasterizer;
+    LivePicture live;
+    const CompositionRasterizer::Viewport viewport{QSize(900, 700), 0.5, QPointF(450, 350)};
+    const QRect all(0, 0, 900, 700);
+    const auto draw = [&] { ASSERT_TRUE(rasterizer.drawInto(live, composition, viewport)); };
+    draw();
+    EXPECT_TRUE(live.hasChanged(all));
+    draw(); // with what is kept from now on
+    draw();
+    EXPECT_FALSE(live.hasChanged(all));
+    EXPECT_EQ(live.unchanged(), all);
+    // The screenshot takes 600 x 400 in the middle and hides what changes under it, the canvas 800 x 600.
+    composition.config.gradientConfig.saturation = 20;
+    draw();
+    EXPECT_FALSE(live.hasChanged(QRect(260, 200, 380, 300)));
+    EXPECT_TRUE(live.hasChanged(QRect(60, 60, 10, 10)));
+    EXPECT_TRUE(live.unchanged().contains(QRect(260, 200, 380, 300)));
+    // Somebody who looks on sees the same memory; a picture of another size has its own.
+    const QImage watched = live.view();
+    ASSERT_TRUE(rasterizer.drawInto(live, composition, {QSize(10, 10), 1, QPointF(5, 5)}));
+    EXPECT_EQ(watched.size(), all.size());
+    EXPECT_EQ(live.view().size(), QSize(10, 10));
+    ASSERT_FALSE(rasterizer.drawInto(live, composition, {QSize(0, 10), 1, QPointF(5, 5)}));
+    EXPECT_TRUE(live.isNull());
 }
 
 TEST(CompositionRasterizer, DrawsTheSameWhateverTheThreads) {

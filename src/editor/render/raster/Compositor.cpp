@@ -1,6 +1,7 @@
 #include "editor/render/raster/Compositor.h"
 
 #include "editor/render/raster/BandCoverage.h"
+#include "editor/render/raster/DrawnTiles.h"
 #include "editor/render/raster/MixKernels.h"
 #include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/PixelEffects.h"
@@ -213,6 +214,20 @@ std::size_t firstSeen(const std::vector<Layer>& layers, const TileRect& tile, Sc
     return first;
 }
 
+/// What a tile shows, told from all else that may have been drawn there.
+std::uint64_t contentOf(const DrawnTiles& drawn, const std::vector<Layer>& layers, std::size_t first,
+                        const Scratch& scratch) {
+    std::uint64_t content = 0x2545f4914f6cdd1du; // of nothing
+    for (std::size_t i = first; i < layers.size(); ++i)
+        if (scratch.shares[i].kind != Share::none) {
+            const bool isWhole = scratch.shares[i].kind == Share::whole;
+            content += isWhole ? drawn.colorSerial(i) : drawn.serial(i);
+            content *= 0x9e3779b97f4a7c15u;
+            content ^= content >> 29;
+        }
+    return std::max<std::uint64_t>(content, 1);
+}
+
 /// Mixes a tile into scratch.mixed, from the first layer that is seen on. False when no layer touches it;
 /// then nothing is written.
 bool mixTile(const std::vector<Layer>& layers, const TileRect& tile, std::size_t first, Scratch& scratch) {
@@ -276,13 +291,17 @@ void forEachBand(int width, int height, const std::vector<Layer>& layers, const 
 }
 
 /// Draws a band of rows into `out`, whose first row is the band's; the first tile ends at `lead`, if above 0.
+/// What is `drawn` already, if that is given, is left as it is.
 void drawBand(MutablePixelView out, const TileRect& band, int tileWidth, int lead,
               void (*pack)(const MixPixel*, std::size_t, std::uint32_t*), const std::vector<Layer>& layers,
-              Scratch& scratch) {
+              DrawnTiles* drawn, Scratch& scratch) {
     for (int x = 0, end = 0; x < band.width; x = end) {
         end = std::min(x < lead ? lead : x + tileWidth, band.width);
         const TileRect tile{x, band.y, end - x, band.height};
-        const bool isDrawn = mixTile(layers, tile, firstSeen(layers, tile, scratch), scratch);
+        const std::size_t first = firstSeen(layers, tile, scratch);
+        if (drawn && !drawn->take(tile.x, tile.y, contentOf(*drawn, layers, first, scratch)))
+            continue;
+        const bool isDrawn = mixTile(layers, tile, first, scratch);
         for (int y = 0; y < tile.height; ++y) {
             std::uint32_t* row = out.row(y) + tile.x;
             if (isDrawn)
@@ -300,7 +319,7 @@ bool hidesWhatLiesUnder(const Layer& layer) {
                                   (layer.blend == Layer::Blend::normal && layer.paint->isOpaque()));
 }
 
-void compose(MutablePixelView output, const std::vector<Layer>& layers) {
+void compose(MutablePixelView output, const std::vector<Layer>& layers, DrawnTiles* drawn) {
     if (output.isEmpty())
         return;
     const bool isLarge = std::size_t(output.height) * std::size_t(output.stride) > cachedBytes;
@@ -310,11 +329,13 @@ void compose(MutablePixelView output, const std::vector<Layer>& layers) {
     const std::size_t misplaced = reinterpret_cast<std::uintptr_t>(output.data) % line;
     const bool isRegular = isLarge && std::size_t(output.stride) % line == 0 && misplaced > 0;
     const int lead = isRegular ? int((line - misplaced) / sizeof(std::uint32_t)) : 0;
+    if (drawn)
+        drawn->begin(output, tileSize(layers), lead, layers);
     forEachBand(output.width, output.height, layers,
                 [&](const TileRect& band, int tileWidth, Scratch& scratch) {
                     const MutablePixelView rows{reinterpret_cast<std::byte*>(output.row(band.y)), band.width,
                                                 band.height, output.stride};
-                    drawBand(rows, band, tileWidth, lead, pack, layers, scratch);
+                    drawBand(rows, band, tileWidth, lead, pack, layers, drawn, scratch);
                     if (isLarge)
                         flushPixels();
                 });
@@ -337,7 +358,8 @@ void Compositor::draw(MutablePixelView rows, int top) const {
         const TileRect band{0, top + y, m_width, std::min(size.height, rows.height - y)};
         const MutablePixelView out{reinterpret_cast<std::byte*>(rows.row(y)), rows.width, band.height,
                                    rows.stride};
-        drawBand(out, band, size.width, 0, packPixels, m_layers, scratchFor(band, m_shapes->ofLayers));
+        drawBand(out, band, size.width, 0, packPixels, m_layers, nullptr,
+                 scratchFor(band, m_shapes->ofLayers));
     }
 }
 

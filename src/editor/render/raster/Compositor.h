@@ -27,6 +27,7 @@ struct Layer {
         bool isUsual() const {
             return saturation >= 0 && saturation <= mostSaturation && brightness >= -1 && brightness <= 1;
         }
+        bool operator==(const Adjustment&) const = default;
     };
     std::optional<Adjustment> adjustment; ///< Of the paint's colours.
 
@@ -34,6 +35,7 @@ struct Layer {
         float intensity = 0;
         int originX = 0; ///< The output pixel where the grain's own grid starts.
         int originY = 0;
+        bool operator==(const Noise&) const = default;
     };
     std::optional<Noise> noise; ///< Over the paint's colours.
 
@@ -48,15 +50,20 @@ struct Layer {
     /// Whether a layer further down has the same outline: then no fringe of it shows at the edge. Not for
     /// Blend::replace.
     bool sharesEdge = false;
+    /// Whether both draw the same, and with the same paint.
+    bool operator==(const Layer&) const = default;
 };
+
+class DrawnTiles;
 
 /// Whether nothing shows through where the layer covers a pixel whole.
 bool hidesWhatLiesUnder(const Layer& layer);
 
 /// Draws the layers, the first one undermost, over nothing, and overwrites all of `output`. Colours are mixed
 /// with fifteen bits and rounded once at the end. The pixels depend neither on the number of threads nor on
-/// the kind of vector unit.
-void compose(MutablePixelView output, const std::vector<Layer>& layers);
+/// the kind of vector unit. With `drawn`, which is of this picture, tiles that show the same already are left
+/// out.
+void compose(MutablePixelView output, const std::vector<Layer>& layers, DrawnTiles* drawn = nullptr);
 
 /// compose() in pieces, each as large as is wanted when it is wanted: the whole picture need not be in
 /// memory.

@@ -22,6 +22,7 @@ struct Placement {
     /// Adds a movement in output pixels: the whole part to the origin, the rest, to the nearest 4096th, to
     /// the map. Movements out of all proportion leave the map not finite.
     void move(double x, double y);
+    bool operator==(const Placement&) const = default;
 };
 
 } // namespace framora::raster

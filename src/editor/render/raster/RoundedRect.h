@@ -24,6 +24,7 @@ struct RoundedRect {
     /// curve. What does not lie in front of the eye is cut off; empty when nothing is left or a number is not
     /// finite.
     std::vector<Vec2> outline(const Placement& placement) const;
+    bool operator==(const RoundedRect&) const = default;
 };
 
 } // namespace framora::raster
