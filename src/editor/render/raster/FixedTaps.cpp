@@ -1,17 +1,21 @@
 #include "editor/render/raster/FixedTaps.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace framora::raster {
 namespace {
+
+/// std::lround(), which is a call.
+int rounded(double value) {
+    return value < 0 ? -int(0.5 - value) : int(value + 0.5);
+}
 
 /// Rounds weights whose sum is 1 so that their sum is FixedTaps::one: a plain surface stays what it is.
 void roundWeights(const ResampleKernel::Taps& taps, std::int16_t* out) {
     int sum = 0;
     int largest = 0;
     for (int i = 0; i < taps.count; ++i) {
-        out[i] = std::int16_t(std::lround(taps.weights[i] * float(FixedTaps::one)));
+        out[i] = std::int16_t(rounded(taps.weights[i] * float(FixedTaps::one)));
         sum += out[i];
         if (out[i] > out[largest])
             largest = i;

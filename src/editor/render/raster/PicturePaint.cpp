@@ -21,11 +21,11 @@ int reduction(double scale) {
 
 /// The kernel of one axis: source s lies at output s * scale + offset. It covers the picture's own pixels in
 /// the `size` outputs from `start`.
-ResampleKernel axisKernel(double scale, double offset, int sourceSize, int start, int size) {
+SeparableSampler::Axis axisOf(double scale, double offset, int sourceSize, int start, int size) {
     const double end = double(start) + size;
     const int first = int(std::clamp(std::floor(offset) - 1, double(start), end));
     const int last = int(std::clamp(std::ceil(sourceSize * scale + offset) + 1, double(first), end));
-    return ResampleKernel(1 / scale, -offset / scale, sourceSize, first, last);
+    return {1 / scale, -offset / scale, first, last};
 }
 
 /// The rectangle that the picture takes, in pixels from the layer's origin; empty when it is much larger than
@@ -87,8 +87,8 @@ PicturePaint::PicturePaint(std::shared_ptr<const PicturePyramid> picture, double
     const double scaleX = map(0, 0) * pixels.width / level.width;
     const double scaleY = map(1, 1) * pixels.height / level.height;
     m_separable = std::make_shared<const SeparableSampler>(
-        level, axisKernel(scaleX, map(0, 2), level.width, region.left, region.width),
-        axisKernel(scaleY, map(1, 2), level.height, region.top, region.height));
+        level, axisOf(scaleX, map(0, 2), level.width, region.left, region.width),
+        axisOf(scaleY, map(1, 2), level.height, region.top, region.height));
     if (m_cache)
         m_cache->keepSampler(m_separable);
 }

@@ -12,9 +12,9 @@ namespace framora::raster {
 void resample(PixelView source, MutablePixelView target) {
     if (source.isEmpty() || target.isEmpty())
         return;
-    const auto kernel = [](int from, int to) { return ResampleKernel(double(from) / to, 0, from, 0, to); };
-    const SeparableSampler sampler(source, kernel(source.width, target.width),
-                                   kernel(source.height, target.height));
+    const auto axis = [](int from, int to) { return SeparableSampler::Axis{double(from) / to, 0, 0, to}; };
+    const SeparableSampler sampler(source, axis(source.width, target.width),
+                                   axis(source.height, target.height));
     constexpr int rowsAtOnce = 8;
     parallelFor((target.height + rowsAtOnce - 1) / rowsAtOnce, [&](int band) {
         std::vector<MixPixel> row(static_cast<std::size_t>(target.width));

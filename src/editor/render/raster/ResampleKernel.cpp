@@ -5,11 +5,10 @@
 
 namespace framora::raster {
 
-double stretchedWidth(double step) {
-    return step <= 1 ? 1 : step * (1 + 0.15 * std::min(1.0, (step - 1) * 10));
-}
+namespace {
 
-double catmullRom(double x) {
+/// catmullRom(), without a call.
+inline double curve(double x) {
     x = std::abs(x);
     if (x < 1)
         return (1.5 * x - 2.5) * x * x + 1;
@@ -18,11 +17,24 @@ double catmullRom(double x) {
     return 0;
 }
 
+} // namespace
+
+double stretchedWidth(double step) {
+    return step <= 1 ? 1 : step * (1 + 0.15 * std::min(1.0, (step - 1) * 10));
+}
+
+double catmullRom(double x) {
+    return curve(x);
+}
+
 ResampleKernel::ResampleKernel(double step, double origin, int sourceSize, int firstOutput, int endOutput)
     : m_firstOutput(firstOutput) {
     // A picture smaller than an output pixel is one mean; a wider kernel would only repeat its edges.
     const double width = std::min(stretchedWidth(step), double(sourceSize));
     std::vector<double> weights;
+    const auto count = std::size_t(std::max(endOutput - firstOutput, 1));
+    m_entries.reserve(count);
+    m_weights.reserve(count * std::min(std::size_t(4 * width + 1), std::size_t(sourceSize)));
     for (int output = firstOutput; output < std::max(endOutput, firstOutput + 1); ++output) {
         const double centre = (output + 0.5) * step + origin - 0.5;
         // Far outside, all taps repeat the edge; staying near keeps the numbers whole.
@@ -35,7 +47,7 @@ ResampleKernel::ResampleKernel(double step, double origin, int sourceSize, int f
         weights.assign(std::size_t(last - first + 1), 0.0);
         double sum = 0;
         for (int source = from; source <= to; ++source) {
-            const double weight = catmullRom((source - near) / width);
+            const double weight = curve((source - near) / width);
             weights[std::size_t(std::clamp(source, first, last) - first)] += weight;
             sum += weight;
         }

@@ -1,5 +1,6 @@
 #include "editor/render/raster/SeparableSampler.h"
 
+#include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/ResampleKernels.h"
 
 #include <algorithm>
@@ -7,11 +8,19 @@
 
 namespace framora::raster {
 
-SeparableSampler::SeparableSampler(PixelView picture, ResampleKernel columns, ResampleKernel rows)
-    : m_picture(picture), m_columns(std::move(columns)), m_rows(std::move(rows)),
-      m_fixedColumns(m_columns, m_columns.firstOutput(), m_columns.endOutput()),
-      m_fixedRows(m_rows, m_rows.firstOutput(), m_rows.endOutput()) {
-    m_fixedColumns.spreadWeights();
+SeparableSampler::SeparableSampler(PixelView picture, const Axis& columns, const Axis& rows)
+    : m_picture(picture) {
+    const auto make = [](const Axis& axis, int size, ResampleKernel& kernel, FixedTaps& fixed) {
+        kernel = ResampleKernel(axis.step, axis.origin, size, axis.first, axis.end);
+        fixed = FixedTaps(kernel, kernel.firstOutput(), kernel.endOutput());
+    };
+    // Both at once: while a picture's scale changes, every frame waits for them.
+    parallelFor(2, [&](int axis) {
+        if (axis == 1)
+            return make(rows, picture.height, m_rows, m_fixedRows);
+        make(columns, picture.width, m_columns, m_fixedColumns);
+        m_fixedColumns.spreadWeights();
+    });
 }
 
 void SeparableSampler::mix(const TileRect& tile, MixPixel* out) const {

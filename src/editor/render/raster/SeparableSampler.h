@@ -11,13 +11,20 @@ namespace framora::raster {
 class SeparableSampler {
 public:
     SeparableSampler() = default;
-    /// Both kernels are made for the picture's size; `picture` must live as long as this.
-    SeparableSampler(PixelView picture, ResampleKernel columns, ResampleKernel rows);
+    /// Along one axis: the outputs [first, end), and where they lie as in a ResampleKernel.
+    struct Axis {
+        double step;
+        double origin;
+        int first;
+        int end;
+    };
+    /// `picture` must live as long as this.
+    SeparableSampler(PixelView picture, const Axis& columns, const Axis& rows);
 
     /// The premultiplied colours of `count` output pixels from (x, y), 0...255. They must lie inside the
-    /// kernels.
+    /// axes.
     void read(int x, int y, int count, Float4* out) const;
-    /// The same for a block, fast and to within one step of 255. Positions beyond the kernels get what the
+    /// The same for a block, fast and to within one step of 255. Positions beyond the axes get what the
     /// nearest inside gets.
     void mix(const TileRect& tile, MixPixel* out) const;
 
