@@ -221,6 +221,17 @@ public:
         });
     }
 
+    /// As the window manager does it while a corner is dragged.
+    Frames resize(int count) {
+        const QSize before = m_window.size();
+        Frames frames = measure(count, [&](int i) {
+            const int away = 2 * std::abs(i % 100 - 50);
+            m_window.resize(before - QSize(away + i % 2, away));
+        });
+        m_window.resize(before);
+        return frames;
+    }
+
     void showTab(int index) { m_session.setProperty("selectedTab", index); }
 
 private:
@@ -287,6 +298,14 @@ void measureGestures(Editor& editor, const std::string& only) {
     restore();
     model.zoomToActualSize();
     run("drag at 100 %, image background", [&](int count) { return editor.drag(count); });
+    model.zoomTo(300);
+    run("drag at 300 %, image background", [&](int count) { return editor.drag(count); });
+    model.fitToWindow();
+    settle(300);
+    model.set(QStringLiteral("mockupStyle"), QStringLiteral("glassEffect"));
+    run("drag, frame of glass", [&](int count) { return editor.drag(count); });
+    restore();
+    run("window's size", [&](int count) { return editor.resize(count); });
     model.fitToWindow();
     settle(300);
     for (const Slider& slider : sliders()) {
