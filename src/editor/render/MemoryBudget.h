@@ -18,9 +18,13 @@ public:
         /// Waits until that many bytes are free. What is more than the budget gets all of it, alone. Takes
         /// nothing once `stop` is asked for.
         Share(MemoryBudget& budget, qint64 bytes, const std::stop_token& stop);
+        /// Takes nothing where they are not free now.
+        Share(MemoryBudget& budget, qint64 bytes);
         ~Share();
         Share(const Share&) = delete;
         Share& operator=(const Share&) = delete;
+
+        bool isTaken() const { return m_bytes > 0; }
 
     private:
         MemoryBudget& m_budget;

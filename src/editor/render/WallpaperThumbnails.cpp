@@ -13,6 +13,10 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <deque>
+#include <mutex>
+#include <numeric>
+#include <optional>
 #include <thread>
 
 namespace framora {
@@ -25,7 +29,7 @@ constexpr QSize decodedBox(600, 450);
 
 constexpr qint64 mebibyte = 1 << 20;
 /// What all that is decoded at one time may take together.
-constexpr qint64 decodingBudget = 220 * mebibyte;
+constexpr qint64 decodingBudget = 310 * mebibyte;
 /// A picture that would take more by itself is no wallpaper.
 constexpr qint64 mostForOne = 320 * mebibyte;
 /// A decoder's process by itself, and what it holds a pixel: planes and samples, or a video's reference
@@ -44,31 +48,41 @@ constexpr qint64 boundFor(qint64 share) {
     return share * 3 / 2 + 64 * mebibyte;
 }
 
-QImage decodeCandidate(const WallpaperCandidate& candidate, MemoryBudget& budget,
-                       const std::stop_token& stop) {
-    QFile file;
-    if (!openRegularFile(file, candidate.url.toLocalFile()))
-        return {};
-    if (candidate.isVideo || isHeif(file.handle())) {
-        const qint64 claimed = isoMediaPixels(file.handle());
-        const double pixels = double(claimed > 0 ? claimed : assumedPixels);
-        const double perPixel = candidate.isVideo ? bytesPerVideoPixel : bytesPerHeifPixel;
-        const auto bytes = qint64(std::min(pixels * perPixel, double(decodingBudget)));
-        const qint64 shareBytes = decoderBytes + bytes;
-        const MemoryBudget::Share share(budget, shareBytes, stop);
-        const QString decoder =
-            candidate.isVideo ? QStringLiteral("framora-video-still") : QStringLiteral("framora-heif");
-        return stop.stop_requested()
-                   ? QImage()
-                   : decodeInProcess(decoder, file.handle(),
-                                     {decodedBox, decoderPatience, 1, boundFor(shareBytes), stop});
+/// A candidate's file, open, and what decoding it will take.
+class CandidateFile {
+public:
+    explicit CandidateFile(const WallpaperCandidate& candidate) {
+        if (!openRegularFile(m_file, candidate.url.toLocalFile()))
+            return;
+        if (candidate.isVideo || isHeif(m_file.handle())) {
+            const qint64 claimed = isoMediaPixels(m_file.handle());
+            const double pixels = double(claimed > 0 ? claimed : assumedPixels);
+            const double perPixel = candidate.isVideo ? bytesPerVideoPixel : bytesPerHeifPixel;
+            m_bytes = decoderBytes + qint64(std::min(pixels * perPixel, double(decodingBudget)));
+            m_decoder =
+                candidate.isVideo ? QStringLiteral("framora-video-still") : QStringLiteral("framora-heif");
+            return;
+        }
+        m_picture.emplace(m_file, decodedBox);
+        if (m_picture->bytesNeeded() <= mostForOne)
+            m_bytes = m_picture->bytesNeeded();
     }
-    ReducedPicture picture(file, decodedBox);
-    if (picture.bytesNeeded() < 1 || picture.bytesNeeded() > mostForOne)
-        return {};
-    const MemoryBudget::Share share(budget, picture.bytesNeeded(), stop);
-    return stop.stop_requested() ? QImage() : picture.decode({patience, stop});
-}
+
+    /// 0 for what is no wallpaper.
+    qint64 bytesNeeded() const { return m_bytes; }
+
+    QImage decode(const std::stop_token& stop) {
+        return m_picture ? m_picture->decode({patience, stop})
+                         : decodeInProcess(m_decoder, m_file.handle(),
+                                           {decodedBox, decoderPatience, 1, boundFor(m_bytes), stop});
+    }
+
+private:
+    QFile m_file;
+    QString m_decoder;
+    std::optional<ReducedPicture> m_picture;
+    qint64 m_bytes = 0;
+};
 
 bool isOpaque(const QImage& image) {
     for (int y = 0; y < image.height(); ++y) {
@@ -79,10 +93,7 @@ bool isOpaque(const QImage& image) {
     return true;
 }
 
-QImage makeThumbnail(const WallpaperCandidate& candidate, MemoryBudget& budget, const std::stop_token& stop) {
-    const QImage decoded = decodeCandidate(candidate, budget, stop);
-    if (stop.stop_requested())
-        return {};
+QImage thumbnailOf(const QImage& decoded) {
     QImage thumbnail = resizedImage(decoded, thumbnailWidth, thumbnailHeight);
     if (thumbnail.isNull())
         thumbnail = decoded;
@@ -92,19 +103,109 @@ QImage makeThumbnail(const WallpaperCandidate& candidate, MemoryBudget& budget, 
                : std::move(thumbnail).convertToFormat(QImage::Format_RGB888);
 }
 
+/// Several threads at the candidates. One that does not fit into the budget is put off, and those behind it
+/// go before it: two large videos do not fit at once, but pictures do beside one. So videos come first.
+class ThumbnailWork {
+public:
+    ThumbnailWork(const std::vector<WallpaperCandidate>& candidates, const std::stop_token& stop)
+        : m_candidates(candidates), m_stop(stop), m_order(candidates.size()),
+          m_thumbnails(candidates.size()) {
+        std::iota(m_order.begin(), m_order.end(), std::size_t(0));
+        std::ranges::stable_partition(m_order, [&](std::size_t i) { return candidates[i].isVideo; });
+    }
+
+    /// On each of the threads; returns when nothing is left to begin.
+    void run() {
+        while (!m_stop.stop_requested() && (runOnePutOff() || runNext() || awaitOnePutOff())) {
+        }
+    }
+
+    std::vector<QImage> take() { return std::move(m_thumbnails); }
+
+private:
+    struct PutOff {
+        std::size_t index;
+        qint64 bytes;
+    };
+
+    bool runNext() {
+        const std::size_t next = m_next++;
+        if (next >= m_order.size())
+            return false;
+        const std::size_t index = m_order[next];
+        CandidateFile file(m_candidates[index]);
+        if (file.bytesNeeded() < 1)
+            return true;
+        if (const MemoryBudget::Share share(m_budget, file.bytesNeeded()); share.isTaken()) {
+            decode(index, file);
+            return true;
+        }
+        const std::lock_guard lock(m_mutex);
+        m_putOff.push_back({index, file.bytesNeeded()});
+        return true;
+    }
+
+    /// The first one that fits now.
+    bool runOnePutOff() {
+        std::unique_lock lock(m_mutex);
+        for (auto one = m_putOff.begin(); one != m_putOff.end(); ++one) {
+            const PutOff taken = *one;
+            const MemoryBudget::Share share(m_budget, taken.bytes);
+            if (!share.isTaken())
+                continue;
+            m_putOff.erase(one);
+            lock.unlock();
+            decodePutOff(taken);
+            return true;
+        }
+        return false;
+    }
+
+    bool awaitOnePutOff() {
+        std::unique_lock lock(m_mutex);
+        if (m_putOff.empty())
+            return false;
+        const PutOff taken = m_putOff.front();
+        m_putOff.pop_front();
+        lock.unlock();
+        const MemoryBudget::Share share(m_budget, taken.bytes, m_stop);
+        if (share.isTaken())
+            decodePutOff(taken);
+        return true;
+    }
+
+    void decodePutOff(const PutOff& one) {
+        CandidateFile file(m_candidates[one.index]);
+        if (file.bytesNeeded() > 0 && file.bytesNeeded() <= one.bytes) // still the same
+            decode(one.index, file);
+    }
+
+    void decode(std::size_t index, CandidateFile& file) {
+        const QImage decoded = file.decode(m_stop);
+        if (!m_stop.stop_requested())
+            m_thumbnails[index] = thumbnailOf(decoded);
+    }
+
+    const std::vector<WallpaperCandidate>& m_candidates;
+    const std::stop_token m_stop;
+    std::vector<std::size_t> m_order;
+    MemoryBudget m_budget{decodingBudget};
+    std::atomic<std::size_t> m_next = 0;
+    std::mutex m_mutex;
+    std::deque<PutOff> m_putOff;
+    std::vector<QImage> m_thumbnails; ///< Each written by the thread that makes it.
+};
+
 } // namespace
 
 std::vector<Wallpaper> makeWallpapers(const std::vector<WallpaperCandidate>& candidates,
                                       const std::stop_token& stop) {
-    std::vector<QImage> thumbnails(candidates.size());
-    MemoryBudget budget(decodingBudget);
-    std::atomic<std::size_t> next = 0;
-    const auto work = [&] {
+    ThumbnailWork thumbnailWork(candidates, stop);
+    const auto work = [&thumbnailWork] {
         lowerThreadPriority();
         // One picture a thread: the threads that draw the editor's frames are not for this.
         const raster::SerialScope serial;
-        for (std::size_t i = next++; i < candidates.size() && !stop.stop_requested(); i = next++)
-            thumbnails[i] = makeThumbnail(candidates[i], budget, stop);
+        thumbnailWork.run();
     };
     {
         const std::size_t processors = std::max(1u, std::thread::hardware_concurrency());
@@ -112,6 +213,7 @@ std::vector<Wallpaper> makeWallpapers(const std::vector<WallpaperCandidate>& can
         for (std::size_t i = 0; i < std::min(processors, candidates.size()); ++i)
             threads.emplace_back(work);
     }
+    std::vector<QImage> thumbnails = thumbnailWork.take();
     std::vector<Wallpaper> wallpapers;
     for (std::size_t i = 0; i < candidates.size(); ++i)
         if (!thumbnails[i].isNull())

@@ -48,6 +48,17 @@ TEST(MemoryBudget, GivesAllOfItToWhoAsksForMore) {
     const MemoryBudget::Share all(budget, 100, {}); // given back
 }
 
+TEST(MemoryBudget, GivesWhatIsFreeNowOrNothing) {
+    MemoryBudget budget(100);
+    auto most = std::make_unique<MemoryBudget::Share>(budget, 60);
+    EXPECT_TRUE(most->isTaken());
+    EXPECT_FALSE(MemoryBudget::Share(budget, 41).isTaken());
+    EXPECT_TRUE(MemoryBudget::Share(budget, 40).isTaken());
+    EXPECT_FALSE(MemoryBudget::Share(budget, 1000).isTaken());
+    most.reset();
+    EXPECT_TRUE(MemoryBudget::Share(budget, 1000).isTaken());
+}
+
 TEST(MemoryBudget, NobodyWaitsOnceStopIsAskedFor) {
     MemoryBudget budget(100);
     const MemoryBudget::Share all(budget, 100, {});
