@@ -91,19 +91,49 @@ CodedColors codedColors(const heif_image_handle* handle) {
     return {stored->color_primaries, stored->transfer_characteristics};
 }
 
-/// Opaque samples averaged over squares of `factor` pixels.
-template <typename Channel>
+/// Opaque deep samples averaged over squares of `factor` pixels.
 std::vector<std::uint8_t> reducedSamples(const Samples& samples, int width, int height, int factor) {
-    BoxSums<Channel> sums(width, samples.channels, factor);
+    BoxSums<std::uint16_t> sums(width, samples.channels, factor);
     const int rows = height / factor;
-    std::vector<std::uint8_t> reduced(sums.size() * std::size_t(rows) * sizeof(Channel));
-    auto* row = reinterpret_cast<Channel*>(reduced.data());
+    std::vector<std::uint8_t> reduced(sums.size() * std::size_t(rows) * sizeof(std::uint16_t));
+    auto* row = reinterpret_cast<std::uint16_t*>(reduced.data());
     for (int y = 0; y < rows * factor; ++y) {
-        // Rows of deep samples lie on even addresses, in this machine's order of bytes.
-        sums.add(reinterpret_cast<const Channel*>(samples.data + std::ptrdiff_t(y) * samples.stride));
+        // Rows lie on even addresses, in this machine's order of bytes.
+        sums.add(reinterpret_cast<const std::uint16_t*>(samples.data + std::ptrdiff_t(y) * samples.stride));
         if (y % factor == factor - 1) {
             sums.take({row, sums.size()});
             row += sums.size();
+        }
+    }
+    return reduced;
+}
+
+/// The same of opaque samples of 8 bits that are still apart, red, green and blue: interleaving millions of
+/// them takes longer than their means. Empty where the picture is not of that kind.
+std::vector<std::uint8_t> reducedPlanes(const heif_image* image, int width, int height, int factor) {
+    constexpr std::array channels{heif_channel_R, heif_channel_G, heif_channel_B};
+    const std::size_t columns = std::size_t(width / factor);
+    const int rows = height / factor;
+    std::vector<std::uint8_t> row(columns);
+    std::vector<std::uint8_t> reduced(columns * std::size_t(rows) * channels.size());
+    for (std::size_t channel = 0; channel < channels.size(); ++channel) {
+        int stride = 0;
+        const std::uint8_t* plane = heif_image_get_plane_readonly(image, channels[channel], &stride);
+        if (!plane || heif_image_get_bits_per_pixel_range(image, channels[channel]) != 8 ||
+            heif_image_get_width(image, channels[channel]) < width ||
+            heif_image_get_height(image, channels[channel]) < height)
+            return {};
+        BoxSums<std::uint8_t> sums(width, 1, factor);
+        std::uint8_t* out = reduced.data() + channel;
+        for (int y = 0; y < rows * factor; ++y) {
+            sums.add(plane + std::ptrdiff_t(y) * stride);
+            if (y % factor != factor - 1)
+                continue;
+            sums.take(row);
+            for (const std::uint8_t mean : row) {
+                *out = mean;
+                out += channels.size();
+            }
         }
     }
     return reduced;
@@ -155,9 +185,11 @@ bool decode(std::span<const std::uint8_t> file, const DecoderRequest& request) {
 
     const bool hasAlpha = heif_image_handle_has_alpha_channel(primary);
     const bool isDeep = heif_image_handle_get_luma_bits_per_pixel(primary) > 8;
+    const bool isApart = !hasAlpha && !isDeep && request.reduction(claimedWidth, claimedHeight) > 1;
     const heif_chroma layout =
-        isDeep ? (hasAlpha ? heif_chroma_interleaved_RRGGBBAA_LE : heif_chroma_interleaved_RRGGBB_LE)
-               : (hasAlpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB);
+        isApart  ? heif_chroma_444
+        : isDeep ? (hasAlpha ? heif_chroma_interleaved_RRGGBBAA_LE : heif_chroma_interleaved_RRGGBB_LE)
+                 : (hasAlpha ? heif_chroma_interleaved_RGBA : heif_chroma_interleaved_RGB);
     heif_image* decoded = nullptr;
     if (heif_decode_image(primary, &decoded, heif_colorspace_RGB, layout, nullptr).code != heif_error_Ok ||
         !decoded)
@@ -165,20 +197,24 @@ bool decode(std::span<const std::uint8_t> file, const DecoderRequest& request) {
     const Heif<heif_image> image(decoded);
 
     Samples samples;
-    samples.data = heif_image_get_plane_readonly(decoded, heif_channel_interleaved, &samples.stride);
+    const heif_channel channel = isApart ? heif_channel_R : heif_channel_interleaved;
+    samples.data = heif_image_get_plane_readonly(decoded, channel, &samples.stride);
     samples.channels = hasAlpha ? 4 : 3;
     samples.bits = isDeep ? heif_image_get_bits_per_pixel_range(decoded, heif_channel_interleaved) : 8;
     samples.isPremultiplied = hasAlpha && heif_image_handle_is_premultiplied_alpha(primary);
     if (!samples.data || samples.bits < 8 || samples.bits > 16)
         return false;
 
-    int width = heif_image_get_width(decoded, heif_channel_interleaved);
-    int height = heif_image_get_height(decoded, heif_channel_interleaved);
+    int width = heif_image_get_width(decoded, channel);
+    int height = heif_image_get_height(decoded, channel);
     std::vector<std::uint8_t> reduced;
     // Before its colours are converted, as it is less then.
-    if (const int factor = hasAlpha ? 1 : request.reduction(width, height); factor > 1) {
-        reduced = samples.bits > 8 ? reducedSamples<std::uint16_t>(samples, width, height, factor)
-                                   : reducedSamples<std::uint8_t>(samples, width, height, factor);
+    const int factor = hasAlpha ? 1 : request.reduction(width, height);
+    if (isApart || (isDeep && factor > 1)) {
+        reduced = isApart ? reducedPlanes(decoded, width, height, factor)
+                          : reducedSamples(samples, width, height, factor);
+        if (reduced.empty())
+            return false;
         width /= factor;
         height /= factor;
         samples.data = reduced.data();
