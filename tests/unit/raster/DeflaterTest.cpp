@@ -136,5 +136,25 @@ TEST(HuffmanCode, KeepsToTheLimitAndUsesEveryCode) {
     }
 }
 
+TEST(DeflateSymbols, SayWhatAnIdealCodeWouldTake) {
+    std::mt19937 random(5);
+    for (const unsigned most : {1u, 2u, 300u, 3000u, 1u << 20}) {
+        DeflateSymbols symbols;
+        double expected = 0;
+        const auto fill = [&](auto& counts) {
+            double total = 0;
+            for (std::uint32_t& count : counts)
+                total += count = random() % (most + 1);
+            for (const std::uint32_t count : counts)
+                expected += count > 0 ? count * std::log2(total / count) : 0;
+        };
+        fill(symbols.literals);
+        fill(symbols.distances);
+        EXPECT_NEAR(double(symbols.entropy()) / DeflateSymbols::entropyUnits, expected, expected / 1000)
+            << most;
+    }
+    EXPECT_EQ(DeflateSymbols().entropy(), 0u);
+}
+
 } // namespace
 } // namespace framora::raster

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cmath>
 #include <cstring>
 
 namespace framora::raster {
@@ -177,15 +176,42 @@ void writeStored(BitWriter& writer, std::span<const std::uint8_t> bytes, bool is
     } while (!bytes.empty());
 }
 
-double entropyOf(std::span<const std::uint32_t> counts) {
-    double total = 0;
-    double sum = 0;
+// The fractions of logarithms to the base 2 in entropyUnits, by a number's first bits behind the highest. In
+// integers, since a library's logarithm differs between processors in its last bit, and then the files would.
+constexpr unsigned fractionIndexBits = 10;
+constexpr auto fractions = [] {
+    std::array<std::uint16_t, std::size_t(1) << fractionIndexBits> table{};
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        // From 1 to 2 in 2^31sts; each squaring brings the next binary digit to light.
+        std::uint64_t value = (table.size() + i) << (31 - fractionIndexBits);
+        for (std::uint64_t digit = DeflateSymbols::entropyUnits / 2; digit > 0; digit /= 2) {
+            value = value * value >> 31;
+            if (value >> 32) {
+                table[i] = std::uint16_t(table[i] + digit);
+                value >>= 1;
+            }
+        }
+    }
+    return table;
+}();
+
+/// log2(number) in entropyUnits, `number` from 1.
+std::uint64_t logarithm(std::uint32_t number) {
+    const int zeros = std::countl_zero(number);
+    const std::uint32_t fraction = number << zeros << 1;
+    return (31 - unsigned(zeros)) * DeflateSymbols::entropyUnits +
+           fractions[fraction >> (32 - fractionIndexBits)];
+}
+
+std::uint64_t entropyOf(std::span<const std::uint32_t> counts) {
+    std::uint32_t total = 0;
+    std::uint64_t sum = 0;
     for (const std::uint32_t count : counts)
         if (count > 0) {
             total += count;
-            sum += count * double(std::log2(float(count)));
+            sum += count * logarithm(count);
         }
-    return total > 0 ? total * std::log2(total) - sum : 0;
+    return total > 0 ? total * logarithm(total) - sum : 0;
 }
 
 } // namespace
@@ -210,7 +236,7 @@ void DeflateSymbols::add(const DeflateSymbols& other) {
         distances[i] += other.distances[i];
 }
 
-double DeflateSymbols::entropy() const {
+std::uint64_t DeflateSymbols::entropy() const {
     return entropyOf(literals) + entropyOf(distances);
 }
 

@@ -60,8 +60,9 @@ struct DeflateSymbols {
     std::array<std::uint32_t, deflate::distanceSymbols> distances{};
 
     void add(const DeflateSymbols& other);
-    /// Bits that an ideal code of the symbols themselves would take, without extra bits.
-    double entropy() const;
+    /// What an ideal code of the symbols themselves would take, without extra bits, in entropyUnits of a bit.
+    std::uint64_t entropy() const;
+    static constexpr std::uint64_t entropyUnits = 65536;
 };
 
 /// The code lengths of one block, also the prices for what comes after it.

@@ -15,7 +15,8 @@ constexpr int pricedLength = 12; ///< Up to this a match is held against its lit
 constexpr int densePart = 16;    ///< Positions at both ends of a match that later ones can find.
 constexpr std::size_t chunkTokens = 4096;
 constexpr std::size_t longestBlock = 32768; ///< Tokens.
-constexpr double blockOverheadBits = 480;   ///< What the description of one more code takes, about.
+/// What the description of one more code takes, about.
+constexpr std::uint64_t blockOverhead = 480 * DeflateSymbols::entropyUnits;
 
 /// The numbers behind an effort.
 struct Search {
@@ -270,12 +271,12 @@ void Deflater::compress(std::span<const std::uint8_t> data, std::size_t begin, b
 
 void Deflater::endChunk(BitWriter& writer, int position) {
     // The chunk goes on with the block when one code for both is no dearer than two.
-    const double chunkEntropy = m_chunk.entropy();
+    const std::uint64_t chunkEntropy = m_chunk.entropy();
     DeflateSymbols joined = m_block;
     joined.add(m_chunk);
-    double joinedEntropy = joined.entropy();
-    if (m_blockTokens > 0 && (m_blockTokens >= longestBlock ||
-                              joinedEntropy > m_blockEntropy + chunkEntropy + blockOverheadBits)) {
+    std::uint64_t joinedEntropy = joined.entropy();
+    if (m_blockTokens > 0 &&
+        (m_blockTokens >= longestBlock || joinedEntropy > m_blockEntropy + chunkEntropy + blockOverhead)) {
         const std::size_t chunkBegin = m_blockTokens;
         writeBlock(writer, false);
         std::copy(m_tokens.begin() + std::ptrdiff_t(chunkBegin),

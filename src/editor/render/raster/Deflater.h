@@ -63,7 +63,7 @@ private:
     std::size_t m_blockTokens = 0;
     DeflateSymbols m_block;
     DeflateSymbols m_chunk;
-    double m_blockEntropy = 0;
+    std::uint64_t m_blockEntropy = 0;
     int m_blockBegin = 0;
     int m_chunkBegin = 0;
     DeflateCode m_prices;
