@@ -125,7 +125,7 @@ void FootprintSampler::chooseLevel(const Corners& corners, Plan& plan) const {
     int levelX = std::ilogb(narrowX * (1 + 1e-9));
     int levelY = std::ilogb(narrowY * (1 + 1e-9));
     // Different ones across and down of almost the picture's size would take long to make, and much memory.
-    if (std::min(levelX, levelY) < 2)
+    if (std::min(levelX, levelY) < 1)
         levelX = levelY = std::min(levelX, levelY);
     plan.level = m_pyramid.level(levelX, levelY);
     const double scaleX = double(plan.level.width) / m_pyramid.picture().width;
