@@ -106,12 +106,12 @@ const QRgb* pixelsOf(const QImage& image, const QRect& part, int y) {
 /// One channel of a part of a picture.
 AlphaPlane plane(const QImage& image, const QRect& part, int channel) {
     AlphaPlane result(part.width(), part.height());
-    for (int y = 0; y < part.height(); ++y) {
+    raster::parallelFor(part.height(), [&](int y) {
         const QRgb* from = pixelsOf(image, part, y);
         std::transform(from, from + part.width(), result.row(y), [channel](QRgb pixel) {
             return std::int16_t(int(pixel >> (8 * channel) & 255u) * raster::mixStep);
         });
-    }
+    });
     return result;
 }
 

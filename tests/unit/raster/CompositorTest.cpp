@@ -4,6 +4,7 @@
 #include "editor/render/raster/MixKernels.h"
 #include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/PixelBuffer.h"
+#include "editor/render/raster/ScenePaint.h"
 #include "editor/render/raster/SolidPaint.h"
 
 #include <cstring>
@@ -108,6 +109,41 @@ TEST(Compositor, ReplacesWhatLiesUnderAlsoWhereItIsNotOpaque) {
         for (int shift = 0; shift < 32; shift += 8)
             EXPECT_NEAR(int(pixels[std::size_t(x)] >> shift & 255),
                         int(plainly.view().row(0)[x] >> shift & 255), 1);
+}
+
+TEST(Compositor, LeavesOutWhatIsHiddenAtTheSidesOfTilesAndNothingElse) {
+    constexpr int width = 700;
+    constexpr int height = 90;
+    const Homography toMiddle = Homography::translation(width / 2.0, height / 2.0);
+    const auto background = std::make_shared<GradientPaint>(
+        GradientPaint::Kind::linear, 70, 600, 90,
+        std::vector{premultiplied(1, 0.2, 0, 1), premultiplied(0, 0.4, 1, 1)}, toMiddle.inverse());
+    const auto scene = std::make_shared<ScenePaint>(
+        ScenePaint::Look{{premultiplied(0, 0, 0.2, 0.3), premultiplied(1, 1, 0.5, 0.3)}, 0.7}, width, height,
+        toMiddle.inverse(), width, height);
+    for (const double left : {0.0, 13.25, 130.0, 255.5})
+        for (const double cardWidth : {60.0, 200.5, 420.0})
+            for (const double turn : {0.0, 20.0}) {
+                SCOPED_TRACE(testing::Message() << left << ", " << cardWidth << ", " << turn);
+                const Homography place =
+                    Homography::translation(left + cardWidth / 2, 45) * Homography::rotation(turn);
+                std::vector<Layer> layers{{{600, 90, 0}, {}, {toMiddle}, background, {}, {}}};
+                layers.push_back(solid({cardWidth + 60, 85, 0}, place, premultiplied(0, 0, 0, 0.2)));
+                layers.push_back(solid({cardWidth + 20, 80, 12}, place, premultiplied(1, 1, 1, 0.4)));
+                layers.back().blend = Layer::Blend::replace;
+                layers.push_back(solid({cardWidth, 70, 8}, place, premultiplied(0.1, 0.6, 0.3, 1)));
+                layers.push_back({{width, height, 0}, {}, {toMiddle}, scene, {}, {}});
+                layers.back().blend = Layer::Blend::overlay;
+                PixelBuffer plainly = PixelBuffer::create(width, height);
+                plain::compose(plainly.mutableView(), layers);
+                const auto pixels = composed(width, height, layers);
+                for (int y = 0; y < height; ++y)
+                    for (int x = 0; x < width; ++x)
+                        for (int shift = 0; shift < 32; shift += 8)
+                            ASSERT_NEAR(pixels[std::size_t(y * width + x)] >> shift & 255,
+                                        plainly.view().row(y)[x] >> shift & 255, 2)
+                                << x << ", " << y;
+            }
 }
 
 TEST(Compositor, HandsOverWantedTilesAsTheyAreMixed) {

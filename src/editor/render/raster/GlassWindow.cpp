@@ -1,5 +1,7 @@
 #include "editor/render/raster/GlassWindow.h"
 
+#include "editor/render/raster/ParallelFor.h"
+
 #include <algorithm>
 
 namespace framora::raster {
@@ -8,11 +10,14 @@ GlassWindow::GlassWindow(Coverage card, Coverage hidden, int width, int height)
     : m_width(width), m_rows(std::size_t(height)) {
     card.index(height);
     hidden.index(height);
-    for (int y = 0; y < height; ++y) {
-        const Coverage::Run shown = card.extent(y, width);
-        const Coverage::Run covered = hidden.extent(y, width);
-        m_rows[std::size_t(y)] = {shown.first, shown.end, covered.fullFirst, covered.fullEnd};
-    }
+    constexpr int rowsAtOnce = 128;
+    parallelFor((height + rowsAtOnce - 1) / rowsAtOnce, [&](int band) {
+        for (int y = band * rowsAtOnce; y < std::min(height, (band + 1) * rowsAtOnce); ++y) {
+            const Coverage::Run shown = card.extent(y, width);
+            const Coverage::Run covered = hidden.extent(y, width);
+            m_rows[std::size_t(y)] = {shown.first, shown.end, covered.fullFirst, covered.fullEnd};
+        }
+    });
 }
 
 GlassWindow::Strip GlassWindow::strip(int top, int bottom, int outwards, int inwards) const {
