@@ -1,6 +1,7 @@
 #include "render-cli/RenderJob.h"
 
 #include "editor/render/ComposedPng.h"
+#include "editor/render/NamelessFile.h"
 #include "editor/render/PictureFile.h"
 
 #include <QFile>
@@ -15,6 +16,14 @@ LoadedPicture readInput(const QString& input) {
     if (!standardInput.open(stdin, QIODevice::ReadOnly | QIODevice::Unbuffered))
         return {.image = QImage(), .error = standardInput.errorString()};
     return loadPicture(standardInput);
+}
+
+/// Straight into its file, while it is drawn. False, with nothing changed, where that cannot be.
+bool composeInto(const QString& output, const Composition& composition) {
+    if (output == u"-")
+        return false;
+    NamelessFile file(output);
+    return file.isOpen() && composePng(composition, file).value_or(false) && file.commit();
 }
 
 QString writeOutput(const QString& output, const QByteArray& png) {
@@ -46,6 +55,8 @@ QString RenderJob::run(const QString& input, const QString& output) const {
     composition.config.zoom = 100.0;
     composition.isRendering = !m_arguments.isPreview;
     composition.preloadedBackgroundImage = m_background;
+    if (composeInto(output, composition))
+        return {};
     const std::optional<QByteArray> png = composedPng(composition);
     if (!png) {
         const QSizeF frame = outputFrame(pointSize(picture.image), composition.config);

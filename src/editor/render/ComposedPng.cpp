@@ -1,9 +1,10 @@
 #include "editor/render/ComposedPng.h"
 
 #include "editor/render/CompositionRasterizer.h"
-#include "editor/render/PictureFile.h"
+#include "editor/render/RasterView.h"
 #include "editor/render/ScreenshotRenderer.h"
 #include "editor/render/raster/Opacity.h"
+#include "editor/render/raster/PngEncoder.h"
 
 #include <algorithm>
 
@@ -32,9 +33,28 @@ bool isSeenThrough(const raster::Compositor& picture) {
     return !rows.isEmpty() && !raster::areRowsOpaque(rows);
 }
 
+/// The file in memory.
+class ByteTarget final : public PngTarget {
+public:
+    /// `expected` bytes of room are taken only as far as they are filled: growing would copy it all.
+    explicit ByteTarget(qsizetype expected) : m_expected(expected) {}
+
+    void write(std::span<const std::uint8_t> bytes) override {
+        if (file.isEmpty())
+            file.reserve(m_expected);
+        file.append(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size()));
+    }
+    void clear() override { file.clear(); }
+
+    QByteArray file;
+
+private:
+    const qsizetype m_expected;
+};
+
 } // namespace
 
-std::optional<QByteArray> composedPng(const Composition& composition) {
+std::optional<bool> composePng(const Composition& composition, PngTarget& target) {
     const QSizeF size = outputFrame(pointSize(composition.image), composition.config);
     const auto viewport = CompositionRasterizer::frameViewport(size, exportScale);
     if (!viewport)
@@ -42,29 +62,34 @@ std::optional<QByteArray> composedPng(const Composition& composition) {
     CompositionRasterizer rasterizer;
     const raster::Compositor picture(viewport->pixelSize.width(), viewport->pixelSize.height(),
                                      rasterizer.layers(composition, *viewport));
+    const auto write = [&target](std::span<const std::uint8_t> bytes) { target.write(bytes); };
+    const std::uint32_t resolution = raster::pixelsPerMetre(exportDotsPerInch);
     const bool isOpaque = picture.isSurelyOpaque();
     if (isOpaque || isSeenThrough(picture)) {
         const auto rows = [&](int first, int end, PixelBuffer& room) {
             const raster::PixelView drawn = drawnRows(picture, first, end, room);
             return isOpaque && !raster::areRowsOpaque(drawn) ? raster::PixelView() : drawn;
         };
-        QByteArray file;
-        const auto append = [&](std::span<const std::uint8_t> bytes) {
-            // Room that is taken only as far as it is filled: growing the file would copy it again and again.
-            constexpr qsizetype usualRatio = 16;
-            if (file.isEmpty())
-                file.reserve(qsizetype(picture.width()) * picture.height() * 3 / usualRatio);
-            file.append(reinterpret_cast<const char*>(bytes.data()), qsizetype(bytes.size()));
-        };
-        if (raster::writePng({picture.width(), picture.height(), isOpaque, rows},
-                             raster::pixelsPerMetre(exportDotsPerInch), raster::PngSpeed::compact, append))
-            return file;
+        if (raster::writePng({picture.width(), picture.height(), isOpaque, rows}, resolution,
+                             raster::PngSpeed::compact, write))
+            return true;
+        target.clear();
     }
     // Whether it is opaque shows only in the whole picture.
     const QImage drawn = rasterizer.drawFrame(composition, size, exportScale);
-    if (drawn.isNull())
-        return QByteArray(); // it is a frame that can be drawn
-    return encodePng(drawn, exportDotsPerInch);
+    return !drawn.isNull() &&
+           raster::writePng(rasterView(drawn), resolution, raster::PngSpeed::compact, write);
+}
+
+std::optional<QByteArray> composedPng(const Composition& composition) {
+    constexpr double usualRatio = 1.5; // bytes a point
+    const QSizeF size = outputFrame(pointSize(composition.image), composition.config);
+    const double expected = size.width() * size.height() * usualRatio;
+    ByteTarget target(expected < double(CompositionRasterizer::mostPixels) ? qsizetype(expected) : 0);
+    const std::optional<bool> isWhole = composePng(composition, target);
+    if (!isWhole)
+        return {};
+    return *isWhole ? target.file : QByteArray();
 }
 
 } // namespace framora

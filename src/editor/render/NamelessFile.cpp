@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
@@ -12,34 +13,6 @@
 namespace framora {
 namespace {
 
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
-    ~Descriptor() {
-        if (m_descriptor >= 0)
-            close(m_descriptor);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    operator int() const { return m_descriptor; }
-
-private:
-    const int m_descriptor;
-};
-
-bool writeAll(int descriptor, const QByteArray& bytes) {
-    for (qsizetype written = 0; written < bytes.size();) {
-        const ssize_t count =
-            write(descriptor, bytes.constData() + written, std::size_t(bytes.size() - written));
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count <= 0)
-            return false;
-        written += count;
-    }
-    return true;
-}
-
 bool nameIt(int descriptor, const QByteArray& name) {
     const QByteArray nameless = "/proc/self/fd/" + QByteArray::number(descriptor);
     return linkat(AT_FDCWD, nameless.constData(), AT_FDCWD, name.constData(), AT_SYMLINK_FOLLOW) == 0;
@@ -47,36 +20,63 @@ bool nameIt(int descriptor, const QByteArray& name) {
 
 } // namespace
 
-bool writeThroughNamelessFile(const QString& path, const QByteArray& bytes) {
+NamelessFile::NamelessFile(const QString& path) {
     const QFileInfo given(path);
     const QString target = given.isSymLink() ? given.canonicalFilePath() : given.absoluteFilePath();
     const QFileInfo info(target);
     if (target.isEmpty() || (info.exists() && (!info.isFile() || !info.isWritable())))
-        return false;
+        return;
+    m_name = QFile::encodeName(target);
+    m_folder = QFile::encodeName(info.absolutePath());
+    m_descriptor = open(m_folder.constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666);
+}
 
-    const QByteArray name = QFile::encodeName(target);
-    const QByteArray folder = QFile::encodeName(info.absolutePath());
-    const Descriptor file(open(folder.constData(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666));
-    if (file < 0 || !writeAll(file, bytes))
-        return false;
+NamelessFile::~NamelessFile() {
+    if (m_descriptor >= 0)
+        close(m_descriptor);
+}
+
+void NamelessFile::write(std::span<const std::uint8_t> bytes) {
+    while (!m_hasFailed && !bytes.empty()) {
+        const ssize_t count = ::write(m_descriptor, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        m_hasFailed = count <= 0;
+        bytes = bytes.subspan(std::size_t(std::max<ssize_t>(count, 0)));
+    }
+}
+
+void NamelessFile::clear() {
+    m_hasFailed = lseek(m_descriptor, 0, SEEK_SET) != 0 || ftruncate(m_descriptor, 0) != 0;
+}
+
+bool NamelessFile::commit() {
     struct stat earlier {};
-    const bool replaces = stat(name.constData(), &earlier) == 0;
-    if (replaces && fchmod(file, earlier.st_mode & 07777) != 0)
+    const bool replaces = stat(m_name.constData(), &earlier) == 0;
+    if (m_hasFailed || (replaces && fchmod(m_descriptor, earlier.st_mode & 07777) != 0))
         return false;
-    fdatasync(file);
-    if (!replaces && nameIt(file, name))
+    fdatasync(m_descriptor);
+    if (!replaces && nameIt(m_descriptor, m_name))
         return true;
 
     // A name that is taken cannot be given directly: the file stands, whole, beside the earlier one for a
     // moment.
     const QByteArray beside =
-        folder + "/.framora-" + QByteArray::number(QRandomGenerator::system()->generate64(), 16);
-    if (!nameIt(file, beside))
+        m_folder + "/.framora-" + QByteArray::number(QRandomGenerator::system()->generate64(), 16);
+    if (!nameIt(m_descriptor, beside))
         return false;
-    if (std::rename(beside.constData(), name.constData()) == 0)
+    if (std::rename(beside.constData(), m_name.constData()) == 0)
         return true;
     unlink(beside.constData());
     return false;
+}
+
+bool writeThroughNamelessFile(const QString& path, const QByteArray& bytes) {
+    NamelessFile file(path);
+    if (!file.isOpen())
+        return false;
+    file.write({reinterpret_cast<const std::uint8_t*>(bytes.constData()), std::size_t(bytes.size())});
+    return file.commit();
 }
 
 } // namespace framora

@@ -1,13 +1,35 @@
 #pragma once
 
+#include "editor/render/PngTarget.h"
+
 #include <QByteArray>
 #include <QString>
 
 namespace framora {
 
-/// Writes the file without a name and names it when it is whole: whatever ends the process, no part of a file
-/// stays behind. What `path` named before is replaced, a link's target in place of the link. False, with
-/// nothing changed, where the file system has no such files or anything else is in the way.
+/// A file that is written without a name and named when it is whole: whatever ends the process, no part of a
+/// file stays behind. What the path named before is replaced, a link's target in place of the link.
+class NamelessFile final : public PngTarget {
+public:
+    /// isOpen() is false where the file system has no such files or anything else is in the way.
+    explicit NamelessFile(const QString& path);
+    ~NamelessFile() override;
+
+    bool isOpen() const { return m_descriptor >= 0; }
+    void write(std::span<const std::uint8_t> bytes) override;
+    void clear() override;
+    /// Gives it its name, once it is on the disk. False, with nothing changed, where that or a write before
+    /// it failed.
+    bool commit();
+
+private:
+    int m_descriptor = -1;
+    bool m_hasFailed = false;
+    QByteArray m_folder;
+    QByteArray m_name;
+};
+
+/// Writes such a file at once. False, with nothing changed, where there can be none.
 bool writeThroughNamelessFile(const QString& path, const QByteArray& bytes);
 
 } // namespace framora

@@ -1,5 +1,7 @@
 #include "editor/render/PictureFile.h"
 
+#include "editor/render/NamelessFile.h"
+
 #include <QBuffer>
 #include <QColorSpace>
 #include <QDir>
@@ -8,6 +10,7 @@
 #include <QTemporaryDir>
 #include <QtEndian>
 #include <csignal>
+#include <cstring>
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -234,6 +237,41 @@ TEST(PictureFile, ADeviceIsWrittenToAndNotReplaced) {
     EXPECT_TRUE(QFile::exists(QStringLiteral("/dev/null")));
     EXPECT_FALSE(QFileInfo(QStringLiteral("/dev/null")).isFile());
     EXPECT_FALSE(writeFileAtomically(QStringLiteral("/dev/full"), QByteArray(100, 'x')).isEmpty());
+}
+
+std::span<const std::uint8_t> bytesOf(const char* text) {
+    return {reinterpret_cast<const std::uint8_t*>(text), std::strlen(text)};
+}
+
+TEST(NamelessFile, IsThereOnlyOnceItIsWhole) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("out.png"));
+    const auto names = [&] { return QDir(folder.path()).entryList(QDir::Files | QDir::Hidden); };
+    {
+        NamelessFile file(path);
+        if (!file.isOpen())
+            GTEST_SKIP() << "no files without a name here";
+        file.write(bytesOf("half"));
+        EXPECT_TRUE(names().isEmpty());
+    }
+    EXPECT_TRUE(names().isEmpty());
+    NamelessFile file(path);
+    file.write(bytesOf("what was wrong"));
+    file.clear();
+    file.write(bytesOf("all "));
+    file.write(bytesOf("of it"));
+    EXPECT_TRUE(file.commit());
+    EXPECT_EQ(names(), QStringList(QStringLiteral("out.png")));
+    QFile written(path);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_EQ(written.readAll(), "all of it");
+}
+
+TEST(NamelessFile, IsNoneInPlaceOfWhatIsNoFile) {
+    const QTemporaryDir folder;
+    EXPECT_FALSE(NamelessFile(folder.path()).isOpen());
+    EXPECT_FALSE(NamelessFile(QStringLiteral("/dev/null")).isOpen());
+    EXPECT_FALSE(NamelessFile(folder.filePath(QStringLiteral("no/such/folder.png"))).isOpen());
 }
 
 } // namespace
