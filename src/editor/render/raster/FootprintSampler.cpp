@@ -87,6 +87,7 @@ std::optional<FootprintSampler::Corners> FootprintSampler::shearedCorners(const 
         const double across = down.y - down.x * right.y / right.x;
         const Ellipse exact{right.x * right.x + down.x * down.x, down.x * across, across * across};
         const Ellipse wide = widened(exact);
+        // One reading of a footprint that lies further aslant beside its line would miss its corners.
         constexpr double mostCorrelation = 0.25;
         if (!(depth > 0 && std::abs(right.y) <= ShearedBlock::steepest * std::abs(right.x) &&
               std::abs(wide.xy) <= mostCorrelation * std::sqrt(wide.xx * wide.yy)))

@@ -64,8 +64,8 @@ void interpolateSheared(const ColumnBox& box, const ShearedRow* rows, std::size_
                         const ShearedPart& part, MixPixel* out, std::ptrdiff_t stride);
 inline constexpr std::size_t mostShearedRows = 8;
 
-/// Four rows of a picture as columns of four: pixel x of row y goes to out[x stride + y], as widenRow() has
-/// it.
+/// Rows of a picture, four at least, column by column: pixel x of row y goes to out[x rowCount + y], as
+/// widenRow() has it.
 void widenColumns(const std::uint32_t* const* rows, std::size_t rowCount, std::size_t columnCount,
                   MixPixel* out);
 
