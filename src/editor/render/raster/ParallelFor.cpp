@@ -14,6 +14,12 @@ namespace {
 std::atomic<int> threadLimit = 0;
 thread_local int serialScopes = 0;
 
+/// Asking is a file of the system's to read.
+int processors() {
+    static const int count = int(std::max(1u, std::thread::hardware_concurrency()));
+    return count;
+}
+
 struct Job {
     const std::function<void(int)>* body;
     int count;
@@ -49,7 +55,7 @@ private:
         if (m_started)
             return;
         m_started = true;
-        const int count = int(std::max(1u, std::thread::hardware_concurrency())) - 1;
+        const int count = processors() - 1;
         for (int i = 0; i < count; ++i)
             std::thread([self = shared_from_this()] { self->work(); }).detach();
     }
@@ -91,7 +97,7 @@ int allowedThreads() {
     if (serialScopes > 0)
         return 1;
     const int limit = threadLimit.load();
-    return limit > 0 ? limit : int(std::max(1u, std::thread::hardware_concurrency()));
+    return limit > 0 ? limit : processors();
 }
 
 } // namespace
