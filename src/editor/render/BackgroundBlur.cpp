@@ -74,10 +74,11 @@ std::shared_ptr<const raster::Paint> BackgroundBlur::wide(const Identity& identi
     const BlurAxis rows(canvas.height, deviation);
     if (!m_kept || m_kept->identity != identity || m_kept->columns != columns || m_kept->rows != rows) {
         m_kept.reset();
-        m_kept.emplace(Kept{identity, columns, rows, {}, 0, nullptr});
+        m_kept.emplace(Kept{identity, columns, rows, {}, 0, nullptr, {}, false, nullptr});
     }
     if (!m_kept->blurred || m_kept->deviation != deviation) {
         m_kept->blurred = nullptr;
+        m_kept->paint = nullptr;
         BlurGrid grid = m_kept->reduced.isEmpty() ? reduce(columns, rows) : m_kept->reduced.copy();
         if (grid.isEmpty())
             return nullptr;
@@ -88,8 +89,14 @@ std::shared_ptr<const raster::Paint> BackgroundBlur::wide(const Identity& identi
         m_kept->blurred = std::make_shared<const BlurGrid>(std::move(grid));
         m_kept->deviation = deviation;
     }
-    return std::make_shared<raster::BlurredPaint>(m_kept->blurred, columns, rows, canvas.left, canvas.top,
-                                                  canvas.outputWidth, canvas.outputHeight, isOpaque);
+    if (!m_kept->paint || m_kept->canvas != canvas || m_kept->isOpaque != isOpaque) {
+        m_kept->paint =
+            std::make_shared<raster::BlurredPaint>(m_kept->blurred, columns, rows, canvas.left, canvas.top,
+                                                   canvas.outputWidth, canvas.outputHeight, isOpaque);
+        m_kept->canvas = canvas;
+        m_kept->isOpaque = isOpaque;
+    }
+    return m_kept->paint;
 }
 
 int BackgroundBlur::fineMargin(double deviation) {

@@ -23,6 +23,7 @@ public:
         double height = 0;
         int outputWidth = 0;
         int outputHeight = 0;
+        bool operator==(const Canvas&) const = default;
 
         /// The pixels whose middle lies on it, at least one.
         raster::FineBlurredPaint::Canvas pixels() const;
@@ -46,7 +47,8 @@ public:
     /// How many pixels beyond the output fine() wants to know.
     static int fineMargin(double deviation);
 
-    /// The background that `reduce` makes, blurred; null when memory is short.
+    /// The background that `reduce` makes, blurred; null when memory is short. The paint is the same object
+    /// as long as all of it is the same.
     std::shared_ptr<const raster::Paint> wide(const Identity& identity, const Reduce& reduce,
                                               const Canvas& canvas, double deviation, bool isOpaque);
 
@@ -64,6 +66,9 @@ private:
         raster::BlurGrid reduced; ///< Empty when it is too large to keep.
         double deviation = 0;
         std::shared_ptr<const raster::BlurGrid> blurred;
+        Canvas canvas;
+        bool isOpaque = false;
+        std::shared_ptr<const raster::Paint> paint; ///< Of `blurred` on `canvas`.
     };
     std::optional<Kept> m_kept;
     Identity m_fineIdentity;

@@ -377,6 +377,13 @@ TEST(LivePicture, DrawsNothingAgainThatDidNotChange) {
     EXPECT_FALSE(live.hasChanged(QRect(260, 200, 380, 300)));
     EXPECT_TRUE(live.hasChanged(QRect(60, 60, 10, 10)));
     EXPECT_TRUE(live.unchanged().contains(QRect(260, 200, 380, 300)));
+    // A blurred background stays, too, while the screenshot alone moves.
+    composition.config.gradientConfig.blurAmount = 40;
+    draw();
+    composition.dragOffset = {20, 10};
+    draw();
+    EXPECT_TRUE(live.hasChanged(QRect(260, 200, 380, 300)));
+    EXPECT_FALSE(live.hasChanged(QRect(60, 60, 40, 580)));
     // Somebody who looks on sees the same memory; a picture of another size has its own.
     const QImage watched = live.view();
     ASSERT_TRUE(rasterizer.drawInto(live, composition, {QSize(10, 10), 1, QPointF(5, 5)}));
