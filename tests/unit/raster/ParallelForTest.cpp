@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <gtest/gtest.h>
+#include <new>
 #include <thread>
 #include <vector>
 
@@ -45,6 +46,44 @@ TEST(ParallelFor, KeepsToTheThreadLimit) {
     parallelFor(64, [&](int i) { ids[std::size_t(i)] = std::this_thread::get_id(); });
     setParallelThreadLimit(0);
     EXPECT_EQ(ids, std::vector<std::thread::id>(64, caller));
+}
+
+TEST(ParallelFor, LetsAnExceptionOutOnceNobodyIsAtWorkAnyMore) {
+    const std::thread::id caller = std::this_thread::get_id();
+    enum Thrower { anyone, caller_, worker };
+    for (const int threads : {1, 4})
+        for (const Thrower thrower : {anyone, caller_, worker})
+            for (int round = 0; round < 50; ++round) {
+                setParallelThreadLimit(threads);
+                std::atomic<int> inside = 0;
+                std::atomic<bool> hasThrown = false;
+                const auto body = [&](int i) {
+                    ++inside;
+                    const bool isCaller = std::this_thread::get_id() == caller;
+                    if (i >= 3 && (thrower == anyone || isCaller == (thrower == caller_))) {
+                        hasThrown = true;
+                        --inside;
+                        throw std::bad_alloc();
+                    }
+                    --inside;
+                };
+                bool isOut = false;
+                try {
+                    parallelFor(64, body);
+                } catch (const std::bad_alloc&) {
+                    isOut = true;
+                }
+                ASSERT_EQ(isOut, hasThrown);
+                ASSERT_EQ(inside, 0);
+                // A call inside another one's, too; and the threads go on serving.
+                ASSERT_THROW(
+                    parallelFor(4, [&](int) { parallelFor(4, [](int) { throw std::bad_alloc(); }); }),
+                    std::bad_alloc);
+                std::atomic<int> calls = 0;
+                parallelFor(64, [&](int) { ++calls; });
+                ASSERT_EQ(calls, 64);
+            }
+    setParallelThreadLimit(0);
 }
 
 } // namespace

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
+#include <exception>
 #include <memory>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -26,10 +28,18 @@ struct Job {
     int freeSeats;   ///< How many more workers may join. Guarded by the pool's mutex.
     int workers = 0; ///< Workers inside. Guarded by the pool's mutex.
     std::atomic<int> next = 0;
+    std::atomic_flag hasFailed = {};
+    std::exception_ptr error = {}; ///< The first one; to be read when no worker is inside any more.
 
     void run() {
-        for (int i = next.fetch_add(1); i < count; i = next.fetch_add(1))
-            (*body)(i);
+        try {
+            for (int i = next.fetch_add(1); i < count; i = next.fetch_add(1))
+                (*body)(i);
+        } catch (...) {
+            if (!hasFailed.test_and_set())
+                error = std::current_exception();
+            next.store(count);
+        }
     }
 };
 
@@ -48,6 +58,9 @@ public:
         std::unique_lock lock(m_mutex);
         m_jobs.erase(std::find(m_jobs.begin(), m_jobs.end(), &job));
         m_done.wait(lock, [&] { return job.workers == 0; });
+        lock.unlock();
+        if (job.error)
+            std::rethrow_exception(job.error);
     }
 
 private:
@@ -56,8 +69,12 @@ private:
             return;
         m_started = true;
         const int count = processors() - 1;
-        for (int i = 0; i < count; ++i)
-            std::thread([self = shared_from_this()] { self->work(); }).detach();
+        try {
+            for (int i = 0; i < count; ++i)
+                std::thread([self = shared_from_this()] { self->work(); }).detach();
+        } catch (const std::system_error&) {
+            // The caller works with those that there are.
+        }
     }
 
     void work() {

@@ -7,7 +7,8 @@ namespace framora::raster {
 /// Calls `body(i)` for every i in [0, count), on this thread and on a process-wide set of waiting threads,
 /// and returns when all calls have returned. Calls run in no particular order, so each must write its own
 /// memory only; then the result does not depend on the number of threads. It may be used from several threads
-/// at once and from inside a body. `body` must not throw.
+/// at once and from inside a body. The first exception that a body throws comes
+/// out of here when the calls that had begun have returned; there are no others then.
 void parallelFor(int count, const std::function<void(int)>& body);
 
 /// How many threads one parallelFor may use, the caller included; 0 (the start value) is one for each
