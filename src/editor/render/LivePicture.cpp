@@ -2,6 +2,8 @@
 
 #include "editor/render/raster/HugePages.h"
 
+#include <new>
+
 namespace framora {
 namespace {
 
@@ -47,7 +49,13 @@ bool LivePicture::draw(QSize size, const std::vector<raster::Layer>& layers) {
         held.release();
         m_pixels = std::move(pixels);
     }
-    raster::compose(m_pixels->mutableView(), layers, &m_tiles);
+    try {
+        raster::compose(m_pixels->mutableView(), layers, &m_tiles);
+    } catch (const std::bad_alloc&) {
+        // Tiles count as drawn from when they are begun.
+        clear();
+        return false;
+    }
     return true;
 }
 

@@ -3,9 +3,12 @@
 #include "editor/render/raster/ParallelFor.h"
 #include "unit/render/TestPictures.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
+#include <new>
 #include <vector>
 
 namespace framora {
@@ -391,6 +394,41 @@ TEST(LivePicture, DrawsNothingAgainThatDidNotChange) {
     EXPECT_EQ(live.view().size(), QSize(10, 10));
     ASSERT_FALSE(rasterizer.drawInto(live, composition, {QSize(0, 10), 1, QPointF(5, 5)}));
     EXPECT_TRUE(live.isNull());
+}
+
+/// Green, with memory for so many tiles only.
+class ScarcePaint : public raster::Paint {
+public:
+    explicit ScarcePaint(int tiles) : m_left(tiles) {}
+    void shade(int, int, int count, raster::Float4* out) const override {
+        std::fill_n(out, count, raster::Float4{0, 1, 0, 1});
+    }
+    void mix(const raster::TileRect& tile, raster::MixPixel* out) const override {
+        if (--m_left < 0)
+            throw std::bad_alloc();
+        Paint::mix(tile, out);
+    }
+    bool isOpaque() const override { return true; }
+    void findMemory() { m_left = 1 << 20; }
+
+private:
+    mutable std::atomic<int> m_left;
+};
+
+TEST(LivePicture, BelievesNothingToBeDrawnOfAFrameThatMemoryWasTooShortFor) {
+    const QSize size(500, 300);
+    QImage green(size, QImage::Format_ARGB32_Premultiplied);
+    green.fill(QColor(0, 255, 0));
+    const auto paint = std::make_shared<ScarcePaint>(20);
+    raster::Placement placement;
+    placement.move(250, 150);
+    const std::vector<raster::Layer> layers = {{{500, 300, 0}, {}, placement, paint, {}, {}}};
+    LivePicture live;
+    EXPECT_FALSE(live.draw(size, layers));
+    EXPECT_TRUE(live.isNull());
+    paint->findMemory();
+    ASSERT_TRUE(live.draw(size, layers));
+    EXPECT_TRUE(areEqual(live.view(), green));
 }
 
 TEST(CompositionRasterizer, DrawsTheSameWhateverTheThreads) {

@@ -32,7 +32,7 @@ public:
     std::uint64_t serial(std::size_t layer) const { return m_serials[layer].ofLayer; }
     std::uint64_t colorSerial(std::size_t layer) const { return m_serials[layer].ofColors; }
     /// The tile whose first pixel is given shows what `content` tells from now on. False when it does
-    /// already. Different tiles by different threads.
+    /// already. Different tiles by different threads. Who then cannot draw it calls clear().
     bool take(int x, int y, std::uint64_t content);
 
 private:

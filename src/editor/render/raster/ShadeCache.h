@@ -55,13 +55,15 @@ public:
             for (int y = 0; y < tile.height;) {
                 int end = y;
                 while (end < tile.height && !isFilled(top + end, block))
-                    isFilled(top + end++, block) = 1;
+                    ++end;
                 if (end > y) {
                     made.resize(std::max(made.size(), std::size_t(width) * std::size_t(end - y)));
                     compute(TileRect{m_key.left + from, tile.y + y, width, end - y}, made.data());
-                    for (int row = y; row < end; ++row)
+                    for (int row = y; row < end; ++row) {
                         std::copy_n(made.data() + std::ptrdiff_t(row - y) * width, width,
                                     colors(top + row) + from);
+                        isFilled(top + row, block) = 1;
+                    }
                 }
                 y = end + 1;
             }
