@@ -18,14 +18,6 @@ LoadedPicture readInput(const QString& input) {
     return loadPicture(standardInput);
 }
 
-/// Straight into its file, while it is drawn. False, with nothing changed, where that cannot be.
-bool composeInto(const QString& output, const Composition& composition) {
-    if (output == u"-")
-        return false;
-    NamelessFile file(output);
-    return file.isOpen() && composePng(composition, file).value_or(false) && file.commit();
-}
-
 QString writeOutput(const QString& output, const QByteArray& png) {
     if (output != u"-")
         return writeFileAtomically(output, png);
@@ -55,22 +47,42 @@ QString RenderJob::run(const QString& input, const QString& output) const {
     composition.config.zoom = 100.0;
     composition.isRendering = !m_arguments.isPreview;
     composition.preloadedBackgroundImage = m_background;
-    if (composeInto(output, composition))
-        return {};
-    const std::optional<QByteArray> png = composedPng(composition);
-    if (!png) {
+
+    const auto cannotBeDrawn = [&] {
         const QSizeF frame = outputFrame(pointSize(picture.image), composition.config);
         return QStringLiteral("%1: a frame of %2 x %3 points cannot be drawn")
             .arg(inputName)
             .arg(frame.width())
             .arg(frame.height());
-    }
-    if (png->isEmpty())
-        return QStringLiteral("%1: not enough memory for the PNG").arg(inputName);
-    const QString problem = writeOutput(output, *png);
-    if (!problem.isEmpty())
+    };
+    const auto noMemory = [&] { return QStringLiteral("%1: not enough memory for the PNG").arg(inputName); };
+    const auto cannotBeWritten = [&](const QString& problem) {
         return QStringLiteral("%1: cannot be written: %2")
             .arg(output == u"-" ? QStringLiteral("standard output") : output, problem);
+    };
+    if (output != u"-") {
+        // Straight into the file, while it is drawn.
+        NamelessFile file(output);
+        if (file.isOpen()) {
+            const std::optional<bool> isWhole = composePng(composition, file);
+            if (!isWhole)
+                return cannotBeDrawn();
+            if (const QString problem = file.error(); !problem.isEmpty())
+                return cannotBeWritten(problem);
+            if (!*isWhole)
+                return noMemory();
+            if (file.commit())
+                return {};
+        }
+    }
+    const std::optional<QByteArray> png = composedPng(composition);
+    if (!png)
+        return cannotBeDrawn();
+    if (png->isEmpty())
+        return noMemory();
+    const QString problem = writeOutput(output, *png);
+    if (!problem.isEmpty())
+        return cannotBeWritten(problem);
     return {};
 }
 

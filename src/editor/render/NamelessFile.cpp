@@ -37,23 +37,29 @@ NamelessFile::~NamelessFile() {
 }
 
 void NamelessFile::write(std::span<const std::uint8_t> bytes) {
-    while (!m_hasFailed && !bytes.empty()) {
+    while (m_error == 0 && !bytes.empty()) {
         const ssize_t count = ::write(m_descriptor, bytes.data(), bytes.size());
         if (count < 0 && errno == EINTR)
             continue;
-        m_hasFailed = count <= 0;
+        if (count <= 0)
+            m_error = count < 0 ? errno : EIO;
         bytes = bytes.subspan(std::size_t(std::max<ssize_t>(count, 0)));
     }
 }
 
 void NamelessFile::clear() {
-    m_hasFailed = lseek(m_descriptor, 0, SEEK_SET) != 0 || ftruncate(m_descriptor, 0) != 0;
+    const bool isEmpty = lseek(m_descriptor, 0, SEEK_SET) == 0 && ftruncate(m_descriptor, 0) == 0;
+    m_error = isEmpty ? 0 : errno;
+}
+
+QString NamelessFile::error() const {
+    return m_error == 0 ? QString() : qt_error_string(m_error);
 }
 
 bool NamelessFile::commit() {
     struct stat earlier {};
     const bool replaces = stat(m_name.constData(), &earlier) == 0;
-    if (m_hasFailed || (replaces && fchmod(m_descriptor, earlier.st_mode & 07777) != 0))
+    if (m_error != 0 || (replaces && fchmod(m_descriptor, earlier.st_mode & 07777) != 0))
         return false;
     fdatasync(m_descriptor);
     if (!replaces && nameIt(m_descriptor, m_name))

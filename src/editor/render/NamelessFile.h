@@ -18,13 +18,15 @@ public:
     bool isOpen() const { return m_descriptor >= 0; }
     void write(std::span<const std::uint8_t> bytes) override;
     void clear() override;
+    /// Why a write failed, in words; empty when none did.
+    QString error() const;
     /// Gives it its name, once it is on the disk. False, with nothing changed, where that or a write before
     /// it failed.
     bool commit();
 
 private:
     int m_descriptor = -1;
-    bool m_hasFailed = false;
+    int m_error = 0; ///< errno of the write that failed.
     QByteArray m_folder;
     QByteArray m_name;
 };

@@ -301,6 +301,22 @@ TEST_F(FramoraRender, AFullDiskIsOneLine) {
     EXPECT_TRUE(errors.contains("standard output: cannot be written")) << errors.constData();
 }
 
+TEST_F(FramoraRender, AFileThatMayNotGrowIsOneLineAndLeavesTheEarlierOne) {
+    write("out.png", "earlier");
+    const QStringList before = QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden);
+    QProcess process;
+    process.setWorkingDirectory(m_folder.path());
+    process.start("bash", {"-c", R"(trap "" XFSZ; ulimit -f 1; exec "$@")", "bash", FRAMORA_RENDER,
+                           "shot.png", "-o", "out.png"});
+    ASSERT_TRUE(process.waitForFinished(30'000));
+    EXPECT_EQ(process.exitCode(), 1);
+    const QByteArray errors = process.readAllStandardError();
+    EXPECT_EQ(errors.count('\n'), 1) << errors.constData();
+    EXPECT_TRUE(errors.contains("out.png: cannot be written: File too large")) << errors.constData();
+    EXPECT_EQ(read("out.png"), "earlier");
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden), before);
+}
+
 TEST_F(FramoraRender, NumbersThatNoEditorGivesNeverCrashIt) {
     for (const char* field : {"mockupBorderSize", "borderRadius", "rotation", "imageScale", "rotationX",
                               "rotationY", "perspective", "gradientConfig.angle", "gradientConfig.saturation",
