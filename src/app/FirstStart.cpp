@@ -27,7 +27,7 @@ FirstStart::FirstStart(Services services) : m_services(std::move(services)) {
 FirstStart::~FirstStart() = default;
 
 bool FirstStart::isOver() const {
-    return m_looks > lastLook || m_services.defaults.dataForKey(Settings::storeKey).has_value();
+    return m_looks > lastLook || !m_services.defaults.isEmpty();
 }
 
 void FirstStart::look() {
@@ -41,7 +41,8 @@ void FirstStart::look() {
         return;
     m_timer.reset();
     Settings().save(m_services.defaults, m_services.notifications);
-    m_services.openSettings();
+    if (!m_services.defaults.isEmpty())
+        m_services.openSettings();
 }
 
 } // namespace framora

@@ -14,7 +14,8 @@ class WorkItem;
 
 /// What a user's very first start shows where it would show nothing at all: no tray has the program's item,
 /// and no way leads from the keys to it. The preferences open then, which say what to bind; once, since the
-/// settings are stored with that.
+/// settings are stored with that. Nor do they open where there is a store already, be it damaged, or where
+/// none can be written: that would be so at every start.
 class FirstStart {
 public:
     /// All of it outlives this.

@@ -15,6 +15,8 @@ public:
     /// Keeps `json` under `key` and leaves every other key alone. False when nothing could be written; the
     /// store then holds what it held before.
     virtual bool setData(const std::string& key, const std::string& json) = 0;
+    /// Whether nothing has ever been kept. A store that is damaged or cannot be read is not empty.
+    virtual bool isEmpty() const = 0;
 };
 
 } // namespace framora

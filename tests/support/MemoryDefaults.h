@@ -20,8 +20,11 @@ public:
         return true;
     }
 
+    bool isEmpty() const override { return values.empty() && !isDamaged; }
+
     std::map<std::string, std::string> values;
     bool isReadOnly = false;
+    bool isDamaged = false; ///< There is something, which no key leads to.
 };
 
 } // namespace framora

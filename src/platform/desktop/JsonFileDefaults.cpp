@@ -41,13 +41,21 @@ private:
     int m_value;
 };
 
-/// An empty object for a file that is missing or damaged; nothing for one that must not be read.
-std::optional<Json> readObject(const QString& path) {
+/// An empty object for a file that is missing, no object for a damaged one; nothing for one that must not be
+/// read.
+std::optional<Json> readFile(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return file.exists() ? std::nullopt : std::optional(Json::object());
-    Json object = Json::parse(file.readAll().toStdString(), nullptr, false);
-    return object.is_object() ? std::move(object) : Json::object();
+    return Json::parse(file.readAll().toStdString(), nullptr, false);
+}
+
+/// The same with an empty object for a damaged file too.
+std::optional<Json> readObject(const QString& path) {
+    std::optional<Json> content = readFile(path);
+    if (content && !content->is_object())
+        content = Json::object();
+    return content;
 }
 
 bool writeAll(int descriptor, const std::string& bytes) {
@@ -137,6 +145,13 @@ std::optional<std::string> JsonFileDefaults::dataForKey(const std::string& key) 
     if (member == object->end())
         return std::nullopt;
     return member->dump();
+}
+
+bool JsonFileDefaults::isEmpty() const {
+    if (isSavePending())
+        return false;
+    const auto content = readFile(m_path);
+    return content && content->is_object() && content->empty();
 }
 
 bool JsonFileDefaults::setData(const std::string& key, const std::string& json) {

@@ -32,6 +32,7 @@ public:
     /// see it, and is in the file `calm` after the first one that is not, or at the end of the program or of
     /// this object. Where the file cannot be replaced then, that is tried again.
     bool setData(const std::string& key, const std::string& json) override;
+    bool isEmpty() const override;
     /// Whether something is kept that is not in the file yet.
     bool isSavePending() const { return !m_pending.empty(); }
 

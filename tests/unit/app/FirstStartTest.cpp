@@ -2,11 +2,14 @@
 
 #include "platform/GlobalShortcuts.h"
 #include "platform/NotificationCenter.h"
+#include "platform/desktop/JsonFileDefaults.h"
 #include "settings/Settings.h"
 #include "support/ManualMainQueue.h"
 #include "support/MemoryDefaults.h"
 #include "support/RecordingPlatform.h"
 
+#include <QFile>
+#include <QTemporaryDir>
 #include <gtest/gtest.h>
 #include <optional>
 
@@ -99,6 +102,58 @@ TEST_F(FirstStartTest, thatThereAreNoneMayBeKnownALittleLater) {
 
 TEST_F(FirstStartTest, aUserWithSettingsHasFoundTheProgramBefore) {
     Settings().save(defaults, notifications);
+    start();
+    EXPECT_EQ(queue.waitingCount(), 0U);
+}
+
+TEST_F(FirstStartTest, aDamagedStoreIsNoFirstStartAndStaysAsItIs) {
+    defaults.isDamaged = true;
+    start();
+    EXPECT_EQ(queue.waitingCount(), 0U);
+    queue.advance(60);
+    EXPECT_EQ(opened, 0);
+    EXPECT_TRUE(defaults.values.empty());
+}
+
+TEST_F(FirstStartTest, aStoreThatIsDamagedMeanwhileStaysAsItIs) {
+    start();
+    queue.advance(1.5);
+    defaults.isDamaged = true;
+    queue.advance(60);
+    EXPECT_EQ(opened, 0);
+    EXPECT_TRUE(defaults.values.empty());
+}
+
+TEST_F(FirstStartTest, aFileThatIsNoJsonStaysAsItIs) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("defaults.json"));
+    const QByteArray damaged = R"({"Settings": {"showDockIcon": fal)";
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    file.write(damaged);
+    file.flush();
+    JsonFileDefaults stored(path);
+    const FirstStart first(
+        FirstStart::Services{queue, stored, notifications, shortcuts, statusBar, [this] { ++opened; }});
+    queue.advance(60);
+    EXPECT_EQ(opened, 0);
+    QFile again(path);
+    ASSERT_TRUE(again.open(QIODevice::ReadOnly));
+    EXPECT_EQ(again.readAll(), damaged);
+}
+
+TEST_F(FirstStartTest, whereNothingCanBeStoredEveryStartWouldBeTheFirst) {
+    defaults.isReadOnly = true;
+    for (int starts = 0; starts < 2; ++starts) {
+        start();
+        queue.advance(60);
+        EXPECT_EQ(opened, 0);
+        EXPECT_EQ(queue.waitingCount(), 0U);
+    }
+}
+
+TEST_F(FirstStartTest, anythingThatIsStoredTellsOfAnEarlierStart) {
+    ASSERT_TRUE(defaults.setData("RecentColors", "[]"));
     start();
     EXPECT_EQ(queue.waitingCount(), 0U);
 }

@@ -57,6 +57,18 @@ TEST_F(JsonFileDefaultsTest, whatIsStoredIsReadAgainByAnother) {
     EXPECT_EQ(filesInFolder(), QStringList{QStringLiteral("defaults.json")});
 }
 
+TEST_F(JsonFileDefaultsTest, onlyAFileThatIsMissingOrHoldsNothingIsEmpty) {
+    EXPECT_TRUE(defaults.isEmpty());
+    write("{}");
+    EXPECT_TRUE(defaults.isEmpty());
+    for (const char* some : {R"({"Other":1})", "{", "[]", ""}) {
+        write(some);
+        EXPECT_FALSE(defaults.isEmpty()) << some;
+    }
+    ASSERT_TRUE(QFile::remove(path) && QDir().mkdir(path));
+    EXPECT_FALSE(defaults.isEmpty()) << "what cannot be read may hold something";
+}
+
 /// Does it in an event loop, which ends then.
 void inEventLoop(const std::function<void()>& act) {
     QEventLoop loop;
