@@ -44,6 +44,7 @@ void ColorPanelBridge::open(const QString& field, QQuickItem* opener) {
     keepAsRecent();
     show(current.alpha() == 0 ? QColor(Qt::white) : current);
     m_colorAtOpening = color().rgb();
+    m_isOwnChoice = false;
     m_opener = opener;
     if (m_field != field) {
         m_field = field;
@@ -63,7 +64,7 @@ void ColorPanelBridge::close() {
 }
 
 void ColorPanelBridge::keepAsRecent() {
-    if (isOpen() && color().rgb() != m_colorAtOpening)
+    if (isOpen() && m_isOwnChoice && color().rgb() != m_colorAtOpening)
         m_recentColors.add(color());
 }
 
@@ -130,6 +131,7 @@ void ColorPanelBridge::setHsv(double hue, double saturation, double brightness) 
 }
 
 void ColorPanelBridge::write() {
+    m_isOwnChoice = true;
     m_isWriting = true;
     if (m_field == u"customColor")
         m_viewModel.pickCustomColor(color());
@@ -143,8 +145,10 @@ void ColorPanelBridge::follow() {
         return;
     // A colour that a preset has cleared leaves the panel where it is.
     const QColor current = currentColor(m_field);
-    if (current.alpha() > 0 && current.rgb() != color().rgb())
+    if (current.alpha() > 0 && current.rgb() != color().rgb()) {
         show(current);
+        m_isOwnChoice = false;
+    }
 }
 
 } // namespace framora

@@ -91,6 +91,7 @@ private:
     PickFromScreen m_pickFromScreen;
     bool m_isPickingFromScreen = false;
     QRgb m_colorAtOpening = 0;
+    bool m_isOwnChoice = false; ///< What the panel shows was chosen in it, after it opened.
     QString m_field;
     QPointer<QQuickItem> m_opener;
     bool m_isWriting = false;

@@ -184,6 +184,25 @@ TEST_F(Session, AColourThatIsOnlyLookedAtIsNotRecent) {
     EXPECT_EQ(panel.recentColors(), QStringList());
 }
 
+TEST_F(Session, OnlyThePanelsOwnChoicesAreRecent) {
+    ColorPanelBridge& panel = *session->colorPanel();
+    panel.open(u"borderColor"_qs);
+    model().set(u"borderColor"_qs, QColor(1, 2, 3));
+    ASSERT_EQ(panel.color(), QColor(1, 2, 3));
+    panel.close();
+    EXPECT_EQ(panel.recentColors(), QStringList());
+    panel.open(u"borderColor"_qs);
+    panel.setColor(Qt::red);
+    model().set(u"borderColor"_qs, QColor(4, 5, 6));
+    panel.close();
+    EXPECT_EQ(panel.recentColors(), QStringList()) << "it shows another one by now";
+    panel.open(u"borderColor"_qs);
+    model().set(u"borderColor"_qs, QColor(7, 8, 9));
+    panel.setColor(Qt::green);
+    panel.close();
+    EXPECT_EQ(panel.recentColors(), QStringList{u"#00ff00"_qs});
+}
+
 TEST_F(Session, RecentColoursOutliveTheEditor) {
     session->colorPanel()->open(u"borderColor"_qs);
     session->colorPanel()->setColor(Qt::red);
