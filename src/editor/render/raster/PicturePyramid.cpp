@@ -24,8 +24,11 @@ PixelView PicturePyramid::level(int across, int down) const {
         level.pixels = PixelBuffer::create(reduced(m_picture.width, across), reduced(m_picture.height, down));
         // From the next larger half, quarter and so on, which most levels are asked for with anyway.
         const auto larger = [](int steps) { return steps - (steps % 2 ? 1 : 2); };
-        resample(this->level(across >= down ? larger(across) : across, down >= across ? larger(down) : down),
-                 level.pixels.mutableView());
+        const int fromAcross = across >= down ? larger(across) : across;
+        const int fromDown = down >= across ? larger(down) : down;
+        // A level of the picture's own size across or down alone is kept for nobody.
+        const bool isPicture = fromAcross == 0 || fromDown == 0;
+        resample(isPicture ? m_picture : this->level(fromAcross, fromDown), level.pixels.mutableView());
     });
     return level.pixels.isEmpty() ? m_picture : level.pixels.view();
 }
