@@ -44,6 +44,9 @@ constexpr Search search = effort == DeflateEffort::quick ? Search{.depth = 12,
                                                                   .sureRepeat = 128,
                                                                   .hashedBytes = 4};
 constexpr int fewMisses = 4;
+/// Above this many places a byte, as in smooth photographs, they are too many: only a quarter of them is
+/// tried.
+constexpr std::int64_t denseSteps = 12;
 
 constexpr int readAhead = 8; ///< A hash reads this far.
 
@@ -89,6 +92,8 @@ template <DeflateEffort effort> void Deflater::start(std::span<const std::uint8_
     for (int i = std::max(0, first - windowSize); i < std::min(first, m_end - readAhead + 1); ++i)
         if (i == 0 || load64(m_data + i) != load64(m_data + i - 1))
             insert<effort>(i);
+    m_steps = 0;
+    m_isDense = false;
     m_tokenCount = 0;
     m_blockTokens = 0;
     m_block = m_chunk = {};
@@ -133,6 +138,9 @@ template <DeflateEffort effort> Deflater::Match Deflater::findMatch(int position
     const std::uint32_t start = load32(here);
     int candidate = m_head[hashOf<effort>(here)];
     const int oldest = std::max(0, position - windowSize);
+    if (m_isDense)
+        depth = (depth + 3) / 4;
+    m_steps += depth;
     while (candidate >= oldest && depth-- > 0) {
         const std::uint8_t* there = m_data + candidate;
         if (load32(there + best.length - 3) == load32(here + best.length - 3) && load32(there) == start) {
@@ -145,6 +153,7 @@ template <DeflateEffort effort> Deflater::Match Deflater::findMatch(int position
         }
         candidate = m_previous[std::size_t(candidate) % windowSize];
     }
+    m_steps -= std::max(depth, 0);
     return best.distance > 0 ? best : Match{};
 }
 
@@ -289,6 +298,8 @@ void Deflater::endChunk(BitWriter& writer, int position) {
     m_blockEntropy = joinedEntropy;
     m_blockTokens = m_tokenCount;
     m_chunk = {};
+    m_isDense = (m_isDense ? 4 : 1) * m_steps > denseSteps * (position - m_chunkBegin);
+    m_steps = 0;
     m_chunkBegin = position;
 }
 

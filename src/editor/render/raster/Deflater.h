@@ -57,6 +57,9 @@ private:
     std::vector<int> m_head;     ///< The last position with this hash, or -1.
     std::vector<int> m_previous; ///< By position modulo the window: the one before with the same hash.
 
+    std::int64_t m_steps = 0; ///< Places looked at for the chunk so far.
+    bool m_isDense = false;   ///< They were many in the one before.
+
     // The block so far, and the chunk that is about to join it or to start the next one.
     std::vector<DeflateToken> m_tokens; ///< Room for as many as there can be.
     std::size_t m_tokenCount = 0;
