@@ -33,6 +33,14 @@ void widenColumnBox(PixelView picture, int firstColumn, int firstRow, const Colu
         std::copy_n(column(left + count - 1), box.rows, column(x));
 }
 
+/// What two boxes that overlap have in common.
+TileRect intersection(const TileRect& one, const TileRect& other) {
+    const int x = std::max(one.x, other.x);
+    const int y = std::max(one.y, other.y);
+    return {x, y, std::min(one.x + one.width, other.x + other.width) - x,
+            std::min(one.y + one.height, other.y + other.height) - y};
+}
+
 /// Has the columns [first, end) of a row fetched, as far as the picture reaches.
 void fetch(PixelView picture, int row, int first, int end) {
     constexpr int line = 64 / int(sizeof(std::uint32_t));
@@ -167,8 +175,8 @@ void ShearedBlock::fetchNext(const TileRect& part, const TileRect& read) const {
 }
 
 void ShearedBlock::mix(const TileRect& part, MixPixel* out, int stride) const {
-    const TileRect read = neighbours(m_picture, m_toPicture, part, 0);
-    ColumnBox box{nullptr, read.width, read.height};
+    const TileRect read = intersection(neighbours(m_picture, m_toPicture, part, 0), m_box);
+    ColumnBox box{nullptr, read.width, read.height}; // Never larger than the block's: what make() allowed.
     // Places are told from the block's corner, so that they come out alike for any part of it.
     const auto skipped = std::size_t(part.x - m_block.x);
     ShearedPart sheared{skipped, skipped + std::size_t(part.width), read.x - m_box.x, read.y - m_box.y,
