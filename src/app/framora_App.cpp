@@ -10,6 +10,7 @@
 #include "platform/Application.h"
 #include "platform/Localized.h"
 #include "platform/Pasteboard.h"
+#include "platform/ScreenColorPicker.h"
 #include "platform/ToastPanel.h"
 #include "platform/desktop/AutostartEntry.h"
 #include "platform/desktop/ConfiguredDesktopPictures.h"
@@ -79,6 +80,8 @@ struct framora_App::Desktop {
 
     void screenTaken(bool isTaken) {
         if (isTaken) {
+            // Pointer and keys are the tool's, and so is what the screen shows.
+            windows->colorPicker().dismiss();
             windows->toastPanels().withdraw();
             if (Settings::load(defaults).soundEffectsEnabled)
                 soundOutput.prepare();

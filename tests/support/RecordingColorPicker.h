@@ -20,6 +20,10 @@ public:
         parentWindow = parent;
         m_picked = std::move(picked);
     }
+    void dismiss() override {
+        if (m_picked)
+            point(std::nullopt);
+    }
     void cancel() override {
         if (std::exchange(m_picked, nullptr))
             ++cancellations;

@@ -67,22 +67,45 @@ void PortalColorPicker::queryAvailable(std::function<void(bool)> answer) {
 }
 
 void PortalColorPicker::pick(QWindow* parent, Picked picked) {
-    if (m_request)
-        m_request->end(PortalRequest::cancelled);
+    dismiss();
+    m_picked = std::move(picked);
     const PortalWindowName name = m_nameWindow(parent);
     QDBusMessage call =
         QDBusMessage::createMethodCall(service, objectPath, interface, QStringLiteral("PickColor"));
     call << *name;
     m_request = new PortalRequest(
         m_bus, call, {},
-        [picked = std::move(picked), name](uint response, const QVariantMap& results) {
-            picked(response == PortalRequest::done ? colorIn(results) : std::nullopt);
+        [this, name](uint response, const QVariantMap& results) {
+            m_request.clear();
+            std::exchange(m_picked,
+                          nullptr)(response == PortalRequest::done ? colorIn(results) : std::nullopt);
         },
         this);
 }
 
+PortalColorPicker::Picked PortalColorPicker::takeBack() {
+    if (m_request)
+        m_request->close();
+    m_request.clear();
+    return std::exchange(m_picked, nullptr);
+}
+
+void PortalColorPicker::dismiss() {
+    Picked picked = takeBack();
+    if (!picked)
+        return;
+    QMetaObject::invokeMethod(
+        this,
+        [this, picked = std::move(picked), cancellations = m_cancellations] {
+            if (m_cancellations == cancellations)
+                picked(std::nullopt);
+        },
+        Qt::QueuedConnection);
+}
+
 void PortalColorPicker::cancel() {
-    delete m_request;
+    ++m_cancellations;
+    takeBack();
 }
 
 } // namespace framora

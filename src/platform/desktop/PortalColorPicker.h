@@ -23,13 +23,19 @@ public:
 
     void queryAvailable(std::function<void(bool)> answer) override;
     void pick(QWindow* parent, Picked picked) override;
+    void dismiss() override;
     void cancel() override;
 
 private:
+    /// What is under way is taken back; whom its answer was meant for.
+    Picked takeBack();
+
     NamePortalWindow m_nameWindow;
     QDBusConnection m_bus;
     QDBusServiceWatcher m_watcher;
     QPointer<PortalRequest> m_request;
+    Picked m_picked; ///< Empty while nothing is under way.
+    unsigned m_cancellations = 0;
 };
 
 } // namespace framora

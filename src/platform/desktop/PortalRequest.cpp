@@ -35,17 +35,36 @@ void PortalRequest::subscribe(bool on) {
 }
 
 void PortalRequest::onReply(const QDBusMessage& reply) {
+    m_isReplied = true;
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
         end(failed);
         return;
     }
     // Older portals choose another path than the one that was expected.
     const QString path = reply.arguments().first().value<QDBusObjectPath>().path();
+    if (m_isClosing) {
+        m_path = path;
+        close();
+        return;
+    }
     if (path == m_path || !m_responded)
         return;
     subscribe(false);
     m_path = path;
     subscribe(true);
+}
+
+void PortalRequest::close() {
+    m_responded = nullptr;
+    if (!std::exchange(m_isClosing, true))
+        subscribe(false);
+    // Before the reply there may be nothing to close yet, or under another path.
+    if (!m_isReplied)
+        return;
+    m_bus.send(QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Desktop"), m_path,
+                                              QStringLiteral("org.freedesktop.portal.Request"),
+                                              QStringLiteral("Close")));
+    deleteLater();
 }
 
 void PortalRequest::end(uint response, const QVariantMap& results) {

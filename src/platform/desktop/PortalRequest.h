@@ -23,6 +23,8 @@ public:
 
     /// For a portal that will not respond any more.
     void end(uint response, const QVariantMap& results = {});
+    /// Has the portal take back what it shows; nobody hears of it any more. Deletes itself.
+    void close();
 
 private Q_SLOTS:
     void onResponse(uint response, const QVariantMap& results);
@@ -33,6 +35,8 @@ private:
 
     QDBusConnection m_bus;
     QString m_path;
+    bool m_isReplied = false;
+    bool m_isClosing = false;
     Responded m_responded;
 };
 

@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QScreen>
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <utility>
 #include <xcb/xcb_cursor.h>
@@ -23,6 +24,10 @@ constexpr xcb_keysym_t keyLeft = 0xff51;
 constexpr xcb_keysym_t keyUp = 0xff52;
 constexpr xcb_keysym_t keyRight = 0xff53;
 constexpr xcb_keysym_t keyDown = 0xff54;
+
+// As long as what opened the picker may still hold the pointer.
+constexpr std::chrono::milliseconds grabPause{20};
+constexpr int grabTries = 15;
 
 constexpr std::uint16_t pointerEvents =
     XCB_EVENT_MASK_POINTER_MOTION | XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE;
@@ -49,9 +54,10 @@ QImage::Format formatOf(const xcb_setup_t& setup, std::uint8_t depth) {
 X11ColorPicker::X11ColorPicker(X11Connection& connection, Screens& screens)
     : m_connection(connection), m_screens(screens) {
     m_connection.addEventHandler([this](const xcb_generic_event_t& event) {
-        if (m_picked)
+        if (m_loupe)
             handle(event);
     });
+    m_nextTry.setSingleShot(true);
 }
 
 X11ColorPicker::~X11ColorPicker() {
@@ -66,18 +72,35 @@ void X11ColorPicker::queryAvailable(std::function<void(bool)> answer) {
 void X11ColorPicker::pick(QWindow* parent, Picked picked) {
     Q_UNUSED(parent)
     end(std::nullopt);
+    m_picked = std::move(picked);
+    start(grabTries);
+}
+
+void X11ColorPicker::start(int triesLeft) {
     if (!grab()) {
-        QMetaObject::invokeMethod(
-            this, [picked = std::move(picked)] { picked(std::nullopt); }, Qt::QueuedConnection);
+        if (triesLeft <= 1 || !m_connection.isValid()) {
+            end(std::nullopt);
+            return;
+        }
+        m_nextTry.disconnect();
+        connect(&m_nextTry, &QTimer::timeout, this, [this, triesLeft] { start(triesLeft - 1); });
+        m_nextTry.start(grabPause);
         return;
     }
-    m_picked = std::move(picked);
+    // After the grab: whatever is released from now on is heard of.
+    m_heldBefore = keysDown();
+    m_deciding = 0;
     m_loupe = std::make_unique<ColorLoupe>(hasCompositor());
     readPointer();
     follow();
 }
 
+void X11ColorPicker::dismiss() {
+    end(std::nullopt);
+}
+
 void X11ColorPicker::cancel() {
+    ++m_cancellations;
     if (std::exchange(m_picked, nullptr))
         release();
 }
@@ -106,6 +129,7 @@ bool X11ColorPicker::grab() {
 }
 
 void X11ColorPicker::release() {
+    m_nextTry.stop();
     m_loupe.reset();
     if (!m_connection.isValid())
         return;
@@ -150,7 +174,6 @@ void X11ColorPicker::handle(const xcb_generic_event_t& event) {
         follow();
         return;
     }
-    // At the release: a program below never sees half a click.
     case XCB_BUTTON_RELEASE: {
         const auto& button = reinterpret_cast<const xcb_button_release_event_t&>(event);
         m_pointer = {button.root_x, button.root_y};
@@ -162,19 +185,19 @@ void X11ColorPicker::handle(const xcb_generic_event_t& event) {
     }
     case XCB_KEY_PRESS: {
         const auto& key = reinterpret_cast<const xcb_key_press_event_t&>(event);
-        pressed(key.detail, key.state & XCB_MOD_MASK_SHIFT);
+        if (!m_heldBefore[key.detail])
+            pressed(key.detail, key.state & XCB_MOD_MASK_SHIFT);
         return;
     }
+    case XCB_KEY_RELEASE:
+        released(reinterpret_cast<const xcb_key_release_event_t&>(event).detail);
+        return;
     default:
         return;
     }
 }
 
 void X11ColorPicker::pressed(xcb_keycode_t key, bool many) {
-    const XcbReply<xcb_get_keyboard_mapping_reply_t> mapping(xcb_get_keyboard_mapping_reply(
-        m_connection, xcb_get_keyboard_mapping(m_connection, key, 1), nullptr));
-    if (!mapping || xcb_get_keyboard_mapping_keysyms_length(mapping.get()) == 0)
-        return;
     const auto go = [&](int dx, int dy) {
         const int step = many ? 10 : 1;
         xcb_warp_pointer(m_connection, XCB_NONE, XCB_NONE, 0, 0, 0, 0, std::int16_t(dx * step),
@@ -182,14 +205,12 @@ void X11ColorPicker::pressed(xcb_keycode_t key, bool many) {
         readPointer();
         follow();
     };
-    switch (*xcb_get_keyboard_mapping_keysyms(mapping.get())) {
+    switch (printedOn(key)) {
     case keyReturn:
     case keyEnter:
     case keySpace:
-        take();
-        break;
     case keyEscape:
-        end(std::nullopt);
+        m_deciding = key;
         break;
     case keyLeft:
         go(-1, 0);
@@ -208,6 +229,36 @@ void X11ColorPicker::pressed(xcb_keycode_t key, bool many) {
     }
 }
 
+void X11ColorPicker::released(xcb_keycode_t key) {
+    // A held key's repeats are releases as well.
+    if (keysDown()[key])
+        return;
+    m_heldBefore[key] = false;
+    if (key != m_deciding)
+        return;
+    if (printedOn(key) == keyEscape)
+        end(std::nullopt);
+    else
+        take();
+}
+
+xcb_keysym_t X11ColorPicker::printedOn(xcb_keycode_t key) {
+    const XcbReply<xcb_get_keyboard_mapping_reply_t> mapping(xcb_get_keyboard_mapping_reply(
+        m_connection, xcb_get_keyboard_mapping(m_connection, key, 1), nullptr));
+    return mapping && xcb_get_keyboard_mapping_keysyms_length(mapping.get()) > 0
+               ? *xcb_get_keyboard_mapping_keysyms(mapping.get())
+               : 0;
+}
+
+X11ColorPicker::Keys X11ColorPicker::keysDown() {
+    const XcbReply<xcb_query_keymap_reply_t> reply(
+        xcb_query_keymap_reply(m_connection, xcb_query_keymap(m_connection), nullptr));
+    Keys keys;
+    for (std::size_t key = 0; reply && key < keys.size(); ++key)
+        keys[key] = reply->keys[key / 8] >> key % 8 & 1;
+    return keys;
+}
+
 void X11ColorPicker::readPointer() {
     const XcbReply<xcb_query_pointer_reply_t> reply(
         xcb_query_pointer_reply(m_connection, xcb_query_pointer(m_connection, m_connection.root()), nullptr));
@@ -222,7 +273,7 @@ void X11ColorPicker::follow() {
         this,
         [this] {
             m_followQueued = false;
-            if (!m_picked)
+            if (!m_loupe)
                 return;
             showLoupe();
             // Waiting for replies may have brought events along, which no socket announces any more.
@@ -252,13 +303,21 @@ void X11ColorPicker::take() {
 }
 
 void X11ColorPicker::end(std::optional<QColor> color) {
-    const Picked picked = std::exchange(m_picked, nullptr);
-    if (!picked)
+    if (!m_picked)
         return;
     release();
+    answer(std::exchange(m_picked, nullptr), color);
+}
+
+void X11ColorPicker::answer(Picked picked, std::optional<QColor> color) {
     // Out of the connection's events first: whoever hears of it may pick again.
     QMetaObject::invokeMethod(
-        this, [picked, color] { picked(color); }, Qt::QueuedConnection);
+        this,
+        [this, picked = std::move(picked), color, cancellations = m_cancellations] {
+            if (m_cancellations == cancellations)
+                picked(color);
+        },
+        Qt::QueuedConnection);
 }
 
 QImage X11ColorPicker::pixelsAround(QPoint middle) {

@@ -6,6 +6,8 @@
 #include <QImage>
 #include <QObject>
 #include <QPoint>
+#include <QTimer>
+#include <bitset>
 #include <memory>
 
 namespace framora {
@@ -14,7 +16,8 @@ class ColorLoupe;
 class Screens;
 
 /// Takes pointer and keys for itself and follows the pointer with a loupe. A click, Return or Space takes the
-/// pixel, the arrow keys move by one (with Shift by ten), Escape or another button lets it be.
+/// pixel, the arrow keys move by one (with Shift by ten), Escape or another button lets it be. What ends it
+/// does so at its release: a program below sees neither half a click nor a held key's repeats.
 class X11ColorPicker final : public QObject, public ScreenColorPicker {
     Q_OBJECT
 
@@ -25,11 +28,23 @@ public:
 
     void queryAvailable(std::function<void(bool)> answer) override;
     void pick(QWindow* parent, Picked picked) override;
+    void dismiss() override;
     void cancel() override;
+    /// While no window of any program gets the keys.
+    bool holdsKeys() const { return m_loupe != nullptr; }
 
 private:
+    /// A bit for each key.
+    using Keys = std::bitset<256>;
+
+    /// Tries for a moment where another program has pointer or keys: a menu that is just closing.
+    void start(int triesLeft);
     void handle(const xcb_generic_event_t& event);
     void pressed(xcb_keycode_t key, bool many);
+    void released(xcb_keycode_t key);
+    /// 0 for a key that prints nothing.
+    xcb_keysym_t printedOn(xcb_keycode_t key);
+    Keys keysDown();
     /// False where another program has them.
     bool grab();
     void release();
@@ -39,6 +54,8 @@ private:
     void showLoupe();
     void take();
     void end(std::optional<QColor> color);
+    /// In a later turn, unless it is cancelled before.
+    void answer(Picked picked, std::optional<QColor> color);
     /// ColorLoupe::pixelsAcross to each side; what lies outside of the screen is black. Null where the
     /// server's pixels are of a kind that is not known here.
     QImage pixelsAround(QPoint middle);
@@ -48,6 +65,10 @@ private:
     X11Connection& m_connection;
     Screens& m_screens;
     Picked m_picked; ///< Empty while nothing is under way.
+    QTimer m_nextTry;
+    unsigned m_cancellations = 0;
+    Keys m_heldBefore; ///< Since before the picking: their repeats mean something else.
+    xcb_keycode_t m_deciding = 0;
     QPoint m_pointer;
     bool m_followQueued = false;
     std::unique_ptr<ColorLoupe> m_loupe;

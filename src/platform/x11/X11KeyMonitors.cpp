@@ -125,7 +125,9 @@ void X11KeyMonitors::handleRawKey(std::uint32_t keycode) {
         return;
     const auto virtualKey = WindowKeyMonitors::virtualKeyOf(keycode);
     // While one of our windows has the keyboard, its keys are the local monitors'.
-    if (!virtualKey || WindowKeyMonitors::isModifierKey(*virtualKey) || ownWindowHasFocus())
+    if (!virtualKey || WindowKeyMonitors::isModifierKey(*virtualKey))
+        return;
+    if (!(m_holdsKeys && m_holdsKeys()) && ownWindowHasFocus())
         return;
     const KeyEvent key{*virtualKey, m_modifiers.flags(m_modifierState)};
     // A copy: a handler may add and remove monitors; one that was removed meanwhile is not called.

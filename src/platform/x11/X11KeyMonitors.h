@@ -6,7 +6,9 @@
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Modifiers.h"
 
+#include <functional>
 #include <map>
+#include <utility>
 
 namespace framora {
 
@@ -19,6 +21,9 @@ public:
 
     /// Whether this server offers what the global monitor needs.
     bool canMonitorGlobally() const { return m_inputOpcode != 0 && m_connection.isValid(); }
+
+    /// Tells when this program takes the keys away from its own windows: they are seen globally then.
+    void setHoldsKeys(std::function<bool()> holdsKeys) { m_holdsKeys = std::move(holdsKeys); }
 
     Token addGlobalMonitor(GlobalHandler handler) override;
     Token addLocalMonitor(LocalHandler handler) override;
@@ -40,6 +45,7 @@ private:
     std::uint8_t m_xkbFirstEvent = 0;
     std::uint32_t m_modifierState = 0;
     Token m_lastToken = 0;
+    std::function<bool()> m_holdsKeys;
     std::map<Token, GlobalHandler> m_globalHandlers;
 };
 

@@ -98,6 +98,36 @@ TEST_F(Eyedropper, TheKeysAloneAreEnough) {
     EXPECT_TRUE(waitForFocus(QStringLiteral("colorPanel.eyedropper.button")));
 }
 
+TEST_F(Eyedropper, AHeldKeyCountsOnceAndAtItsRelease) {
+    // Longer than a key is held until it repeats.
+    constexpr int held = 1000;
+    openPanel();
+    tabTo(QStringLiteral("colorPanel.eyedropper.button"));
+    display().moveTo(single);
+    display().keyDown("Return");
+    ASSERT_TRUE(waitForLoupe());
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return !loupe(); }, held)) << "this one only began it";
+    display().keyUp("Return");
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return !loupe(); }, 200));
+    EXPECT_EQ(field("borderColor"), QString());
+    display().keyDown("Return");
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return !loupe(); }, held));
+    EXPECT_EQ(field("borderColor"), QString());
+    display().keyUp("Return");
+    EXPECT_TRUE(waitForField("borderColor", "#fa8003"));
+    EXPECT_TRUE(waitForLoupe(false));
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return loupe().has_value(); }, 300));
+
+    display().key({"Return"});
+    ASSERT_TRUE(waitForLoupe());
+    display().keyDown("Escape");
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return !loupe(); }, held));
+    display().keyUp("Escape");
+    EXPECT_TRUE(waitForLoupe(false));
+    letPass();
+    EXPECT_TRUE(waitForFocus(QStringLiteral("colorPanel.eyedropper.button"))) << "the panel is still there";
+}
+
 TEST_F(Eyedropper, ClosingTheEditorGivesPointerAndKeysBack) {
     openPanel();
     start();

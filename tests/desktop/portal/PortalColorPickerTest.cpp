@@ -123,6 +123,52 @@ TEST_F(PortalColorPicking, AnswersNobodyOnceItIsCancelled) {
     picker->cancel();
     portal->respond({ScreenshotPortalDouble::Code::done, {}, QColor(1, 2, 3)});
     EXPECT_FALSE(VirtualDesktop::waitFor([&] { return answers > 0; }, 200));
+    EXPECT_TRUE(portal->calls[0].closed) << "the desktop's own picking ends as well";
+}
+
+TEST_F(PortalColorPicking, ClosesWhatIsCancelledBeforeThePortalHasReplied) {
+    startPortal().predictableHandles = false;
+    pick();
+    picker->cancel();
+    ASSERT_TRUE(waitForCall());
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return portal->calls[0].closed; }));
+    EXPECT_EQ(answers, 0);
+}
+
+TEST_F(PortalColorPicking, DismissedItClosesAndAnswersNothing) {
+    startPortal();
+    pick();
+    ASSERT_TRUE(waitForCall());
+    picker->dismiss();
+    EXPECT_EQ(answers, 0) << "never inside the call";
+    ASSERT_TRUE(waitForAnswer());
+    EXPECT_FALSE(picked);
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return portal->calls[0].closed; }));
+}
+
+TEST_F(PortalColorPicking, AnotherPickEndsTheOneUnderWay) {
+    startPortal();
+    pick();
+    ASSERT_TRUE(waitForCall());
+    pick();
+    EXPECT_EQ(answers, 0) << "never inside the call";
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return portal->calls.size() == 2; }));
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return portal->calls[0].closed; }));
+    ASSERT_TRUE(waitForAnswer());
+    EXPECT_FALSE(picked);
+    portal->respond({ScreenshotPortalDouble::Code::done, {}, QColor(1, 2, 3)});
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return answers == 2; }));
+    EXPECT_EQ(picked->rgb(), QColor(1, 2, 3).rgb());
+    EXPECT_FALSE(portal->calls[1].closed);
+}
+
+TEST_F(PortalColorPicking, AnAnswerOnItsWayIsDroppedOnceItIsCancelled) {
+    startPortal();
+    pick();
+    ASSERT_TRUE(waitForCall());
+    picker->dismiss();
+    picker->cancel();
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return answers > 0; }, 200));
 }
 
 } // namespace
