@@ -1,6 +1,7 @@
 #include "desktop/path/PathDesktop.h"
 #include "support/PrintQt.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
 
@@ -64,6 +65,31 @@ TEST_F(OpenCapturePathTest, aSecondStartOfTheProgramIsDropped) {
     // At any other time it brings the preferences.
     startAgain();
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return preferencesAreOpen(); }));
+}
+
+TEST_F(OpenCapturePathTest, aCaptureEndsThePickingOfAColourAndIsTaken) {
+    const auto loupe = [&] {
+        const auto windows = display().windows();
+        return std::any_of(windows.begin(), windows.end(), [](const DesktopWindow& each) {
+            return each.overrideRedirect && each.geometry.size() == QSize(136, 164);
+        });
+    };
+    m_driver.launch();
+    m_driver.captureAndEdit(QRect(300, 300, 100, 80));
+    m_driver.showTab(QStringLiteral("Appearance"));
+    m_driver.clickControl(QStringLiteral("Border"));
+    m_driver.clickControl(QStringLiteral("Color"), QStringLiteral("push button"));
+    const QString eyedropper = QStringLiteral("Pick a color from the screen");
+    m_driver.clickControl(eyedropper);
+    ASSERT_TRUE(VirtualDesktop::waitFor(loupe));
+    m_desktop.start(FramoraDriver::program(QStringLiteral("framora")), {QStringLiteral("--capture-area")});
+    m_driver.waitForOverlay();
+    EXPECT_FALSE(loupe());
+    m_driver.selectArea(QRect(200, 200, 130, 90));
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return m_desktop.clipboardImage().size() == QSize(130, 90); }));
+    // Nothing was picked, and the next picking can begin.
+    m_driver.clickControl(eyedropper);
+    EXPECT_TRUE(VirtualDesktop::waitFor(loupe));
 }
 
 TEST_F(OpenCapturePathTest, aClickOnAToastThatTheCaptureOvertookOpensTheEditorAfterIt) {
