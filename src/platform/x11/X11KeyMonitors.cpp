@@ -77,6 +77,11 @@ void X11KeyMonitors::removeMonitor(Token token) {
 }
 
 void X11KeyMonitors::handleEvent(const xcb_generic_event_t& event) {
+    // The server tells no raw keys to the connection that has grabbed the keyboard at the root.
+    if ((event.response_type & 0x7f) == XCB_KEY_PRESS && m_holdsKeys && m_holdsKeys()) {
+        handleRawKey(reinterpret_cast<const xcb_key_press_event_t&>(event).detail);
+        return;
+    }
     if (m_inputOpcode == 0)
         return;
     const auto type = event.response_type & 0x7F;

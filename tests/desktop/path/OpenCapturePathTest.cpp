@@ -82,7 +82,7 @@ TEST_F(OpenCapturePathTest, aCaptureEndsThePickingOfAColourAndIsTaken) {
     const QString eyedropper = QStringLiteral("Pick a color from the screen");
     m_driver.clickControl(eyedropper);
     ASSERT_TRUE(VirtualDesktop::waitFor(loupe));
-    m_desktop.start(FramoraDriver::program(QStringLiteral("framora")), {QStringLiteral("--capture-area")});
+    m_driver.pressAreaShortcut();
     m_driver.waitForOverlay();
     EXPECT_FALSE(loupe());
     m_driver.selectArea(QRect(200, 200, 130, 90));
