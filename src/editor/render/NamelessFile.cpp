@@ -61,7 +61,8 @@ bool NamelessFile::commit() {
     const bool replaces = stat(m_name.constData(), &earlier) == 0;
     if (m_error != 0 || (replaces && fchmod(m_descriptor, earlier.st_mode & 07777) != 0))
         return false;
-    fdatasync(m_descriptor);
+    if (fdatasync(m_descriptor) != 0)
+        return false;
     if (!replaces && nameIt(m_descriptor, m_name))
         return true;
 

@@ -116,13 +116,14 @@ bool X11ColorPicker::grab() {
         nullptr));
     if (cursor != XCB_NONE)
         xcb_free_cursor(m_connection, cursor);
+    if (!pointer || pointer->status != XCB_GRAB_STATUS_SUCCESS)
+        return false;
     const XcbReply<xcb_grab_keyboard_reply_t> keyboard(
         xcb_grab_keyboard_reply(m_connection,
                                 xcb_grab_keyboard(m_connection, false, m_connection.root(), XCB_CURRENT_TIME,
                                                   XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
                                 nullptr));
-    if (pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS && keyboard &&
-        keyboard->status == XCB_GRAB_STATUS_SUCCESS)
+    if (keyboard && keyboard->status == XCB_GRAB_STATUS_SUCCESS)
         return true;
     release();
     return false;
