@@ -31,21 +31,26 @@ protected:
     bool waitForAnswer(int milliseconds = 5000) {
         return VirtualDesktop::waitFor([&] { return answers > 0; }, milliseconds);
     }
-    /// Whether somebody else can have pointer and keys.
-    bool isFree() {
+    /// Takes the pointer as somebody else; false where it cannot be had.
+    bool takePointer() {
         xcb_connection_t* other = display().connection();
         const XcbReply<xcb_grab_pointer_reply_t> pointer(xcb_grab_pointer_reply(
             other,
             xcb_grab_pointer(other, 0, display().root(), 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
                              XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
             nullptr));
+        return pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS;
+    }
+    /// Whether somebody else can have pointer and keys.
+    bool isFree() {
+        xcb_connection_t* other = display().connection();
+        const bool hasPointer = takePointer();
         const XcbReply<xcb_grab_keyboard_reply_t> keyboard(
             xcb_grab_keyboard_reply(other,
                                     xcb_grab_keyboard(other, 0, display().root(), XCB_CURRENT_TIME,
                                                       XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
                                     nullptr));
-        const bool both = pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS && keyboard &&
-                          keyboard->status == XCB_GRAB_STATUS_SUCCESS;
+        const bool both = hasPointer && keyboard && keyboard->status == XCB_GRAB_STATUS_SUCCESS;
         letGo();
         return both;
     }
@@ -53,15 +58,6 @@ protected:
         xcb_ungrab_pointer(display().connection(), XCB_CURRENT_TIME);
         xcb_ungrab_keyboard(display().connection(), XCB_CURRENT_TIME);
         xcb_flush(display().connection());
-    }
-    void takePointer() {
-        xcb_connection_t* other = display().connection();
-        const XcbReply<xcb_grab_pointer_reply_t> pointer(xcb_grab_pointer_reply(
-            other,
-            xcb_grab_pointer(other, 0, display().root(), 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC,
-                             XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
-            nullptr));
-        ASSERT_TRUE(pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS);
     }
 
     VirtualDesktop desktop{bare()};
@@ -107,7 +103,7 @@ TEST_F(X11ColorPicking, AnotherPickEndsTheOneUnderWay) {
 }
 
 TEST_F(X11ColorPicking, StartsOnceAClosingMenuLetsGo) {
-    takePointer();
+    ASSERT_TRUE(takePointer());
     pick();
     EXPECT_FALSE(VirtualDesktop::waitFor([&] { return answers > 0; }, 60));
     letGo();
@@ -116,7 +112,7 @@ TEST_F(X11ColorPicking, StartsOnceAClosingMenuLetsGo) {
 }
 
 TEST_F(X11ColorPicking, TellsNothingWhereSomebodyElseKeepsThePointer) {
-    takePointer();
+    ASSERT_TRUE(takePointer());
     pick();
     ASSERT_TRUE(waitForAnswer());
     EXPECT_FALSE(picked);

@@ -4,16 +4,14 @@
 #include "editor/render/RasterView.h"
 #include "editor/render/raster/Opacity.h"
 #include "editor/render/raster/ParallelFor.h"
+#include "unit/render/MemoryLimit.h"
 #include "unit/render/RandomComposition.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
-#include <sys/resource.h>
-#include <unistd.h>
 
 namespace framora {
 namespace {
@@ -157,12 +155,7 @@ TEST(ComposedPngDeathTest, IsEmptyWhereMemoryIsShort) {
     const auto compose = [] {
         // A gigabyte is asked for where half of one is to be had: only the whole of this frame shows that
         // it is not opaque.
-        rlimit limit{};
-        std::ifstream pages("/proc/self/statm");
-        rlim_t used = 0;
-        pages >> used;
-        limit.rlim_cur = limit.rlim_max = used * rlim_t(sysconf(_SC_PAGESIZE)) + (rlim_t(512) << 20);
-        setrlimit(RLIMIT_AS, &limit);
+        limitMemoryTo(rlim_t(512) << 20);
         Composition composition = plainComposition(BackgroundType::image);
         composition.loadedBackgroundImage = QImage(8, 8, QImage::Format_ARGB32_Premultiplied);
         composition.loadedBackgroundImage.fill(Qt::blue);

@@ -1,16 +1,14 @@
 #include "editor/render/CompositionRasterizer.h"
 #include "editor/render/ScreenshotRenderer.h"
+#include "unit/render/MemoryLimit.h"
 #include "unit/render/TestPictures.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
 #include <memory>
-#include <sys/resource.h>
-#include <unistd.h>
 
 namespace framora {
 namespace {
@@ -252,12 +250,7 @@ TEST(ExtremesDeathTest, AFrameThatMemoryDoesNotHoldIsNothing) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto draw = [] {
         // A gigabyte is asked for where half of one is to be had.
-        rlimit limit{};
-        std::ifstream pages("/proc/self/statm");
-        rlim_t used = 0;
-        pages >> used;
-        limit.rlim_cur = limit.rlim_max = used * rlim_t(sysconf(_SC_PAGESIZE)) + (rlim_t(512) << 20);
-        setrlimit(RLIMIT_AS, &limit);
+        limitMemoryTo(rlim_t(512) << 20);
         const bool isNull =
             CompositionRasterizer()
                 .draw({flatPicture(1, 1), bareStyle(), true}, {QSize(16384, 16384), 1, QPointF(8192, 8192)})
