@@ -3,12 +3,16 @@
 #include "editor/render/raster/GradientPaint.h"
 #include "editor/render/raster/MixKernels.h"
 #include "editor/render/raster/ParallelFor.h"
+#include "editor/render/raster/PicturePaint.h"
 #include "editor/render/raster/PixelBuffer.h"
 #include "editor/render/raster/ScenePaint.h"
 #include "editor/render/raster/SolidPaint.h"
+#include "unit/raster/RandomPicture.h"
 
+#include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace framora::raster {
 namespace {
@@ -212,6 +216,61 @@ TEST(Compositor, DrawsALargePictureAsItsPiecesWhereverItLiesInMemory) {
                 different += whole.row(y)[x] != pieces.view().row(y)[x];
         EXPECT_EQ(different, 0) << "pixels, " << misplaced << " beside";
     }
+}
+
+/// Draws a tilted picture about the pixel (x, y), in one piece or in some that begin anywhere.
+PixelBuffer drawnTilted(const std::shared_ptr<const PicturePyramid>& picture, int x, int y, bool isInPieces) {
+    constexpr int width = 330;
+    constexpr int height = 250;
+    Placement placement{Homography::tiltX(25, 300) * Homography::rotation(8) * Homography::scaling(2, 2)};
+    placement.originX = x;
+    placement.originY = y;
+    const std::vector<Layer> layers{
+        {{120, 90, 0},
+         {},
+         placement,
+         std::make_shared<PicturePaint>(picture, 120, 90, placement, width, height),
+         {},
+         {}}};
+    PixelBuffer drawn = PixelBuffer::create(width, height);
+    if (!isInPieces) {
+        compose(drawn.mutableView(), layers);
+        return drawn;
+    }
+    const Compositor pieces(width, height, layers);
+    for (int top = 0, end = 0; top < height; top = end) {
+        end = std::min(top + 1 + top % 41, height);
+        MutablePixelView rows = drawn.mutableView();
+        rows.data = reinterpret_cast<std::byte*>(rows.row(top));
+        rows.height = end - top;
+        pieces.draw(rows, top);
+    }
+    return drawn;
+}
+
+TEST(Compositor, DrawsATiltedPictureAlikeWhereverItsBlocksBegin) {
+    std::mt19937 random(3);
+    PixelBuffer buffer = PixelBuffer::create(120, 90);
+    for (int y = 0; y < 90; ++y) {
+        const auto row = randomPicture(random, 120);
+        std::copy(row.begin(), row.end(), buffer.mutableView().row(y));
+    }
+    const auto picture = std::make_shared<const PicturePyramid>(buffer.view());
+    const PixelBuffer first = drawnTilted(picture, 160, 128, false);
+    for (const auto& [right, down] :
+         {std::pair(0, 0), std::pair(1, 0), std::pair(-33, 17), std::pair(20, -31)})
+        for (const bool isInPieces : {false, true}) {
+            const PixelBuffer drawn = drawnTilted(picture, 160 + right, 128 + down, isInPieces);
+            int different = 0;
+            int seen = 0;
+            for (int y = std::max(0, -down); y < std::min(250, 250 - down); ++y)
+                for (int x = std::max(0, -right); x < std::min(330, 330 - right); ++x) {
+                    different += drawn.view().row(y + down)[x + right] != first.view().row(y)[x];
+                    seen += first.view().row(y)[x] != 0;
+                }
+            EXPECT_EQ(different, 0) << right << ", " << down << (isInPieces ? " in pieces" : "");
+            EXPECT_GT(seen, 20000);
+        }
 }
 
 } // namespace

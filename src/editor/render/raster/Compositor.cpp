@@ -6,6 +6,7 @@
 #include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/PixelEffects.h"
 #include "editor/render/raster/SharedEdge.h"
+#include "editor/render/raster/TileGrid.h"
 
 #include <algorithm>
 #include <array>
@@ -264,10 +265,24 @@ std::vector<LayerShape> shapesOf(const std::vector<Layer>& layers, int height) {
     return shapes;
 }
 
-TileRect tileSize(const std::vector<Layer>& layers) {
+/// The tiles of a picture of so many pixels, starting at its corner.
+TileGrid plainGrid(const std::vector<Layer>& layers, int width, int height) {
     const bool isSquare =
         std::ranges::any_of(layers, [](const Layer& layer) { return layer.paint->prefersSquareTiles(); });
-    return isSquare ? squareTile : longTile;
+    const TileRect& size = isSquare ? squareTile : longTile;
+    return {{width, size.width}, {height, size.height}};
+}
+
+/// The same, starting where the uppermost of the paints that work in blocks wants them.
+TileGrid bestGrid(const std::vector<Layer>& layers, int width, int height) {
+    TileGrid grid = plainGrid(layers, width, height);
+    for (const Layer& layer : layers)
+        if (const auto corner = layer.paint->blockCorner()) {
+            const auto lead = [](int start, int size) { return (start % size + size) % size; };
+            grid.columns.lead = lead(corner->x, grid.columns.size);
+            grid.rows.lead = lead(corner->y, grid.rows.size);
+        }
+    return grid;
 }
 
 /// Makes the scratch of this thread ready for a band of rows.
@@ -278,26 +293,25 @@ Scratch& scratchFor(const TileRect& band, const std::vector<LayerShape>& shapes)
     return scratch;
 }
 
-/// Calls draw(band, tileWidth, scratch) for every row of tiles, each by one thread.
+/// Calls draw(band, scratch) for every row of tiles, each by one thread.
 template <typename Draw>
-void forEachBand(int width, int height, const std::vector<Layer>& layers, const Draw& draw) {
-    const std::vector<LayerShape> shapes = shapesOf(layers, height);
-    const TileRect size = tileSize(layers);
-    parallelFor((height + size.height - 1) / size.height, [&](int index) {
-        const int top = index * size.height;
-        const TileRect band{0, top, width, std::min(size.height, height - top)};
-        draw(band, size.width, scratchFor(band, shapes));
+void forEachBand(const TileGrid& grid, const std::vector<Layer>& layers, const Draw& draw) {
+    const std::vector<LayerShape> shapes = shapesOf(layers, grid.rows.length);
+    parallelFor(grid.rows.count(), [&](int row) {
+        const int top = grid.rows.start(row);
+        const TileRect band{0, top, grid.columns.length, grid.rows.start(row + 1) - top};
+        draw(band, scratchFor(band, shapes));
     });
 }
 
-/// Draws a band of rows into `out`, whose first row is the band's; the first tile ends at `lead`, if above 0.
-/// What is `drawn` already, if that is given, is left as it is.
-void drawBand(MutablePixelView out, const TileRect& band, int tileWidth, int lead,
+/// Draws a band of rows into `out`, whose first row is the band's. What is `drawn` already, if that is given,
+/// is left as it is.
+void drawBand(MutablePixelView out, const TileRect& band, const TileAxis& columns,
               void (*pack)(const MixPixel*, std::size_t, std::uint32_t*), const std::vector<Layer>& layers,
               DrawnTiles* drawn, Scratch& scratch) {
-    for (int x = 0, end = 0; x < band.width; x = end) {
-        end = std::min(x < lead ? lead : x + tileWidth, band.width);
-        const TileRect tile{x, band.y, end - x, band.height};
+    for (int column = 0; column < columns.count(); ++column) {
+        const int x = columns.start(column);
+        const TileRect tile{x, band.y, columns.start(column + 1) - x, band.height};
         const std::size_t first = firstSeen(layers, tile, scratch);
         if (drawn && !drawn->take(tile.x, tile.y, contentOf(*drawn, layers, first, scratch)))
             continue;
@@ -328,37 +342,40 @@ void compose(MutablePixelView output, const std::vector<Layer>& layers, DrawnTil
     constexpr std::size_t line = 64;
     const std::size_t misplaced = reinterpret_cast<std::uintptr_t>(output.data) % line;
     const bool isRegular = isLarge && std::size_t(output.stride) % line == 0 && misplaced > 0;
-    const int lead = isRegular ? int((line - misplaced) / sizeof(std::uint32_t)) : 0;
+    TileGrid grid = bestGrid(layers, output.width, output.height);
+    if (grid.columns.lead == 0 && isRegular)
+        grid.columns.lead = int((line - misplaced) / sizeof(std::uint32_t));
     if (drawn)
-        drawn->begin(output, tileSize(layers), lead, layers);
-    forEachBand(output.width, output.height, layers,
-                [&](const TileRect& band, int tileWidth, Scratch& scratch) {
-                    const MutablePixelView rows{reinterpret_cast<std::byte*>(output.row(band.y)), band.width,
-                                                band.height, output.stride};
-                    drawBand(rows, band, tileWidth, lead, pack, layers, drawn, scratch);
-                    if (isLarge)
-                        flushPixels();
-                });
+        drawn->begin(output, grid, layers);
+    forEachBand(grid, layers, [&](const TileRect& band, Scratch& scratch) {
+        const MutablePixelView rows{reinterpret_cast<std::byte*>(output.row(band.y)), band.width, band.height,
+                                    output.stride};
+        drawBand(rows, band, grid.columns, pack, layers, drawn, scratch);
+        if (isLarge)
+            flushPixels();
+    });
 }
 
 struct Compositor::Shapes {
     std::vector<LayerShape> ofLayers;
-    TileRect tile;
+    TileGrid grid;
 };
 
 Compositor::Compositor(int width, int height, std::vector<Layer> layers)
     : m_width(width), m_height(height), m_layers(std::move(layers)),
-      m_shapes(std::make_unique<Shapes>(shapesOf(m_layers, height), tileSize(m_layers))) {}
+      m_shapes(std::make_unique<Shapes>(shapesOf(m_layers, height), bestGrid(m_layers, width, height))) {}
 
 Compositor::~Compositor() = default;
 
 void Compositor::draw(MutablePixelView rows, int top) const {
-    const TileRect& size = m_shapes->tile;
-    for (int y = 0; y < rows.height; y += size.height) {
-        const TileRect band{0, top + y, m_width, std::min(size.height, rows.height - y)};
-        const MutablePixelView out{reinterpret_cast<std::byte*>(rows.row(y)), rows.width, band.height,
+    const TileGrid& grid = m_shapes->grid;
+    const int bottom = top + rows.height;
+    for (int y = top, end = 0; y < bottom; y = end) {
+        end = std::min(grid.rows.start(grid.rows.indexOf(y) + 1), bottom);
+        const TileRect band{0, y, m_width, end - y};
+        const MutablePixelView out{reinterpret_cast<std::byte*>(rows.row(y - top)), rows.width, band.height,
                                    rows.stride};
-        drawBand(out, band, size.width, 0, packPixels, m_layers, nullptr,
+        drawBand(out, band, grid.columns, packPixels, m_layers, nullptr,
                  scratchFor(band, m_shapes->ofLayers));
     }
 }
@@ -387,7 +404,8 @@ bool Compositor::isSurelyOpaque() const {
 void composeTiles(int width, int height, const std::vector<Layer>& layers,
                   const std::function<bool(const TileRect&)>& isWanted,
                   const std::function<void(const TileRect&, const MixPixel*)>& take) {
-    forEachBand(width, height, layers, [&](const TileRect& band, int tileWidth, Scratch& scratch) {
+    const TileGrid grid = plainGrid(layers, width, height);
+    forEachBand(grid, layers, [&](const TileRect& band, Scratch& scratch) {
         const auto wanted = [&](int x) {
             return isWanted({x, band.y, std::min(tileGrain, width - x), band.height});
         };
@@ -397,7 +415,7 @@ void composeTiles(int width, int height, const std::vector<Layer>& layers,
                 continue;
             }
             int end = x + tileGrain;
-            while (end < width && end - x < tileWidth && wanted(end))
+            while (end < width && end - x < grid.columns.size && wanted(end))
                 end += tileGrain;
             const TileRect tile{x, band.y, std::min(end, width) - x, band.height};
             if (mixTile(layers, tile, firstSeen(layers, tile, scratch), scratch))

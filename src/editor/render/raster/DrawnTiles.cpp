@@ -24,16 +24,11 @@ void DrawnTiles::clear() {
     std::ranges::fill(m_contents, 0);
 }
 
-void DrawnTiles::begin(MutablePixelView picture, const TileRect& tile, int lead,
-                       const std::vector<Layer>& layers) {
-    if (!areAlike(picture, m_picture) || tile.width != m_tile.width || tile.height != m_tile.height ||
-        lead != m_lead) {
+void DrawnTiles::begin(MutablePixelView picture, const TileGrid& grid, const std::vector<Layer>& layers) {
+    if (!areAlike(picture, m_picture) || grid != m_grid) {
         m_picture = picture;
-        m_tile = tile;
-        m_lead = lead;
-        m_columns = columnOf(picture.width - 1) + 1;
-        m_rows = (picture.height + tile.height - 1) / tile.height;
-        m_contents.assign(std::size_t(m_columns) * std::size_t(m_rows), 0);
+        m_grid = grid;
+        m_contents.assign(std::size_t(grid.columns.count()) * std::size_t(grid.rows.count()), 0);
     }
     m_isChanged.assign(m_contents.size(), 0);
     std::vector<Serials> serials;
@@ -53,18 +48,12 @@ void DrawnTiles::begin(MutablePixelView picture, const TileRect& tile, int lead,
 }
 
 bool DrawnTiles::take(int x, int y, std::uint64_t content) {
-    const std::size_t tile = index(columnOf(x), y / m_tile.height);
+    const std::size_t tile = index(m_grid.columns.indexOf(x), m_grid.rows.indexOf(y));
     if (m_contents[tile] == content)
         return false;
     m_contents[tile] = content;
     m_isChanged[tile] = 1;
     return true;
-}
-
-int DrawnTiles::columnStart(int column) const {
-    const int start =
-        m_lead > 0 ? (column > 0 ? m_lead + (column - 1) * m_tile.width : 0) : column * m_tile.width;
-    return std::min(start, m_picture.width);
 }
 
 bool DrawnTiles::hasChanged(const TileRect& part) const {
@@ -74,8 +63,9 @@ bool DrawnTiles::hasChanged(const TileRect& part) const {
     const int bottom = std::min(part.y + part.height, m_picture.height);
     if (left >= right || top >= bottom)
         return false;
-    for (int row = top / m_tile.height; row <= (bottom - 1) / m_tile.height; ++row)
-        for (int column = columnOf(left); column <= columnOf(right - 1); ++column)
+    const auto& [columns, rows] = m_grid;
+    for (int row = rows.indexOf(top); row <= rows.indexOf(bottom - 1); ++row)
+        for (int column = columns.indexOf(left); column <= columns.indexOf(right - 1); ++column)
             if (m_isChanged[index(column, row)])
                 return true;
     return false;
@@ -85,21 +75,23 @@ TileRect DrawnTiles::unchanged() const {
     // For each row of tiles, how many above it did not change, column by column; the largest rectangle that
     // stands on the row is under one of them.
     TileRect best;
-    std::vector<int> heights(std::size_t(m_columns), 0);
-    for (int row = 0; row < m_rows; ++row) {
-        for (int column = 0; column < m_columns; ++column) {
+    const auto& [columns, rows] = m_grid;
+    const int columnCount = columns.count();
+    const int rowCount = rows.count();
+    std::vector<int> heights(std::size_t(columnCount), 0);
+    for (int row = 0; row < rowCount; ++row) {
+        for (int column = 0; column < columnCount; ++column) {
             int& height = heights[std::size_t(column)];
             height = m_isChanged[index(column, row)] ? 0 : height + 1;
         }
-        for (int first = 0; first < m_columns; ++first)
-            for (int end = first + 1, height = m_rows; end <= m_columns; ++end) {
+        for (int first = 0; first < columnCount; ++first)
+            for (int end = first + 1, height = rowCount; end <= columnCount; ++end) {
                 height = std::min(height, heights[std::size_t(end - 1)]);
                 if (height == 0)
                     break;
-                const int left = columnStart(first);
-                const int top = (row + 1 - height) * m_tile.height;
-                const TileRect found{left, top, columnStart(end) - left,
-                                     std::min((row + 1) * m_tile.height, m_picture.height) - top};
+                const int left = columns.start(first);
+                const int top = rows.start(row + 1 - height);
+                const TileRect found{left, top, columns.start(end) - left, rows.start(row + 1) - top};
                 if (found.area() > best.area())
                     best = found;
             }

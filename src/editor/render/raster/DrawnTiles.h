@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/render/raster/Compositor.h"
+#include "editor/render/raster/TileGrid.h"
 
 #include <cstdint>
 #include <vector>
@@ -24,9 +25,8 @@ public:
 
     // For compose().
 
-    /// Starts a frame of `layers` in tiles of the size of `tile`, the first of a row ending at `lead` if that
-    /// is above 0.
-    void begin(MutablePixelView picture, const TileRect& tile, int lead, const std::vector<Layer>& layers);
+    /// Starts a frame of `layers`.
+    void begin(MutablePixelView picture, const TileGrid& grid, const std::vector<Layer>& layers);
     /// Tells a layer of this frame, or its colours without its shape, from every other that was ever drawn
     /// here.
     std::uint64_t serial(std::size_t layer) const { return m_serials[layer].ofLayer; }
@@ -40,17 +40,12 @@ private:
         std::uint64_t ofLayer;
         std::uint64_t ofColors;
     };
-    int columnOf(int x) const { return x < m_lead ? 0 : (x - m_lead) / m_tile.width + (m_lead > 0 ? 1 : 0); }
-    int columnStart(int column) const;
     std::size_t index(int column, int row) const {
-        return std::size_t(row) * std::size_t(m_columns) + std::size_t(column);
+        return std::size_t(row) * std::size_t(m_grid.columns.count()) + std::size_t(column);
     }
 
     MutablePixelView m_picture;
-    TileRect m_tile{0, 0, 1, 1};
-    int m_lead = 0;
-    int m_columns = 0;
-    int m_rows = 0;
+    TileGrid m_grid;
     std::vector<Layer> m_layers; ///< Of the last frame.
     std::vector<Serials> m_serials;
     std::uint64_t m_lastSerial = 0;

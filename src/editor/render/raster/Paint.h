@@ -3,6 +3,8 @@
 #include "editor/render/raster/Float4.h"
 #include "editor/render/raster/MixTile.h"
 
+#include <optional>
+
 namespace framora::raster {
 
 /// What a layer is filled with: a colour for every output pixel, taken at the pixel's centre.
@@ -26,6 +28,13 @@ public:
     virtual bool isOpaque() const = 0;
     /// Whether mix() does best on blocks that are about as high as wide.
     virtual bool prefersSquareTiles() const { return false; }
+    /// Where one of the blocks starts that mix() does all at once: they are as large as square tiles, so that
+    /// tiles which begin there cost it least. Nothing when it has none.
+    struct BlockCorner {
+        int x;
+        int y;
+    };
+    virtual std::optional<BlockCorner> blockCorner() const { return std::nullopt; }
 };
 
 } // namespace framora::raster

@@ -110,6 +110,13 @@ void PicturePaint::mix(const TileRect& tile, MixPixel* out) const {
         filter(local, out);
 }
 
+std::optional<Paint::BlockCorner> PicturePaint::blockCorner() const {
+    // What is kept is only copied: its tiles stay where they are while it moves.
+    if (m_separable || m_cache)
+        return std::nullopt;
+    return BlockCorner{m_originX, m_originY};
+}
+
 void PicturePaint::filter(const TileRect& tile, MixPixel* out) const {
     if (m_separable)
         m_separable->mix(tile, out);

@@ -25,6 +25,7 @@ public:
     void mix(const TileRect& tile, MixPixel* out) const override;
     bool isOpaque() const override { return m_picture->isOpaque(); }
     bool prefersSquareTiles() const override { return !m_separable; }
+    std::optional<BlockCorner> blockCorner() const override;
 
 private:
     /// mix() from the layer's origin, without the cache.
