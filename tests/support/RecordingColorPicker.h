@@ -15,10 +15,11 @@ public:
     void queryAvailable(std::function<void(bool)> answer) override {
         m_queue.async([this, answer = std::move(answer)] { answer(available); });
     }
-    void pick(QWindow* parent, Picked picked) override {
+    void pick(QWindow* parent, Picked picked, Failed failed) override {
         ++picks;
         parentWindow = parent;
         m_picked = std::move(picked);
+        m_failed = std::move(failed);
     }
     void dismiss() override {
         if (m_picked)
@@ -30,6 +31,10 @@ public:
     }
     bool isPicking() const { return bool(m_picked); }
     void point(std::optional<QColor> color) { std::exchange(m_picked, nullptr)(color); }
+    void fail() {
+        m_picked = nullptr;
+        std::exchange(m_failed, nullptr)();
+    }
 
     bool available = true;
     int picks = 0;
@@ -39,6 +44,7 @@ public:
 private:
     MainQueue& m_queue;
     Picked m_picked;
+    Failed m_failed;
 };
 
 } // namespace framora

@@ -188,7 +188,7 @@ ScreenshotEditorWindow::makeSession(const QImage& image,
             },
             [self = QPointer(this)](ScreenColorPicker::Picked picked) {
                 if (self)
-                    self->m_services.colorPicker->pick(self->editorWindow(), std::move(picked));
+                    self->pickColor(std::move(picked));
             },
         },
         m_recentColors);
@@ -200,6 +200,16 @@ void ScreenshotEditorWindow::queryColorPicker() {
             if (session)
                 session->setCanPickFromScreen(available);
         });
+}
+
+void ScreenshotEditorWindow::pickColor(ScreenColorPicker::Picked picked) {
+    const ScreenColorPicker::Failed failed = [self = QPointer(this), picked] {
+        picked(std::nullopt);
+        if (self && self->m_savedToast)
+            self->m_savedToast->show(localized(QStringLiteral("eyedropper.failed")),
+                                     QStringLiteral("xmark.circle.fill"), false);
+    };
+    m_services.colorPicker->pick(editorWindow(), picked, failed);
 }
 
 void ScreenshotEditorWindow::querySharing() {

@@ -4,6 +4,7 @@
 #include "editor/window/EditorServices.h"
 #include "editor/window/SharedPictures.h"
 #include "platform/NotificationCenter.h"
+#include "platform/ScreenColorPicker.h"
 #include "platform/Sharing.h"
 
 #include <QImage>
@@ -88,6 +89,8 @@ private:
     /// Asks the desktop for its ways to share; the session hears of them.
     void querySharing();
     void queryColorPicker();
+    /// A failure is said by a toast; `picked` hears of nothing then.
+    void pickColor(ScreenColorPicker::Picked picked);
     using ShareWith = std::function<void(Sharing&, const QString& path, const Sharing::Finished&)>;
     /// Writes the picture to a file for other programs and hands it over; a failure is said by a toast.
     void share(const QImage& picture, const ShareWith& shareWith);

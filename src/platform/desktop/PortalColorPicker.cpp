@@ -66,7 +66,7 @@ void PortalColorPicker::queryAvailable(std::function<void(bool)> answer) {
             });
 }
 
-void PortalColorPicker::pick(QWindow* parent, Picked picked) {
+void PortalColorPicker::pick(QWindow* parent, Picked picked, Failed failed) {
     dismiss();
     m_picked = std::move(picked);
     const PortalWindowName name = m_nameWindow(parent);
@@ -75,10 +75,14 @@ void PortalColorPicker::pick(QWindow* parent, Picked picked) {
     call << *name;
     m_request = new PortalRequest(
         m_bus, call, {},
-        [this, name](uint response, const QVariantMap& results) {
+        [this, name, failed = std::move(failed)](uint response, const QVariantMap& results) {
             m_request.clear();
-            std::exchange(m_picked,
-                          nullptr)(response == PortalRequest::done ? colorIn(results) : std::nullopt);
+            const Picked taken = std::exchange(m_picked, nullptr);
+            const auto color = response == PortalRequest::done ? colorIn(results) : std::nullopt;
+            if (color || response == PortalRequest::cancelled)
+                taken(color);
+            else
+                failed();
         },
         this);
 }

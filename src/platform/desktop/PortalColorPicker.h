@@ -22,7 +22,7 @@ public:
     ~PortalColorPicker() override;
 
     void queryAvailable(std::function<void(bool)> answer) override;
-    void pick(QWindow* parent, Picked picked) override;
+    void pick(QWindow* parent, Picked picked, Failed failed) override;
     void dismiss() override;
     void cancel() override;
 

@@ -51,13 +51,16 @@ QImage::Format formatOf(const xcb_setup_t& setup, std::uint8_t depth) {
 
 } // namespace
 
-X11ColorPicker::X11ColorPicker(X11Connection& connection, Screens& screens)
+X11ColorPicker::X11ColorPicker(X11Connection& connection, Screens& screens, std::chrono::milliseconds bound)
     : m_connection(connection), m_screens(screens) {
     m_connection.addEventHandler([this](const xcb_generic_event_t& event) {
         if (m_loupe)
             handle(event);
     });
     m_nextTry.setSingleShot(true);
+    m_forgotten.setSingleShot(true);
+    m_forgotten.setInterval(bound);
+    connect(&m_forgotten, &QTimer::timeout, this, [this] { end(std::nullopt); });
 }
 
 X11ColorPicker::~X11ColorPicker() {
@@ -69,17 +72,18 @@ void X11ColorPicker::queryAvailable(std::function<void(bool)> answer) {
         this, [this, answer = std::move(answer)] { answer(m_connection.isValid()); }, Qt::QueuedConnection);
 }
 
-void X11ColorPicker::pick(QWindow* parent, Picked picked) {
+void X11ColorPicker::pick(QWindow* parent, Picked picked, Failed failed) {
     Q_UNUSED(parent)
     end(std::nullopt);
     m_picked = std::move(picked);
+    m_failed = std::move(failed);
     start(grabTries);
 }
 
 void X11ColorPicker::start(int triesLeft) {
     if (!grab()) {
         if (triesLeft <= 1 || !m_connection.isValid()) {
-            end(std::nullopt);
+            fail();
             return;
         }
         m_nextTry.disconnect();
@@ -91,6 +95,7 @@ void X11ColorPicker::start(int triesLeft) {
     m_heldBefore = keysDown();
     m_deciding = 0;
     m_loupe = std::make_unique<ColorLoupe>(hasCompositor());
+    m_forgotten.start();
     readPointer();
     follow();
 }
@@ -131,6 +136,7 @@ bool X11ColorPicker::grab() {
 
 void X11ColorPicker::release() {
     m_nextTry.stop();
+    m_forgotten.stop();
     m_loupe.reset();
     if (!m_connection.isValid())
         return;
@@ -171,6 +177,7 @@ void X11ColorPicker::handle(const xcb_generic_event_t& event) {
     switch (event.response_type & 0x7f) {
     case XCB_MOTION_NOTIFY: {
         const auto& motion = reinterpret_cast<const xcb_motion_notify_event_t&>(event);
+        m_forgotten.start();
         m_pointer = {motion.root_x, motion.root_y};
         follow();
         return;
@@ -186,6 +193,7 @@ void X11ColorPicker::handle(const xcb_generic_event_t& event) {
     }
     case XCB_KEY_PRESS: {
         const auto& key = reinterpret_cast<const xcb_key_press_event_t&>(event);
+        m_forgotten.start();
         if (!m_heldBefore[key.detail])
             pressed(key.detail, key.state & XCB_MOD_MASK_SHIFT);
         return;
@@ -299,24 +307,33 @@ void X11ColorPicker::showLoupe() {
 
 void X11ColorPicker::take() {
     const QImage pixels = pixelsAround(m_pointer);
-    end(pixels.isNull() ? std::nullopt
-                        : std::optional(pixels.pixelColor(ColorLoupe::reach, ColorLoupe::reach)));
+    if (pixels.isNull())
+        fail();
+    else
+        end(pixels.pixelColor(ColorLoupe::reach, ColorLoupe::reach));
 }
 
 void X11ColorPicker::end(std::optional<QColor> color) {
     if (!m_picked)
         return;
     release();
-    answer(std::exchange(m_picked, nullptr), color);
+    answer([picked = std::exchange(m_picked, nullptr), color] { picked(color); });
 }
 
-void X11ColorPicker::answer(Picked picked, std::optional<QColor> color) {
+void X11ColorPicker::fail() {
+    if (!std::exchange(m_picked, nullptr))
+        return;
+    release();
+    answer(std::exchange(m_failed, nullptr));
+}
+
+void X11ColorPicker::answer(std::function<void()> word) {
     // Out of the connection's events first: whoever hears of it may pick again.
     QMetaObject::invokeMethod(
         this,
-        [this, picked = std::move(picked), color, cancellations = m_cancellations] {
+        [this, word = std::move(word), cancellations = m_cancellations] {
             if (m_cancellations == cancellations)
-                picked(color);
+                word();
         },
         Qt::QueuedConnection);
 }

@@ -8,6 +8,7 @@
 #include <QPoint>
 #include <QTimer>
 #include <bitset>
+#include <chrono>
 #include <memory>
 
 namespace framora {
@@ -18,16 +19,21 @@ class Screens;
 /// Takes pointer and keys for itself and follows the pointer with a loupe. A click, Return or Space takes the
 /// pixel, the arrow keys move by one (with Shift by ten), Escape or another button lets it be. What ends it
 /// does so at its release: a program below sees neither half a click nor a held key's repeats.
+///
+/// One that is left alone ends by itself: who holds pointer and keys keeps the screen from being locked.
 class X11ColorPicker final : public QObject, public ScreenColorPicker {
     Q_OBJECT
 
 public:
+    /// How long nothing is done before the user has forgotten it; shorter than any desktop waits to lock.
+    static constexpr std::chrono::milliseconds patience{30000};
+
     /// Both outlive the picker.
-    X11ColorPicker(X11Connection& connection, Screens& screens);
+    X11ColorPicker(X11Connection& connection, Screens& screens, std::chrono::milliseconds bound = patience);
     ~X11ColorPicker() override;
 
     void queryAvailable(std::function<void(bool)> answer) override;
-    void pick(QWindow* parent, Picked picked) override;
+    void pick(QWindow* parent, Picked picked, Failed failed) override;
     void dismiss() override;
     void cancel() override;
     /// While no window of any program gets the keys.
@@ -54,8 +60,9 @@ private:
     void showLoupe();
     void take();
     void end(std::optional<QColor> color);
+    void fail();
     /// In a later turn, unless it is cancelled before.
-    void answer(Picked picked, std::optional<QColor> color);
+    void answer(std::function<void()> word);
     /// ColorLoupe::pixelsAcross to each side; what lies outside of the screen is black. Null where the
     /// server's pixels are of a kind that is not known here.
     QImage pixelsAround(QPoint middle);
@@ -65,7 +72,9 @@ private:
     X11Connection& m_connection;
     Screens& m_screens;
     Picked m_picked; ///< Empty while nothing is under way.
+    Failed m_failed;
     QTimer m_nextTry;
+    QTimer m_forgotten; ///< Starts again with every motion and key.
     unsigned m_cancellations = 0;
     Keys m_heldBefore; ///< Since before the picking: their repeats mean something else.
     xcb_keycode_t m_deciding = 0;

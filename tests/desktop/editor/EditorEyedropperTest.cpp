@@ -1,12 +1,18 @@
 #include "desktop/editor/EditorDesktop.h"
 
+#include "platform/x11/XcbReply.h"
+
+#include <algorithm>
+#include <tuple>
+#include <xcb/xcb.h>
+
 namespace framora {
 namespace {
 
 /// A border's colour panel over a desktop with colours at known places.
 class Eyedropper : public EditorDesktop {
 protected:
-    Eyedropper() {
+    explicit Eyedropper(QSize screen = {1440, 900}) : EditorDesktop(screen) {
         QImage wallpaper(display().size(), QImage::Format_RGB32);
         wallpaper.fill(ground);
         wallpaper.setPixelColor(single, QColor(250, 128, 3));
@@ -138,6 +144,86 @@ TEST_F(Eyedropper, ClosingTheEditorGivesPointerAndKeysBack) {
     click(QStringLiteral("tabs.0"));
     click(QStringLiteral("mockupStyle.glassEffect"));
     EXPECT_TRUE(waitForField("mockupStyle", "glassEffect"));
+}
+
+TEST_F(Eyedropper, SaysThatAnotherProgramHasThePointer) {
+    openPanel();
+    tabTo(QStringLiteral("colorPanel.eyedropper.button"));
+    const XcbReply<xcb_grab_pointer_reply_t> taken(xcb_grab_pointer_reply(
+        display().connection(),
+        xcb_grab_pointer(display().connection(), 0, display().root(), 0, XCB_GRAB_MODE_ASYNC,
+                         XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
+        nullptr));
+    ASSERT_TRUE(taken && taken->status == XCB_GRAB_STATUS_SUCCESS);
+    display().key({"Return"});
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] {
+        const auto windows = display().windows();
+        return std::ranges::any_of(windows, [&](const DesktopWindow& each) {
+            return each.overrideRedirect && each.mapped && each.geometry.width() > 300;
+        });
+    })) << "a toast";
+    EXPECT_FALSE(loupe());
+}
+
+/// Two monitors side by side, twice as many pixels as points.
+class EyedropperOnTwoMonitors : public Eyedropper {
+protected:
+    EyedropperOnTwoMonitors() : Eyedropper({3200, 1600}) {
+        for (const auto& [name, place, output] : {std::tuple{"left", "1600/400x1600/400+0+0", "screen"},
+                                                  {"right", "1600/400x1600/400+1600+0", "none"}})
+            desktop.run(QStringLiteral("xrandr"), {QStringLiteral("--setmonitor"), QLatin1String(name),
+                                                   QLatin1String(place), QLatin1String(output)});
+        desktop.setEnvironmentVariable(QStringLiteral("QT_SCALE_FACTOR"), QStringLiteral("2"));
+    }
+    /// The control's middle in pixels.
+    void clickScaled(const QString& name) {
+        const QPoint origin = window()->geometry.topLeft();
+        display().click(origin + ratio * (place(name).center() - origin));
+    }
+    std::optional<QRect> scaledLoupe() {
+        for (const DesktopWindow& each : display().windows())
+            if (each.overrideRedirect && each.geometry.size() == ratio * QSize(136, 164))
+                return each.geometry;
+        return {};
+    }
+    bool waitForLoupeIn(const QRect& monitor) {
+        return VirtualDesktop::waitFor([&] {
+            const auto shown = scaledLoupe();
+            return shown && monitor.contains(*shown) && !shown->contains(display().pointerPosition()) &&
+                   (shown->center() - display().pointerPosition()).manhattanLength() < ratio * 300;
+        });
+    }
+    static std::string told(const std::optional<QRect>& rect) {
+        return rect ? std::to_string(rect->x()) + ' ' + std::to_string(rect->y()) : "none";
+    }
+
+    static constexpr int ratio = 2;
+    static constexpr QRect left{0, 0, 1600, 1600};
+    static constexpr QRect right{1600, 0, 1600, 1600};
+};
+
+TEST_F(EyedropperOnTwoMonitors, TheLoupeKeepsToThePointerAndToItsMonitor) {
+    open({QStringLiteral("--still")});
+    for (const char* name : {"tabs.0", "mockupStyle.border", "borderColor.well"})
+        clickScaled(QLatin1String(name));
+    clickScaled(QStringLiteral("colorPanel.eyedropper.button"));
+    ASSERT_TRUE(VirtualDesktop::waitFor([&] { return scaledLoupe().has_value(); }));
+    for (const auto& [place, monitor] : {std::pair{QPoint(100, 100), left},
+                                         {QPoint(1590, 700), left},
+                                         {QPoint(1610, 700), right},
+                                         {QPoint(3190, 1590), right},
+                                         {QPoint(1610, 1590), right}}) {
+        display().moveTo(place);
+        EXPECT_TRUE(waitForLoupeIn(monitor)) << place.x() << ' ' << told(scaledLoupe());
+    }
+    display().moveTo(single);
+    // Its middle, eight points a pixel.
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] {
+        return scaledLoupe() &&
+               display().pixelAt(scaledLoupe()->topLeft() + ratio * QPoint(68, 68)) == QColor(250, 128, 3);
+    }));
+    display().click(single);
+    EXPECT_TRUE(waitForField("borderColor", "#fa8003")) << field("borderColor").toStdString();
 }
 
 } // namespace

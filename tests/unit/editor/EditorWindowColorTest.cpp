@@ -1,6 +1,7 @@
 #include "unit/editor/EditorWindowFixture.h"
 
 #include "editor/model/ScreenshotEditorViewModel.h"
+#include "platform/Localized.h"
 
 #include <QTest>
 
@@ -51,6 +52,21 @@ TEST_F(ColorEditor, TheEyedropperIsDisabledWhereTheDesktopHasNone) {
     EXPECT_FALSE(item("colorPanel.eyedropper.button")->isEnabled());
     panel().pickFromScreen();
     EXPECT_EQ(colorPicker.picks, 0);
+}
+
+TEST_F(ColorEditor, SaysThatTheScreenWasRefused) {
+    openPanel();
+    click("colorPanel.eyedropper.button");
+    const QColor before = session().viewModel()->borderColor();
+    colorPicker.fail();
+    ASSERT_TRUE(toastPanels.front());
+    const ToastSummary toast = toastPanels.front()->content->summary();
+    EXPECT_EQ(toast.message, localized(QStringLiteral("eyedropper.failed")));
+    EXPECT_FALSE(toast.success);
+    EXPECT_FALSE(panel().isPickingFromScreen());
+    EXPECT_EQ(session().viewModel()->borderColor(), before);
+    click("colorPanel.eyedropper.button");
+    EXPECT_TRUE(colorPicker.isPicking()) << "it can be tried again";
 }
 
 TEST_F(ColorEditor, AnEndingEditorEndsThePicking) {
