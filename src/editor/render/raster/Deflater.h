@@ -11,7 +11,7 @@ namespace framora::raster {
 
 /// How hard matches are looked for.
 enum class DeflateEffort : std::uint8_t {
-    quick,    ///< Matches of six bytes and more, few places.
+    quick,    ///< Matches of eight bytes and more, few places.
     thorough, ///< Matches of four bytes and more, many places: several times slower, a few percent smaller.
 };
 
