@@ -224,6 +224,44 @@ template <typename Tag> HWY_INLINE hn::Vec<OnePixel> sumOfPixels(Tag tag, hn::Ve
     }
 }
 
+/// The weighed sources of one output, added up to a vector.
+HWY_INLINE Vector weighedAcross(const MixPixel* from, const MixPixel* weights, int taps) {
+    const int step = int(hn::Lanes(lanes) / 4);
+    Vector sum = hn::MulFixedPoint15(loadPixels(from), loadPixels(weights));
+    for (int tap = step; tap < taps; tap += step)
+        sum = hn::Add(sum, hn::MulFixedPoint15(loadPixels(from + tap), loadPixels(weights + tap)));
+    return sum;
+}
+
+/// In each block the sum of the pixels of `even`, then that of `odd`.
+HWY_INLINE Vector sumOfPairs(Vector even, Vector odd) {
+    const hn::Repartition<std::uint64_t, Lanes> words;
+    const auto a = hn::BitCast(words, even);
+    const auto b = hn::BitCast(words, odd);
+    return hn::Add(hn::BitCast(lanes, hn::InterleaveLower(words, a, b)),
+                   hn::BitCast(lanes, hn::InterleaveUpper(words, a, b)));
+}
+
+/// The sum of both halves of `low`, then that of `high`.
+HWY_INLINE Vector sumOfHalves(Vector low, Vector high) {
+    return hn::Add(hn::ConcatLowerLower(lanes, high, low), hn::ConcatUpperUpper(lanes, high, low));
+}
+
+/// A vector of pixels, of which each is the sum of those in the vector that `at` gives for its place.
+template <typename At> HWY_INLINE Vector sumsOfPixels(const At& at) {
+    if constexpr (hn::MaxLanes(Lanes()) == 8) {
+        return sumOfPairs(at(0), at(1));
+    } else if constexpr (hn::MaxLanes(Lanes()) == 16) {
+        return sumOfHalves(sumOfPairs(at(0), at(1)), sumOfPairs(at(2), at(3)));
+    } else {
+        // Each is now two blocks: those of the outputs 0 and 1, then of 4 and 5; of 2 and 3, then of 6 and 7.
+        const Vector even = sumOfHalves(sumOfPairs(at(0), at(1)), sumOfPairs(at(4), at(5)));
+        const Vector odd = sumOfHalves(sumOfPairs(at(2), at(3)), sumOfPairs(at(6), at(7)));
+        return hn::Add(hn::OddEvenBlocks(hn::SwapAdjacentBlocks(odd), even),
+                       hn::OddEvenBlocks(odd, hn::SwapAdjacentBlocks(even)));
+    }
+}
+
 /// Many taps an output: they are summed across a vector.
 void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
     alignas(16) static constexpr std::uint8_t ofAlpha[8] = {6, 7, 6, 7, 6, 7, 6, 7};
@@ -232,18 +270,21 @@ void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index
     const int step = int(hn::Lanes(lanes) / 4);
     const int tapCount = taps.taps();
     const MixPixel* origin = source - taps.start(index);
-    for (int i = 0; i < count; ++i) {
-        const MixPixel* from = origin + taps.start(index + i);
-        const MixPixel* weights = taps.spread(index + i);
-        Vector sum = hn::MulFixedPoint15(loadPixels(from), loadPixels(weights));
-        for (int tap = step; tap < tapCount; tap += step)
-            sum = hn::Add(sum, hn::MulFixedPoint15(loadPixels(from + tap), loadPixels(weights + tap)));
-        const auto positive = hn::Max(sumOfPixels(lanes, sum), hn::Zero(onePixel));
+    const auto weighed = [&](int i) HWY_ATTR {
+        return weighedAcross(origin + taps.start(index + i), taps.spread(index + i), tapCount);
+    };
+    int done = 0;
+    for (; done + step <= count; done += step) {
+        const Vector sums = sumsOfPixels([&](int i) HWY_ATTR { return weighed(done + i); });
+        hn::StoreU(clamped(sums), lanes, reinterpret_cast<std::int16_t*>(out + done));
+    }
+    for (; done < count; ++done) {
+        const auto positive = hn::Max(sumOfPixels(lanes, weighed(done)), hn::Zero(onePixel));
         const auto alpha =
             hn::BitCast(onePixel, hn::TableLookupBytes(hn::BitCast(bytes, positive), alphaPattern));
         const auto valid =
             hn::ShiftLeft<2>(hn::Min(positive, hn::Min(alpha, hn::Set(onePixel, std::int16_t(filterOne)))));
-        hn::StoreU(valid, onePixel, reinterpret_cast<std::int16_t*>(out + i));
+        hn::StoreU(valid, onePixel, reinterpret_cast<std::int16_t*>(out + done));
     }
 }
 
