@@ -177,6 +177,16 @@ TEST_F(WallpaperScanOf, AFolderThatCannotBeListedIsSkipped) {
     chmod(closed.constData(), 0700);
 }
 
+TEST_F(WallpaperScanOf, AFileOrALinkToNothingInPlaceOfAFolderIsSkipped) {
+    put(text("home/Pictures"), enough);
+    QDir().mkpath(path(text("usr/share")));
+    ASSERT_TRUE(QFile::link(path(text("nowhere")), path(text("usr/share/backgrounds"))));
+    put(text("home/.local/share/backgrounds/a.jpg"), enough);
+    put(text("usr/share/wallpapers/a.jpg"), enough);
+    EXPECT_EQ(foundPaths(),
+              (QStringList{text("home/.local/share/backgrounds/a.jpg"), text("usr/share/wallpapers/a.jpg")}));
+}
+
 TEST_F(WallpaperScanOf, AVeryDeepFolderEndsSomewhere) {
     QString deep = text("home/Pictures");
     for (int i = 0; i < 200; ++i)
