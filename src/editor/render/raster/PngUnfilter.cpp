@@ -66,6 +66,8 @@ template <std::size_t pixelBytes> void addAverage(const FilteredPngRow& row) {
     }
 }
 
+// Each pixel waits for the one on its left, so what counts is how little lies between the two: all three sums
+// are made beforehand, and one is chosen by signs, which are at hand sooner than comparisons.
 template <std::size_t pixelBytes> void addPaeth(const FilteredPngRow& row) {
     const Pixel d;
     const Wide wide;
@@ -75,16 +77,18 @@ template <std::size_t pixelBytes> void addPaeth(const FilteredPngRow& row) {
     for (std::size_t i = 0; i < row.size; i += pixelBytes) {
         const auto up = hn::PromoteTo(wide, hn::LoadU(d, row.above + i));
         const auto value = hn::PromoteTo(wide, hn::LoadU(d, row.data + i));
+        const auto plusLeft = hn::And(hn::Add(value, left), byte);
+        const auto plusUp = hn::And(hn::Add(value, up), byte);
+        const auto plusUpLeft = hn::And(hn::Add(value, upLeft), byte);
         // left + up - upLeft less each of the three.
         const auto lessLeft = hn::Sub(up, upLeft);
         const auto lessUp = hn::Sub(left, upLeft);
         const auto toUpLeft = hn::Abs(hn::Add(lessLeft, lessUp));
         const auto toLeft = hn::Abs(lessLeft);
         const auto toUp = hn::Abs(lessUp);
-        const auto least = hn::Min(toLeft, hn::Min(toUp, toUpLeft));
-        const auto predicted =
-            hn::IfThenElse(hn::Eq(least, toLeft), left, hn::IfThenElse(hn::Eq(least, toUp), up, upLeft));
-        left = hn::And(hn::Add(value, predicted), byte);
+        const auto isNotUp = hn::BroadcastSignBit(hn::Sub(toUpLeft, toUp));
+        const auto isNotLeft = hn::BroadcastSignBit(hn::Sub(hn::Min(toUp, toUpLeft), toLeft));
+        left = hn::IfVecThenElse(isNotLeft, hn::IfVecThenElse(isNotUp, plusUpLeft, plusUp), plusLeft);
         hn::StoreU(hn::DemoteTo(d, left), d, row.out + i);
         upLeft = up;
     }
