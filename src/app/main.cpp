@@ -5,10 +5,12 @@
 #include "platform/ProgramVersion.h"
 #include "platform/desktop/BusApplication.h"
 #include "platform/desktop/SingleInstance.h"
+#include "platform/desktop/ThreadBackgroundQueue.h"
 
 #include <QApplication>
 #include <QStandardPaths>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -35,9 +37,7 @@ int answer(const CommandLine& line) {
     return wrongUsage;
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     const CommandLine line = CommandLine::of(argc, argv);
     if (const int status = answer(line); status >= 0)
         return status;
@@ -83,4 +83,15 @@ int main(int argc, char** argv) {
     if (line.command != framora::ProgramCommand::activate)
         perform(line.command, message.activationToken);
     return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const int status = run(argc, argv);
+    if (framora::ThreadBackgroundQueue::hasLeftWork()) {
+        std::fflush(nullptr);
+        std::_Exit(status);
+    }
+    return status;
 }
