@@ -9,11 +9,14 @@
 #include "editor/render/SceneLayer.h"
 #include "editor/render/raster/AdjustedPaint.h"
 #include "editor/render/raster/HugePages.h"
+#include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/PicturePaint.h"
 #include "editor/render/raster/SolidPaint.h"
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <new>
 
 namespace framora {
 namespace {
@@ -78,14 +81,24 @@ bool CompositionRasterizer::drawInto(QImage& target, const Composition& composit
         raster::adviseHugePages(target.bits(), std::size_t(target.sizeInBytes()));
     }
     target.setDevicePixelRatio(1);
-    raster::compose(mutableRasterView(target), layers(composition, viewport));
+    try {
+        raster::compose(mutableRasterView(target), layers(composition, viewport));
+    } catch (const std::bad_alloc&) {
+        target = {};
+        return false;
+    }
     return true;
 }
 
 bool CompositionRasterizer::drawInto(LivePicture& target, const Composition& composition,
                                      const Viewport& viewport) {
-    if (isDrawable(viewport))
-        return target.draw(viewport.pixelSize, layers(composition, viewport));
+    if (isDrawable(viewport)) {
+        try {
+            return target.draw(viewport.pixelSize, layers(composition, viewport));
+        } catch (const std::bad_alloc&) {
+            // Of the layers.
+        }
+    }
     target.clear();
     return false;
 }
@@ -95,14 +108,31 @@ std::vector<Layer> CompositionRasterizer::layers(const Composition& composition,
     m_isCanvasOpaque = false;
     if (!isDrawable(viewport))
         return layers;
-    appendBackground(layers, composition, viewport);
+    std::vector<Layer> scene;
+    std::vector<Layer> texts;
+    Screenshot picture;
+    const auto prepareBackground = [&] { appendBackground(layers, composition, viewport); };
+    const auto prepareOthers = [&] {
+        appendTexts(texts, composition, viewport);
+        picture = screenshot(composition, viewport);
+        appendScene(scene, composition, viewport);
+    };
+    // Text is drawn by one thread alone, here, where its fonts are kept: beside a background that takes long.
+    if (isBackgroundNew(composition)) {
+        raster::callBeside(prepareOthers, prepareBackground);
+    } else {
+        prepareBackground();
+        prepareOthers();
+    }
     const bool isSceneOver = composition.config.shadowSceneMode == ShadowSceneMode::overlay;
     if (!isSceneOver)
-        appendScene(layers, composition, viewport);
-    appendScreenshot(layers, composition, viewport);
+        std::ranges::move(scene, std::back_inserter(layers));
+    if (picture.paint)
+        appendMockup(layers, pointSize(composition.image), composition.config, std::move(picture.paint),
+                     picture.placement, viewport.pixelSize);
     if (isSceneOver)
-        appendScene(layers, composition, viewport);
-    appendTexts(layers, composition, viewport);
+        std::ranges::move(scene, std::back_inserter(layers));
+    std::ranges::move(texts, std::back_inserter(layers));
     // Glass shows what lies behind it blurred, also with the nothing beside the canvas.
     const auto takesAway = [](const Layer& layer) {
         return layer.blend == Layer::Blend::replace && !layer.paint->isOpaque();
@@ -178,6 +208,11 @@ std::shared_ptr<const raster::Paint> CompositionRasterizer::coloredPaint(const S
         m_colors = {std::move(identity), size.width(), size.height(), toCanvas,
                     makeColoredPaint(config, size, toCanvas)};
     return m_colors.paint;
+}
+
+bool CompositionRasterizer::isBackgroundNew(const Composition& composition) const {
+    return composition.config.backgroundType == BackgroundType::image &&
+           m_prepared[backgroundSlot].key != composition.backgroundImage().cacheKey();
 }
 
 void CompositionRasterizer::appendBackground(std::vector<Layer>& layers, const Composition& composition,
@@ -301,24 +336,21 @@ void CompositionRasterizer::appendTexts(std::vector<Layer>& layers, const Compos
         layers.push_back(std::move(layer));
 }
 
-void CompositionRasterizer::appendScreenshot(std::vector<Layer>& layers, const Composition& composition,
-                                             const Viewport& viewport) {
+CompositionRasterizer::Screenshot CompositionRasterizer::screenshot(const Composition& composition,
+                                                                    const Viewport& viewport) {
     if (composition.image.isNull())
-        return;
+        return {};
     const QSizeF size = pointSize(composition.image);
     const ScreenshotStyleConfig& config = composition.config;
     const auto aboutCentre = screenshotPlacement(size, config);
     if (!aboutCentre)
-        return;
+        return {};
     const QPointF offset(config.screenshotOffset.width + composition.dragOffset.width,
                          config.screenshotOffset.height + composition.dragOffset.height);
     const raster::Placement placement = onViewport(*aboutCentre, offset, viewport);
     if (!placement.toOutput.isFinite() || !placement.toOutput.inverse().isFinite())
-        return;
-    auto paint = picturePaint(screenshotSlot, composition.image, size, placement, viewport);
-    if (!paint)
-        return;
-    appendMockup(layers, size, config, std::move(paint), placement, viewport.pixelSize);
+        return {};
+    return {placement, picturePaint(screenshotSlot, composition.image, size, placement, viewport)};
 }
 
 } // namespace framora

@@ -32,9 +32,10 @@ public:
         QPointF canvasCentre;
     };
 
-    /// More pixels than these are never drawn.
+    /// More pixels than these are never drawn: two gigabytes. A screen of 3840 x 2160 at the largest scale,
+    /// with the largest padding and frame, takes four fifths of it.
     static constexpr int longestSide = 65535;
-    static constexpr qint64 mostPixels = 300'000'000;
+    static constexpr qint64 mostPixels = 500'000'000;
 
     /// The picture as ARGB32_Premultiplied with a devicePixelRatio of 1, transparent where no layer is. Null
     /// when the viewport is empty or too large, or memory is short. A style with numbers that are not finite,
@@ -97,6 +98,8 @@ private:
     std::shared_ptr<const raster::Paint> picturePaint(Slot slot, const QImage& image, QSizeF size,
                                                       const raster::Placement& placement,
                                                       const Viewport& viewport);
+    /// Whether the background is a picture that is still to be prepared.
+    bool isBackgroundNew(const Composition& composition) const;
     void appendBackground(std::vector<raster::Layer>& layers, const Composition& composition,
                           const Viewport& viewport);
     /// The background's paint, blurred by `deviation` pixels; null when memory is short. Not for a
@@ -106,12 +109,16 @@ private:
     /// A `color` or `gradient` background, not adjusted; null for none.
     std::shared_ptr<const raster::Paint> coloredPaint(const ScreenshotStyleConfig& config, QSizeF size,
                                                       const raster::Homography& toCanvas);
-    void appendScene(std::vector<raster::Layer>& layers, const Composition& composition,
-                     const Viewport& viewport);
+    static void appendScene(std::vector<raster::Layer>& layers, const Composition& composition,
+                            const Viewport& viewport);
     void appendTexts(std::vector<raster::Layer>& layers, const Composition& composition,
                      const Viewport& viewport);
-    void appendScreenshot(std::vector<raster::Layer>& layers, const Composition& composition,
-                          const Viewport& viewport);
+    /// The screenshot itself, and where it goes.
+    struct Screenshot {
+        raster::Placement placement;
+        std::shared_ptr<const raster::Paint> paint; ///< Null when nothing shows.
+    };
+    Screenshot screenshot(const Composition& composition, const Viewport& viewport);
 
     std::array<Prepared, slotCount> m_prepared;
     KeptColors m_colors;

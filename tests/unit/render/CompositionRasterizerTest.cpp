@@ -90,21 +90,25 @@ TEST(CompositionRasterizer, ShowsACheckerboardInThePreviewOnly) {
 }
 
 TEST(CompositionRasterizer, ShowsNoiseInThePreviewButNotInTheExport) {
-    for (const BackgroundType type : {BackgroundType::color, BackgroundType::gradient}) {
+    for (const BackgroundType type : allCases<BackgroundType>()) {
+        SCOPED_TRACE(int(type));
         ScreenshotStyleConfig plain = bareStyle();
         plain.backgroundType = type;
         plain.customColor = {0.5, 0.5, 0.5, 1};
         ScreenshotStyleConfig noisy = plain;
         noisy.gradientConfig.noiseAmount = 60;
-        const QImage image = flatPicture(100, 100);
-        EXPECT_TRUE(areEqual(drawn(compositionOf(image, plain)), drawn(compositionOf(image, noisy))));
-        EXPECT_FALSE(
-            areEqual(drawn(compositionOf(image, plain, false)), drawn(compositionOf(image, noisy, false))));
-        EXPECT_TRUE(
-            areEqual(drawn(compositionOf(image, noisy, false)), drawn(compositionOf(image, noisy, false))))
-            << "the grain stands still";
-        EXPECT_EQ(drawn(compositionOf(image, noisy, false)).pixel(130, 130), qRgb(255, 0, 0))
-            << "only the background has grain";
+        const auto shown = [image = flatPicture(100, 100)](const ScreenshotStyleConfig& style,
+                                                           bool isRendering) {
+            Composition composition = compositionOf(image, style, isRendering);
+            composition.loadedBackgroundImage = flatPicture(40, 30, Qt::darkCyan);
+            composition.preloadedBackgroundImage = composition.loadedBackgroundImage;
+            return drawn(composition);
+        };
+        EXPECT_TRUE(areEqual(shown(plain, true), shown(noisy, true)));
+        EXPECT_EQ(areEqual(shown(plain, false), shown(noisy, false)), type == BackgroundType::transparent)
+            << "a checkerboard has none";
+        EXPECT_TRUE(areEqual(shown(noisy, false), shown(noisy, false))) << "the grain stands still";
+        EXPECT_EQ(shown(noisy, false).pixel(130, 130), qRgb(255, 0, 0)) << "only the background has grain";
     }
 }
 

@@ -155,6 +155,20 @@ TEST(Extremes, OnePixelIsAPicture) {
     EXPECT_EQ(result.pixel(1, 1), qRgb(255, 0, 0));
 }
 
+TEST(Extremes, AWholeScreenAtTheLargestScaleIsAFrame) {
+    ScreenshotStyleConfig config;
+    config.scale = 3;
+    const auto pixels = [&](QSizeF screen) {
+        const auto viewport = CompositionRasterizer::frameViewport(outputFrame(screen, config), exportScale);
+        return viewport ? viewport->pixelSize : QSize();
+    };
+    EXPECT_EQ(pixels({3840, 2160}), QSize(24000, 13920));
+    config.padding = 200;
+    config.mockupStyle = MockupStyle::border;
+    config.mockupBorderSize = 10;
+    EXPECT_FALSE(pixels({3840, 2160}).isEmpty());
+}
+
 TEST(Extremes, AFrameBeyondAllReasonIsNothing) {
     ScreenshotStyleConfig config = bareStyle();
     for (const double value : {1e5, 1e12, 1e300, double(INFINITY), double(NAN)}) {
@@ -262,6 +276,24 @@ TEST(ExtremesDeathTest, AFrameThatMemoryDoesNotHoldIsNothing) {
         std::_Exit(isNull && isDrawn ? 0 : 1);
     };
     EXPECT_EXIT(draw(), testing::ExitedWithCode(0), "");
+}
+
+TEST(ExtremesDeathTest, WhereLayersFindNoMemoryThereIsNothing) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto draw = [](auto target) {
+        // Where the picture's columns are read from takes megabytes; the frame has its memory already.
+        const CompositionRasterizer::Viewport wide{QSize(65000, 16), 1000, QPointF(32500, 8)};
+        Composition composition{flatPicture(64, 64), bareStyle(), true};
+        composition.image = QImage();
+        const bool isDrawn = CompositionRasterizer().drawInto(target, composition, wide);
+        composition.image = flatPicture(64, 64);
+        limitMemoryTo(rlim_t(1) << 20);
+        const bool isNothing =
+            !CompositionRasterizer().drawInto(target, composition, wide) && target.isNull();
+        std::_Exit(isDrawn && isNothing ? 0 : 1);
+    };
+    EXPECT_EXIT(draw(QImage()), testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(draw(LivePicture()), testing::ExitedWithCode(0), "");
 }
 #endif
 
