@@ -11,8 +11,9 @@ namespace framora {
 class FilePanels {
 public:
     virtual ~FilePanels() = default;
-    /// One existing file of the given MIME types. Nothing when cancelled.
-    virtual std::optional<QUrl> openFile(const QString& message, const QStringList& mimeTypes) = 0;
+    /// One existing file; those of the given MIME types, all of them pictures, are shown together. Nothing
+    /// when cancelled.
+    virtual std::optional<QUrl> openPicture(const QString& message, const QStringList& mimeTypes) = 0;
     /// Where to write a PNG, starting from `proposedName`; an existing file is asked about. Nothing when
     /// cancelled.
     virtual std::optional<QUrl> savePng(const QString& proposedName) = 0;

@@ -47,11 +47,14 @@ void ScreenshotEditorViewModel::useBackgroundImage(ScreenshotStyleConfig& config
 }
 
 void ScreenshotEditorViewModel::chooseBackgroundImage() {
-    static const QStringList types{QStringLiteral("image/*"), QStringLiteral("image/jpeg"),
-                                   QStringLiteral("image/png"), QStringLiteral("image/heic"),
-                                   QStringLiteral("image/tiff")};
+    // The pictures that BackgroundDecoder reads.
+    static const QStringList types{QStringLiteral("image/jpeg"), QStringLiteral("image/png"),
+                                   QStringLiteral("image/heic"), QStringLiteral("image/tiff"),
+                                   QStringLiteral("image/webp"), QStringLiteral("image/avif"),
+                                   QStringLiteral("image/gif"),  QStringLiteral("image/bmp")};
     const QPointer self(this);
-    const auto url = m_services.filePanels.openFile(QStringLiteral("Select an image for background"), types);
+    const auto url =
+        m_services.filePanels.openPicture(QStringLiteral("Select an image for background"), types);
     // The panel serves the program's other windows, so the editor may have been closed meanwhile.
     if (self && url)
         importBackgroundImage(*url);

@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
+#include <QMimeDatabase>
 #include <QPointer>
 #include <QStandardPaths>
 #include <QWindow>
@@ -54,6 +55,16 @@ bool mayReplace(const QString& path, const QString& title) {
                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes;
 }
 
+/// One filter for all of the types: a filter each would show the files of the first alone.
+QString pictureFilter(const QStringList& mimeTypes) {
+    const QMimeDatabase database;
+    QStringList patterns;
+    for (const QString& type : mimeTypes)
+        for (const QString& pattern : database.mimeTypeForName(type).globPatterns())
+            patterns << pattern << pattern.toUpper(); // Some desktops' dialogs tell capitals apart.
+    return QStringLiteral("%1 (%2)").arg(localized(QStringLiteral("open.images")), patterns.join(u' '));
+}
+
 /// Runs the dialog over the window the user works in.
 std::optional<QUrl> run(QFileDialog& dialog) {
     const QPointer<QWindow> owner = QGuiApplication::focusWindow();
@@ -73,12 +84,13 @@ std::optional<QUrl> run(QFileDialog& dialog) {
 
 } // namespace
 
-std::optional<QUrl> QtFilePanels::openFile(const QString& message, const QStringList& mimeTypes) {
+std::optional<QUrl> QtFilePanels::openPicture(const QString& message, const QStringList& mimeTypes) {
     translateQt();
     QFileDialog dialog(nullptr, message, picturesFolder());
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setFileMode(QFileDialog::ExistingFile);
-    dialog.setMimeTypeFilters(mimeTypes);
+    dialog.setOption(QFileDialog::HideNameFilterDetails); // Two dozen suffixes.
+    dialog.setNameFilter(pictureFilter(mimeTypes));
     return run(dialog);
 }
 

@@ -19,7 +19,7 @@ namespace framora {
 /// File dialogs that answer as the test says, and remember what they were asked.
 class ScriptedFilePanels final : public FilePanels {
 public:
-    std::optional<QUrl> openFile(const QString& message, const QStringList& mimeTypes) override {
+    std::optional<QUrl> openPicture(const QString& message, const QStringList& mimeTypes) override {
         openMessage = message;
         openTypes = mimeTypes;
         if (whileOpen)

@@ -264,7 +264,9 @@ TEST_F(ViewModel, ImportingTheSameFileTwicePutsTwoEntriesInFront) {
     model->chooseBackgroundImage();
     finishImports();
     EXPECT_EQ(panels.openMessage, QStringLiteral("Select an image for background"));
-    EXPECT_TRUE(panels.openTypes.contains(QStringLiteral("image/heic")));
+    EXPECT_EQ(panels.openTypes,
+              (QStringList{u"image/jpeg"_qs, u"image/png"_qs, u"image/heic"_qs, u"image/tiff"_qs,
+                           u"image/webp"_qs, u"image/avif"_qs, u"image/gif"_qs, u"image/bmp"_qs}));
     ASSERT_EQ(model->wallpaperImages().size(), 3U);
     EXPECT_EQ(model->wallpaperImages()[0].first, *panels.answer);
     EXPECT_EQ(model->wallpaperImages()[1].first, *panels.answer);

@@ -1,14 +1,19 @@
 #include "platform/desktop/QtFilePanels.h"
 
+#include "platform/Localized.h"
+
 #include <QApplication>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileSystemModel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -18,8 +23,8 @@
 namespace framora {
 namespace {
 
-/// The save dialog as a user answers it.
-class SavePngTest : public testing::Test {
+/// A file dialog as a user answers it.
+class FileDialogTest : public testing::Test {
 protected:
     static QFileDialog& dialog() {
         for (QWidget* widget : QApplication::topLevelWidgets())
@@ -27,17 +32,30 @@ protected:
                 return *found;
         throw std::runtime_error("no file dialog is open");
     }
-    static QMessageBox* question() { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); }
+    static bool dialogIsOpen() {
+        for (QWidget* widget : QApplication::topLevelWidgets())
+            if (qobject_cast<QFileDialog*>(widget) && widget->isVisible())
+                return true;
+        return false;
+    }
     static void typeName(const QString& name) {
         dialog().findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(name);
     }
-    static void pressSave() {
-        dialog().findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Save)->click();
+    static void press(QDialogButtonBox::StandardButton button) {
+        dialog().findChild<QDialogButtonBox*>()->button(button)->click();
     }
     void touch(const QString& name) {
         QFile file(folder.filePath(name));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     }
+
+    QTemporaryDir folder;
+};
+
+class SavePngTest : public FileDialogTest {
+protected:
+    static QMessageBox* question() { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); }
+    static void pressSave() { press(QDialogButtonBox::Save); }
 
     /// Runs the dialog in the folder; `user` does what the user does while it is open.
     QString answer(const std::function<void()>& user) {
@@ -50,14 +68,6 @@ protected:
         const auto url = QtFilePanels().savePng(QStringLiteral("screenshot_1.png"));
         return url ? QDir(folder.path()).relativeFilePath(url->toLocalFile()) : QString();
     }
-    static bool dialogIsOpen() {
-        for (QWidget* widget : QApplication::topLevelWidgets())
-            if (qobject_cast<QFileDialog*>(widget) && widget->isVisible())
-                return true;
-        return false;
-    }
-
-    QTemporaryDir folder;
 };
 
 TEST_F(SavePngTest, theSuffixIsAddedUnlessItIsThere) {
@@ -112,6 +122,65 @@ TEST_F(SavePngTest, theNameOfAFolderOpensIt) {
                   pressSave();
               }),
               QStringLiteral("c.d/e.png"));
+}
+
+class OpenPictureTest : public FileDialogTest {
+protected:
+    /// What the dialog lists of the folder once it has read it.
+    std::string listed() {
+        auto* model = dialog().findChild<QFileSystemModel*>();
+        const QSignalSpy read(model, &QFileSystemModel::directoryLoaded);
+        dialog().setDirectory(folder.path());
+        const QModelIndex root = model->index(folder.path());
+        if (!QTest::qWaitFor([&] { return read.contains(QVariantList{folder.path()}); }))
+            return {};
+        QStringList names;
+        for (int row = 0; row < model->rowCount(root); ++row)
+            names << model->index(row, 0, root).data().toString();
+        names.sort();
+        return names.join(u' ').toStdString();
+    }
+
+    /// Runs the dialog; `user` does what the user does while it is open.
+    static std::optional<QUrl> answer(const std::function<void()>& user) {
+        QTimer::singleShot(0, [&] {
+            user();
+            if (dialogIsOpen())
+                dialog().reject();
+        });
+        return QtFilePanels().openPicture(
+            QStringLiteral("Choose"),
+            {u"image/png"_qs, u"image/jpeg"_qs, u"image/heic"_qs, u"image/webp"_qs, u"image/tiff"_qs});
+    }
+};
+
+TEST_F(OpenPictureTest, listsThePicturesOfEveryTypeAtOnceAndNothingElse) {
+    for (const char* name : {"a.png", "b.jpg", "c.JPEG", "d.heic", "e.heif", "f.webp", "g.tif", "h.txt", "i"})
+        touch(QString::fromLatin1(name));
+    answer([&] {
+        EXPECT_EQ(listed(), "a.png b.jpg c.JPEG d.heic e.heif f.webp g.tif");
+        const auto* types = dialog().findChild<QComboBox*>(QStringLiteral("fileTypeCombo"));
+        EXPECT_EQ(types->count(), 1);
+        EXPECT_EQ(types->currentText(), localized(QStringLiteral("open.images")));
+        EXPECT_EQ(dialog().fileMode(), QFileDialog::ExistingFile);
+    });
+}
+
+TEST_F(OpenPictureTest, oneFileIsAnAnswerAndAFolderIsNone) {
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("d.png")));
+    touch(QStringLiteral("a.png"));
+    const auto url = answer([&] {
+        dialog().setDirectory(folder.path());
+        typeName(QStringLiteral("d.png"));
+        press(QDialogButtonBox::Open);
+        EXPECT_TRUE(dialogIsOpen());
+        EXPECT_EQ(dialog().directory().path(), folder.filePath(QStringLiteral("d.png")));
+        dialog().setDirectory(folder.path());
+        typeName(QStringLiteral("a.png"));
+        press(QDialogButtonBox::Open);
+    });
+    EXPECT_EQ(url, QUrl::fromLocalFile(folder.filePath(QStringLiteral("a.png"))));
+    EXPECT_EQ(answer([] {}), std::nullopt);
 }
 
 /// The words on the dialog's buttons, and what a question's say.
