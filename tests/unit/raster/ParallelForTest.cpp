@@ -1,6 +1,7 @@
 #include "editor/render/raster/ParallelFor.h"
 
 #include <atomic>
+#include <chrono>
 #include <gtest/gtest.h>
 #include <new>
 #include <thread>
@@ -84,6 +85,119 @@ TEST(ParallelFor, LetsAnExceptionOutOnceNobodyIsAtWorkAnyMore) {
                 ASSERT_EQ(calls, 64);
             }
     setParallelThreadLimit(0);
+}
+
+/// Gives way to other threads until something holds. False when it does not for seconds.
+template <typename Condition> bool comesTrue(const Condition& condition) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > end)
+            return false;
+        std::this_thread::yield();
+    }
+    return true;
+}
+
+TEST(CallBeside, MakesBothCallsOnceAndTheFirstOneOnItsOwnThread) {
+    for (const int threads : {0, 1})
+        for (int round = 0; round < 500; ++round) {
+            setParallelThreadLimit(threads);
+            int calls[2] = {}; // not atomic: the return itself must make the writes visible
+            std::thread::id here;
+            callBeside(
+                [&] {
+                    ++calls[0];
+                    here = std::this_thread::get_id();
+                },
+                [&] { ++calls[1]; });
+            ASSERT_EQ(here, std::this_thread::get_id());
+            ASSERT_EQ(calls[0], 1);
+            ASSERT_EQ(calls[1], 1);
+        }
+    setParallelThreadLimit(0);
+}
+
+TEST(CallBeside, TakesPartInWhatTheOtherCallSpreads) {
+    if (!mayUseThreads())
+        GTEST_SKIP() << "one processor";
+    std::atomic<bool> hasBegun = false;
+    std::atomic<int> inside = 0;
+    std::atomic<bool> haveMet = false;
+    callBeside([&] { EXPECT_TRUE(comesTrue([&] { return hasBegun.load(); })); },
+               [&] {
+                   hasBegun = true;
+                   parallelFor(2, [&](int) {
+                       if (++inside == 2)
+                           haveMet = true;
+                       EXPECT_TRUE(comesTrue([&] { return haveMet.load(); }));
+                   });
+               });
+    EXPECT_TRUE(haveMet);
+}
+
+TEST(CallBeside, TakesPartInNobodyElsesWork) {
+    if (!mayUseThreads())
+        GTEST_SKIP() << "one processor";
+    const std::thread::id caller = std::this_thread::get_id();
+    std::atomic<bool> hasBegun = false;
+    std::atomic<bool> isOver = false;
+    std::atomic<bool> hasHelped = false;
+    std::thread other([&] {
+        comesTrue([&] { return hasBegun.load(); });
+        parallelFor(200, [&](int) {
+            for (int i = 0; i < 100; ++i)
+                std::this_thread::yield();
+            hasHelped = hasHelped || std::this_thread::get_id() == caller;
+        });
+        isOver = true;
+    });
+    callBeside([&] { EXPECT_TRUE(comesTrue([&] { return hasBegun.load(); })); },
+               [&] {
+                   hasBegun = true;
+                   EXPECT_TRUE(comesTrue([&] { return isOver.load(); }));
+               });
+    other.join();
+    EXPECT_FALSE(hasHelped);
+}
+
+TEST(CallBeside, LetsAnExceptionOutOnceNobodyIsAtWorkAnyMore) {
+    for (const int threads : {0, 1})
+        for (const bool isFromHere : {true, false})
+            for (int round = 0; round < 200; ++round) {
+                setParallelThreadLimit(threads);
+                std::atomic<int> inside = 0;
+                const auto call = [&](bool throws) {
+                    ++inside;
+                    parallelFor(4, [](int) {});
+                    --inside;
+                    if (throws)
+                        throw std::bad_alloc();
+                };
+                ASSERT_THROW(callBeside([&] { call(isFromHere); }, [&] { call(!isFromHere); }),
+                             std::bad_alloc);
+                ASSERT_EQ(inside, 0);
+                // What the other call spreads, too; and the threads go on serving.
+                ASSERT_THROW(callBeside([] {}, [] { parallelFor(8, [](int) { throw std::bad_alloc(); }); }),
+                             std::bad_alloc);
+                std::atomic<int> calls = 0;
+                parallelFor(64, [&](int) { ++calls; });
+                ASSERT_EQ(calls, 64);
+            }
+    setParallelThreadLimit(0);
+}
+
+TEST(CallBeside, ServesSeveralCallersAtOnceAndInsideOneAnother) {
+    std::atomic<int> calls = 0;
+    const auto spread = [&] { parallelFor(5, [&](int) { ++calls; }); };
+    std::vector<std::thread> callers;
+    for (int caller = 0; caller < 4; ++caller)
+        callers.emplace_back([&] {
+            for (int round = 0; round < 50; ++round)
+                parallelFor(3, [&](int) { callBeside(spread, [&] { callBeside(spread, spread); }); });
+        });
+    for (std::thread& caller : callers)
+        caller.join();
+    EXPECT_EQ(calls, 4 * 50 * 3 * 3 * 5);
 }
 
 } // namespace

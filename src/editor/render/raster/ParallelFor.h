@@ -11,6 +11,12 @@ namespace framora::raster {
 /// out of here when the calls that had begun have returned; there are no others then.
 void parallelFor(int count, const std::function<void(int)>& body);
 
+/// Calls `here()` on this thread and `beside()` meanwhile on another one, or afterwards on this one when none
+/// is free, and returns when both calls have. Like the calls of parallelFor(), each must write its own memory
+/// only. This thread takes part in what `beside()` spreads over threads as soon as `here()` is done. An
+/// exception comes out when nobody is at work any more.
+void callBeside(const std::function<void()>& here, const std::function<void()>& beside);
+
 /// How many threads one parallelFor may use, the caller included; 0 (the start value) is one for each
 /// processor.
 void setParallelThreadLimit(int threads);
