@@ -16,7 +16,7 @@ constexpr int densePart = 16;    ///< Positions at both ends of a match that lat
 constexpr std::size_t chunkTokens = 4096;
 constexpr std::size_t longestBlock = 32768; ///< Tokens.
 /// What the description of one more code takes, about.
-constexpr std::uint64_t blockOverhead = 480 * DeflateSymbols::entropyUnits;
+constexpr std::uint64_t blockOverhead = 700 * DeflateSymbols::entropyUnits;
 
 /// The numbers behind an effort.
 struct Search {
