@@ -47,9 +47,11 @@ TEST(ResampleKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
                 const std::uint32_t* row = pixels.data();
                 const std::int16_t one = FixedTaps::one;
                 plain::weighRows(&row, &one, 1, pixels.size(), source.data());
-                weighColumns(source.data(), taps, 0, count, fast.data());
-                plain::weighColumns(source.data(), taps, 0, count, slow.data());
-                EXPECT_EQ(fast, slow);
+                for (const Alpha alpha : {Alpha::any, Alpha::opaque}) {
+                    weighColumns(source.data(), taps, 0, count, alpha, fast.data());
+                    plain::weighColumns(source.data(), taps, 0, count, alpha, slow.data());
+                    EXPECT_EQ(fast, slow);
+                }
             }
     });
 }
@@ -64,11 +66,16 @@ TEST(ResampleKernels, KeepAPlainSurface) {
         std::vector<MixPixel> mixed(600);
         weighRows(rows.data(), taps.weights(7), taps.taps(), pixels.size(), mixed.data());
         std::vector<MixPixel> out(count);
-        weighColumns(mixed.data(), taps, 0, count, out.data());
-        for (const MixPixel& pixel : out) {
-            const int expected[4] = {0xc0, 0x40, 0x80, 0xff};
-            for (int c = 0; c < 4; ++c)
-                EXPECT_NEAR(pixel.channel[c], expected[c] * mixStep, mixStep / 4) << "step " << step;
+        for (const Alpha alpha : {Alpha::any, Alpha::opaque}) {
+            weighColumns(mixed.data(), taps, 0, count, alpha, out.data());
+            for (const MixPixel& pixel : out) {
+                const int expected[4] = {0xc0, 0x40, 0x80, 0xff};
+                for (int c = 0; c < 4; ++c)
+                    EXPECT_NEAR(pixel.channel[c], expected[c] * mixStep, mixStep / 4) << "step " << step;
+                if (alpha == Alpha::opaque) {
+                    EXPECT_EQ(pixel.channel[3], mixOne);
+                }
+            }
         }
     }
 }

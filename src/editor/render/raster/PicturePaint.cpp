@@ -87,7 +87,8 @@ PicturePaint::PicturePaint(std::shared_ptr<const PicturePyramid> picture, double
     const double scaleX = map(0, 0) * pixels.width / level.width;
     const double scaleY = map(1, 1) * pixels.height / level.height;
     m_separable = std::make_shared<const SeparableSampler>(
-        level, axisOf(scaleX, map(0, 2), level.width, region.left, region.width),
+        level, m_picture->isOpaque() ? Alpha::opaque : Alpha::any,
+        axisOf(scaleX, map(0, 2), level.width, region.left, region.width),
         axisOf(scaleY, map(1, 2), level.height, region.top, region.height));
     if (m_cache)
         m_cache->keepSampler(m_separable);

@@ -13,7 +13,7 @@ void resample(PixelView source, MutablePixelView target) {
     if (source.isEmpty() || target.isEmpty())
         return;
     const auto axis = [](int from, int to) { return SeparableSampler::Axis{double(from) / to, 0, 0, to}; };
-    const SeparableSampler sampler(source, axis(source.width, target.width),
+    const SeparableSampler sampler(source, Alpha::any, axis(source.width, target.width),
                                    axis(source.height, target.height));
     constexpr int rowsAtOnce = 8;
     parallelFor((target.height + rowsAtOnce - 1) / rowsAtOnce, [&](int band) {

@@ -22,8 +22,9 @@ void weighAllRows(const std::uint32_t* const* rows, const std::int16_t* weights,
                   MixPixel* out) {
     plain::weighRows(rows, weights, taps, count, out);
 }
-void weighAllColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
-    plain::weighColumns(source, taps, index, count, out);
+void weighAllColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, Alpha alpha,
+                     MixPixel* out) {
+    plain::weighColumns(source, taps, index, count, alpha, out);
 }
 
 #else
@@ -38,13 +39,20 @@ HWY_INLINE Vector loadPixels(const MixPixel* from) {
     return hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(from));
 }
 
-HWY_INLINE Vector clamped(Vector sums) {
-    const hn::Repartition<std::uint8_t, Lanes> bytes;
-    const Vector positive = hn::Max(sums, hn::Zero(lanes));
-    const Vector alpha = hn::BitCast(
-        lanes, hn::TableLookupBytes(hn::BitCast(bytes, positive), hn::LoadDup128(bytes, alphaBytes)));
-    const Vector valid = hn::Min(positive, hn::Min(alpha, hn::Set(lanes, filterOne)));
-    return hn::ShiftLeft<2>(valid);
+/// Valid pixels of these sums, 0...mixOne.
+template <Alpha alpha, typename Tag> HWY_INLINE hn::Vec<Tag> clamped(Tag tag, hn::Vec<Tag> sums) {
+    const auto one = hn::Set(tag, std::int16_t(filterOne));
+    if constexpr (alpha == Alpha::opaque) {
+        // Lifted and cut off, alpha is one.
+        alignas(16) static constexpr std::int16_t least[8] = {0, 0, 0, filterOne, 0, 0, 0, filterOne};
+        return hn::ShiftLeft<2>(hn::Min(hn::Max(sums, hn::LoadDup128(tag, least)), one));
+    } else {
+        const hn::Repartition<std::uint8_t, Tag> bytes;
+        const auto positive = hn::Max(sums, hn::Zero(tag));
+        const auto limit = hn::BitCast(
+            tag, hn::TableLookupBytes(hn::BitCast(bytes, positive), hn::LoadDup128(bytes, alphaBytes)));
+        return hn::ShiftLeft<2>(hn::Min(positive, hn::Min(limit, one)));
+    }
 }
 
 /// Stores the first `count` pixels of a vector.
@@ -117,7 +125,7 @@ void weighAllRows(const std::uint32_t* const* rows, const std::int16_t* weights,
 
 /// One vector of outputs that read neighbouring sources: one load a tap, sorted to the outputs. `starts` are
 /// their sources, the first of which is at `from`. With `fixedTaps` above 0 that many, else `taps`.
-template <int fixedTaps>
+template <Alpha alpha, int fixedTaps>
 HWY_INLINE Vector weighedColumns(const MixPixel* from, const std::int64_t* starts, const MixPixel* weights,
                                  std::size_t tapStride, int taps) {
     const hn::Repartition<std::uint64_t, Lanes> words;
@@ -130,10 +138,10 @@ HWY_INLINE Vector weighedColumns(const MixPixel* from, const std::int64_t* start
         const auto sources = hn::TableLookupLanes(hn::BitCast(words, loadPixels(from + tap)), order);
         sum = hn::Add(sum, hn::MulFixedPoint15(hn::BitCast(lanes, sources), loadPixels(weights)));
     }
-    return clamped(sum);
+    return clamped<alpha>(lanes, sum);
 }
 
-template <int fixedTaps>
+template <Alpha alpha, int fixedTaps>
 HWY_INLINE void weighDenseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count,
                                   MixPixel* out) {
     constexpr int mostLanes = 8;
@@ -146,7 +154,7 @@ HWY_INLINE void weighDenseColumns(const MixPixel* source, const FixedTaps& taps,
     int i = 0;
     for (; i + step <= count; i += step) {
         const Vector pixels =
-            weighedColumns<fixedTaps>(origin + starts[i], starts + i, weights + i, stride, tapCount);
+            weighedColumns<alpha, fixedTaps>(origin + starts[i], starts + i, weights + i, stride, tapCount);
         hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(out + i));
     }
     if (i == count)
@@ -155,39 +163,80 @@ HWY_INLINE void weighDenseColumns(const MixPixel* source, const FixedTaps& taps,
     for (int lane = 0; lane < step; ++lane)
         lastStarts[lane] = starts[std::min(i + lane, count - 1)];
     const Vector pixels =
-        weighedColumns<fixedTaps>(origin + starts[i], lastStarts, weights + i, stride, tapCount);
+        weighedColumns<alpha, fixedTaps>(origin + starts[i], lastStarts, weights + i, stride, tapCount);
     storePixels(pixels, out + i, std::size_t(count - i));
+}
+
+/// Writes the pixels of both vectors in turn.
+HWY_INLINE void storeInTurn(Vector even, Vector odd, MixPixel* out) {
+    const hn::Repartition<std::uint64_t, Lanes> words;
+    auto* to = reinterpret_cast<std::uint64_t*>(out);
+#if HWY_MAX_BYTES == 64 && !HWY_HAVE_SCALABLE
+    alignas(64) static constexpr std::uint64_t lower[8] = {0, 0, 1, 1, 2, 2, 3, 3};
+    alignas(64) static constexpr std::uint64_t upper[8] = {4, 4, 5, 5, 6, 6, 7, 7};
+    constexpr std::uint64_t all = ~std::uint64_t(0);
+    alignas(64) static constexpr std::uint64_t everySecond[8] = {0, all, 0, all, 0, all, 0, all};
+    const auto isOdd = hn::MaskFromVec(hn::Load(words, everySecond));
+    const auto sorted = [&](const std::uint64_t* pattern) HWY_ATTR {
+        const auto order = hn::SetTableIndices(words, pattern);
+        return hn::IfThenElse(isOdd, hn::TableLookupLanes(hn::BitCast(words, odd), order),
+                              hn::TableLookupLanes(hn::BitCast(words, even), order));
+    };
+    hn::StoreU(sorted(lower), words, to);
+    hn::StoreU(sorted(upper), words, to + 8);
+#else
+    hn::StoreInterleaved2(hn::BitCast(words, even), hn::BitCast(words, odd), words, to);
+#endif
+}
+
+/// Keeps a vector where it is: the compiler would load it anew for every use, across two lines of the cache.
+HWY_INLINE void keep([[maybe_unused]] Vector& vector) {
+#if HWY_ARCH_X86 && HWY_COMPILER_GCC
+    asm("" : "+v"(vector.raw));
+#endif
 }
 
 /// Pairs of outputs that weigh alike, the second one of each starting `shift` sources behind the first: no
 /// source needs sorting. Returns how many outputs it made.
-template <int shift>
+template <Alpha alpha, int shift>
 HWY_INLINE int weighDoubledColumns(const MixPixel* source, const std::int16_t* first,
                                    const std::int16_t* second, int count, MixPixel* out) {
-    const hn::Repartition<std::uint64_t, Lanes> words;
     const int step = int(hn::Lanes(lanes) / 4);
+    const auto weight = [](std::int16_t one) HWY_ATTR { return hn::Set(lanes, one); };
+    // Read once: as far as the compiler knows, `out` may overwrite them.
+    const Vector first0 = weight(first[0]);
+    const Vector first1 = weight(first[1]);
+    const Vector first2 = weight(first[2]);
+    const Vector first3 = weight(first[3]);
+    const Vector second0 = weight(second[0]);
+    const Vector second1 = weight(second[1]);
+    const Vector second2 = weight(second[2]);
+    const Vector second3 = weight(second[3]);
     int i = 0;
     for (; i + 2 * step <= count; i += 2 * step, source += step) {
         const Vector a = loadPixels(source);
-        const Vector b = loadPixels(source + 1);
-        const Vector c = loadPixels(source + 2);
-        const Vector d = loadPixels(source + 3);
+        Vector b = loadPixels(source + 1);
+        Vector c = loadPixels(source + 2);
+        Vector d = loadPixels(source + 3);
+        keep(b);
+        keep(c);
+        keep(d);
         const Vector e = shift == 0 ? d : loadPixels(source + 4);
-        const auto weighedWith = [](const std::int16_t* weights, Vector v0, Vector v1, Vector v2,
-                                    Vector v3) HWY_ATTR {
-            const auto part = [&](Vector v, int tap)
-                                  HWY_ATTR { return hn::MulFixedPoint15(v, hn::Set(lanes, weights[tap])); };
-            return clamped(hn::Add(hn::Add(part(v0, 0), part(v1, 1)), hn::Add(part(v2, 2), part(v3, 3))));
+        const auto sum = [](Vector v0, Vector v1, Vector v2, Vector v3) HWY_ATTR {
+            return clamped<alpha>(lanes, hn::Add(hn::Add(v0, v1), hn::Add(v2, v3)));
         };
-        const Vector even = weighedWith(first, a, b, c, d);
-        const Vector odd = shift == 0 ? weighedWith(second, a, b, c, d) : weighedWith(second, b, c, d, e);
-        hn::StoreInterleaved2(hn::BitCast(words, even), hn::BitCast(words, odd), words,
-                              reinterpret_cast<std::uint64_t*>(out + i));
+        const auto part = [](Vector v, Vector by) HWY_ATTR { return hn::MulFixedPoint15(v, by); };
+        const Vector even = sum(part(a, first0), part(b, first1), part(c, first2), part(d, first3));
+        const Vector odd = shift == 0
+                               ? sum(part(a, second0), part(b, second1), part(c, second2), part(d, second3))
+                               : sum(part(b, second0), part(c, second1), part(d, second2), part(e, second3));
+        storeInTurn(even, odd, out + i);
     }
     return i;
 }
 
 /// Four taps an output.
+template <Alpha alpha>
 void weighFourColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
     const int head = std::clamp(taps.doubledFirst() - index, 0, count);
     const int doubled = std::clamp(taps.doubledEnd() - index, head, count) - head;
@@ -196,17 +245,17 @@ void weighFourColumns(const MixPixel* source, const FixedTaps& taps, int index, 
     const int first = index + head;
     if (doubled >= int(hn::Lanes(lanes) / 2)) {
         if (head > 0)
-            weighDenseColumns<4>(source, taps, index, head, out);
+            weighDenseColumns<alpha, 4>(source, taps, index, head, out);
         const MixPixel* from = source + (taps.start(first) - origin);
         const std::int16_t* even = taps.weights(first);
         const std::int16_t* odd = taps.weights(first + 1);
         done = head + (taps.start(first + 1) == taps.start(first)
-                           ? weighDoubledColumns<0>(from, even, odd, doubled, out + head)
-                           : weighDoubledColumns<1>(from, even, odd, doubled, out + head));
+                           ? weighDoubledColumns<alpha, 0>(from, even, odd, doubled, out + head)
+                           : weighDoubledColumns<alpha, 1>(from, even, odd, doubled, out + head));
     }
     if (done < count)
-        weighDenseColumns<4>(source + (taps.start(index + done) - origin), taps, index + done, count - done,
-                             out + done);
+        weighDenseColumns<alpha, 4>(source + (taps.start(index + done) - origin), taps, index + done,
+                                    count - done, out + done);
 }
 
 #if !HWY_HAVE_SCALABLE
@@ -263,10 +312,8 @@ template <typename At> HWY_INLINE Vector sumsOfPixels(const At& at) {
 }
 
 /// Many taps an output: they are summed across a vector.
+template <Alpha alpha>
 void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
-    alignas(16) static constexpr std::uint8_t ofAlpha[8] = {6, 7, 6, 7, 6, 7, 6, 7};
-    const hn::Repartition<std::uint8_t, OnePixel> bytes;
-    const auto alphaPattern = hn::Load(bytes, ofAlpha);
     const int step = int(hn::Lanes(lanes) / 4);
     const int tapCount = taps.taps();
     const MixPixel* origin = source - taps.start(index);
@@ -276,28 +323,26 @@ void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index
     int done = 0;
     for (; done + step <= count; done += step) {
         const Vector sums = sumsOfPixels([&](int i) HWY_ATTR { return weighed(done + i); });
-        hn::StoreU(clamped(sums), lanes, reinterpret_cast<std::int16_t*>(out + done));
+        hn::StoreU(clamped<alpha>(lanes, sums), lanes, reinterpret_cast<std::int16_t*>(out + done));
     }
     for (; done < count; ++done) {
-        const auto positive = hn::Max(sumOfPixels(lanes, weighed(done)), hn::Zero(onePixel));
-        const auto alpha =
-            hn::BitCast(onePixel, hn::TableLookupBytes(hn::BitCast(bytes, positive), alphaPattern));
-        const auto valid =
-            hn::ShiftLeft<2>(hn::Min(positive, hn::Min(alpha, hn::Set(onePixel, std::int16_t(filterOne)))));
+        const auto valid = clamped<alpha>(onePixel, sumOfPixels(lanes, weighed(done)));
         hn::StoreU(valid, onePixel, reinterpret_cast<std::int16_t*>(out + done));
     }
 }
 
 #else
 
+template <Alpha alpha>
 void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
-    plain::weighColumns(source, taps, index, count, out);
+    plain::weighColumns(source, taps, index, count, alpha, out);
 }
 
 #endif
 
 /// Outputs that weigh alike, each starting two sources behind the one before: every second source of two
 /// vectors at once. Returns how many outputs it made.
+template <Alpha alpha>
 int weighHalvedColumns(const MixPixel* source, const std::int16_t* weights, int taps, int count,
                        MixPixel* out) {
     const hn::Repartition<std::uint64_t, Lanes> words;
@@ -315,12 +360,13 @@ int weighHalvedColumns(const MixPixel* source, const std::int16_t* weights, int 
             const Vector odd = hn::BitCast(lanes, hn::ConcatOdd(words, high, low));
             sum = hn::Add(sum, hn::MulFixedPoint15(odd, hn::Set(lanes, weights[tap + 1])));
         }
-        hn::StoreU(clamped(sum), lanes, reinterpret_cast<std::int16_t*>(out + i));
+        hn::StoreU(clamped<alpha>(lanes, sum), lanes, reinterpret_cast<std::int16_t*>(out + i));
     }
     return i;
 }
 
 /// Outputs that start further from one another.
+template <Alpha alpha>
 void weighDistantColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
     const int head = std::clamp(taps.halvedFirst() - index, 0, count);
     const int halved = std::clamp(taps.halvedEnd() - index, head, count) - head;
@@ -328,22 +374,31 @@ void weighDistantColumns(const MixPixel* source, const FixedTaps& taps, int inde
     int done = 0;
     if (halved > 0) {
         if (head > 0)
-            weighSparseColumns(source, taps, index, head, out);
-        done = head + weighHalvedColumns(source + (taps.start(index + head) - origin),
-                                         taps.weights(index + head), taps.taps(), halved, out + head);
+            weighSparseColumns<alpha>(source, taps, index, head, out);
+        done = head + weighHalvedColumns<alpha>(source + (taps.start(index + head) - origin),
+                                                taps.weights(index + head), taps.taps(), halved, out + head);
     }
     if (done < count)
-        weighSparseColumns(source + (taps.start(index + done) - origin), taps, index + done, count - done,
-                           out + done);
+        weighSparseColumns<alpha>(source + (taps.start(index + done) - origin), taps, index + done,
+                                  count - done, out + done);
 }
 
-void weighAllColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+template <Alpha alpha>
+void weighAllColumnsOf(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
     if (taps.isDense() && taps.taps() == 4)
-        weighFourColumns(source, taps, index, count, out);
+        weighFourColumns<alpha>(source, taps, index, count, out);
     else if (taps.isDense())
-        weighDenseColumns<0>(source, taps, index, count, out);
+        weighDenseColumns<alpha, 0>(source, taps, index, count, out);
     else
-        weighDistantColumns(source, taps, index, count, out);
+        weighDistantColumns<alpha>(source, taps, index, count, out);
+}
+
+void weighAllColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, Alpha alpha,
+                     MixPixel* out) {
+    if (alpha == Alpha::opaque)
+        weighAllColumnsOf<Alpha::opaque>(source, taps, index, count, out);
+    else
+        weighAllColumnsOf<Alpha::any>(source, taps, index, count, out);
 }
 
 #endif
@@ -367,8 +422,9 @@ void weighRows(const std::uint32_t* const* rows, const std::int16_t* weights, in
     HWY_DYNAMIC_DISPATCH(weighAllRows)(rows, weights, taps, count, out);
 }
 
-void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
-    HWY_DYNAMIC_DISPATCH(weighAllColumns)(source, taps, index, count, out);
+void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, Alpha alpha,
+                  MixPixel* out) {
+    HWY_DYNAMIC_DISPATCH(weighAllColumns)(source, taps, index, count, alpha, out);
 }
 
 } // namespace framora::raster

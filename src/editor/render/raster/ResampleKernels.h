@@ -23,15 +23,20 @@ void widenRow(const std::uint32_t* pixels, std::size_t count, MixPixel* out);
 void weighRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
                MixPixel* out);
 
+/// What a picture's pixels are: what is made of opaque ones is opaque, whatever was lost on the way.
+enum class Alpha { any, opaque };
+
 /// The outputs [index, index + count) of `taps`, clamped to valid pixels of 0...mixOne. `source` starts with
 /// the first pixel that they use.
-void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out);
+void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, Alpha alpha,
+                  MixPixel* out);
 
 namespace plain {
 void widenRow(const std::uint32_t* pixels, std::size_t count, MixPixel* out);
 void weighRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
                MixPixel* out);
-void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out);
+void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, Alpha alpha,
+                  MixPixel* out);
 } // namespace plain
 
 } // namespace framora::raster

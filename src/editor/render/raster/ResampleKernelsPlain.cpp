@@ -22,16 +22,19 @@ void weighRows(const std::uint32_t* const* rows, const std::int16_t* weights, in
         }
 }
 
-void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, Alpha alpha,
+                  MixPixel* out) {
     for (int i = 0; i < count; ++i) {
         const MixPixel* from = source + (taps.start(index + i) - taps.start(index));
         int sums[4] = {};
         for (int tap = 0; tap < taps.taps(); ++tap)
             for (int c = 0; c < 4; ++c)
                 sums[c] += mulFixed(from[tap].channel[c], taps.weight(index + i, tap));
-        const int alpha = std::clamp(sums[3], 0, filterOne);
+        const int most = alpha == Alpha::opaque ? filterOne : std::clamp(sums[3], 0, filterOne);
         for (int c = 0; c < 4; ++c)
-            out[i].channel[c] = std::int16_t(std::clamp(sums[c], 0, alpha) * 4);
+            out[i].channel[c] = std::int16_t(std::clamp(sums[c], 0, most) * 4);
+        if (alpha == Alpha::opaque)
+            out[i].channel[3] = mixOne;
     }
 }
 

@@ -1,15 +1,14 @@
 #include "editor/render/raster/SeparableSampler.h"
 
 #include "editor/render/raster/ParallelFor.h"
-#include "editor/render/raster/ResampleKernels.h"
 
 #include <algorithm>
 #include <vector>
 
 namespace framora::raster {
 
-SeparableSampler::SeparableSampler(PixelView picture, const Axis& columns, const Axis& rows)
-    : m_picture(picture) {
+SeparableSampler::SeparableSampler(PixelView picture, Alpha alpha, const Axis& columns, const Axis& rows)
+    : m_picture(picture), m_alpha(alpha) {
     const auto make = [](const Axis& axis, int size, ResampleKernel& kernel, FixedTaps& fixed) {
         kernel = ResampleKernel(axis.step, axis.origin, size, axis.first, axis.end);
         fixed = FixedTaps(kernel, kernel.firstOutput(), kernel.endOutput());
@@ -46,7 +45,7 @@ void SeparableSampler::mix(const TileRect& tile, MixPixel* out) const {
             sources[std::size_t(tap)] =
                 m_picture.row(std::min(rows.start(row) + tap, m_picture.height - 1)) + span.first;
         weighRows(sources.data(), rows.weights(row), rows.taps(), readable, mixed.data());
-        weighColumns(mixed.data(), columns, first, count, out + left);
+        weighColumns(mixed.data(), columns, first, count, m_alpha, out + left);
         std::fill_n(out, left, out[left]);
         std::fill(out + left + count, out + tile.width, out[left + count - 1]);
     }

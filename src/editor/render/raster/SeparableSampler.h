@@ -4,6 +4,7 @@
 #include "editor/render/raster/Float4.h"
 #include "editor/render/raster/PixelView.h"
 #include "editor/render/raster/ResampleKernel.h"
+#include "editor/render/raster/ResampleKernels.h"
 
 namespace framora::raster {
 
@@ -19,7 +20,7 @@ public:
         int end;
     };
     /// `picture` must live as long as this.
-    SeparableSampler(PixelView picture, const Axis& columns, const Axis& rows);
+    SeparableSampler(PixelView picture, Alpha alpha, const Axis& columns, const Axis& rows);
 
     /// The premultiplied colours of `count` output pixels from (x, y), 0...255. They must lie inside the
     /// axes.
@@ -30,6 +31,7 @@ public:
 
 private:
     PixelView m_picture;
+    Alpha m_alpha = Alpha::any;
     ResampleKernel m_columns;
     ResampleKernel m_rows;
     FixedTaps m_fixedColumns;
