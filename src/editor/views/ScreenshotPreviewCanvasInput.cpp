@@ -5,6 +5,7 @@
 
 #include <QCursor>
 #include <QPointingDevice>
+#include <algorithm>
 #include <cmath>
 
 namespace framora {
@@ -34,6 +35,10 @@ bool ScreenshotPreviewCanvas::isOverScreenshot(QPointF position) const {
     const QPointF point = m_viewport.toCanvas(position) - offset;
     const raster::Homography reverse = placement->toOutput.inverse();
     const raster::Vec2 inLayer = reverse.map({point.x(), point.y()});
+    // Beyond the horizon of a tilt nothing is drawn.
+    if (!std::ranges::all_of(placement->projections,
+                             [&](const raster::Homography& map) { return map.depth(inLayer) > 0; }))
+        return false;
     const double margin = mockupPadding(m_config);
     return std::abs(inLayer.x) <= size.width() / 2.0 + margin &&
            std::abs(inLayer.y) <= size.height() / 2.0 + margin;

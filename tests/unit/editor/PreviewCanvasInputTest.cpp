@@ -52,6 +52,24 @@ TEST_F(Canvas, TheScreenshotIsFoundWhereItWasTurnedTo) {
     EXPECT_EQ(offsets.size(), 1);
 }
 
+TEST_F(Canvas, BeyondTheHorizonOfATiltThereIsNoScreenshot) {
+    // Its top lies 100 points above the middle, the horizon 115, and what is behind the eye would lie from
+    // 136 on.
+    set([](auto& style) {
+        style.rotationX = 60;
+        style.scale = 3;
+        style.imageScale = 1000;
+    });
+    const QColor red(200, 30, 40);
+    EXPECT_NE(shown(300, 96), red);
+    EXPECT_EQ(shown(300, 104), red);
+    for (int y = 2; y < 96; y += 5)
+        QTest::mouseClick(&window, Qt::LeftButton, {}, {300, y});
+    EXPECT_TRUE(offsets.isEmpty());
+    QTest::mouseClick(&window, Qt::LeftButton, {}, {300, 104});
+    EXPECT_EQ(offsets.size(), 1);
+}
+
 TEST_F(Canvas, TheScreenshotFollowsThePointerWhileItIsDragged) {
     const QColor red(200, 30, 40);
     EXPECT_EQ(shown(395, 200), red);
