@@ -2,10 +2,12 @@
 // something is dragged. Needs a display: on a virtual one, run it under xvfb-run. See usage() for what it can
 // be asked.
 
+#include "PointerLatency.h"
 #include "desktop/editor/EditorHostServices.h"
 #include "editor/model/ScreenshotEditorViewModel.h"
 #include "editor/views/EditorSession.h"
 #include "editor/views/ScreenshotPreviewCanvas.h"
+#include "platform/PromptFrames.h"
 
 #include <QApplication>
 #include <QDir>
@@ -25,6 +27,7 @@
 #include <string>
 #include <string_view>
 #include <vector>
+#include <xcb/xcb.h>
 
 using namespace framora;
 
@@ -39,6 +42,8 @@ int usage() {
         "editor_bench open                opening only\n"
         "editor_bench frames NUMBER       as without arguments, with other than 600 frames a gesture\n"
         "editor_bench only NAME           of the gestures only those with NAME in theirs\n"
+        "editor_bench latency             from the pointer's movement to its pixels on screen, while "
+        "dragging\n"
         "editor_bench scan                dragging while 60 wallpapers of 6000 x 4000 are looked through");
     return 2;
 }
@@ -120,10 +125,12 @@ void print(const std::string& what, Frames frames) {
                 quantile(frames.all, 0.5));
 }
 
-void printOpening(const char* what, std::vector<double> times) {
+void printTimes(const char* what, std::vector<double> times) {
+    if (times.empty())
+        return;
     std::sort(times.begin(), times.end());
-    std::printf("%-44s median %7.2f ms   worst %7.2f ms   (%zu)\n", what, times[times.size() / 2],
-                times.back(), times.size());
+    std::printf("%-44s median %7.2f ms   99 %% %7.2f ms   worst %7.2f ms   (%zu)\n", what,
+                quantile(times, 0.5), quantile(times, 0.99), times.back(), times.size());
 }
 
 /// From the call to the frame on screen, by the window's own account.
@@ -211,6 +218,14 @@ public:
         return frames;
     }
 
+    /// By a pointer that the X server moves.
+    void measureLatency(int count) {
+        const QPoint middle = m_canvas.mapToGlobal({m_canvas.width() / 2, m_canvas.height() / 2}).toPoint();
+        const PointerLatency latency = PointerLatency::measure(m_window.winId(), middle, count);
+        printTimes("from the pointer's movement to first pixels", latency.toFirstPixels);
+        printTimes("to the last ones", latency.toLastPixels);
+    }
+
     Frames wheel(int count) {
         const QPointF middle = m_canvas.mapToScene({m_canvas.width() * 0.6, m_canvas.height() * 0.4});
         return measure(count, [&](int i) {
@@ -224,9 +239,16 @@ public:
     /// As the window manager does it while a corner is dragged.
     Frames resize(int count) {
         const QSize before = m_window.size();
+        // Qt hears of it from the server, as it does then: a call of resize() has a frame drawn before that,
+        // of the old layout in the new size.
+        auto* connection = qApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
         Frames frames = measure(count, [&](int i) {
             const int away = 2 * std::abs(i % 100 - 50);
-            m_window.resize(before - QSize(away + i % 2, away));
+            const std::uint32_t size[] = {std::uint32_t(before.width() - away - i % 2),
+                                          std::uint32_t(before.height() - away)};
+            xcb_configure_window(connection, xcb_window_t(m_window.winId()),
+                                 XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+            xcb_flush(connection);
         });
         m_window.resize(before);
         return frames;
@@ -372,12 +394,14 @@ int main(int argc, char** argv) {
     const std::string mode = argc > 1 ? argv[1] : "";
     const std::string operand = argc > 2 ? argv[2] : "";
     const bool scans = mode == "scan";
+    const bool isLatency = mode == "latency";
     if (mode == "frames" && !operand.empty())
         framesPerGesture = std::max(20, std::atoi(operand.c_str()));
-    else if (!(mode.empty() || scans || mode == "open" || (mode == "only" && !operand.empty())))
+    else if (!(mode.empty() || scans || isLatency || mode == "open" || (mode == "only" && !operand.empty())))
         return usage();
 
     qputenv("QT_QUICK_BACKEND", "software");
+    drawFramesPromptly();
     // Nobody's own pictures are in the figures.
     const QTemporaryDir home;
     qputenv("HOME", home.path().toLocal8Bit());
@@ -388,8 +412,8 @@ int main(int argc, char** argv) {
     EditorHostServices services;
     const QImage picture = makePicture({3840, 2160});
     ScreenshotEditorWindow window(services.forWindow());
-    printOpening("open to first frame, first of the process", {openOnce(window, picture)});
-    if (!scans && mode != "only") {
+    printTimes("open to first frame, first of the process", {openOnce(window, picture)});
+    if (!scans && !isLatency && mode != "only") {
         std::vector<double> again;
         for (int i = 0; i < 9; ++i) {
             settle(300);
@@ -397,7 +421,7 @@ int main(int argc, char** argv) {
             settle(50);
             again.push_back(openOnce(window, picture));
         }
-        printOpening("open to first frame, later ones", again);
+        printTimes("open to first frame, later ones", again);
     }
     if (mode == "open")
         return 0;
@@ -408,6 +432,8 @@ int main(int argc, char** argv) {
                 editor.window().effectiveDevicePixelRatio());
     if (scans)
         measureScan(editor);
+    else if (isLatency)
+        editor.measureLatency(framesPerGesture);
     else
         measureGestures(editor, mode == "only" ? operand : "");
     return 0;

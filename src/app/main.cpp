@@ -3,6 +3,7 @@
 #include "app/framora_App.h"
 #include "platform/ApplicationId.h"
 #include "platform/ProgramVersion.h"
+#include "platform/PromptFrames.h"
 #include "platform/desktop/BusApplication.h"
 #include "platform/desktop/SingleInstance.h"
 #include "platform/desktop/ThreadBackgroundQueue.h"
@@ -58,6 +59,7 @@ int run(int argc, char** argv) {
     // It is for this start alone, and nothing that is started from here later.
     qunsetenv("XDG_ACTIVATION_TOKEN");
     session.choosePlatform();
+    framora::drawFramesPromptly();
     QCoreApplication::setApplicationName(QStringLiteral("framora"));
     QGuiApplication::setDesktopFileName(QString::fromLatin1(framora::applicationId));
     QApplication application(argc, argv);
