@@ -3,7 +3,7 @@
 #include "editor/model/ScreenshotEditorViewModel.h"
 
 #include "editor/render/BackgroundDecoder.h"
-#include "editor/render/ImageResampler.h"
+#include "editor/render/WallpaperThumbnails.h"
 #include "editor/render/raster/ParallelFor.h"
 #include "platform/BackgroundQueue.h"
 #include "platform/FilePanels.h"
@@ -21,7 +21,7 @@ std::optional<ScreenshotEditorViewModel::Wallpaper> readFirstPicture(const QList
     const raster::SerialScope serial;
     for (const QUrl& url : urls)
         if (const QImage image = BackgroundDecoder::decodeForTwo(url, stop); !image.isNull())
-            return std::pair(url, resizedImage(image, 400, 300));
+            return std::pair(url, thumbnailOf(image));
     return {};
 }
 

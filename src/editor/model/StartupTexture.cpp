@@ -1,7 +1,7 @@
 #include "editor/model/StartupTexture.h"
 
 #include "editor/render/BackgroundDecoder.h"
-#include "editor/render/ImageResampler.h"
+#include "editor/render/WallpaperThumbnails.h"
 #include "platform/ResourceBundle.h"
 
 #include <QFileInfo>
@@ -11,6 +11,8 @@ namespace framora {
 std::optional<StartupTexture> StartupTexture::load(const ResourceBundle& resources) {
     const QString name = QStringLiteral("Black and White Gradient Macbook Wallpaper_Texture");
     std::optional<QUrl> url = resources.url(name, QStringLiteral("png"), QStringLiteral("public"));
+    if (!url)
+        url = resources.urlAnywhere(name, QStringLiteral("png"));
     if (!url) {
         const QString path = resources.resourcePath() + QStringLiteral("/public/%1.png").arg(name);
         if (QFileInfo::exists(path))
@@ -22,7 +24,7 @@ std::optional<StartupTexture> StartupTexture::load(const ResourceBundle& resourc
     const QImage picture = BackgroundDecoder::decodeForTwo(*url);
     if (picture.isNull())
         return {};
-    return StartupTexture{*url, resizedImage(picture, 400, 300)};
+    return StartupTexture{*url, thumbnailOf(picture)};
 }
 
 } // namespace framora

@@ -11,7 +11,7 @@ class ResourceBundle;
 /// The packaged picture that a new editor starts with.
 struct StartupTexture {
     QUrl url;
-    QImage thumbnail; ///< Fitted into 400 x 300 pixels.
+    QImage thumbnail; ///< thumbnailOf() it.
 
     /// Nothing when there is none or it cannot be read. Takes tens of milliseconds; safe on any thread.
     static std::optional<StartupTexture> load(const ResourceBundle& resources);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 namespace framora {
 
@@ -43,7 +44,11 @@ QImage resizedImage(const QImage& image, double maxWidth, double maxHeight) {
     QImage result(width, height, QImage::Format_ARGB32_Premultiplied);
     if (source.isNull() || result.isNull())
         return {};
-    raster::resample(rasterView(source), mutableRasterView(result));
+    try {
+        raster::resample(rasterView(source), mutableRasterView(result));
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
     return result;
 }
 

@@ -93,16 +93,6 @@ bool isOpaque(const QImage& image) {
     return true;
 }
 
-QImage thumbnailOf(const QImage& decoded) {
-    QImage thumbnail = resizedImage(decoded, thumbnailWidth, thumbnailHeight);
-    if (thumbnail.isNull())
-        thumbnail = decoded;
-    // They stay for the whole run: a quarter less.
-    return thumbnail.hasAlphaChannel() && !isOpaque(thumbnail)
-               ? thumbnail
-               : std::move(thumbnail).convertToFormat(QImage::Format_RGB888);
-}
-
 /// Several threads at the candidates. One that does not fit into the budget is put off, and those behind it
 /// go before it: two large videos do not fit at once, but pictures do beside one. So videos come first.
 class ThumbnailWork {
@@ -197,6 +187,14 @@ private:
 };
 
 } // namespace
+
+QImage thumbnailOf(const QImage& picture) {
+    QImage thumbnail = resizedImage(picture, thumbnailWidth, thumbnailHeight);
+    if (thumbnail.isNull())
+        return picture;
+    // They stay for the whole run: a quarter less.
+    return isOpaque(thumbnail) ? std::move(thumbnail).convertToFormat(QImage::Format_RGB888) : thumbnail;
+}
 
 std::vector<Wallpaper> makeWallpapers(const std::vector<WallpaperCandidate>& candidates,
                                       const std::stop_token& stop) {

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 
 namespace framora {
@@ -18,6 +19,16 @@ std::optional<QUrl> FileResourceBundle::url(const QString& name, const QString& 
     if (!file.isFile())
         return std::nullopt;
     return QUrl::fromLocalFile(file.absoluteFilePath());
+}
+
+std::optional<QUrl> FileResourceBundle::urlAnywhere(const QString& name, const QString& type) const {
+    QDirIterator files(m_resourcePath, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        files.next();
+        if (files.fileName() == name + u'.' + type)
+            return QUrl::fromLocalFile(files.fileInfo().absoluteFilePath());
+    }
+    return std::nullopt;
 }
 
 } // namespace framora

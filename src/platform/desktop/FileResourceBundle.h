@@ -12,6 +12,7 @@ public:
 
     std::optional<QUrl> url(const QString& name, const QString& type,
                             const QString& subdirectory) const override;
+    std::optional<QUrl> urlAnywhere(const QString& name, const QString& type) const override;
     QString resourcePath() const override { return m_resourcePath; }
 
 private:

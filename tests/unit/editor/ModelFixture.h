@@ -50,6 +50,10 @@ public:
         const QString path = QStringLiteral("%1/%2/%3.%4").arg(folder.path(), subdirectory, name, type);
         return bundled && QFile::exists(path) ? std::optional(QUrl::fromLocalFile(path)) : std::nullopt;
     }
+    std::optional<QUrl> urlAnywhere(const QString& name, const QString& type) const override {
+        const QString path = QStringLiteral("%1/elsewhere/%2.%3").arg(folder.path(), name, type);
+        return bundled && QFile::exists(path) ? std::optional(QUrl::fromLocalFile(path)) : std::nullopt;
+    }
     QString resourcePath() const override { return folder.path(); }
 
     QTemporaryDir folder;
@@ -96,10 +100,10 @@ public:
         return path;
     }
 
-    void addTexture(const QByteArray& bytes = {}) {
-        QDir(resources.folder.path()).mkdir(QStringLiteral("public"));
+    void addTexture(const QByteArray& bytes = {}, const QString& subfolder = QStringLiteral("public")) {
+        QDir(resources.folder.path()).mkdir(subfolder);
         texturePath = resources.folder.filePath(
-            QStringLiteral("public/Black and White Gradient Macbook Wallpaper_Texture.png"));
+            subfolder + QStringLiteral("/Black and White Gradient Macbook Wallpaper_Texture.png"));
         if (bytes.isEmpty()) {
             ASSERT_TRUE(picture(800, 800, Qt::gray).save(texturePath));
         } else {

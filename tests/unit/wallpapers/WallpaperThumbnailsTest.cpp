@@ -3,6 +3,7 @@
 #include "editor/render/BackgroundDecoder.h"
 #include "editor/render/ImageResampler.h"
 #include "support/MediaFiles.h"
+#include "unit/render/MemoryLimit.h"
 #include "unit/wallpapers/WallpaperFixture.h"
 
 #include <QColorSpace>
@@ -266,6 +267,20 @@ TEST_F(WallpaperThumbnail, ListKeepsItsOrderAndDropsWhatCannotBeDecoded) {
         found.append(wallpaper.first);
     EXPECT_EQ(found, expected);
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // they take more than all memory
+TEST(WallpaperThumbnailDeathTest, IsThePictureItselfWhereMemoryIsTooShort) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto make = [] {
+        QImage picture(8000, 6000, QImage::Format_RGB32);
+        picture.fill(Qt::blue);
+        const bool isSmall = thumbnailOf(picture).size() == QSize(400, 300);
+        limitMemoryTo(rlim_t(64) << 20);
+        std::_Exit(isSmall && thumbnailOf(picture) == picture ? 0 : 1);
+    };
+    EXPECT_EXIT(make(), testing::ExitedWithCode(0), "");
+}
+#endif
 
 TEST_F(WallpaperThumbnail, NoneIsMadeOnceStopIsAskedFor) {
     const QString file = path(QStringLiteral("a.png"));
