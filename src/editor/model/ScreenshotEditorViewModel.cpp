@@ -196,20 +196,24 @@ void ScreenshotEditorViewModel::setSelectedWallpaperURL(const QUrl& url) {
     updateSelectedWallpaperIndex();
 }
 
-void ScreenshotEditorViewModel::zoomTo(double percent) {
+void ScreenshotEditorViewModel::storeZoom(double percent) {
     m_followsFit = false;
     ScreenshotStyleConfig config = m_config;
-    config.zoom = std::clamp(percent, minimumZoom, maximumZoom);
+    config.zoom = percent;
     storeConfig(config);
 }
+void ScreenshotEditorViewModel::zoomTo(double percent) {
+    storeZoom(std::clamp(percent, minimumZoom, maximumZoom));
+}
+// A long picture is fitted below the lowest zoom: from there in by steps as from anywhere else.
 void ScreenshotEditorViewModel::zoomIn() {
-    zoomTo(m_config.zoom * zoomFactor);
+    storeZoom(std::min(m_config.zoom * zoomFactor, maximumZoom));
 }
 void ScreenshotEditorViewModel::zoomOut() {
-    zoomTo(m_config.zoom / zoomFactor);
+    storeZoom(std::max(m_config.zoom / zoomFactor, minimumZoom));
 }
 void ScreenshotEditorViewModel::zoomToActualSize() {
-    zoomTo(100.0);
+    storeZoom(100.0);
 }
 
 void ScreenshotEditorViewModel::fitToWindow() {
@@ -348,13 +352,10 @@ void ScreenshotEditorViewModel::saveImage() {
 
 void ScreenshotEditorViewModel::mergeWallpapers(const std::vector<Wallpaper>& wallpapers) {
     std::vector<Wallpaper> merged = m_wallpaperImages;
-    // Only what was there before counts as known, as a set.
-    std::vector<QUrl> known;
-    known.reserve(merged.size());
-    for (const auto& entry : merged)
-        known.push_back(entry.first);
-    for (const auto& entry : wallpapers)
-        if (std::find(known.begin(), known.end(), entry.first) == known.end())
+    // Only what was there before counts as known.
+    for (const Wallpaper& entry : wallpapers)
+        if (std::none_of(m_wallpaperImages.begin(), m_wallpaperImages.end(),
+                         [&](const Wallpaper& known) { return known.first == entry.first; }))
             merged.push_back(entry);
     if (merged.size() != m_wallpaperImages.size())
         setWallpaperImages(std::move(merged));

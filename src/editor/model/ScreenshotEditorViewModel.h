@@ -220,6 +220,7 @@ private:
     void apply(const ScreenshotStyleConfig& config, const QString& field = {});
     void restore(std::optional<StyleHistory::State> state);
     void storeConfig(const ScreenshotStyleConfig& config);
+    void storeZoom(double percent);
     /// One import: when it was asked for among the choices of a background, and what else it does.
     struct Import {
         quint64 choice = 0;

@@ -41,6 +41,13 @@ TEST_F(ViewModel, TakesThePackagedTextureAsItsBackground) {
         << "800 x 800 fitted into 400 x 300";
 }
 
+TEST_F(ViewModel, FindsTheTextureAnywhereInTheResourcesButFirstWhereItBelongs) {
+    addTexture({}, QStringLiteral("elsewhere"));
+    EXPECT_EQ(makeModel(picture(20, 10))->selectedWallpaperURL(), QUrl::fromLocalFile(texturePath));
+    addTexture();
+    EXPECT_EQ(makeModel(picture(20, 10))->selectedWallpaperURL(), QUrl::fromLocalFile(texturePath));
+}
+
 TEST_F(ViewModel, FindsTheTextureBesideTheResourcesWhenTheBundleDoesNotKnowIt) {
     addTexture();
     resources.bundled = false;
@@ -72,6 +79,18 @@ TEST_F(ViewModel, ZoomsOutByGeometricStepsAndStopsAt10) {
     EXPECT_EQ(model->config().zoom, 10.0);
     model->zoomToActualSize();
     EXPECT_EQ(model->config().zoom, 100.0);
+}
+
+TEST_F(ViewModel, ZoomsByStepsFromWhereALongPictureWasFitted) {
+    const auto model = makeModel(picture(20, 12'000));
+    model->setCanvasSize({1400, 668});
+    model->fitToWindow();
+    queue.advance(0.1);
+    ASSERT_NEAR(model->config().zoom, 5.0, 1e-9);
+    model->zoomIn();
+    EXPECT_NEAR(model->config().zoom, 6.0, 1e-9);
+    model->zoomOut();
+    EXPECT_EQ(model->config().zoom, 10.0) << "the limit of the other way";
 }
 
 TEST_F(ViewModel, FitsALargePictureATenthOfASecondLater) {
@@ -523,11 +542,21 @@ TEST_F(ViewModel, AMagicPresetTakesOverFromEveryOtherColourSource) {
 
 TEST_F(ViewModel, AnOwnColourTakesOverFromPresetsUnlessItIsClear) {
     const auto model = makeModel(picture(20, 10));
-    model->selectMagicPreset(1);
+    change(*model, [](auto& config) {
+        config.selectedMagicPreset = PresetCatalogues::magicPresets()[1];
+        config.selectedGradient = GradientPreset{};
+        config.selectedSolidColor = SolidColor{};
+        config.backgroundImageURL = QUrl(QStringLiteral("file:///a.png"));
+    });
+    ScreenshotStyleConfig expected = model->config();
     model->pickCustomColor(QColor(0, 0, 0, 0));
-    EXPECT_EQ(model->magicPresetIndex(), 1);
+    expected.customColor = Color::clear();
+    EXPECT_EQ(model->config(), expected);
     model->pickCustomColor(QColor(10, 20, 30));
-    EXPECT_EQ(model->magicPresetIndex(), -1);
+    EXPECT_FALSE(model->config().selectedMagicPreset);
+    EXPECT_FALSE(model->config().selectedGradient);
+    EXPECT_FALSE(model->config().selectedSolidColor);
+    EXPECT_FALSE(model->config().backgroundImageURL);
     EXPECT_EQ(model->customColor(), QColor(10, 20, 30));
 }
 
