@@ -259,7 +259,11 @@ void ScreenshotEditorWindow::applyAppearance() {
 }
 
 void ScreenshotEditorWindow::copy(const QImage& image) {
-    m_services.pasteboard.writePng(encodePng(image, exportDotsPerInch, raster::PngSpeed::fastest));
+    const QByteArray png = encodePng(image, exportDotsPerInch, raster::PngSpeed::fastest);
+    // What the clipboard holds may be the capture itself.
+    if (png.isEmpty())
+        return;
+    m_services.pasteboard.writePng(png);
     close();
     m_copiedToastDelay = m_services.mainQueue.after(0.3, [this] {
         m_copiedToast = m_services.makeToastManager();

@@ -60,7 +60,8 @@ public:
     void open(const QImage& image);
     /// Brings the open window forward, out of the task bar if it is minimised; nothing when none is open.
     void raise();
-    /// Puts the picture on the clipboard, closes the window, and says so 0.3 s later.
+    /// Puts the picture on the clipboard, closes the window, and says so 0.3 s later. Nothing when the
+    /// picture is null or memory is too short to write it.
     void copy(const QImage& image);
     /// Closes the window once; nothing while a close is under way or when none is open.
     void close();

@@ -15,6 +15,8 @@ SharedPictures::SharedPictures(MainQueue& mainQueue, QString folder)
 SharedPictures::~SharedPictures() = default;
 
 std::optional<QString> SharedPictures::add(const QByteArray& png) {
+    if (png.isEmpty())
+        return {};
     if (m_folder.isEmpty())
         m_folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
     // Made for its owner alone.

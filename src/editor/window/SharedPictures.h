@@ -24,7 +24,7 @@ public:
     explicit SharedPictures(MainQueue& mainQueue, QString folder = {});
     ~SharedPictures();
 
-    /// Writes "Screenshot.png" and returns its path; nothing when that fails.
+    /// Writes "Screenshot.png" and returns its path; nothing when that fails or there are no bytes.
     std::optional<QString> add(const QByteArray& png);
     /// At once: nobody was given it after all. Nothing when it has gone already.
     void remove(const QString& path);

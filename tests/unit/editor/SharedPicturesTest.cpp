@@ -34,6 +34,12 @@ TEST_F(Shared, LieUnderTheirTitleInAFolderOfTheirUsersOwn) {
     EXPECT_EQ(status.st_mode & 0777U, 0700U);
 }
 
+TEST_F(Shared, AreNoneWithoutBytes) {
+    SharedPictures pictures(queue, runtime.path());
+    EXPECT_FALSE(pictures.add({}));
+    EXPECT_EQ(folders(), 0);
+}
+
 TEST_F(Shared, AreRemovedAnHourLaterEachByItself) {
     SharedPictures pictures(queue, runtime.path());
     const auto first = pictures.add("1");
