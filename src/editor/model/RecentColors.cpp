@@ -15,7 +15,7 @@ QStringList storedNames(const UserDefaults& defaults) {
     if (!stored)
         return names;
     const QJsonArray array = QJsonDocument::fromJson(QByteArray::fromStdString(*stored)).array();
-    for (const QJsonValue& value : array) {
+    for (const auto& value : array) {
         const QColor color(value.toString());
         if (color.isValid() && color.alpha() == 255 && !names.contains(color.name()))
             names.append(color.name());

@@ -46,7 +46,7 @@ bool LivePicture::draw(QSize size, const std::vector<raster::Layer>& layers) {
             held.get());
         if (m_view.isNull())
             return false;
-        held.release();
+        static_cast<void>(held.release()); // the picture has it now
         m_pixels = std::move(pixels);
     }
     try {

@@ -363,7 +363,8 @@ struct Compositor::Shapes {
 
 Compositor::Compositor(int width, int height, std::vector<Layer> layers)
     : m_width(width), m_height(height), m_layers(std::move(layers)),
-      m_shapes(std::make_unique<Shapes>(shapesOf(m_layers, height), bestGrid(m_layers, width, height))) {}
+      m_shapes(
+          std::make_unique<Shapes>(Shapes{shapesOf(m_layers, height), bestGrid(m_layers, width, height)})) {}
 
 Compositor::~Compositor() = default;
 

@@ -59,7 +59,8 @@ bool FootprintSampler::isUneven(const TileRect& block) const {
     double narrow = 1e12;
     double wide = 1;
     for (int i = 0; i < 4; ++i) {
-        const Vec2 corner{double(block.x + i % 2 * block.width), double(block.y + i / 2 * block.height)};
+        const int row = i / 2;
+        const Vec2 corner{double(block.x + i % 2 * block.width), double(block.y + row * block.height)};
         const double depth = m_toSource.depth(corner);
         const double side = depth > 0 ? ellipse(m_toSource, m_toSource.map(corner), depth).longest() : 1e6;
         narrow = std::min(narrow, std::max(side, 1.0));
@@ -73,7 +74,8 @@ std::optional<FootprintSampler::Corners> FootprintSampler::shearedCorners(const 
     const Homography& g = m_toSource;
     Corners corners;
     for (int i = 0; i < 4; ++i) {
-        const Vec2 corner{double(block.x + i % 2 * block.width), double(block.y + i / 2 * block.height)};
+        const int row = i / 2;
+        const Vec2 corner{double(block.x + i % 2 * block.width), double(block.y + row * block.height)};
         const double depth = g.depth(corner);
         const Vec2 source = g.map(corner);
         // What a step to the right and one down are in the picture.
@@ -152,8 +154,10 @@ FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
         return *sheared;
     Plan plan;
     Corners corners;
-    for (int i = 0; i < 4; ++i)
-        corners[std::size_t(i)] = ellipseAt(block.x + i % 2 * block.width, block.y + i / 2 * block.height);
+    for (int i = 0; i < 4; ++i) {
+        const int row = i / 2;
+        corners[std::size_t(i)] = ellipseAt(block.x + i % 2 * block.width, block.y + row * block.height);
+    }
     // What readings along a line answer for, the widths along the axes need not: as much as everywhere in the
     // block.
     Ellipse aslant{1, 0, 1};

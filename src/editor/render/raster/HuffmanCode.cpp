@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <compare>
 #include <cstddef>
 
 namespace framora::raster {
@@ -19,7 +18,7 @@ public:
         : m_key(std::uint64_t(frequency) << 16 | (0xffff - symbol)) {}
     std::uint32_t frequency() const { return std::uint32_t(m_key >> 16); }
     std::size_t symbol() const { return 0xffff - (m_key & 0xffff); }
-    friend auto operator<=>(const Leaf&, const Leaf&) = default;
+    friend bool operator<(const Leaf& a, const Leaf& b) { return a.m_key < b.m_key; }
 
 private:
     std::uint64_t m_key;
@@ -80,7 +79,7 @@ void chooseCodeLengths(std::span<const std::uint32_t> frequencies, int limit,
         if (frequencies[i] == 0)
             storage[used++] = Leaf(1, i);
     const std::span<Leaf> leaves(storage.data(), used);
-    std::ranges::sort(leaves);
+    std::sort(leaves.begin(), leaves.end());
     std::array<int, maximumLength + 1> counts = countDepths(leaves, limit);
     fitDepths(counts, limit);
     std::ranges::fill(lengths, std::uint8_t(0));
