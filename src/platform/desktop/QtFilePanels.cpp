@@ -69,6 +69,8 @@ QString pictureFilter(const QStringList& mimeTypes) {
 std::optional<QUrl> run(QFileDialog& dialog) {
     const QPointer<QWindow> owner = QGuiApplication::focusWindow();
     dialog.setWindowModality(Qt::ApplicationModal);
+    // Other places have no path to read or write at.
+    dialog.setSupportedSchemes({QStringLiteral("file")});
     dialog.winId(); // A native window, so that it can be tied to its owner before it is shown.
     if (owner)
         dialog.windowHandle()->setTransientParent(owner);

@@ -112,6 +112,10 @@ TEST_F(SavePngTest, aFileUnderTheTypedNameIsNotAskedAbout) {
               QStringLiteral("a.b.png"));
 }
 
+TEST_F(SavePngTest, onlyPlacesWithAPathAreOffered) {
+    answer([&] { EXPECT_EQ(dialog().supportedSchemes(), QStringList{QStringLiteral("file")}); });
+}
+
 TEST_F(SavePngTest, theNameOfAFolderOpensIt) {
     ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("c.d")));
     EXPECT_EQ(answer([&] {
