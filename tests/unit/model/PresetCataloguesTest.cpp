@@ -133,8 +133,10 @@ TEST(PresetCatalogues, TwoReadsGiveTheSameEntriesFromAnyThread) {
     }
     for (const auto& list : seen)
         EXPECT_EQ(list, socialMediaPresets());
-    EXPECT_EQ(&magicPresets(), &magicPresets());
-    EXPECT_EQ(&simpleGradientPresets(), &simpleGradientPresets());
+    const QList<MagicPreset> magic = magicPresets();
+    EXPECT_EQ(magic, magicPresets());
+    const QList<SimpleGradientPreset> gradients = simpleGradientPresets();
+    EXPECT_EQ(gradients, simpleGradientPresets());
 }
 
 } // namespace
