@@ -4,6 +4,9 @@
 #include "editor/render/raster/Dither.h"
 #include "editor/render/raster/MixKernels.h"
 
+#include <algorithm>
+#include <cstring>
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "editor/render/raster/SceneKernels.cpp"
 #include <hwy/foreach_target.h>
@@ -14,11 +17,12 @@ namespace framora::raster::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
 
 // No vectors: the plain kernels.
-void paintSceneRow(const SceneRow& row, std::size_t count, MixPixel* out) {
-    plain::paintScene(row, count, out);
+void paintSceneRow(const SceneRow& row, std::int16_t opacity, std::size_t count, MixPixel* out) {
+    plain::paintScene(row, opacity, count, out);
 }
-void overlaySceneRow(const SceneRow& row, std::size_t count, MixPixel* under) {
-    plain::overlayScene(row, count, under);
+void overlaySceneRows(const SceneRow* rows, int height, std::int16_t opacity, std::size_t width,
+                      MixPixel* under, std::ptrdiff_t stride) {
+    plain::overlayScene(rows, height, opacity, width, under, stride);
 }
 
 #else
@@ -56,13 +60,11 @@ HWY_INLINE Vector loadEach(const std::int16_t* from) {
     return hn::BitCast(lanes, hn::TableLookupBytes(all, hn::Load(bytes, twoOf)));
 }
 
-/// The scene in the form of SceneRow::tint, from pixel i on.
-HWY_INLINE Vector lift(const SceneRow& row, std::size_t i, Vector dither) {
-    const Vector stripes = loadEach(row.stripes + i);
-    const Vector white = hn::MulFixedPoint15(stripes, hn::Set(lanes, row.opacity));
+/// The scene in the form of SceneRow::tint, where the stripes cover so much.
+HWY_INLINE Vector lift(Vector tint, Vector dither, Vector stripes, Vector opacity) {
+    const Vector white = hn::MulFixedPoint15(stripes, opacity);
     const Vector through = hn::Sub(hn::Set(lanes, coverageOne), stripes);
-    const Vector dithered = hn::SaturatedAdd(load(row.tint + i), dither);
-    return hn::SaturatedAdd(white, hn::MulFixedPoint15(dithered, through));
+    return hn::SaturatedAdd(white, hn::MulFixedPoint15(hn::SaturatedAdd(tint, dither), through));
 }
 
 /// The colours that make up the lift.
@@ -89,52 +91,80 @@ HWY_INLINE Vector overlaidOpaque(Vector under, Vector lifted) {
     return hn::Add(under, hn::MulFixedPoint15(lifted, room));
 }
 
-/// Whether all pixels are opaque of which these are the common bits.
-HWY_INLINE bool areOpaque(Vector common) {
+HWY_INLINE bool areOpaque(Vector pixels) {
     const hn::Repartition<std::uint64_t, Lanes> words;
     const auto colorLanes = hn::BitCast(lanes, hn::Set(words, 0x0000ffffffffffffu));
     const auto opaque = hn::BitCast(lanes, hn::Set(words, std::uint64_t(mixOne) << 48 | 0x0000ffffffffffffu));
-    return hn::AllTrue(lanes, hn::Eq(hn::Or(common, colorLanes), opaque));
+    return hn::AllTrue(lanes, hn::Eq(hn::Or(pixels, colorLanes), opaque));
 }
 
 constexpr std::size_t vectorPixels = HWY_MAX_BYTES / sizeof(MixPixel);
-constexpr int vectorsInPeriod = int(Dither::period / vectorPixels);
-static_assert(vectorsInPeriod * vectorPixels == Dither::period);
+constexpr std::size_t strip = SceneRow::strip;
+static_assert(strip % vectorPixels == 0 && strip == Dither::period);
 
-// The row by value: nothing that is written could be a part of it.
-void paintSceneRow(const SceneRow& told, std::size_t count, MixPixel* out) {
-    const SceneRow row = told;
+void paintSceneRow(const SceneRow& told, std::int16_t opacity, std::size_t count, MixPixel* out) {
+    const SceneRow row = told; // by value: nothing that is written could be a part of it
     std::size_t i = 0;
     for (; i + vectorPixels <= count; i += vectorPixels)
-        store(painted(lift(row, i, load(row.dither + i % Dither::period))), out + i);
-    const SceneRow rest{row.tint + i, row.stripes + i, row.opacity, row.dither + i % Dither::period};
-    plain::paintScene(rest, count - i, out + i);
+        store(painted(lift(load(row.tint + i), load(row.dither + i % strip), loadEach(row.stripes + i),
+                           hn::Set(lanes, opacity))),
+              out + i);
+    const SceneRow rest{row.tint + i, row.stripes + i, row.dither + i % strip};
+    plain::paintScene(rest, opacity, count - i, out + i);
 }
 
-void overlaySceneRow(const SceneRow& told, std::size_t count, MixPixel* under) {
-    const SceneRow row = told;
-    constexpr int vectors = 2 * vectorsInPeriod;
-    constexpr std::size_t block = vectors * vectorPixels;
-    std::size_t i = 0;
-    for (; i + block <= count; i += block) {
-        Vector pixels[vectors];
-        Vector common = pixels[0] = load(under + i);
-        for (int v = 1; v < vectors; ++v) {
-            pixels[v] = load(under + i + std::size_t(v) * vectorPixels);
-            common = hn::And(common, pixels[v]);
-        }
-        const bool isOpaque = areOpaque(common);
-        for (int v = 0; v < vectors; ++v) {
-            const std::size_t at = i + std::size_t(v) * vectorPixels;
-            const Vector dither = load(row.dither + std::size_t(v % vectorsInPeriod) * vectorPixels);
-            const Vector lifted = lift(row, at, dither);
-            store(isOpaque ? overlaidOpaque(pixels[v], lifted) : overlaid(pixels[v], lifted), under + at);
+/// Mixes a strip from column x on, from top to bottom. Mostly there is either nothing of the stripes or
+/// nothing else for many rows, and then less is to be done for the same bytes.
+HWY_INLINE void overlayStrip(const SceneRow* rows, int height, std::int16_t opacity, std::size_t x,
+                             MixPixel* under, std::ptrdiff_t stride) {
+    const auto overlay = [](MixPixel* to, Vector lifted) HWY_ATTR {
+        const Vector pixels = load(to);
+        store(HWY_LIKELY(areOpaque(pixels)) ? overlaidOpaque(pixels, lifted) : overlaid(pixels, lifted), to);
+    };
+    const Vector share = hn::Set(lanes, opacity);
+    const Vector whole = hn::Set(lanes, coverageOne);
+    const Vector white = hn::MulFixedPoint15(whole, share);
+    for (int y = 0; y < height;) {
+        const SceneRow& first = rows[y];
+        const int end = std::min(height, y + int(first.alike[x]));
+        if (end == y) {
+            for (std::size_t i = 0; i < strip; i += vectorPixels)
+                overlay(under + i, lift(load(first.tint + x + i), load(first.dither + i),
+                                        loadEach(first.stripes + x + i), share));
+            ++y;
+            under += stride;
+        } else if (first.stripes[x] != 0) {
+            for (; y < end; ++y, under += stride)
+                for (std::size_t i = 0; i < strip; i += vectorPixels)
+                    overlay(under + i, white);
+        } else {
+            for (; y < end; ++y, under += stride)
+                for (std::size_t i = 0; i < strip; i += vectorPixels) {
+                    const Vector tint =
+                        hn::SaturatedAdd(load(rows[y].tint + x + i), load(rows[y].dither + i));
+                    overlay(under + i, hn::MulFixedPoint15(tint, whole));
+                }
         }
     }
-    for (; i + vectorPixels <= count; i += vectorPixels)
-        store(overlaid(load(under + i), lift(row, i, load(row.dither + i % Dither::period))), under + i);
-    const SceneRow rest{row.tint + i, row.stripes + i, row.opacity, row.dither + i % Dither::period};
-    plain::overlayScene(rest, count - i, under + i);
+}
+
+void overlaySceneRows(const SceneRow* rows, int height, std::int16_t opacity, std::size_t width,
+                      MixPixel* under, std::ptrdiff_t stride) {
+    std::size_t x = 0;
+    for (; x + strip <= width; x += strip)
+        overlayStrip(rows, height, opacity, x, under + x, stride);
+    const std::size_t rest = width - x;
+    constexpr std::uint8_t unknown[1] = {};
+    for (int y = 0; rest > 0 && y < height; ++y) {
+        MixPixel tint[strip] = {};
+        MixPixel pixels[strip] = {};
+        MixPixel* to = under + y * stride + x;
+        std::memcpy(tint, rows[y].tint + x, rest * sizeof *tint);
+        std::memcpy(pixels, to, rest * sizeof *pixels);
+        const SceneRow row{tint, rows[y].stripes + x, rows[y].dither, unknown};
+        overlayStrip(&row, 1, opacity, 0, pixels, 0);
+        std::memcpy(to, pixels, rest * sizeof *pixels);
+    }
 }
 
 #endif
@@ -146,14 +176,16 @@ HWY_AFTER_NAMESPACE();
 namespace framora::raster {
 
 HWY_EXPORT(paintSceneRow);
-HWY_EXPORT(overlaySceneRow);
+HWY_EXPORT(overlaySceneRows);
 
-void paintScene(const SceneRow& row, std::size_t count, MixPixel* out) {
-    HWY_DYNAMIC_DISPATCH(paintSceneRow)(row, count, out);
+void paintScene(const SceneRow& row, std::int16_t opacity, std::size_t count, MixPixel* out) {
+    HWY_DYNAMIC_DISPATCH(paintSceneRow)(row, opacity, count, out);
 }
 
-void overlayScene(const SceneRow& row, std::size_t count, MixPixel* under) {
-    HWY_DYNAMIC_DISPATCH(overlaySceneRow)(row, count, under);
+void overlayScene(const SceneRow* rows, int height, std::int16_t opacity, std::size_t width, MixPixel* under,
+                  std::ptrdiff_t stride) {
+    HWY_DYNAMIC_DISPATCH(overlaySceneRows)
+    (rows, height, opacity, width, under, stride);
 }
 
 } // namespace framora::raster

@@ -4,30 +4,36 @@
 
 namespace framora::raster {
 
-/// The pixels of a row in a shadow scene: white stripes over a tint. Each function has a plain twin in
-/// `plain`, which gives the same bytes.
+/// The pixels of a shadow scene: white stripes over a tint. Each function has a plain twin in `plain`, which
+/// gives the same bytes.
 
-/// What the pixels are made of, from the first one on, in 32767ths.
+/// What the pixels of a row are made of, from the first one on, in 32767ths.
 struct SceneRow {
     /// Of the tint twice the premultiplied colour less its alpha; the alpha itself stays what it is. That is
     /// what the overlay mode adds to a colour, for each unit that it is away from black or white.
     const MixPixel* tint;
     /// How much of each pixel the stripes cover. stripesSlack more are readable behind the last one.
     const std::int16_t* stripes;
-    std::int16_t opacity;   ///< Of the stripes; the tint's is in its colours.
     const MixPixel* dither; ///< What is added to the tint; Dither::period entries.
+    /// For the `strip` pixels from each one on, in how many rows, from this one on downwards, they have all
+    /// the same of the stripes: nothing or nothing else. 0 where they have some of both. Only for
+    /// overlayScene().
+    const std::uint8_t* alike = nullptr;
 
-    static constexpr std::size_t stripesSlack = 8;
+    static constexpr std::size_t strip = 8;
+    static constexpr std::size_t stripesSlack = strip;
 };
 
-/// The colours of the scene.
-void paintScene(const SceneRow& row, std::size_t count, MixPixel* out);
-/// The same mixed onto `under` in overlay mode.
-void overlayScene(const SceneRow& row, std::size_t count, MixPixel* under);
+/// The colours of the scene. `opacity` is that of the stripes, in 32767ths; the tint's is in its colours.
+void paintScene(const SceneRow& row, std::int16_t opacity, std::size_t count, MixPixel* out);
+/// The same mixed in overlay mode onto so many rows, which are `stride` pixels apart.
+void overlayScene(const SceneRow* rows, int height, std::int16_t opacity, std::size_t width, MixPixel* under,
+                  std::ptrdiff_t stride);
 
 namespace plain {
-void paintScene(const SceneRow& row, std::size_t count, MixPixel* out);
-void overlayScene(const SceneRow& row, std::size_t count, MixPixel* under);
+void paintScene(const SceneRow& row, std::int16_t opacity, std::size_t count, MixPixel* out);
+void overlayScene(const SceneRow* rows, int height, std::int16_t opacity, std::size_t width, MixPixel* under,
+                  std::ptrdiff_t stride);
 } // namespace plain
 
 } // namespace framora::raster

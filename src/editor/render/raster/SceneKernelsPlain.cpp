@@ -7,9 +7,9 @@ namespace framora::raster::plain {
 namespace {
 
 /// The scene in the form of SceneRow::tint.
-MixPixel lift(const SceneRow& row, std::size_t i) {
+MixPixel lift(const SceneRow& row, std::int16_t opacity, std::size_t i) {
     const MixPixel& offset = row.dither[i % Dither::period];
-    const std::int16_t white = mulFixed(row.stripes[i], row.opacity);
+    const std::int16_t white = mulFixed(row.stripes[i], opacity);
     const auto through = std::int16_t(coverageOne - row.stripes[i]);
     MixPixel lifted;
     for (int c = 0; c < 4; ++c) {
@@ -29,19 +29,9 @@ std::int16_t painted(std::int16_t lifted, std::int16_t alpha) {
     return std::int16_t(color - (color >> 8));
 }
 
-} // namespace
-
-void paintScene(const SceneRow& row, std::size_t count, MixPixel* out) {
+void overlayRow(const SceneRow& row, std::int16_t opacity, std::size_t count, MixPixel* under) {
     for (std::size_t i = 0; i < count; ++i) {
-        const MixPixel lifted = lift(row, i);
-        for (int c = 0; c < 4; ++c)
-            out[i].channel[c] = painted(lifted.channel[c], lifted.channel[3]);
-    }
-}
-
-void overlayScene(const SceneRow& row, std::size_t count, MixPixel* under) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const MixPixel lifted = lift(row, i);
+        const MixPixel lifted = lift(row, opacity, i);
         MixPixel& pixel = under[i];
         const std::int16_t alpha = pixel.channel[3];
         const std::int16_t rest = toFactor(std::int16_t(mixOne - alpha));
@@ -54,6 +44,22 @@ void overlayScene(const SceneRow& row, std::size_t count, MixPixel* under) {
         for (int c = 0; c < 4; ++c)
             pixel.channel[c] = clamped(mixed[c], mixed[3]);
     }
+}
+
+} // namespace
+
+void paintScene(const SceneRow& row, std::int16_t opacity, std::size_t count, MixPixel* out) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const MixPixel lifted = lift(row, opacity, i);
+        for (int c = 0; c < 4; ++c)
+            out[i].channel[c] = painted(lifted.channel[c], lifted.channel[3]);
+    }
+}
+
+void overlayScene(const SceneRow* rows, int height, std::int16_t opacity, std::size_t width, MixPixel* under,
+                  std::ptrdiff_t stride) {
+    for (int y = 0; y < height; ++y, under += stride)
+        overlayRow(rows[y], opacity, width, under);
 }
 
 } // namespace framora::raster::plain

@@ -2,7 +2,6 @@
 
 #include "editor/render/raster/Dither.h"
 #include "editor/render/raster/MixKernels.h"
-#include "editor/render/raster/SceneKernels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -41,6 +40,7 @@ ScenePaint::ScenePaint(Look look, double width, double height, const Homography&
     for (int diagonal = m_firstDiagonal; diagonal < outputWidth; ++diagonal)
         m_stripes.push_back(toShare(coverage(diagonal)));
     m_stripes.resize(m_stripes.size() + SceneRow::stripesSlack);
+    makeAlike();
     makeDither(look.tint);
     if (look.tint.empty())
         return;
@@ -60,6 +60,23 @@ ScenePaint::ScenePaint(Look look, double width, double height, const Homography&
     for (int y = 0; y < outputHeight; ++y) {
         const int shift = int(y * m_shift * phases + 0.5);
         m_rowStarts.push_back(shift % phases * count + shift / phases);
+    }
+}
+
+/// The row below has the diagonal before.
+void ScenePaint::makeAlike() {
+    constexpr auto strip = std::ptrdiff_t(SceneRow::strip);
+    const std::ptrdiff_t count = std::ssize(m_stripes);
+    m_alike.assign(m_stripes.size(), 0);
+    std::ptrdiff_t run = 0; // so many diagonals up to here have the same
+    for (std::ptrdiff_t i = 0, end = 0; i < count; ++i) {
+        const std::int16_t here = m_stripes[std::size_t(i)];
+        for (end = std::max(end, i); end < count && m_stripes[std::size_t(end)] == here;)
+            ++end;
+        const bool isAlike = end - i >= strip && (here == 0 || here == coverageOne);
+        const bool goesOn = run > 0 && m_stripes[std::size_t(i - 1)] == here;
+        run = isAlike ? (goesOn ? run + 1 : 1) : 0;
+        m_alike[std::size_t(i)] = std::uint8_t(std::min<std::ptrdiff_t>(run, 255));
     }
 }
 
@@ -97,9 +114,10 @@ double ScenePaint::coverage(int diagonal) const {
     const double middle = m_start + diagonal * m_pixel;
     const double reach = halfWidth + m_pixel;
     double covered = 0;
-    const double last = std::floor((middle + reach) / pitch);
-    for (double stripe = std::max(0.0, std::ceil((middle - reach) / pitch)); stripe <= last; ++stripe) {
-        const double distance = stripe * pitch - middle;
+    const double first = std::max(0.0, std::ceil((middle - reach) / pitch));
+    const int stripes = int(std::floor((middle + reach) / pitch) - first) + 1;
+    for (int i = 0; i < stripes; ++i) {
+        const double distance = (first + i) * pitch - middle;
         covered += areaBelow((distance + halfWidth) / m_pixel) - areaBelow((distance - halfWidth) / m_pixel);
     }
     return covered;
@@ -116,36 +134,39 @@ void ScenePaint::shade(int x, int y, int count, Float4* out) const {
     }
 }
 
-template <typename Draw> void ScenePaint::forEachRow(const TileRect& tile, const Draw& draw) const {
+const std::vector<SceneRow>& ScenePaint::rowsOf(const TileRect& tile) const {
+    thread_local std::vector<SceneRow> rows;
     thread_local std::vector<MixPixel> told;
+    rows.clear();
     if (m_tint.empty())
-        told.assign(std::size_t(tile.width), MixPixel{});
+        told.assign(m_gradient ? tile.area() : std::size_t(tile.width), MixPixel{});
     for (int y = tile.y; y < tile.y + tile.height; ++y) {
         const MixPixel* tint = told.data();
-        if (!m_tint.empty())
+        if (!m_tint.empty()) {
             tint = m_tint.data() + m_rowStarts[std::size_t(y)] + tile.x;
-        else if (m_gradient)
+        } else if (m_gradient) {
+            MixPixel* row = told.data() + std::ptrdiff_t(y - tile.y) * tile.width;
             for (int x = 0; x < tile.width; ++x)
-                told[std::size_t(x)] = tintAt(tile.x + x + y * m_shift);
+                row[x] = tintAt(tile.x + x + y * m_shift);
+            tint = row;
+        }
         const int diagonal = tile.x - y - m_firstDiagonal;
         const MixPixel* dither =
             m_dither.data() + y % Dither::period * 2 * Dither::period + tile.x % Dither::period;
-        draw(SceneRow{tint, m_stripes.data() + diagonal, m_white, dither});
+        rows.push_back({tint, m_stripes.data() + diagonal, dither, m_alike.data() + diagonal});
     }
+    return rows;
 }
 
 void ScenePaint::mix(const TileRect& tile, MixPixel* out) const {
-    forEachRow(tile, [&](const SceneRow& row) {
-        paintScene(row, std::size_t(tile.width), out);
+    for (const SceneRow& row : rowsOf(tile)) {
+        paintScene(row, m_white, std::size_t(tile.width), out);
         out += tile.width;
-    });
+    }
 }
 
 bool ScenePaint::overlay(const TileRect& tile, MixPixel* under, std::ptrdiff_t stride) const {
-    forEachRow(tile, [&](const SceneRow& row) {
-        overlayScene(row, std::size_t(tile.width), under);
-        under += stride;
-    });
+    overlayScene(rowsOf(tile).data(), tile.height, m_white, std::size_t(tile.width), under, stride);
     return true;
 }
 

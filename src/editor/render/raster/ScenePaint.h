@@ -3,6 +3,7 @@
 #include "editor/render/raster/GradientPaint.h"
 #include "editor/render/raster/Homography.h"
 #include "editor/render/raster/Paint.h"
+#include "editor/render/raster/SceneKernels.h"
 
 #include <optional>
 #include <vector>
@@ -33,11 +34,12 @@ public:
 private:
     /// What the stripes cover of the pixels on one falling diagonal: those with the same x - y.
     double coverage(int diagonal) const;
+    void makeAlike();
     void makeDither(const std::vector<Float4>& colors);
     /// The tint in the output's first row, `x` pixels to the right of its first pixel, as in a SceneRow.
     MixPixel tintAt(double x) const;
-    /// Calls draw(row, y) for every row of a tile; the row is a SceneRow.
-    template <typename Draw> void forEachRow(const TileRect& tile, const Draw& draw) const;
+    /// The rows of a tile, in memory of this thread's that the next call uses again.
+    const std::vector<SceneRow>& rowsOf(const TileRect& tile) const;
 
     double m_opacity;
     std::int16_t m_white; ///< The same in 32767ths.
@@ -48,6 +50,7 @@ private:
         m_start; ///< How far right of the bottom left corner's stripe the diagonal 0 runs, in points along x.
     int m_firstDiagonal;
     std::vector<std::int16_t> m_stripes; ///< By the diagonal.
+    std::vector<std::uint8_t> m_alike;   ///< As in a SceneRow, by the diagonal of a strip's first pixel.
     /// A row is the one above, shifted by so many pixels.
     double m_shift;
     /// The output's first row, and all that is shifted into the others: once for each part of a pixel that is
