@@ -87,6 +87,14 @@ Placement moved(const Placement& placement, double x, double y) {
     return result;
 }
 
+/// How far below the edge of what hides a card's middle, `frame` points inside its own, the glass sees. In
+/// the corners that edge may lie a little nearer to the card's.
+double reachBelow(const GlassPaint::Look& look, double frame) {
+    const double nearest = 0.9 * frame;
+    const double steep = look.rim > 0 ? std::max(1 - nearest / look.rim, 0.0) : 0;
+    return std::max({look.bend - nearest, look.bend * steep * steep, 0.0});
+}
+
 /// The bevel of a polished card whose frame is `frame` points wide.
 GlassPaint::Look polished(double frame, double veil) {
     GlassPaint::Look look;
@@ -126,8 +134,9 @@ void GlassEffectModifier::append(std::vector<Layer>& layers, const Card& card, Q
     constexpr double farthest = 1 << 20;
     const Scale scale = pixelsPerPoint(shape, card.placement.toOutput);
     const double deviation = std::clamp(made.blurRadius * scale.middle, leastDeviation, largestDeviation);
-    const auto backdrop = GlassBackdrop::make(layers, *window, deviation,
-                                              int(std::min(std::ceil(look.bend * scale.most), farthest)));
+    const double reach = (card.hidden ? reachBelow(look, frame) : look.bend) * scale.most;
+    const auto backdrop =
+        GlassBackdrop::make(layers, *window, deviation, int(std::min(std::ceil(reach), farthest)));
 
     const Placement dropped = moved(card.placement, 0, shadowOffset);
     const double margin = 2 * raster::ShadowPaint::reach * shadowRadius;

@@ -219,6 +219,28 @@ TEST(GlassMockup, HasTheSameBytesWithAnyNumberOfThreads) {
     raster::setParallelThreadLimit(0);
 }
 
+TEST(GlassMockup, KnowsWhatLiesBehindEverywhereInItsFrame) {
+    constexpr int darkest = 185; // white under the shadow, or where the rim is shaded
+    ScreenshotStyleConfig config = solidStyle(1);
+    for (const double size : {1.0, 2.0, 3.0, 6.0, 12.0})
+        for (const double radius : {0.0, 12.0, 60.0})
+            for (const double tilt : {0.0, 35.0})
+                for (const double scale : {0.5, 2.0}) {
+                    SCOPED_TRACE(testing::Message()
+                                 << size << ", " << radius << ", " << tilt << ", " << scale);
+                    config.mockupBorderSize = size;
+                    config.borderRadius = radius;
+                    config.rotation = tilt / 2;
+                    config.rotationX = tilt;
+                    const QImage image = drawn(config, scale, flatPicture(200, 120, Qt::white));
+                    int least = 255;
+                    for (int y = 0; y < image.height(); ++y)
+                        for (int x = 0; x < image.width(); ++x)
+                            least = std::min(least, qRed(image.pixel(x, y)));
+                    ASSERT_GE(least, darkest);
+                }
+}
+
 TEST(GlassMockup, IsAPictureAtEverySize) {
     for (const double border : {0.0, 0.01, 1.0, 300.0, 2000.0})
         for (const double tilt : {0.0, 60.0, 89.9})

@@ -4,6 +4,7 @@
 #include "editor/render/raster/ParallelFor.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <type_traits>
 
@@ -48,9 +49,8 @@ std::shared_ptr<const GlassBackdrop> GlassBackdrop::make(const std::vector<Layer
     const std::shared_ptr<GlassBackdrop> backdrop(new GlassBackdrop(window.width(), window.height(), cell));
     const int around = (gaussianRadius(remaining) + 2) * cell;
     backdrop->m_known = backdrop->findBlocks(window, around, around + reach);
-    backdrop->m_read = backdrop->findBlocks(window, cell, cell + reach);
     const Cells cells = allocated(std::size_t(backdrop->m_known.count) * side * side);
-    backdrop->m_blurred = allocated(std::size_t(backdrop->m_read.count) * readSide * readSide);
+    backdrop->m_blurred = allocated(backdrop->findRuns(backdrop->findBlocks(window, cell, cell + reach)));
     if (!cells || !backdrop->m_blurred)
         return nullptr;
     composeTiles(
@@ -73,14 +73,56 @@ GlassBackdrop::Blocks GlassBackdrop::findBlocks(const GlassWindow& window, int o
     return blocks;
 }
 
+std::size_t GlassBackdrop::findRuns(const Blocks& blocks) {
+    m_runs.assign(blocks.slots.size(), {});
+    std::ptrdiff_t count = 0;
+    for (int y = 0; y < m_blocksDown; ++y)
+        for (int x = 0, end = 0; x < m_blocksAcross; x = end + 1) {
+            for (end = x; end < m_blocksAcross && slotAt(blocks, end, y) >= 0;)
+                ++end;
+            const int width = (end - x) * side + 1;
+            Run* runs = m_runs.data() + std::size_t(y) * std::size_t(m_blocksAcross);
+            for (int block = x; block < end; ++block)
+                runs[block] = {count + std::ptrdiff_t(block - x) * side, width};
+            if (end > x)
+                count += std::ptrdiff_t(width) * runHeight;
+        }
+    return std::size_t(count);
+}
+
 bool GlassBackdrop::hasBlock(const TileRect& pixels) const {
-    const int block = side * m_cell;
-    for (int y = pixels.y / block; y <= (pixels.y + pixels.height - 1) / block; ++y)
-        for (int x = pixels.x / block; x <= (pixels.x + pixels.width - 1) / block; ++x)
+    const int shift = std::countr_zero(unsigned(side * m_cell));
+    for (int y = pixels.y >> shift; y <= (pixels.y + pixels.height - 1) >> shift; ++y)
+        for (int x = pixels.x >> shift; x <= (pixels.x + pixels.width - 1) >> shift; ++x)
             if (slotAt(m_known, x, y) >= 0)
                 return true;
     return false;
 }
+
+namespace {
+
+/// The mean of two by two pixels, as reduceRow() gives it.
+MixPixel meanOfFour(const MixPixel* upper, const MixPixel* lower) {
+    using Short8 = std::int16_t __attribute__((vector_size(16)));
+    using Short4 = std::int16_t __attribute__((vector_size(8)));
+    using Int4 = std::int32_t __attribute__((vector_size(16)));
+    Short8 rows[2];
+    std::memcpy(&rows[0], upper, sizeof rows[0]);
+    std::memcpy(&rows[1], lower, sizeof rows[1]);
+    Int4 sum = Int4{} + 2;
+    for (const Short8 row : rows) {
+        // Each in the upper half of a word, which the shift spreads its sign over.
+        sum += reinterpret_cast<Int4>(__builtin_shufflevector(Short8{}, row, 0, 8, 1, 9, 2, 10, 3, 11)) >> 16;
+        sum +=
+            reinterpret_cast<Int4>(__builtin_shufflevector(Short8{}, row, 0, 12, 1, 13, 2, 14, 3, 15)) >> 16;
+    }
+    const Short4 mean = __builtin_convertvector(sum >> 2, Short4);
+    MixPixel out;
+    std::memcpy(out.channel, &mean, sizeof mean);
+    return out;
+}
+
+} // namespace
 
 template <int cellSize>
 void GlassBackdrop::reduceRow(const TileRect& tile, const MixPixel* pixels, int row, int rows,
@@ -94,14 +136,26 @@ void GlassBackdrop::reduceRow(const TileRect& tile, const MixPixel* pixels, int 
         return MixPixel{{std::int16_t(rounded[0]), std::int16_t(rounded[1]), std::int16_t(rounded[2]),
                          std::int16_t(rounded[3])}};
     };
-    for (int x = 0; x < tile.width; x += cellSize) {
+    for (int x = 0; x < tile.width;) {
+        // As far as the block goes.
         const int column = (tile.x + x) / cellSize;
+        const int end = std::min(tile.width, (column / side + 1) * side * cellSize - tile.x);
         const int slot = slotAt(m_known, column / side, row / side);
-        if (slot < 0)
+        if (slot < 0) {
+            x = end;
             continue;
-        MixPixel& out =
-            cells[std::size_t(slot) * side * side + std::size_t(row % side * side + column % side)];
-        out = x + cellSize <= tile.width ? mean(pixels + x, cellSize) : mean(pixels + x, tile.width - x);
+        }
+        MixPixel* out =
+            cells + std::size_t(slot) * side * side + std::size_t(row % side * side + column % side);
+        if (cellSize == 2 && rows == 2)
+            for (; x + 2 <= end; x += 2)
+                *out++ = meanOfFour(pixels + x, pixels + x + tile.width);
+        else
+            for (; x + cellSize <= end; x += cellSize)
+                *out++ = mean(pixels + x, cellSize);
+        if (x < end)
+            *out = mean(pixels + x, end - x);
+        x = end;
     }
 }
 
@@ -152,23 +206,24 @@ void GlassBackdrop::blur(const MixPixel* cells, double deviation) {
         weights[std::size_t(i + radius)] = half[std::size_t(std::abs(i))];
     const BlurTaps taps({0}, {weights}, BlurTaps::mixShift);
     const BlurTaps::Taps kernel = taps.taps(0);
-    const std::size_t width = readSide + std::size_t(2 * radius) + 1;
     parallelFor(m_blocksDown, [&](int blockY) {
-        thread_local std::vector<MixPixel> padded; // a block with what lies around it
+        thread_local std::vector<MixPixel> padded; // a run with what lies around it
         thread_local std::vector<MixPixel> lowered;
         thread_local std::vector<const MixPixel*> rows;
-        padded.resize(width * (readSide + std::size_t(2 * radius)));
-        lowered.resize(width);
+        const Run* runs = m_runs.data() + std::size_t(blockY) * std::size_t(m_blocksAcross);
         for (int blockX = 0; blockX < m_blocksAcross; ++blockX) {
-            const int slot = slotAt(m_read, blockX, blockY);
-            if (slot < 0)
+            const auto [start, runWidth] = runs[blockX];
+            if (runWidth == 0)
                 continue;
+            const std::size_t width = std::size_t(runWidth) + std::size_t(2 * radius) + 1;
+            padded.resize(width * std::size_t(runHeight + 2 * radius));
+            lowered.resize(width);
             MixPixel* to = padded.data();
-            for (int y = -radius; y < int(readSide) + radius; ++y, to += width)
+            for (int y = -radius; y < runHeight + radius; ++y, to += width)
                 copyCells(cells, std::clamp(blockY * side + y, 0, m_height - 1), blockX * side - radius,
                           int(width), to);
-            MixPixel* out = m_blurred.get() + std::size_t(slot) * readSide * readSide;
-            for (std::size_t y = 0; y < readSide; ++y, out += readSide) {
+            MixPixel* out = m_blurred.get() + start;
+            for (std::size_t y = 0; y < runHeight; ++y, out += runWidth) {
                 rows.clear();
                 // There is an even number of taps; the last one may weigh nothing.
                 for (int tap = 0; tap < kernel.count; ++tap)
@@ -177,8 +232,9 @@ void GlassBackdrop::blur(const MixPixel* cells, double deviation) {
                 rows.clear();
                 for (int tap = 0; tap < kernel.count; ++tap)
                     rows.push_back(lowered.data() + tap);
-                sumRows(rows.data(), kernel.weights, kernel.count, taps.shift(), readSide, out);
+                sumRows(rows.data(), kernel.weights, kernel.count, taps.shift(), std::size_t(runWidth), out);
             }
+            blockX += runWidth / side - 1;
         }
     });
 }

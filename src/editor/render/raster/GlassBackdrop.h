@@ -15,32 +15,38 @@ namespace framora::raster {
 class GlassBackdrop {
 public:
     /// The `layers` under a Gaussian blur of `deviation` pixels, where they may be seen through `window` when
-    /// the glass reads up to `reach` pixels further inside than a pixel lies. Null when memory is short.
+    /// the glass reads up to `reach` pixels below what hides it. Null when memory is short.
     static std::shared_ptr<const GlassBackdrop> make(const std::vector<Layer>& layers,
                                                      const GlassWindow& window, double deviation, int reach);
 
+    /// A line of places in one row of the output, which share what is the same along it.
+    struct Line {
+        int row;      ///< The upper one of the two rows of cells.
+        Float4 below; ///< The share of the lower one.
+    };
+    Line line(double y) const {
+        const float top = place(y, m_lastY);
+        const int row = int(top);
+        return {row, splat(top - float(row))};
+    }
     /// The colour, 0...1, at a place in output pixels: from the four cells around it. Outside the output its
     /// edge repeats; where no block is, it is transparent.
-    Float4 at(double x, double y) const {
-        const float cellX = float(x * m_scale - 0.5);
-        const float cellY = float(y * m_scale - 0.5);
-        // Not a number counts as 0.
-        const float left = cellX > 0 ? (cellX < m_lastX ? cellX : m_lastX) : 0;
-        const float top = cellY > 0 ? (cellY < m_lastY ? cellY : m_lastY) : 0;
+    Float4 at(double x, const Line& line) const {
+        const float left = place(x, m_lastX);
         const int column = int(left);
-        const int row = int(top);
-        const int slot = slotAt(m_read, column / side, row / side);
-        if (slot < 0)
+        const Run& run =
+            m_runs[std::size_t(line.row / side) * std::size_t(m_blocksAcross) + std::size_t(column / side)];
+        if (run.width == 0)
             return splat(0);
-        const MixPixel* cells = m_blurred.get() + std::size_t(slot) * readSide * readSide +
-                                std::size_t(row % side) * readSide + std::size_t(column % side);
+        const MixPixel* cells =
+            m_blurred.get() + run.start + std::ptrdiff_t(line.row % side) * run.width + column % side;
         const Float4 across = splat(left - float(column));
-        const Float4 down = splat(top - float(row));
         const Float4 upper = toFloats(cells[0]) + (toFloats(cells[1]) - toFloats(cells[0])) * across;
-        cells += readSide;
+        cells += run.width;
         const Float4 lower = toFloats(cells[0]) + (toFloats(cells[1]) - toFloats(cells[0])) * across;
-        return (upper + (lower - upper) * down) * splat(1.0f / mixOne);
+        return (upper + (lower - upper) * line.below) * splat(1.0f / mixOne);
     }
+    Float4 at(double x, double y) const { return at(x, line(y)); }
 
 private:
     struct Free {
@@ -48,11 +54,15 @@ private:
     };
     using Cells = std::unique_ptr<MixPixel[], Free>;
 
-    static constexpr int side = 16; ///< Of a block, in cells.
-    /// A block that is read holds its right and its lower neighbours' first cells as well.
-    static constexpr std::size_t readSide = side + 1;
+    static constexpr int side = 8; ///< Of a block, in cells.
 
     GlassBackdrop(int width, int height, int cell);
+    /// Where a place lies, in cells from the middle of the first one.
+    float place(double pixels, float last) const {
+        const float cells = float(pixels * m_scale - 0.5);
+        // Not a number counts as 0.
+        return cells > 0 ? (cells < last ? cells : last) : 0;
+    }
     static Float4 toFloats(const MixPixel& pixel) {
         using Short8 = std::int16_t __attribute__((vector_size(16)));
         using Int4 = std::int32_t __attribute__((vector_size(16)));
@@ -71,6 +81,13 @@ private:
         std::vector<int> slots;
         int count = 0;
     };
+    /// The blurred cells of neighbouring blocks of a row lie in common rows, of so many cells. They hold the
+    /// first cells of what lies right of and below the blocks as well.
+    struct Run {
+        std::ptrdiff_t start = 0; ///< Of the block's own cells.
+        int width = 0;            ///< 0 for no block.
+    };
+    static constexpr int runHeight = side + 1;
     int slotAt(const Blocks& blocks, int blockX, int blockY) const {
         return blocks.slots[std::size_t(blockY) * std::size_t(m_blocksAcross) + std::size_t(blockX)];
     }
@@ -82,6 +99,8 @@ private:
     /// The same of one row of cells, of which the tile has so many `rows` of pixels.
     template <int cellSize>
     void reduceRow(const TileRect& tile, const MixPixel* pixels, int row, int rows, MixPixel* cells) const;
+    /// Finds the runs of the blocks that are read, and how many cells they have.
+    std::size_t findRuns(const Blocks& blocks);
     void blur(const MixPixel* cells, double deviation);
     /// The cells [first, first + count) of a row, of which the edge repeats beyond the output.
     void copyCells(const MixPixel* cells, int row, int first, int count, MixPixel* out) const;
@@ -94,8 +113,8 @@ private:
     double m_scale;
     float m_lastX;
     float m_lastY;
-    Blocks m_known; ///< What lies behind is known there.
-    Blocks m_read;  ///< And there also blurred.
+    Blocks m_known;          ///< What lies behind is known there.
+    std::vector<Run> m_runs; ///< And there also blurred: block by block.
     Cells m_blurred;
 };
 

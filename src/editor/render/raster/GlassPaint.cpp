@@ -133,7 +133,7 @@ void GlassPaint::shadeAny(int from, int to, int y, Float4* out) const {
         const Vec2 seen = m_isTilted && (here.bend.x != 0 || here.bend.y != 0)
                               ? m_toOutput.map({point.x + here.bend.x, point.y + here.bend.y})
                               : Vec2{pixel.x + here.bendPixels.x, pixel.y + here.bendPixels.y};
-        *out++ = color(seen, here);
+        *out++ = m_backdrop->at(seen.x, seen.y) * here.through + here.added;
     }
 }
 
@@ -145,23 +145,26 @@ void GlassPaint::shadeUpright(int from, int to, int y, Float4* out) const {
     const Bevel ofRow = bevel({end, {0, first.y < 0 ? -1.0 : 1.0}});
     const int flatFirst = m_left + int(m_leftColumns.size());
     const int flatEnd = m_right - int(m_rightColumns.size());
+    const auto lineOf = [&](const Bevel& bevel) { return m_backdrop->line(y + 0.5 + bevel.bendPixels.y); };
+    const auto through = [&](int x, const Bevel& bevel, const GlassBackdrop::Line& line) {
+        return m_backdrop->at(x + 0.5 + bevel.bendPixels.x, line) * bevel.through + bevel.added;
+    };
+    const GlassBackdrop::Line rowLine = lineOf(ofRow);
+    const GlassBackdrop::Line straight = lineOf(m_flat); // the columns bend along the row
     for (int x = from; x < to; ++x) {
         const double side = m_card.width / 2 - std::abs(first.x + scale * x);
-        const Vec2 pixel{x + 0.5, y + 0.5};
-        const auto through = [&](const Bevel& bevel) {
-            return color({pixel.x + bevel.bendPixels.x, pixel.y + bevel.bendPixels.y}, bevel);
-        };
-        if (isCornerRow && side < m_cornerExtent)
-            *out++ = through(
-                bevel(edgeOf(m_card, m_cornerExtent, m_cornerExponent, {first.x + scale * x, first.y})));
-        else if (!(side < end))
-            *out++ = through(ofRow);
+        if (isCornerRow && side < m_cornerExtent) {
+            const Bevel here =
+                bevel(edgeOf(m_card, m_cornerExtent, m_cornerExponent, {first.x + scale * x, first.y}));
+            *out++ = through(x, here, lineOf(here));
+        } else if (!(side < end))
+            *out++ = through(x, ofRow, rowLine);
         else if (x < flatFirst)
-            *out++ = through(m_leftColumns[std::size_t(x - m_left)]);
+            *out++ = through(x, m_leftColumns[std::size_t(x - m_left)], straight);
         else if (x >= flatEnd)
-            *out++ = through(m_rightColumns[std::size_t(x - flatEnd)]);
+            *out++ = through(x, m_rightColumns[std::size_t(x - flatEnd)], straight);
         else
-            *out++ = through(m_flat);
+            *out++ = through(x, m_flat, straight);
     }
 }
 

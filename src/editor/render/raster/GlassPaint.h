@@ -50,9 +50,6 @@ private:
         Float4 added = {};
     };
     Bevel bevel(const Edge& edge) const;
-    Float4 color(Vec2 pixel, const Bevel& bevel) const {
-        return m_backdrop->at(pixel.x, pixel.y) * bevel.through + bevel.added;
-    }
     void makeColumns();
     /// shade() of the pixels [from, to), all of which are seen, of an upright card and of any.
     void shadeUpright(int from, int to, int y, Float4* out) const;
