@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <vector>
 
 namespace framora {
 namespace {
@@ -128,6 +129,125 @@ TEST(TextLayers, BlurKeepsTheInkAndSpreadsIt) {
     EXPECT_EQ(strongest(sharp), 255);
     EXPECT_LT(strongest(soft), 150);
     EXPECT_GT(qAlpha(soft.pixel(int(letters(sharp).x), int(letters(sharp).y))), 20) << "the hole is filled";
+}
+
+/// One number a pixel.
+struct Plane {
+    int width;
+    int height;
+    std::vector<double> values;
+    double at(int x, int y) const {
+        const bool isInside = x >= 0 && x < width && y >= 0 && y < height;
+        return isInside ? values[std::size_t(y) * std::size_t(width) + std::size_t(x)] : 0;
+    }
+};
+
+template <typename Value> Plane planeOf(const QImage& image, const Value& value) {
+    Plane plane{image.width(), image.height(), {}};
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            plane.values.push_back(value(image.pixel(x, y)) / 255.0);
+    return plane;
+}
+
+/// A plane under a Gaussian, moved by so many pixels.
+Plane blurred(const Plane& plane, double deviation, int shiftX = 0, int shiftY = 0) {
+    const int radius = int(std::ceil(5 * deviation));
+    std::vector<double> weights;
+    double sum = 0;
+    for (int i = -radius; i <= radius; ++i) {
+        weights.push_back(std::exp(-0.5 * i * i / (deviation * deviation)));
+        sum += weights.back();
+    }
+    const auto along = [&](const Plane& from, int stepX, int stepY) {
+        Plane out{from.width, from.height, {}};
+        for (int y = 0; y < from.height; ++y)
+            for (int x = 0; x < from.width; ++x) {
+                double value = 0;
+                for (int i = -radius; i <= radius; ++i)
+                    value += weights[std::size_t(i + radius)] / sum *
+                             from.at(x + i * stepX - shiftX * stepX, y + i * stepY - shiftY * stepY);
+                out.values.push_back(value);
+            }
+        return out;
+    };
+    return along(along(plane, 1, 0), 0, 1);
+}
+
+TEST(TextLayers, BlurTheirLettersByEightPointsAndTheirShadowByTwoAtEveryScaleAndTurn) {
+    TextOverlay overlay = text(QStringLiteral("E"));
+    const auto cut = [&](double scale) {
+        const auto points = [=](int count) { return int(count * scale); };
+        return drawn({overlay}, scale).copy(points(80), points(30), points(140), points(140));
+    };
+    const auto red = [](QRgb pixel) { return qRed(pixel); };
+    for (const double scale : {1.0, 2.0})
+        for (const double rotation : {0.0, 180.0}) {
+            overlay.rotation = rotation;
+            overlay.isBlurred = false;
+            const Plane sharp = planeOf(cut(scale), red); // opaque red: alphas
+            for (const bool isBlurred : {false, true}) {
+                SCOPED_TRACE(testing::Message() << scale << ", " << rotation << ", " << isBlurred);
+                overlay.isBlurred = isBlurred;
+                const QImage image = cut(scale);
+                const Plane soft = isBlurred ? blurred(sharp, 8 * scale) : sharp;
+                const Plane shadow =
+                    blurred(sharp, (isBlurred ? std::sqrt(68.0) : 2) * scale, int(scale), int(scale));
+                double worst = 0;
+                double worstShadow = 0;
+                for (int y = 0; y < image.height(); ++y)
+                    for (int x = 0; x < image.width(); ++x) {
+                        const double letter = soft.at(x, y);
+                        const double all = letter + 0.5 * shadow.at(x, y) * (1 - letter);
+                        worst = std::max(worst, std::abs(qRed(image.pixel(x, y)) / 255.0 - letter));
+                        worstShadow =
+                            std::max(worstShadow, std::abs(qAlpha(image.pixel(x, y)) / 255.0 - all));
+                    }
+                EXPECT_LT(worst * 255, 1.5);
+                EXPECT_LT(worstShadow * 255, 1.5);
+            }
+        }
+}
+
+TEST(TextLayers, LieOverTheScreenshotAndOverAScene) {
+    Composition composition;
+    composition.image = flatPicture(300, 200, Qt::white);
+    composition.config = bareStyle();
+    composition.config.padding = 0;
+    ShadowScene scene;
+    scene.colors = {{0, 0, 0, 1}, {1, 1, 1, 1}};
+    composition.config.selectedShadowScene = scene;
+    composition.config.shadowSceneMode = ShadowSceneMode::overlay;
+    TextOverlay overlay = text(QStringLiteral("HOH"));
+    overlay.color = {0.2, 0.6, 0.4, 1}; // no channel that the scene could not change
+    composition.config.textOverlays = {overlay};
+    const QImage image = CompositionRasterizer().drawFrame(composition, {300, 200}, 1);
+    const auto isOverlay = [](QRgb pixel) { return pixel == qRgb(51, 153, 102) ? 1.0 : 0.0; };
+    EXPECT_GT(weighed(image, isOverlay).amount, 300);
+}
+
+TEST(TextLayers, CountTheirPositionFromTheCanvas) {
+    SocialMediaPreset preset;
+    preset.width = 400;
+    preset.height = 260;
+    for (const bool hasPreset : {false, true})
+        for (const QSizeF frame : {QSizeF(500, 440), QSizeF(280, 210)}) {
+            Composition composition;
+            composition.image = flatPicture(300, 200, Qt::transparent);
+            composition.config = bareStyle();
+            composition.config.padding = 20;
+            if (hasPreset)
+                composition.config.selectedSocialPreset = preset;
+            else
+                composition.config.selectedSocialPreset.reset();
+            composition.config.textOverlays = {text(QStringLiteral("HOH"))};
+            const QSizeF canvas = canvasSize({300, 200}, composition.config);
+            ASSERT_EQ(canvas, hasPreset ? QSizeF(400, 260) : QSizeF(340, 240));
+            composition.isRendering = true;
+            const Ink ink = letters(CompositionRasterizer().drawFrame(composition, frame, 1));
+            EXPECT_NEAR(ink.x, (frame.width() - canvas.width()) / 2 + 150, 2);
+            EXPECT_NEAR(ink.y, (frame.height() - canvas.height()) / 2 + 100, 8);
+        }
 }
 
 TEST(TextLayers, LieInTheirOrderAndBreakLines) {
