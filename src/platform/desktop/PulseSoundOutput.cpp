@@ -75,13 +75,14 @@ struct Playback {
     std::atomic<bool> stopped = false;
 };
 
-/// False when there is nothing to play.
+/// False when there is nothing to play, or it would come so late that nobody expects it.
 bool waitForFile(Playback& playback) {
     constexpr std::chrono::milliseconds pause{20};
-    while (playback.opening.valid()) {
+    constexpr int mostPauses = 150;
+    for (int pauses = 0; playback.opening.valid(); ++pauses) {
         if (playback.opening.wait_for(pause) == std::future_status::ready)
             playback.opened = playback.opening.get();
-        else if (playback.stopped)
+        else if (playback.stopped || pauses >= mostPauses)
             return false;
     }
     return playback.opened.file != nullptr;
