@@ -35,7 +35,7 @@ void runCaptureFlow(const CaptureFlowRow& row, const CaptureServices& services) 
 
     const Settings settings = Settings::load(services.defaults);
     if (settings.soundEffectsEnabled)
-        services.sounds.play(settings.captureSound, static_cast<float>(settings.soundEffectsVolume));
+        services.sounds.play(settings.captureSound, static_cast<float>(settings.audibleVolume()));
 
     const QString message = localized(row.successMessageKey);
     const QImage image = services.pasteboard.readImage();

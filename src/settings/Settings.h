@@ -4,6 +4,7 @@
 #include "settings/CaptureSound.h"
 #include "settings/HotkeyConfiguration.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -31,6 +32,9 @@ struct Settings {
     static Settings load(const UserDefaults& defaults);
     /// Stores the record and posts "SettingsChanged"; silently does neither when it cannot be written.
     void save(UserDefaults& defaults, NotificationCenter& notifications) const;
+
+    /// soundEffectsVolume within 0...1: the file may say any number.
+    double audibleVolume() const { return std::clamp(soundEffectsVolume, 0.0, 1.0); }
 
     /// Nothing for a volume that JSON has no number for.
     std::optional<std::string> encoded() const;

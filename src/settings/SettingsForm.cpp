@@ -106,7 +106,7 @@ void SettingsForm::setVolume(double volume) {
 
 QString SettingsForm::volumeText() const {
     // Cut off, not rounded: 0.29 * 100 lacks a little of 29 and shows as 28.
-    const auto percent = static_cast<long long>(m_settings.soundEffectsVolume * 100);
+    const auto percent = static_cast<long long>(m_settings.audibleVolume() * 100);
     return QStringLiteral("%1%").arg(percent);
 }
 
@@ -138,7 +138,7 @@ void SettingsForm::setSelectedSound(const QString& rawValue) {
 }
 
 void SettingsForm::testSound() {
-    m_services.playSound(m_settings.captureSound, static_cast<float>(m_settings.soundEffectsVolume));
+    m_services.playSound(m_settings.captureSound, static_cast<float>(m_settings.audibleVolume()));
 }
 
 void SettingsForm::setStartsAtLogin(bool starts) {

@@ -53,7 +53,7 @@ public:
     bool canHideDockIcon() const { return m_services.canHideDockIcon; }
     bool copyToClipboard() const { return m_settings.copyToClipboard; }
     bool soundEnabled() const { return m_settings.soundEffectsEnabled; }
-    double volume() const { return m_settings.soundEffectsVolume; } ///< 0 to 1.
+    double volume() const { return m_settings.audibleVolume(); } ///< 0 to 1.
     /// A whole percentage: 0.5 is "50%".
     QString volumeText() const;
     QString selectedSound() const; ///< A raw value of CaptureSound.

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <tuple>
 
 namespace framora {
 namespace {
@@ -127,6 +128,22 @@ TEST_F(SettingsFormTest, theVolumeIsShownAsAWholePercentage) {
     EXPECT_EQ(stored().soundEffectsVolume, 1.0);
     form().setVolume(std::numeric_limits<double>::quiet_NaN());
     EXPECT_EQ(stored().soundEffectsVolume, 1.0);
+}
+
+TEST_F(SettingsFormTest, aStoredVolumeOutsideItsRangeIsHeardAndShownAtItsEnd) {
+    for (const auto& [volume, percent, heard] :
+         {std::tuple{1e300, "100%", 1.0f}, {-1e300, "0%", 0.0f}, {7.0, "100%", 1.0f}}) {
+        Settings settings;
+        settings.soundEffectsVolume = volume;
+        settings.save(platform.defaults, platform.notifications);
+        platform.played.clear();
+        SettingsForm fresh(platform.services());
+        EXPECT_EQ(fresh.volumeText(), QLatin1String(percent));
+        EXPECT_EQ(fresh.volume(), double(heard));
+        fresh.testSound();
+        ASSERT_EQ(platform.played.size(), 1U);
+        EXPECT_EQ(platform.played[0].second, heard);
+    }
 }
 
 TEST_F(SettingsFormTest, theSoundsAreListedInTheirOrder) {
