@@ -154,7 +154,7 @@ void AppDelegate::openSettings() {
         m_settingsWindow = m_services.makeSettingsWindow([weak = std::weak_ptr(m_self), number] {
             const auto self = weak.lock();
             if (self && (*self)->m_settingsWindowNumber == number)
-                (*self)->m_settingsWindow.reset();
+                (*self)->settingsWindowCloses();
         });
         if (!m_settingsWindow)
             return;
@@ -162,6 +162,17 @@ void AppDelegate::openSettings() {
     }
     m_settingsWindow->makeKeyAndOrderFront();
     m_services.application.activate();
+}
+
+void AppDelegate::settingsWindowCloses() {
+    if (!m_settingsWindow)
+        return;
+    // Gone from here at once, and from memory once its own handlers have returned.
+    m_closingSettingsWindows.push_back(std::move(m_settingsWindow));
+    m_services.mainQueue.async([weak = std::weak_ptr(m_self)] {
+        if (const auto self = weak.lock())
+            (*self)->m_closingSettingsWindows.clear();
+    });
 }
 
 void AppDelegate::quitApp() {

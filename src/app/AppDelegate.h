@@ -66,6 +66,7 @@ private:
     void checkPermissions();
     bool queryScreenRecording();
     void queueHotkeyRegistration();
+    void settingsWindowCloses();
     /// A callback that does nothing once the delegate is gone.
     std::function<void()> weakly(void (AppDelegate::*method)());
 
@@ -73,6 +74,7 @@ private:
     std::unique_ptr<StatusItem> m_statusItem;
     ToastManager m_toastManager;
     std::unique_ptr<SettingsWindow> m_settingsWindow;
+    std::vector<std::unique_ptr<SettingsWindow>> m_closingSettingsWindows;
     HotkeyManager m_hotkeyManager;
     std::unique_ptr<WorkItem> m_permissionsCheckTimer;
     bool m_lastAccessibilityStatus = false;

@@ -13,8 +13,8 @@ public:
     virtual void makeKeyAndOrderFront() = 0;
 };
 
-/// Builds the window with its content. `onWillClose` runs in a later turn of the event loop when the user
-/// closes it. Null where the installation lacks what makes windows.
+/// Builds the window with its content. `onWillClose` runs when the user closes it, out of the window's own
+/// handlers: it goes in a later turn of the event loop. Null where the installation lacks what makes windows.
 using SettingsWindowFactory =
     std::function<std::unique_ptr<SettingsWindow>(std::function<void()> onWillClose)>;
 

@@ -14,7 +14,6 @@
 #include <QQuickItem>
 #include <QQuickView>
 #include <QScreen>
-#include <QTimer>
 #include <malloc.h>
 
 namespace framora {
@@ -102,9 +101,9 @@ void QuickSettingsWindow::applyAppearance() {
 }
 
 bool QuickSettingsWindow::eventFilter(QObject* watched, QEvent* event) {
-    // In a turn of its own: the close may come out of the window's own handlers.
+    // The close may come out of the window's own handlers: whoever hears of it keeps the window for now.
     if (watched == m_view.get() && event->type() == QEvent::Close)
-        QTimer::singleShot(0, this, [this] { m_onWillClose(); });
+        m_onWillClose();
     return QObject::eventFilter(watched, event);
 }
 

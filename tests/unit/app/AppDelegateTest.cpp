@@ -176,6 +176,18 @@ TEST_F(AppDelegateTest, aClosedSettingsWindowIsFollowedByAFreshOne) {
     EXPECT_EQ(log, (PlatformLog{"make window", "centre", "front", "activate"}));
 }
 
+TEST_F(AppDelegateTest, aClosingSettingsWindowIsNotTheOneThatIsOpenedNext) {
+    launch();
+    delegate->openSettings();
+    closeNotices.at(0)();
+    // In the same turn, while the first one's handlers still run.
+    delegate->openSettings();
+    const SettingsWindow* second = delegate->settingsWindow();
+    ASSERT_TRUE(second);
+    queue.runPending();
+    EXPECT_EQ(delegate->settingsWindow(), second);
+}
+
 TEST_F(AppDelegateTest, whereNoWindowCanBeMadeNothingComesForward) {
     launch();
     makesWindows = false;

@@ -12,6 +12,7 @@
 #include <QQuickItem>
 #include <QQuickView>
 #include <QTest>
+#include <QTimer>
 #include <gtest/gtest.h>
 
 namespace framora {
@@ -22,7 +23,7 @@ protected:
     void open() {
         window = std::make_unique<QuickSettingsWindow>(platform.services(), [this] {
             ++closings;
-            window.reset();
+            QTimer::singleShot(0, [this] { window.reset(); });
         });
         window->center();
         window->makeKeyAndOrderFront();
