@@ -52,8 +52,11 @@ NotificationToastPanels::NotificationToastPanels(MainQueue& queue,
     : m_queue(queue), m_server(std::move(bus)), m_tokenGiven(std::move(tokenGiven)),
       m_self(std::make_shared<NotificationToastPanels*>(this)) {
     m_server.listen({[this](uint id) {
-                         if (id == m_id)
-                             m_id = 0;
+                         if (id == 0 || id != m_id)
+                             return;
+                         // The user has put it away, and a capture must not bring it back.
+                         m_id = 0;
+                         m_current = nullptr;
                      },
                      [this](uint id) {
                          if (id == m_id && id != 0 && m_current)

@@ -223,6 +223,19 @@ TEST_F(NotificationToastTest, duringACaptureItIsNotThere) {
     EXPECT_EQ(server->all[1].summary, "Captured");
 }
 
+TEST_F(NotificationToastTest, aCaptureDoesNotBringBackWhatTheUserPutAway) {
+    start();
+    showInteractive();
+    ASSERT_TRUE(waitForShown(1));
+    settle();
+    server->dismiss(server->shown.at(0));
+    settle();
+    panels->withdraw();
+    panels->restore();
+    settle();
+    EXPECT_EQ(server->all.size(), 1U);
+}
+
 TEST_F(NotificationToastTest, whatEndsWhileItIsWithdrawnStaysAway) {
     start();
     showPlain();
