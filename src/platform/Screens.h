@@ -20,6 +20,8 @@ public:
     virtual ~Screens() = default;
     /// Never empty while a toast or a window is to be shown: the main screen is first.
     virtual std::vector<Screen> screens() = 0;
+    /// The one that the user is at, where the desktop tells; else the first.
+    virtual Screen screenInUse() { return screens().at(0); }
 };
 
 } // namespace framora

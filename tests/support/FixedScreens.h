@@ -11,7 +11,10 @@ public:
         : list(std::move(all)) {}
     std::vector<Screen> screens() override { return list; }
 
+    Screen screenInUse() override { return list.at(inUse); }
+
     std::vector<Screen> list;
+    std::size_t inUse = 0;
 };
 
 } // namespace framora

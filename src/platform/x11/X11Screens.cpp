@@ -62,4 +62,17 @@ std::vector<Screen> X11Screens::screens() {
     return screens;
 }
 
+Screen X11Screens::screenInUse() {
+    const auto all = screens();
+    if (m_connection.isValid()) {
+        const XcbReply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
+            m_connection, xcb_query_pointer(m_connection, m_connection.root()), nullptr));
+        for (const Screen& screen : all)
+            if (pointer && pointer->same_screen &&
+                screen.pixelFrame.contains(pointer->root_x, pointer->root_y))
+                return screen;
+    }
+    return all.at(0);
+}
+
 } // namespace framora

@@ -10,6 +10,8 @@ class X11Screens final : public Screens {
 public:
     explicit X11Screens(X11Connection& connection) : m_connection(connection) {}
     std::vector<Screen> screens() override;
+    /// The one that holds the pointer.
+    Screen screenInUse() override;
 
 private:
     X11Connection& m_connection;

@@ -158,7 +158,10 @@ void X11ToastConnection::remove(X11ToastPanel& panel) {
 
 void X11ToastConnection::selectRootEvents() {
     // Nothing wakes the program while no toast is there.
-    const std::uint32_t mask = m_panels.empty() ? 0u : std::uint32_t(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+    const std::uint32_t mask =
+        m_panels.empty()
+            ? 0u
+            : std::uint32_t(XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     xcb_change_window_attributes(m_connection, m_screen->root, XCB_CW_EVENT_MASK, &mask);
 }
 
@@ -226,7 +229,10 @@ void X11ToastConnection::deliver(const xcb_generic_event_t& event) {
     }
     case XCB_CONFIGURE_NOTIFY: {
         const auto& configured = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-        if (!panelOf(configured.window) && panelOf(configured.above_sibling))
+        // The root window tells of every change of monitors, also where it keeps its size.
+        if (configured.window == m_screen->root)
+            Q_EMIT screensChanged();
+        else if (!panelOf(configured.window) && panelOf(configured.above_sibling))
             raisePanels();
         return;
     }

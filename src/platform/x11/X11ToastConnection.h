@@ -56,6 +56,7 @@ public:
     /// Panels hear their own window's events, changes of the stacking and of the compositor.
     void add(X11ToastPanel& panel);
     void remove(X11ToastPanel& panel);
+    const std::vector<X11ToastPanel*>& panels() const { return m_panels; }
 
     /// Takes all panels off the screen, or lets them show again; the server has done so when this returns.
     void setWithdrawn(bool withdrawn);
@@ -63,6 +64,10 @@ public:
     /// Sends what is buffered; events that were read meanwhile are delivered in a later turn of the event
     /// loop.
     void flush();
+
+Q_SIGNALS:
+    /// While there are panels: a screen has come, gone or changed.
+    void screensChanged();
 
 private:
     void findVisual();

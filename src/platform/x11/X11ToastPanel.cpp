@@ -217,7 +217,9 @@ void X11ToastPanel::changeAlpha(double alpha) {
     // Without a compositor the window is either there or not; with one it stays mapped, so that a fade never
     // blinks.
     const bool goingAway = m_animation && m_animation->target() <= 0;
-    const bool shown = m_ordered && !m_withdrawn && (m_look != Look::opaque || (m_alpha > 0 && !goingAway));
+    const bool mayShow = m_look != Look::opaque || (m_alpha > 0 && !goingAway);
+    // One whose time ran out while it was withdrawn does not come back to fade.
+    const bool shown = m_ordered && !m_withdrawn && mayShow && (m_mapped || !goingAway);
     if (shown && !m_mapped) {
         m_mapped = true;
         xcb_map_window(m_connection, m_window);
@@ -290,6 +292,25 @@ void X11ToastPanel::setWithdrawn(bool withdrawn) {
     m_withdrawn = withdrawn;
     m_probes = 0;
     changeAlpha(m_alpha);
+}
+
+void X11ToastPanel::setScreen(const Screen& screen) {
+    if (m_screen == screen)
+        return;
+    m_screen = screen;
+    const QRect& frame = screen.pixelFrame;
+    m_size = QSizeF(frame.size()) / screen.pixelRatio;
+    const std::array<std::uint32_t, 4> place{std::uint32_t(frame.x()), std::uint32_t(frame.y()),
+                                             std::uint32_t(std::max(1, frame.width())),
+                                             std::uint32_t(std::max(1, frame.height()))};
+    xcb_configure_window(m_connection, m_window,
+                         XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                             XCB_CONFIG_WINDOW_HEIGHT,
+                         place.data());
+    renderContent();
+    applyShape();
+    put();
+    m_connection.flush();
 }
 
 void X11ToastPanel::keepAbove() {

@@ -32,6 +32,9 @@ public:
     /// Not on the screen for a while, whatever else is asked of it.
     void setWithdrawn(bool withdrawn);
     void keepAbove();
+    const Screen& screen() const { return m_screen; }
+    /// Moves there, or takes its new size and ratio.
+    void setScreen(const Screen& screen);
 
 private:
     /// How the window may look now.
@@ -58,7 +61,7 @@ private:
 
     X11ToastConnection& m_connection;
     MainQueue& m_queue;
-    const Screen m_screen;
+    Screen m_screen;
     const bool m_ignoresMouse;
     const std::unique_ptr<ToastContent> m_content;
     xcb_window_t m_window = XCB_NONE;

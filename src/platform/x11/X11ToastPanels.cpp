@@ -3,6 +3,9 @@
 #include "platform/x11/X11ToastConnection.h"
 #include "platform/x11/X11ToastPanel.h"
 
+#include <QGuiApplication>
+#include <QScreen>
+#include <algorithm>
 #include <utility>
 
 namespace framora {
@@ -25,7 +28,7 @@ private:
 
 } // namespace
 
-X11ToastPanels::X11ToastPanels(MainQueue& queue) : m_queue(queue) {}
+X11ToastPanels::X11ToastPanels(MainQueue& queue, Screens& screens) : m_queue(queue), m_screens(screens) {}
 
 X11ToastPanels::~X11ToastPanels() = default;
 
@@ -41,11 +44,29 @@ void X11ToastPanels::restore() {
 
 std::unique_ptr<ToastPanel> X11ToastPanels::makePanel(const Screen& screen, bool ignoresMouse,
                                                       std::unique_ptr<ToastContent> content) {
-    if (!m_connection)
+    if (!m_connection) {
         m_connection = std::make_unique<X11ToastConnection>();
+        const auto followScreens = [this] { follow(); };
+        QObject::connect(m_connection.get(), &X11ToastConnection::screensChanged, followScreens);
+        // Qt knows the ratios, and it learns of them in its own time.
+        for (const QScreen* each : QGuiApplication::screens())
+            QObject::connect(each, &QScreen::logicalDotsPerInchChanged, m_connection.get(), followScreens);
+    }
     if (!m_connection->isValid())
         return std::make_unique<UnseenPanel>(m_queue);
     return std::make_unique<X11ToastPanel>(*m_connection, m_queue, screen, ignoresMouse, std::move(content));
+}
+
+void X11ToastPanels::follow() {
+    if (m_connection->panels().empty())
+        return;
+    const auto screens = m_screens.screens();
+    if (screens.empty())
+        return;
+    for (X11ToastPanel* panel : m_connection->panels()) {
+        const auto same = std::ranges::find(screens, panel->screen().name, &Screen::name);
+        panel->setScreen(same == screens.end() ? m_screens.screenInUse() : *same);
+    }
 }
 
 } // namespace framora

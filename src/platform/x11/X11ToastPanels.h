@@ -7,14 +7,15 @@
 
 namespace framora {
 
+class Screens;
 class X11ToastConnection;
 
 /// Toast panels on an X server. The connection is opened with the first panel; it and the panels share the
 /// thread.
 class X11ToastPanels final : public ToastPanels {
 public:
-    /// The queue outlives this, and this its panels.
-    explicit X11ToastPanels(MainQueue& queue);
+    /// Queue and screens outlive this, and this its panels.
+    X11ToastPanels(MainQueue& queue, Screens& screens);
     ~X11ToastPanels() override;
 
     /// Where there is no server any more, a panel that shows nothing and keeps its times.
@@ -25,7 +26,11 @@ public:
     void restore() override;
 
 private:
+    /// Moves the panels with their screens.
+    void follow();
+
     MainQueue& m_queue;
+    Screens& m_screens;
     std::unique_ptr<X11ToastConnection> m_connection;
 };
 

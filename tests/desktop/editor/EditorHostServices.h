@@ -35,7 +35,7 @@ struct EditorHostServices {
     X11Pasteboard pasteboard{connection, [](const QByteArray& file) { return loadPicture(file).image; }};
     X11Application application{connection, notifications};
     X11Screens screens{connection};
-    X11ToastPanels panels{queue};
+    X11ToastPanels panels{queue, screens};
     X11ColorPicker colorPicker{connection, screens};
     FixedAppearance appearance;
     ThreadBackgroundQueue backgroundQueue{queue};

@@ -33,7 +33,7 @@ protected:
             return display().activeWindow() == beneath->id();
         }));
         EXPECT_TRUE(VirtualDesktop::waitFor([&] { return display().pixelAt({640, 700}) == ground; }));
-        panels.emplace(queue);
+        panels.emplace(queue, screens);
         manager.emplace(ToastServices{queue, *panels, screens, appearance,
                                       [this](const QImage& image) { edited.push_back(image.size()); }});
     }
@@ -115,6 +115,42 @@ TEST_P(ToastDesktopTest, withdrawnItIsOffTheScreenUntilItIsRestored) {
     panels->restore();
     EXPECT_TRUE(waitUntilFullyShown());
     EXPECT_TRUE(waitUntilGone());
+}
+
+TEST_P(ToastDesktopTest, oneWhoseTimeEndsWhileItIsWithdrawnDoesNotComeBack) {
+    showInteractive();
+    ASSERT_TRUE(waitUntilFullyShown());
+    panels->withdraw();
+    manager->dismiss();
+    panels->restore();
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return toast().has_value(); }, 200));
+    EXPECT_TRUE(waitUntilGone());
+}
+
+TEST_P(ToastDesktopTest, itFollowsItsScreen) {
+    const QRect left(0, 0, 640, 800);
+    const QRect right(640, 0, 640, 800);
+    screens.list = {{left, 1, QStringLiteral("left")}, {right, 1, QStringLiteral("right")}};
+    const auto setMonitor = [&](const QString& name, const QString& place) {
+        // The server tells of it.
+        desktop->run(QStringLiteral("xrandr"),
+                     {QStringLiteral("--setmonitor"), name, place, QStringLiteral("none")});
+    };
+    const auto isAt = [&](const QRect& place) {
+        return VirtualDesktop::waitFor([&] { return toast() && toast()->geometry == place; });
+    };
+    showInteractive();
+    ASSERT_TRUE(isAt(left));
+    const auto widthOfInput = [&] { return display().inputArea(toast()->id).width(); };
+    const int narrow = widthOfInput();
+    EXPECT_GT(narrow, 100);
+    screens.list = {{QRect(0, 0, 1280, 700), 2, QStringLiteral("left")}, {right, 1, QStringLiteral("right")}};
+    setMonitor(QStringLiteral("first"), QStringLiteral("640/170x800/210+640+0"));
+    EXPECT_TRUE(isAt({0, 0, 1280, 700}));
+    EXPECT_NEAR(widthOfInput(), 2 * narrow, 2) << "the card has twice as many pixels";
+    screens.list = {{right, 1, QStringLiteral("right")}};
+    setMonitor(QStringLiteral("second"), QStringLiteral("640/170x800/210+0+0"));
+    EXPECT_TRUE(isAt(right)) << "its own screen has gone";
 }
 
 TEST_P(ToastDesktopTest, aToastThatReplacesAWithdrawnOneIsShownAtOnce) {
@@ -325,8 +361,8 @@ TEST_P(ToastDesktopTest, aScreenThatVanishesUnderAToastDoesNoHarm) {
 TEST(ToastWithoutAServer, keepsItsTimesAndShowsNothing) {
     qputenv("DISPLAY", ":9999");
     TimerQueue queue;
-    X11ToastPanels panels(queue);
     FixedScreens screens;
+    X11ToastPanels panels(queue, screens);
     FixedAppearance appearance;
     ToastManager manager({queue, panels, screens, appearance});
     manager.show(QStringLiteral("Copied"), QStringLiteral("photo"), true);

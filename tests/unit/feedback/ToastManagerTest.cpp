@@ -73,6 +73,13 @@ TEST_F(ToastManagerTest, thePanelHasTheWholeFrameOfTheMainScreen) {
     EXPECT_EQ(panels.front()->screen, main);
 }
 
+TEST_F(ToastManagerTest, itStandsOnTheScreenThatTheUserIsAt) {
+    screens.list = {Screen{QRect(0, 0, 800, 600), 1}, Screen{QRect(800, 0, 800, 600), 2}};
+    screens.inUse = 1;
+    manager->show(QStringLiteral("Copied"), QStringLiteral("photo"), true);
+    EXPECT_EQ(panels.front()->screen, screens.list[1]);
+}
+
 TEST_F(ToastManagerTest, theSecondToastReplacesTheFirstAtOnce) {
     manager->show(QStringLiteral("first"), QStringLiteral("photo"), true);
     queue.advance(1.0);
