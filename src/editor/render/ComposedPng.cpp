@@ -7,6 +7,7 @@
 #include "editor/render/raster/PngEncoder.h"
 
 #include <algorithm>
+#include <new>
 
 namespace framora {
 namespace {
@@ -54,7 +55,7 @@ private:
 
 } // namespace
 
-std::optional<bool> composePng(const Composition& composition, PngTarget& target) {
+std::optional<bool> composePng(const Composition& composition, PngTarget& target) try {
     const QSizeF size = outputFrame(pointSize(composition.image), composition.config);
     const auto viewport = CompositionRasterizer::frameViewport(size, exportScale);
     if (!viewport)
@@ -79,6 +80,8 @@ std::optional<bool> composePng(const Composition& composition, PngTarget& target
     const QImage drawn = rasterizer.drawFrame(composition, size, exportScale);
     return !drawn.isNull() &&
            raster::writePng(rasterView(drawn), resolution, raster::PngSpeed::compact, write);
+} catch (const std::bad_alloc&) {
+    return false; // what the layers keep beside the picture
 }
 
 std::optional<QByteArray> composedPng(const Composition& composition) {
