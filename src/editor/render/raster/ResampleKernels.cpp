@@ -264,7 +264,7 @@ using OnePixel = hn::CappedTag<std::int16_t, 4>;
 constexpr OnePixel onePixel;
 
 /// The sum of a vector's pixels. Sixteen bits wrap around alike in any order.
-template <typename Tag> HWY_INLINE hn::Vec<OnePixel> sumOfPixels(Tag tag, hn::Vec<Tag> pixels) {
+template <typename Tag> HWY_INLINE hn::Vec<OnePixel> sumOfPixels(Tag /*tag*/, hn::Vec<Tag> pixels) {
     if constexpr (hn::MaxLanes(Tag()) == 4) {
         return pixels;
     } else {
