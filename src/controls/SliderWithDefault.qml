@@ -76,7 +76,7 @@ Item {
         to: control.to
         stepSize: control.step > 0 ? control.step : Math.pow(10, -control.decimals)
         snapMode: T.Slider.NoSnap
-        value: control.value
+        value: bound
         hoverEnabled: true
         focusPolicy: Qt.TabFocus
         Accessible.role: Accessible.Slider

@@ -66,7 +66,9 @@ TEST_F(EditorWindow, NamesItsToolbarItemsAsTheyAreKnown) {
     EXPECT_EQ(EditorToolbar::defaultIdentifiers(),
               (QStringList{u"flexible"_qs, u"ZoomFitItem"_qs, u"ZoomActualItem"_qs, u""_qs, u"ResetItem"_qs,
                            u""_qs, u"SaveItem"_qs, u"CopyItem"_qs}));
-    EXPECT_EQ(EditorToolbar::allowedIdentifiers().size(), 7);
+    EXPECT_EQ(EditorToolbar::allowedIdentifiers(),
+              (QStringList{u"CopyItem"_qs, u"SaveItem"_qs, u"ResetItem"_qs, u"ZoomFitItem"_qs,
+                           u"ZoomActualItem"_qs, u"flexible"_qs, u""_qs}));
 }
 
 TEST_F(EditorWindow, EachToolbarActionPostsItsNotification) {
@@ -102,6 +104,15 @@ TEST_F(EditorWindow, CopyWritesThePictureClosesTheWindowAndSaysSoLater) {
     queue.advance(0.02);
     EXPECT_EQ(toastManagerCount, managersBefore + 1) << "a manager of its own";
     EXPECT_EQ(frontToast(), QStringLiteral("Copied|doc.on.clipboard.fill|1"));
+}
+
+TEST_F(EditorWindow, ACopyThatFailsLeavesTheClipboardAndTheWindow) {
+    editor.open(picture(60, 40));
+    editor.copy({});
+    EXPECT_TRUE(pasteboard.written.isEmpty());
+    EXPECT_NE(editor.editorWindow(), nullptr);
+    queue.advance(0.5);
+    EXPECT_EQ(frontToast(), QString());
 }
 
 TEST_F(EditorWindow, CopyFollowedByTheWindowsCloseClosesOnce) {
@@ -256,6 +267,20 @@ TEST_F(EditorWindow, EveryTabLoadsWithoutAWarningAndKeepsTheStyle) {
             warnings.append(error.toString());
     });
     ScreenshotEditorViewModel& model = *session().viewModel();
+    // Values that no slider would choose, and one that it cannot show.
+    for (const auto& [field, value] : {std::pair("mockupBorderSize", 3.3),
+                                       {"borderRadius", 21.7},
+                                       {"scale", 1.2345},
+                                       {"rotationX", -12.3},
+                                       {"rotationY", 45.6},
+                                       {"padding", 33.3},
+                                       {"imageScale", 87.6},
+                                       {"gradientConfig.angle", 12.3},
+                                       {"gradientConfig.blurAmount", 7.7},
+                                       {"gradientConfig.noiseAmount", 12.2},
+                                       {"gradientConfig.saturation", 99.9},
+                                       {"gradientConfig.brightness", 250.0}})
+        ASSERT_TRUE(model.set(QString::fromLatin1(field), value)) << field;
     for (const char* type : {"transparent", "color", "gradient", "image"}) {
         for (const char* mockup : {"defaultStyle", "glassEffect", "border"}) {
             model.set(QStringLiteral("backgroundType"), QString::fromLatin1(type));
