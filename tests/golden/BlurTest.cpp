@@ -122,6 +122,17 @@ TEST_F(BlurredBackgrounds, AreUntouchedByRadiiThatAreNone) {
     EXPECT_EQ(exported(m_golden), plain) << "the record's own fields";
 }
 
+TEST_F(BlurredBackgrounds, AreNotJoinedByRedactions) {
+    m_golden.style.backgroundType = BackgroundType::image;
+    const QImage plain = exported(m_golden);
+    const QImage shown = preview(1.0);
+    m_golden.style.redactEnabled = true;
+    for (const RedactStyle style : {RedactStyle::blur, RedactStyle::pixelate, RedactStyle::blackBar})
+        m_golden.style.redactRegions.append({.rect = {0, 0, 40, 30}, .style = style});
+    EXPECT_EQ(exported(m_golden), plain);
+    EXPECT_EQ(preview(1.0), shown);
+}
+
 TEST_F(BlurredBackgrounds, AreKeptWithoutADifference) {
     CompositionRasterizer rasterizer;
     for (const BackgroundType type : {BackgroundType::image, BackgroundType::gradient, BackgroundType::image})
