@@ -26,7 +26,10 @@ const wl_output_listener WaylandOutput::listener{
         if (flags & WL_OUTPUT_MODE_CURRENT)
             static_cast<WaylandOutput*>(data)->m_mode = {width, height};
     },
-    [](void*, wl_output*) {},
+    [](void* data, wl_output*) {
+        const auto& self = *static_cast<WaylandOutput*>(data);
+        self.m_told(self);
+    },
     [](void* data, wl_output*, std::int32_t scale) {
         static_cast<WaylandOutput*>(data)->m_scale = std::max(1, scale);
     },
@@ -50,8 +53,9 @@ const zxdg_output_v1_listener WaylandOutput::logicalListener{
     [](void*, zxdg_output_v1*, const char*) {},
 };
 
-WaylandOutput::WaylandOutput(WaylandConnection& connection, const WaylandConnection::Global& global)
-    : m_globalName(global.name),
+WaylandOutput::WaylandOutput(WaylandConnection& connection, const WaylandConnection::Global& global,
+                             Told told)
+    : m_globalName(global.name), m_told(std::move(told)),
       m_output(connection.bind<wl_output>(global, wl_output_interface, highestOutputVersion)) {
     wl_output_add_listener(m_output, &listener, this);
 }
@@ -100,7 +104,11 @@ WaylandOutputs::~WaylandOutputs() {
 void WaylandOutputs::add(const WaylandConnection::Global& global) {
     if (global.interface != wl_output_interface.name)
         return;
-    m_outputs.push_back(std::make_unique<WaylandOutput>(m_connection, global));
+    m_outputs.push_back(
+        std::make_unique<WaylandOutput>(m_connection, global, [this](const WaylandOutput& output) {
+            if (m_told && output.isKnown())
+                m_told(output);
+        }));
     if (m_manager)
         m_outputs.back()->describeBy(*m_manager);
 }

@@ -6,6 +6,7 @@
 #include <QPoint>
 #include <QSize>
 #include <QString>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -18,7 +19,10 @@ namespace framora {
 /// One monitor as the compositor tells of it.
 class WaylandOutput {
 public:
-    WaylandOutput(WaylandConnection& connection, const WaylandConnection::Global& global);
+    /// Called each time that the compositor has told all that there is to tell.
+    using Told = std::function<void(const WaylandOutput&)>;
+
+    WaylandOutput(WaylandConnection& connection, const WaylandConnection::Global& global, Told told);
     ~WaylandOutput();
     WaylandOutput(const WaylandOutput&) = delete;
     WaylandOutput& operator=(const WaylandOutput&) = delete;
@@ -46,6 +50,7 @@ private:
     static const zxdg_output_v1_listener logicalListener;
 
     const std::uint32_t m_globalName;
+    const Told m_told;
     wl_output* m_output;
     zxdg_output_v1* m_logical = nullptr;
     QString m_name;
@@ -69,6 +74,8 @@ public:
     /// Null when there is none of that name, or none any more.
     const WaylandOutput* named(const QString& name) const;
     const WaylandOutput* of(const wl_output* output) const;
+    /// Hears of every output that is new or has changed.
+    void onTold(WaylandOutput::Told told) { m_told = std::move(told); }
 
 private:
     void add(const WaylandConnection::Global& global);
@@ -76,6 +83,7 @@ private:
 
     WaylandConnection& m_connection;
     zxdg_output_manager_v1* m_manager;
+    WaylandOutput::Told m_told;
     std::vector<std::unique_ptr<WaylandOutput>> m_outputs;
 };
 

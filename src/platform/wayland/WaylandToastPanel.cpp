@@ -53,7 +53,9 @@ void WaylandToastPanel::renderContent() {
 }
 
 void WaylandToastPanel::updateSurface() {
-    const bool shown = m_ordered && !m_withdrawn;
+    // One whose time ran out while it was withdrawn does not come back to fade.
+    const bool goingAway = m_animation && m_animation->target() <= 0;
+    const bool shown = m_ordered && !m_withdrawn && (m_surface || !goingAway);
     if (shown == (m_surface != nullptr))
         return;
     if (!shown) {
@@ -72,7 +74,13 @@ void WaylandToastPanel::updateSurface() {
     renderContent();
 }
 
+void WaylandToastPanel::outputChanged(const WaylandOutput& output) {
+    if (m_surface && output.globalName() == m_entered)
+        enteredOutput(output);
+}
+
 void WaylandToastPanel::enteredOutput(const WaylandOutput& output) {
+    m_entered = output.globalName();
     const QSizeF size = QSizeF(output.pixelSize()) / output.pixelRatio();
     if (size == m_size && output.pixelRatio() == m_place.pixelRatio)
         return;
@@ -84,6 +92,7 @@ void WaylandToastPanel::enteredOutput(const WaylandOutput& output) {
 
 void WaylandToastPanel::surfaceClosed() {
     m_surface.reset();
+    m_entered = 0;
     if (--m_returnsLeft < 0)
         return;
     // Its output has gone: it comes back where the compositor likes, once that has sorted itself.

@@ -29,6 +29,7 @@ public:
     void pressed(QPointF position); ///< In the surface. The panel may have gone when this returns.
     /// Not on the screen for a while, whatever else is asked of it.
     void setWithdrawn(bool withdrawn);
+    void outputChanged(const WaylandOutput& output);
 
 private:
     /// Places the content on an output of that size in units.
@@ -48,7 +49,9 @@ private:
     const bool m_ignoresMouse;
     const std::unique_ptr<ToastContent> m_content;
     QString m_outputName; ///< Empty where the compositor chooses.
-    QSizeF m_size;        ///< The panel's, in units.
+    std::uint32_t m_entered =
+        0;         ///< The compositor's number for the output that the surface is on; 0 for none.
+    QSizeF m_size; ///< The panel's, in units.
     WaylandToastSurface::Place m_place;
     QImage m_image; ///< The whole surface; its pixel ratio is left at 1.
     double m_alpha = 0;

@@ -28,6 +28,11 @@ std::unique_ptr<ToastPanel> WaylandToastPanels::makePanel(const Screen& screen, 
                                                std::move(content));
 }
 
+void WaylandToastPanels::outputChanged(const WaylandOutput& output) {
+    if (m_stage)
+        m_stage->outputChanged(output);
+}
+
 void WaylandToastPanels::withdraw() {
     if (m_stage)
         m_stage->setWithdrawn(true);

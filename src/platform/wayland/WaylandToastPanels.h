@@ -25,6 +25,9 @@ public:
     void withdraw() override;
     void restore() override;
 
+    /// What stands on that output follows it.
+    void outputChanged(const WaylandOutput& output);
+
 private:
     WaylandConnection& m_connection;
     const WaylandOutputs& m_outputs;

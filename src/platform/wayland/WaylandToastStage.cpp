@@ -124,6 +124,11 @@ void WaylandToastStage::remove(WaylandToastPanel& panel) {
         releaseCursor();
 }
 
+void WaylandToastStage::outputChanged(const WaylandOutput& output) {
+    for (WaylandToastPanel* panel : m_panels)
+        panel->outputChanged(output);
+}
+
 void WaylandToastStage::setWithdrawn(bool withdrawn) {
     if (m_panels.empty())
         return;

@@ -44,6 +44,8 @@ public:
     /// Takes all panels off the screen, or lets them show again; the compositor has done so when this
     /// returns.
     void setWithdrawn(bool withdrawn);
+    /// The panels on that output take its present size and ratio.
+    void outputChanged(const WaylandOutput& output);
 
 private:
     static const wl_seat_listener seatListener;

@@ -34,7 +34,9 @@ WaylandWindowSystem::WaylandWindowSystem(std::unique_ptr<WaylandConnection> conn
     m_connection->listen();
 }
 
-WaylandWindowSystem::~WaylandWindowSystem() = default;
+WaylandWindowSystem::~WaylandWindowSystem() {
+    m_outputs.onTold(nullptr);
+}
 
 std::unique_ptr<Pasteboard> WaylandWindowSystem::makePasteboard(const Services& services) {
     if (auto clipboard = WaylandClipboard::make(*m_connection))
@@ -47,10 +49,13 @@ std::unique_ptr<Pasteboard> WaylandWindowSystem::makePasteboard(const Services& 
 }
 
 std::unique_ptr<ToastPanels> WaylandWindowSystem::makeToastPanels(const Services& services) {
-    if (WaylandToastPanels::areOffered(*m_connection))
-        return std::make_unique<WaylandToastPanels>(
+    if (WaylandToastPanels::areOffered(*m_connection)) {
+        auto panels = std::make_unique<WaylandToastPanels>(
             *m_connection, m_outputs, services.mainQueue,
             [this](const QString& token) { m_application.useActivationToken(token); });
+        m_outputs.onTold([&panels = *panels](const WaylandOutput& output) { panels.outputChanged(output); });
+        return panels;
+    }
     return std::make_unique<NotificationToastPanels>(
         services.mainQueue, [this](const QString& token) { m_application.useActivationToken(token); });
 }

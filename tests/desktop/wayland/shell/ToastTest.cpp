@@ -229,6 +229,33 @@ TEST_F(WaylandToastTest, withdrawnItIsOffTheScreenUntilItIsRestored) {
     EXPECT_TRUE(waitUntilGone());
 }
 
+TEST_F(WaylandToastTest, oneWhoseTimeEndsWhileItIsWithdrawnDoesNotComeBack) {
+    showInteractive();
+    ASSERT_TRUE(waitUntilFullyShown());
+    panels->withdraw();
+    manager->dismiss();
+    panels->restore();
+    EXPECT_FALSE(DesktopSession::waitFor([&] { return !changedArea().isNull(); }, 200));
+    EXPECT_TRUE(waitUntilGone());
+}
+
+TEST_F(WaylandToastTest, itFollowsTheScaleOfItsOutput) {
+    sway.outputs.onTold([this](const WaylandOutput& output) { panels->outputChanged(output); });
+    auto panel = panels->makePanel(sway.screens.screens().front(), true, std::make_unique<PatternContent>());
+    panel->setAlpha(1);
+    panel->orderFront();
+    ASSERT_TRUE(DesktopSession::waitFor([&] { return !changedArea().isNull(); }));
+    const QSizeF pixels = sway.outputs.all().front()->pixelSize();
+    sway.desktop.command(QStringLiteral("output HEADLESS-1 scale 2"));
+    const QImage expected = PatternContent::picture(2);
+    const QPoint origin = (PatternContent().bounds(pixels / 2).topLeft() * 2).toPoint();
+    EXPECT_TRUE(DesktopSession::waitFor([&] {
+        const QImage seen = sway.desktop.screenshot(0);
+        return seen.copy(QRect(origin, expected.size())) == expected.convertToFormat(seen.format());
+    }));
+    sway.outputs.onTold(nullptr);
+}
+
 TEST_F(WaylandToastTest, aToastThatReplacesAWithdrawnOneIsShownAtOnce) {
     showInteractive();
     ASSERT_TRUE(waitUntilFullyShown());
