@@ -79,6 +79,20 @@ TEST_F(InstalledTest, everyPartIsThere) {
         EXPECT_FALSE(path(data, QString::fromLatin1(name)).isEmpty()) << name;
 }
 
+TEST_F(InstalledTest, noPartLooksForLibrariesBesideTheSystems) {
+    const QStringList parts{path(programs, QStringLiteral("framora")),
+                            path(programs, QStringLiteral("framora-render")),
+                            path(executables, QStringLiteral("framora/framora-screencapture")), module(),
+                            // An empty entry would be the working folder.
+                            QStringLiteral(FRAMORA_BUILD_FOLDER "/bin/framora"),
+                            QStringLiteral(FRAMORA_BUILD_FOLDER "/bin/framora-windows.so")};
+    for (const QString& part : parts) {
+        const QByteArray header = desktop.run(QStringLiteral("readelf"), {QStringLiteral("-d"), part});
+        EXPECT_TRUE(header.contains("NEEDED")) << part.toStdString();
+        EXPECT_FALSE(header.contains("RUNPATH") || header.contains("RPATH")) << header.toStdString();
+    }
+}
+
 TEST_F(InstalledTest, aCaptureAndTheEditorRunFromTheTreeAlone) {
     framora = &desktop.start(path(programs, QStringLiteral("framora")));
     const QRect card = capture({120, 80});
