@@ -56,9 +56,10 @@ TEST_F(EditorSharing, ItsMenuOpensThePictureWithAProgramOrWritesAMail) {
 TEST_F(EditorSharing, TheKeyboardReachesItsMenu) {
     startPortal();
     open();
-    for (int i = 0; i < 60 && ask(QStringLiteral("focus"), QStringLiteral("focused")) != u"share"; ++i)
-        display().key({"Tab"});
+    tabTo(QStringLiteral("share"));
     display().key({"space"});
+    ASSERT_TRUE(VirtualDesktop::waitFor(
+        [&] { return ask(QStringLiteral("where share.mail"), QStringLiteral("at ")) != u"nowhere"; }));
     letPass();
     display().key({"Down"});
     display().key({"Return"});
