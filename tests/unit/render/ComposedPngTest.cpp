@@ -167,6 +167,21 @@ TEST(ComposedPngDeathTest, IsEmptyWhereMemoryIsShort) {
     };
     EXPECT_EXIT(compose(), testing::ExitedWithCode(0), "");
 }
+
+TEST(ComposedPngDeathTest, IsEmptyWhereLayersFindNoMemory) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto compose = [] {
+        Composition composition = plainComposition(BackgroundType::gradient);
+        composition.image = QImage(30'000, 8, QImage::Format_ARGB32_Premultiplied);
+        composition.image.fill(Qt::red);
+        composition.config.padding = 0;
+        // Where the picture's columns are read from takes megabytes.
+        limitMemoryTo(rlim_t(1) << 20);
+        const auto file = composedPng(composition);
+        std::_Exit(file && file->isEmpty() ? 0 : 1);
+    };
+    EXPECT_EXIT(compose(), testing::ExitedWithCode(0), "");
+}
 #endif
 
 } // namespace
