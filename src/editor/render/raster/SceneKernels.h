@@ -21,7 +21,8 @@ struct SceneRow {
     const std::uint8_t* alike = nullptr;
 
     static constexpr std::size_t strip = 8;
-    static constexpr std::size_t stripesSlack = strip;
+    /// The last strip may begin at the last pixel, and its last pixels are read with a strip behind them.
+    static constexpr std::size_t stripesSlack = 2 * strip;
 };
 
 /// The colours of the scene. `opacity` is that of the stripes, in 32767ths; the tint's is in its colours.
