@@ -5,6 +5,7 @@
 #include <QSGRendererInterface>
 #include <QSGTexture>
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace framora {
@@ -73,12 +74,27 @@ QRect CanvasFrame::used(const QImage& frame, QRect part) {
     return left < right ? QRect(left, top, right - left, bottom - top) : QRect();
 }
 
-void CanvasFrame::chooseStill(const LivePicture& picture) {
+QRect CanvasFrame::onWholePoints(const QRect& part, double ratio) {
+    // How many pixels are the fewest whole points.
+    constexpr int most = 64;
+    int step = 1;
+    while (step <= most && std::abs(step / ratio - std::round(step / ratio)) > 1e-6)
+        ++step;
+    if (step > most || part.isEmpty())
+        return {};
+    const auto up = [step](int edge) { return (edge + step - 1) / step * step; };
+    const auto down = [step](int edge) { return edge / step * step; };
+    const QPoint corner(up(part.x()), up(part.y()));
+    const QPoint end(down(part.x() + part.width()), down(part.y() + part.height()));
+    return QRect(corner, QSize(std::max(0, end.x() - corner.x()), std::max(0, end.y() - corner.y())));
+}
+
+void CanvasFrame::chooseStill(const LivePicture& picture, double ratio) {
     if (!m_opaque.contains(m_still) || picture.hasChanged(m_still))
         m_still = {};
     if (!picture.hasChanged(m_opaque))
         return;
-    const QRect best = picture.unchanged() & m_opaque;
+    const QRect best = onWholePoints(picture.unchanged() & m_opaque, ratio);
     // Another division has all of it drawn again.
     constexpr int worth = 4; // a quarter of it more
     if (areaOf(best) > areaOf(m_still) + (m_still.isEmpty() ? 0 : areaOf(m_opaque) / worth))
@@ -110,8 +126,8 @@ void CanvasFrame::show(QQuickWindow& window, const LivePicture& picture, const Q
         m_frame = frame;
         m_ratio = ratio;
     }
-    m_opaque = opaque & frame.rect();
-    chooseStill(picture);
+    m_opaque = onWholePoints(opaque & frame.rect(), ratio);
+    chooseStill(picture, ratio);
     const std::array<QRect, partCount> places = areas(frame.rect());
     for (std::size_t i = 0; i < partCount; ++i) {
         Part& part = m_parts[i];

@@ -31,6 +31,10 @@ public:
 
     /// The smallest rectangle inside `part` that holds all of its pixels that are not transparent.
     static QRect used(const QImage& frame, QRect part);
+    /// The largest rectangle inside `part`, in pixels, whose edges lie on whole points at `ratio` pixels a
+    /// point; empty where there is none. The software renderer counts what it draws again in whole points: of
+    /// two parts that meet between them it leaves a row as it was, and puts shadows above it there once more.
+    static QRect onWholePoints(const QRect& part, double ratio);
 
 private:
     /// The opaque parts, then what is above, below, left and right of them.
@@ -43,7 +47,7 @@ private:
     };
 
     /// Chooses the part of what is opaque that shall not be drawn again when the rest is.
-    void chooseStill(const LivePicture& picture);
+    void chooseStill(const LivePicture& picture, double ratio);
     std::array<QRect, partCount> areas(const QRect& whole) const;
 
     QImage m_frame; ///< Outlives the textures, which use its memory.

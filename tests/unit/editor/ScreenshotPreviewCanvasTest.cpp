@@ -286,6 +286,17 @@ TEST_F(Canvas, IsSeenInItsPlaceWhenPartsOfItComeLater) {
     }
 }
 
+TEST(CanvasFrame, DividesAPictureOnWholePointsOnly) {
+    const QRect part(QPoint(7, 64), QPoint(200, 288));
+    EXPECT_EQ(CanvasFrame::onWholePoints(part, 1), part);
+    EXPECT_EQ(CanvasFrame::onWholePoints(part, 2), QRect(QPoint(8, 64), QPoint(199, 287)));
+    EXPECT_EQ(CanvasFrame::onWholePoints(part, 1.25), QRect(QPoint(10, 65), QPoint(199, 284)));
+    EXPECT_EQ(CanvasFrame::onWholePoints(part, 1.5), QRect(QPoint(9, 66), QPoint(200, 287)));
+    EXPECT_TRUE(CanvasFrame::onWholePoints(QRect(6, 6, 3, 30), 1.25).isEmpty());
+    EXPECT_TRUE(CanvasFrame::onWholePoints(QRect(), 1.25).isEmpty());
+    EXPECT_TRUE(CanvasFrame::onWholePoints(part, 1.0001).isEmpty());
+}
+
 TEST(CanvasFrame, TakesNoMoreOfAPictureThanShowsSomething) {
     QImage frame(40, 30, QImage::Format_ARGB32_Premultiplied);
     frame.fill(Qt::transparent);
