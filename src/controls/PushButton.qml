@@ -1,16 +1,13 @@
 // qmllint disable unqualified deferred-property-id
 import QtQuick
-import QtQuick.Templates as T
 import Framora.Controls
 
 /// A button with an optional symbol and a caption; `primary` is the one that carries the accent.
-T.AbstractButton {
+Pressable {
     id: control
 
     property string symbol: ""
-    property string help: ""
     property string accessibleName: text
-    property string shortcut: "" ///< Shown with the help.
     property bool primary: false
     /// For a button that stands on the window's ground.
     property bool raised: false
@@ -20,14 +17,8 @@ T.AbstractButton {
 
     implicitHeight: 32
     implicitWidth: compact ? 40 : Math.ceil(row.implicitWidth) + (symbol !== "" ? 26 : 24)
-    hoverEnabled: true
-    focusPolicy: Qt.TabFocus
     opacity: enabled ? 1 : 0.4
     Accessible.name: accessibleName
-    Keys.onReturnPressed: control.clicked()
-    Keys.onEnterPressed: control.clicked()
-    Accessible.role: Accessible.Button
-    Accessible.onPressAction: control.clicked()
 
     contentItem: Item {
         Row {
@@ -61,16 +52,5 @@ T.AbstractButton {
         outline: control.raised && !control.primary && !Theme.dark ? Theme.outline : "transparent"
         Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
         FocusRing { shown: control.visualFocus }
-    }
-
-    HoverHandler { id: hover }
-    Loader {
-        active: (hover.hovered || control.visualFocus) && control.help !== ""
-        sourceComponent: HelpTip {
-            parent: control
-            text: control.help
-            shortcut: control.shortcut
-            visible: !control.pressed
-        }
     }
 }

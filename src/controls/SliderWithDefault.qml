@@ -34,7 +34,8 @@ Item {
     readonly property bool isDefault: value === defaultValue
 
     function reset(): void {
-        moved(defaultValue);
+        if (resettable)
+            moved(defaultValue);
     }
     function moveTo(wanted: double): void {
         if (wanted !== value)
@@ -87,7 +88,15 @@ Item {
             if (enabled && Math.abs(value - bound) > 1e-9)
                 control.moveTo(SliderValueText.fit(value, from, to, control.step));
         }
+        // While the pointer holds the handle, the keys are the hold's: undo would pull the value from under it.
+        Keys.onShortcutOverride: event => event.accepted = mouse.pressed
         Keys.onPressed: event => {
+            if (mouse.pressed) {
+                event.accepted = true;
+                if (event.key === Qt.Key_Escape)
+                    mouse.takeBack();
+                return;
+            }
             event.accepted = keyPressed(event);
             // Whoever goes on with the keyboard sees where it is.
             if (event.accepted)
@@ -134,6 +143,23 @@ Item {
                 return false;
             control.startTyping(event.text);
             return true;
+        }
+
+        onActiveFocusChanged: if (!activeFocus) secondPress.finish()
+        /// Runs while a click may still become a double click.
+        Timer {
+            id: secondPress
+
+            readonly property var hints: Qt.styleHints
+
+            function finish(): void {
+                if (running)
+                    control.editFinished();
+                stop();
+            }
+
+            interval: hints.mouseDoubleClickInterval
+            onTriggered: control.editFinished()
         }
 
         background: Item {
@@ -189,6 +215,8 @@ Item {
             property real grabOffset: 0
             property real pressedAt: 0
             property bool follows: false
+            property bool isHeld: false ///< Until the release, or until Escape takes the hold back.
+            property double valueBefore: 0
 
             function pointTo(x: real): void {
                 const part = Math.max(0, Math.min(1, (x - grabOffset - 8) / (width - 16)));
@@ -196,12 +224,34 @@ Item {
                                                    control.to, control.step));
             }
 
+            /// The value is again what it was before the hold.
+            function takeBack(): void {
+                if (!isHeld)
+                    return;
+                control.moveTo(valueBefore);
+                letGo();
+            }
+            function letGo(): void {
+                if (isHeld)
+                    control.editFinished();
+                isHeld = false;
+                follows = false;
+            }
+
             anchors.fill: parent
             hoverEnabled: true
             preventStealing: true
             onPressed: event => {
                 slider.forceActiveFocus(Qt.MouseFocusReason);
-                control.editStarted();
+                // A double click on the track is one edit: what its first click did is no place to go back to.
+                if (secondPress.running && Math.abs(event.x - pressedAt) <= 5) {
+                    secondPress.stop();
+                } else {
+                    secondPress.finish();
+                    valueBefore = control.value;
+                    control.editStarted();
+                }
+                isHeld = true;
                 const offset = event.x - slider.handle.x - 8;
                 follows = Math.abs(offset) > 9;
                 grabOffset = follows ? 0 : offset;
@@ -211,12 +261,20 @@ Item {
             }
             onPositionChanged: event => {
                 // A shaking hand is no drag: a double click on the handle must not move it.
-                follows = follows || (pressed && Math.abs(event.x - pressedAt) > 2);
-                if (pressed && follows)
+                follows = isHeld && (follows || Math.abs(event.x - pressedAt) > 2);
+                if (follows)
                     pointTo(event.x);
             }
-            onReleased: control.editFinished()
-            onCanceled: control.editFinished()
+            onReleased: event => {
+                if (isHeld && Math.abs(event.x - pressedAt) <= 2) {
+                    isHeld = false;
+                    follows = false;
+                    secondPress.restart();
+                } else {
+                    letGo();
+                }
+            }
+            onCanceled: letGo()
             onDoubleClicked: {
                 follows = false;
                 control.reset();

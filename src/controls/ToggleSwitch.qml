@@ -13,6 +13,9 @@ T.Switch {
     opacity: enabled ? 1 : 0.4
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
+    // A held key comes as presses and releases, and each release would switch.
+    Keys.onPressed: event => event.accepted = event.key === Qt.Key_Space && event.isAutoRepeat
+    Keys.onReleased: event => event.accepted = event.key === Qt.Key_Space && event.isAutoRepeat
 
     indicator: RoundedBox {
         width: 40

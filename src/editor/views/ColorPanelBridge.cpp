@@ -143,6 +143,11 @@ void ColorPanelBridge::write() {
 void ColorPanelBridge::follow() {
     if (!isOpen() || m_isWriting)
         return;
+    // Undo and presets take the third colour away as well.
+    if (m_field == u"gradientConfig.color3" && !m_viewModel.config().gradientConfig.useThreeColors) {
+        close();
+        return;
+    }
     // A colour that a preset has cleared leaves the panel where it is.
     const QColor current = currentColor(m_field);
     if (current.alpha() > 0 && current.rgb() != color().rgb()) {

@@ -40,8 +40,8 @@ ChoiceGroup {
                 Accessible.onPressAction: swatch.clicked()
                 onActiveFocusChanged: if (activeFocus) choices.entered(index)
                 onClicked: choices.bridge.setColor(modelData)
-                Keys.onReturnPressed: swatch.clicked()
-                Keys.onEnterPressed: swatch.clicked()
+                Keys.onReturnPressed: event => { if (!event.isAutoRepeat) swatch.clicked(); }
+                Keys.onEnterPressed: event => { if (!event.isAutoRepeat) swatch.clicked(); }
                 background: Item {
                     GradientSwatch {
                         anchors.fill: parent

@@ -1,10 +1,9 @@
 import QtQuick
-import QtQuick.Templates as T
 import Framora.Controls
 import Framora.Editor
 
 /// The colour of one field; it opens the colour panel when it is pressed, and a ring marks the one being edited.
-T.AbstractButton {
+Pressable {
     id: control
 
     required property string field
@@ -14,12 +13,6 @@ T.AbstractButton {
 
     implicitWidth: 44
     implicitHeight: 28
-    hoverEnabled: true
-    focusPolicy: Qt.TabFocus
-    Keys.onReturnPressed: control.clicked()
-    Keys.onEnterPressed: control.clicked()
-    Accessible.role: Accessible.Button
-    Accessible.onPressAction: control.clicked()
     Accessible.name: text
     Accessible.description: swatch.a === 0 ? "" : swatch.toString()
     onClicked: editing ? colorPanel.close() : colorPanel.open(field, visualFocus ? control : null)

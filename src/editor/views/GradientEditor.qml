@@ -52,11 +52,7 @@ Column {
             anchors.right: parent.right
             text: editor.three ? "Use 2 colors" : "Use 3 colors"
             symbol: editor.three ? "2.circle.fill" : "3.circle.fill"
-            onClicked: {
-                if (editor.colorPanel.field === "gradientConfig.color3")
-                    editor.colorPanel.close();
-                editor.viewModel.set("gradientConfig.useThreeColors", !editor.three);
-            }
+            onClicked: editor.viewModel.set("gradientConfig.useThreeColors", !editor.three)
         }
     }
     StyleSlider {

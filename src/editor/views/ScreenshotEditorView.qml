@@ -159,6 +159,18 @@ Item {
     }
     ResizeMargins { anchors.fill: parent }
 
+    // A press beside what is being typed ends it, before whatever is pressed acts.
+    Item {
+        anchors.fill: parent
+        PointHandler {
+            acceptedButtons: Qt.AllButtons
+            onActiveChanged: {
+                const typing = root.Window.activeFocusItem;
+                if (active && shortcuts.editingText && !typing.contains(typing.mapFromItem(root, point.position)))
+                    detail.forceActiveFocus(Qt.OtherFocusReason);
+            }
+        }
+    }
     EditorShortcuts {
         id: shortcuts
         session: root.session

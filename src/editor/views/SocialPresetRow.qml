@@ -22,8 +22,8 @@ T.RadioButton {
     Accessible.name: platform + " " + modelData.name
     Accessible.description: modelData.ratio + ", " + size.text
     onActiveFocusChanged: if (activeFocus) group.entered(index)
-    Keys.onReturnPressed: control.clicked()
-    Keys.onEnterPressed: control.clicked()
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
 
     contentItem: Item {
         SymbolIcon {

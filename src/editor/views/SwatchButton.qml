@@ -24,8 +24,8 @@ T.RadioButton {
     Accessible.onPressAction: control.clicked()
     Accessible.name: caption !== "" ? caption : text
     onActiveFocusChanged: if (activeFocus) group.entered(index)
-    Keys.onReturnPressed: control.clicked()
-    Keys.onEnterPressed: control.clicked()
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
 
     contentItem: Item {
         Text {

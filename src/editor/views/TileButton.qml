@@ -1,23 +1,16 @@
 // qmllint disable unqualified deferred-property-id
 import QtQuick
-import QtQuick.Templates as T
 import Framora.Controls
 
 /// A button among swatches, of their size: a symbol on the tile and the text below it.
-T.AbstractButton {
+Pressable {
     id: control
 
     required property string symbol
 
     implicitWidth: 48
     implicitHeight: 64
-    hoverEnabled: true
-    focusPolicy: Qt.TabFocus
-    Keys.onReturnPressed: control.clicked()
-    Keys.onEnterPressed: control.clicked()
-    Accessible.role: Accessible.Button
     Accessible.name: text
-    Accessible.onPressAction: control.clicked()
 
     contentItem: Item {
         SymbolIcon {

@@ -18,8 +18,8 @@ T.RadioButton {
     Accessible.onToggleAction: control.clicked()
     Accessible.onPressAction: control.clicked()
     Accessible.name: text
-    Keys.onReturnPressed: control.clicked()
-    Keys.onEnterPressed: control.clicked()
+    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
+    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
     // The grid's own steps to a neighbour count as the keyboard's.
     onActiveFocusChanged: if (activeFocus) focusReason = Qt.TabFocusReason
 

@@ -1,0 +1,210 @@
+#include "unit/editor/EditorWindowFixture.h"
+
+#include "editor/model/ScreenshotEditorViewModel.h"
+
+#include <QTest>
+
+namespace framora {
+namespace {
+
+/// The sidebar's controls under keys and pointer, and what undo makes of it.
+class EditorSidebarInput : public EditorWindow {
+public:
+    void openAppearance() {
+        editor.open(picture(200, 100));
+        window().requestActivate();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
+        queue.advance(0.2);
+        session().setProperty("selectedTab", 0);
+        QTest::qWait(50);
+    }
+    ScreenshotEditorViewModel& model() { return *session().viewModel(); }
+    double radius() { return model().config().borderRadius; }
+    QQuickItem* item(const char* name) { return find(window().contentItem(), QLatin1String(name)); }
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(&window(), key, modifiers);
+    }
+    /// A place on the slider of the corners' radius, from 0 at its left end to 1.
+    QPoint onTrack(double part) {
+        QQuickItem* slider = item("borderRadius.slider");
+        EXPECT_NE(slider, nullptr);
+        return slider->mapToScene({part * slider->width(), slider->height() / 2}).toPoint();
+    }
+    QPoint centreOf(const char* name) {
+        QQuickItem* found = item(name);
+        EXPECT_NE(found, nullptr) << name;
+        return found->mapToScene({found->width() / 2, found->height() / 2}).toPoint();
+    }
+    void click(const char* name) { QTest::mouseClick(&window(), Qt::LeftButton, {}, centreOf(name)); }
+    /// As a desktop tells of a key that stays down: pairs of a release and a press.
+    void holdKey(Qt::Key key, const QString& text, int repeats = 4) {
+        QTest::keyPress(&window(), key);
+        for (int i = 0; i < repeats; ++i)
+            for (const auto type : {QEvent::KeyRelease, QEvent::KeyPress}) {
+                QKeyEvent repeat(type, key, {}, text, true);
+                QCoreApplication::sendEvent(&window(), &repeat);
+            }
+        QTest::keyRelease(&window(), key);
+    }
+
+private:
+    static QQuickItem* find(QQuickItem* parent, const QString& name) {
+        for (QQuickItem* child : parent->childItems()) {
+            if (child->objectName() == name)
+                return child;
+            if (QQuickItem* found = find(child, name))
+                return found;
+        }
+        return nullptr;
+    }
+};
+
+TEST_F(EditorSidebarInput, AKeyThatIsHeldPressesAButtonOnce) {
+    openAppearance();
+    for (const double padding : {10.0, 20.0, 30.0, 40.0, 50.0}) {
+        ScreenshotStyleConfig config = model().config();
+        config.padding = padding;
+        model().setConfig(config);
+    }
+    item("undo")->forceActiveFocus(Qt::TabFocusReason);
+    holdKey(Qt::Key_Return, QStringLiteral("\r"));
+    EXPECT_EQ(model().config().padding, 40);
+    holdKey(Qt::Key_Space, QStringLiteral(" "));
+    EXPECT_EQ(model().config().padding, 30);
+}
+
+TEST_F(EditorSidebarInput, AKeyThatIsHeldOpensTheColorPanelOnce) {
+    openAppearance();
+    model().set(QStringLiteral("mockupStyle"), QStringLiteral("border"));
+    QTest::qWait(50);
+    QQuickItem* well = item("borderColor.well");
+    ASSERT_NE(well, nullptr);
+    // An even number of presses would close it again.
+    for (const auto& [key, text] :
+         {std::pair(Qt::Key_Return, QStringLiteral("\r")), std::pair(Qt::Key_Space, QStringLiteral(" "))}) {
+        session().colorPanel()->close();
+        well->forceActiveFocus(Qt::MouseFocusReason);
+        holdKey(key, text, 3);
+        EXPECT_TRUE(session().colorPanel()->isOpen());
+    }
+}
+
+TEST_F(EditorSidebarInput, EscapeTakesBackWhatAHeldSliderHasMoved) {
+    openAppearance();
+    const double before = radius();
+    QTest::mousePress(&window(), Qt::LeftButton, {}, onTrack(0.8));
+    ASSERT_NE(radius(), before);
+    key(Qt::Key_Escape);
+    QCoreApplication::processEvents();
+    ASSERT_NE(editor.editorWindow(), nullptr) << "the hold was there to be left first";
+    EXPECT_EQ(radius(), before);
+    QTest::mouseMove(&window(), onTrack(0.3));
+    EXPECT_EQ(radius(), before) << "the pointer has let go";
+    QTest::mouseRelease(&window(), Qt::LeftButton, {}, onTrack(0.3));
+    EXPECT_FALSE(model().canUndo());
+}
+
+TEST_F(EditorSidebarInput, UndoWaitsForTheEndOfAHold) {
+    openAppearance();
+    const double first = radius();
+    model().set(QStringLiteral("padding"), 33.0);
+    QTest::mousePress(&window(), Qt::LeftButton, {}, onTrack(0.8));
+    const double held = radius();
+    ASSERT_NE(held, first);
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(radius(), held);
+    QTest::mouseRelease(&window(), Qt::LeftButton, {}, onTrack(0.8));
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(radius(), first);
+    EXPECT_EQ(model().config().padding, 33);
+}
+
+TEST_F(EditorSidebarInput, ADoubleClickOnTheTrackIsUndoneInOneStep) {
+    openAppearance();
+    const double standard = radius();
+    ScreenshotStyleConfig config = model().config();
+    config.borderRadius = 31;
+    model().setConfig(config);
+    QTest::mouseClick(&window(), Qt::LeftButton, {}, onTrack(0.2));
+    QTest::mouseDClick(&window(), Qt::LeftButton, {}, onTrack(0.2));
+    ASSERT_EQ(radius(), standard);
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(radius(), 31);
+    key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(radius(), standard);
+}
+
+TEST_F(EditorSidebarInput, TwoClicksFarApartAreTwoSteps) {
+    openAppearance();
+    QTest::mouseClick(&window(), Qt::LeftButton, {}, onTrack(0.2));
+    const double first = radius();
+    QTest::mouseClick(&window(), Qt::LeftButton, {}, onTrack(0.8));
+    ASSERT_NE(radius(), first);
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(radius(), first);
+}
+
+TEST_F(EditorSidebarInput, APressElsewhereTakesWhatWasTypedBeforeItActs) {
+    openAppearance();
+    model().set(QStringLiteral("padding"), 33.0);
+    const double before = radius();
+    click("borderRadius.text");
+    for (const auto digit : {Qt::Key_3, Qt::Key_5})
+        key(digit);
+    ASSERT_EQ(radius(), before);
+    click("undo");
+    EXPECT_FALSE(window().activeFocusItem()->inherits("QQuickTextInput"));
+    EXPECT_EQ(radius(), before) << "the typed number is what the click undid";
+    EXPECT_EQ(model().config().padding, 33);
+    key(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(radius(), 35);
+}
+
+TEST_F(EditorSidebarInput, APressIntoTheFieldGoesOnTyping) {
+    openAppearance();
+    click("borderRadius.text");
+    ASSERT_TRUE(window().activeFocusItem()->inherits("QQuickTextInput"));
+    click("borderRadius.text");
+    EXPECT_TRUE(window().activeFocusItem()->inherits("QQuickTextInput"));
+}
+
+TEST_F(EditorSidebarInput, TheColorPanelClosesWhenUndoTakesItsColorAway) {
+    openAppearance();
+    model().set(QStringLiteral("gradientConfig.useThreeColors"), true);
+    session().colorPanel()->open(QStringLiteral("gradientConfig.color3"));
+    model().undo();
+    EXPECT_FALSE(session().colorPanel()->isOpen());
+}
+
+TEST_F(EditorSidebarInput, EverySliderShowsItsValueInItsForm) {
+    openAppearance();
+    model().set(QStringLiteral("mockupStyle"), QStringLiteral("border"));
+    struct Shown {
+        int tab;
+        const char* field;
+        const char* text;
+        double boxWidth; ///< Wider where there is a unit.
+    };
+    for (const Shown& shown : {Shown{0, "mockupBorderSize", "3.0", 28}, Shown{0, "borderRadius", "20", 28},
+                               Shown{1, "gradientConfig.saturation", "100%", 36},
+                               Shown{1, "gradientConfig.brightness", "100%", 36},
+                               Shown{2, "padding", "80", 28}, Shown{2, "imageScale", "100%", 36}}) {
+        session().setProperty("selectedTab", shown.tab);
+        QTest::qWait(20);
+        QQuickItem* text = item((std::string(shown.field) + ".text").c_str());
+        ASSERT_NE(text, nullptr) << shown.field;
+        EXPECT_EQ(text->property("text").toString(), QLatin1String(shown.text)) << shown.field;
+        EXPECT_EQ(text->width(), shown.boxWidth) << shown.field;
+    }
+}
+
+TEST_F(EditorSidebarInput, TheHeadersCommandsSayWhatTheyDo) {
+    openAppearance();
+    EXPECT_EQ(item("zoom.in")->property("help").toString(), QStringLiteral("Zoom In"));
+    EXPECT_EQ(item("zoom.out")->property("help").toString(), QStringLiteral("Zoom Out"));
+    EXPECT_EQ(item("reset.disposition")->property("help").toString(), QStringLiteral("Reset Disposition"));
+    EXPECT_EQ(item("share")->property("text").toString(), QStringLiteral("Share"));
+}
+
+} // namespace
+} // namespace framora
