@@ -29,22 +29,12 @@ T.Control {
     }
 
     background: Item {
-        Rectangle {
+        GradientSwatch {
             anchors.fill: parent
             radius: Theme.radius
-            gradient: Gradient {
-                orientation: Gradient.Horizontal
-                GradientStop { position: 0; color: "#ffffff" }
-                GradientStop { position: 1; color: Qt.hsva(field.bridge.hue, 1, 1, 1) }
-            }
-        }
-        Rectangle {
-            anchors.fill: parent
-            radius: Theme.radius
-            gradient: Gradient {
-                GradientStop { position: 0; color: "#00000000" }
-                GradientStop { position: 1; color: "#ff000000" }
-            }
+            angle: 90
+            colors: ["#ffffff", Qt.hsva(field.bridge.hue, 1, 1, 1)]
+            shade: "#000000"
         }
         FocusRing { shown: field.visualFocus }
     }

@@ -58,6 +58,17 @@ void GradientSwatch::paint(QPainter* painter) {
             gradient.setColorAt(double(i) / double(m_colors.size() - 1), m_colors[i]);
         painter->fillPath(shape, gradient);
     }
+    if (m_shade.isValid()) {
+        QLinearGradient gradient(rect.topLeft(), rect.bottomLeft());
+        QColor clear = m_shade;
+        clear.setAlpha(0);
+        gradient.setColorAt(0, clear);
+        gradient.setColorAt(1, m_shade);
+        // Only where the colours are: a second soft edge would let them show around it.
+        painter->setCompositionMode(QPainter::CompositionMode_SourceAtop);
+        painter->fillRect(rect, gradient);
+        painter->setCompositionMode(QPainter::CompositionMode_SourceOver);
+    }
     if (m_outline.isValid()) {
         painter->setPen(QPen(m_outline, 1));
         painter->drawRoundedRect(rect.adjusted(0.5, 0.5, -0.5, -0.5), m_radius - 0.5, m_radius - 0.5);

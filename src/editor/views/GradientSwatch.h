@@ -16,6 +16,8 @@ class GradientSwatch : public QQuickPaintedItem {
     Q_PROPERTY(double angle MEMBER m_angle NOTIFY changed)
     Q_PROPERTY(double radius MEMBER m_radius NOTIFY changed)
     Q_PROPERTY(QColor outline MEMBER m_outline NOTIFY changed)
+    /// What the colours go over into from top to bottom; invalid is nothing.
+    Q_PROPERTY(QColor shade MEMBER m_shade NOTIFY changed)
 
 public:
     explicit GradientSwatch(QQuickItem* parent = nullptr);
@@ -29,6 +31,7 @@ private:
     double m_angle = 135; ///< Degrees, 0 points up, clockwise.
     double m_radius = 8;
     QColor m_outline;
+    QColor m_shade;
 };
 
 } // namespace framora

@@ -27,7 +27,7 @@ DropArea {
         border.color: Theme.accent
         radius: area.radius
 
-        Rectangle {
+        RoundedBox {
             // Two rows of thumbnails would vanish behind it.
             visible: area.height > 160
             anchors.centerIn: parent

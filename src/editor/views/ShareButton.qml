@@ -35,7 +35,7 @@ Item {
             font.family: Theme.fontFamily
             font.pixelSize: 13
         }
-        background: Rectangle {
+        background: RoundedBox {
             radius: 6
             color: entry.highlighted ? Theme.accent : "transparent"
         }
@@ -98,10 +98,10 @@ Item {
             currentIndex: menu.currentIndex
             interactive: false
         }
-        background: Rectangle {
+        background: RoundedBox {
             radius: Theme.cardRadius - 2
             color: Theme.card
-            border.color: Theme.outline
+            outline: Theme.outline
             SoftShadow { radius: parent.radius }
         }
         enter: Transition {

@@ -32,10 +32,10 @@ T.AbstractButton {
         font.pixelSize: 12
         font.weight: Font.Medium
     }
-    background: Rectangle {
+    background: RoundedBox {
         radius: height / 2
         color: control.pressed ? Theme.pressedFill : control.hovered ? Theme.card : Theme.surface
-        border.color: Theme.hairline
+        outline: Theme.hairline
         Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
         FocusRing { radius: parent.height / 2 + 3; shown: control.visualFocus }
     }

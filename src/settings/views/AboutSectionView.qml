@@ -73,7 +73,7 @@ Section {
             onClicked: section.about.copy()
         }
     }
-    Rectangle {
+    RoundedBox {
         width: parent.width
         height: details.implicitHeight + 24
         radius: Theme.radius

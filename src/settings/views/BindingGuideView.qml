@@ -4,7 +4,7 @@ import Framora.Controls
 import Framora.Settings
 
 /// What to put into the desktop's own keyboard settings, line by line, ready to be copied.
-Rectangle {
+RoundedBox {
     id: guide
 
     required property ShortcutBinding binding

@@ -49,22 +49,22 @@ T.AbstractButton {
     property bool returnIsDown: false
 
     background: Item {
-        // The well that the row lies in.
-        Rectangle {
+        // Where to click, on a ground that the row's own border does not show on.
+        RoundedBox {
             anchors.fill: parent
-            radius: 12
-            color: Theme.fill
-            opacity: row.hovered && !row.isActive ? 0.9 : 0.55
-            Behavior on opacity { NumberAnimation { duration: Theme.shortMotion } }
+            anchors.margins: -1
+            radius: 13
+            color: row.hovered && !row.isActive ? Theme.fill : "transparent"
+            outline: row.isActive || Theme.dark ? "transparent" : Theme.outline
+            Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
         }
-        Rectangle {
+        RoundedBox {
             anchors.fill: parent
             radius: 12
             color: row.mix(Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0),
                            Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.2))
-            border.width: 1
-            border.color: row.mix(Qt.rgba(1, 1, 1, 0.1),
-                                  Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.5))
+            outline: row.mix(Qt.rgba(1, 1, 1, 0.1),
+                             Qt.rgba(Theme.accent.r, Theme.accent.g, Theme.accent.b, 0.5))
         }
         FocusRing { radius: 15; shown: row.visualFocus && !row.isActive }
     }

@@ -2,7 +2,7 @@ import QtQuick
 import Framora.Controls
 
 /// The cap of one key.
-Rectangle {
+RoundedBox {
     id: cap
 
     required property string text
@@ -10,16 +10,15 @@ Rectangle {
     width: Math.max(48, label.implicitWidth + 24)
     height: 48
     radius: 9
-    color: Theme.raised
-    border.color: Theme.raisedOutline
+    color: Theme.raisedOutline
 
-    // The cap's front edge.
-    Rectangle {
-        x: 6
-        y: parent.height - 3
-        width: parent.width - 12
-        height: 1
-        color: Theme.outline
+    // The cap's top; what it leaves below is the front edge.
+    RoundedBox {
+        anchors.fill: parent
+        anchors.margins: 1
+        anchors.bottomMargin: 3
+        radius: 8
+        color: Theme.raised
     }
     Text {
         id: label

@@ -45,7 +45,7 @@ Flickable {
     T.ScrollBar.vertical: T.ScrollBar {
         id: bar
         padding: 3
-        contentItem: Rectangle {
+        contentItem: RoundedBox {
             implicitWidth: 6
             radius: 3
             color: Theme.tertiaryText

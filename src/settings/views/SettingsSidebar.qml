@@ -66,7 +66,7 @@ Rectangle {
                         font.weight: entry.current ? Font.DemiBold : Font.Medium
                     }
                 }
-                background: Rectangle {
+                background: RoundedBox {
                     radius: Theme.radius
                     color: entry.current ? Theme.accentTint
                          : entry.pressed ? Theme.pressedFill : entry.hovered ? Theme.hoverFill : "transparent"
