@@ -1,6 +1,7 @@
 #include "unit/editor/EditorWindowFixture.h"
 
 #include "editor/model/ScreenshotEditorViewModel.h"
+#include "support/ShownItems.h"
 
 #include <QTest>
 
@@ -204,6 +205,22 @@ TEST_F(EditorSidebarInput, TheHeadersCommandsSayWhatTheyDo) {
     EXPECT_EQ(item("zoom.out")->property("help").toString(), QStringLiteral("Zoom Out"));
     EXPECT_EQ(item("reset.disposition")->property("help").toString(), QStringLiteral("Reset Disposition"));
     EXPECT_EQ(item("share")->property("text").toString(), QStringLiteral("Share"));
+    for (const auto& [name, symbol] : {std::pair{"sidebar.toggle", "sidebar.left"},
+                                       {"zoom.in", "plus.magnifyingglass"},
+                                       {"zoom.out", "minus.magnifyingglass"},
+                                       {"reset.disposition", "arrow.counterclockwise"},
+                                       {"share", "square.and.arrow.up"}})
+        EXPECT_EQ(item(name)->property("symbol").toString(), QLatin1String(symbol)) << name;
+}
+
+TEST_F(EditorSidebarInput, TheTabsAndTheKindsOfBackgroundHaveTheirSymbols) {
+    openAppearance();
+    EXPECT_EQ(shownTexts(*item("tabs")).join(u' '), QStringLiteral("Appearance Background Layout"));
+    EXPECT_EQ(shownSymbols(*item("tabs")).join(u' '), QStringLiteral("paintbrush photo square.on.square"));
+    session().setProperty("selectedTab", 1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return item("backgroundType"); }));
+    EXPECT_EQ(shownSymbols(*item("backgroundType")).join(u' '),
+              QStringLiteral("checkerboard.rectangle drop.fill circle.lefthalf.filled photo"));
 }
 
 } // namespace

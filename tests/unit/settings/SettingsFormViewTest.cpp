@@ -1,6 +1,8 @@
+#include "platform/Localized.h"
 #include "settings/Settings.h"
 #include "settings/window/QuickSettingsWindow.h"
 #include "support/SettingsPlatform.h"
+#include "support/ShownItems.h"
 
 #include <QQuickItem>
 #include <QQuickView>
@@ -26,6 +28,17 @@ protected:
         return *found;
     }
     Settings stored() { return Settings::load(platform.defaults); }
+    void record(const char* row) {
+        item(row).forceActiveFocus(Qt::TabFocusReason);
+        press(Qt::Key_Space);
+    }
+    /// What is drawn below the row's keys.
+    QQuickItem& ground(const char* row) {
+        for (QQuickItem* part : item(row).property("background").value<QQuickItem*>()->childItems())
+            if (part->property("radius").toDouble() == 12)
+                return *part;
+        qFatal("%s has no ground with its radius", row);
+    }
     void press(Qt::Key key) { QTest::keyClick(&window.view(), key); }
 
     SettingsPlatform platform;
@@ -51,6 +64,102 @@ TEST_F(SettingsFormView, itsSectionsStandInTheirOrder) {
         EXPECT_GT(y, above) << name;
         above = y;
     }
+}
+
+TEST_F(SettingsFormView, eachRowHasItsOwnTextsAndSymbols) {
+    struct Row {
+        const char* control;
+        QStringList texts; ///< Keys.
+        QStringList symbols;
+    };
+    const auto check = [&](const std::vector<Row>& rows) {
+        for (const Row& row : rows) {
+            // The row is the nearest ancestor that has a title.
+            QQuickItem* found = item(row.control).parentItem();
+            while (found && !found->property("title").isValid())
+                found = found->parentItem();
+            ASSERT_TRUE(found) << row.control;
+            QStringList texts;
+            for (const QString& key : row.texts)
+                texts << localized(key);
+            EXPECT_EQ(shownTexts(*found).mid(0, texts.size()), texts) << row.control;
+            EXPECT_EQ(shownSymbols(*found), row.symbols) << row.control;
+        }
+    };
+    const QString missing = QStringLiteral("exclamationmark.triangle.fill");
+    check({{"accessibility.allow", {QStringLiteral("accessibility")}, {QStringLiteral("keyboard")}},
+           {"screenRecording.allow", {QStringLiteral("screen.recording")}, {QStringLiteral("record.circle")}},
+           {"showDockIcon.switch", {QStringLiteral("show dock icon")}, {QStringLiteral("dock.rectangle")}},
+           {"copyToClipboard.switch",
+            {QStringLiteral("copy to clipboard")},
+            {QStringLiteral("doc.on.clipboard")}},
+           {"soundEnabled.switch",
+            {QStringLiteral("sound effects"), QStringLiteral("activate sound effects when capturing")},
+            {QStringLiteral("speaker.wave.2.fill")}},
+           {"captureSound",
+            {QStringLiteral("capture sound"),
+             QStringLiteral("choose a sound that will be played each time a capture is made")},
+            {QStringLiteral("music.note"), QStringLiteral("chevron.down"),
+             QStringLiteral("play.circle.fill")}}});
+    EXPECT_EQ(shownSymbols(item("accessibility")).last(), missing);
+    EXPECT_EQ(shownSymbols(item("screenRecording")).last(), missing);
+    EXPECT_EQ(item("screenRecording.granted").property("symbol").toString(),
+              QStringLiteral("checkmark.circle.fill"));
+    EXPECT_EQ(shownTexts(item("testSound")), QStringList{localized(QStringLiteral("test the sound"))});
+    EXPECT_EQ(shownSymbols(item("testSound")), QStringList{QStringLiteral("play.circle.fill")});
+    const QQuickItem& volume = *item("volume").parentItem();
+    EXPECT_EQ(shownTexts(volume).first(), localized(QStringLiteral("volume")));
+    EXPECT_EQ(shownSymbols(volume).first(), QStringLiteral("speaker.wave.1.fill"));
+
+    const QQuickItem& settingsTab = item("tab.settings");
+    EXPECT_EQ(shownTexts(settingsTab), QStringList{QStringLiteral("Settings")});
+    EXPECT_EQ(shownSymbols(settingsTab), QStringList{QStringLiteral("gearshape")});
+    const QQuickItem& aboutTab = item("tab.about");
+    EXPECT_EQ(shownTexts(aboutTab), QStringList{QStringLiteral("About")});
+    EXPECT_EQ(shownSymbols(aboutTab), QStringList{QStringLiteral("info.circle")});
+    item("tab.about").forceActiveFocus(Qt::TabFocusReason);
+    press(Qt::Key_Space);
+    check({{"version", {QStringLiteral("version")}, {QStringLiteral("info.circle")}}});
+    const QStringList about = shownSymbols(*window.view().rootObject());
+    EXPECT_TRUE(about.contains(QStringLiteral("camera.viewfinder"))) << about.join(u' ').toStdString();
+}
+
+TEST_F(SettingsFormView, theRecordersSayWhatToDo) {
+    const auto texts = [&](const char* section) { return shownTexts(item(section)); };
+    EXPECT_EQ(texts("hotKey").first(), QStringLiteral("Global Shortcut"));
+    EXPECT_TRUE(texts("hotKey").contains(
+        QStringLiteral("Click the area above then type the desired key combination")));
+    EXPECT_EQ(texts("tabCaptureHotKey").first(), QStringLiteral("Window Capture"));
+    EXPECT_TRUE(texts("tabCaptureHotKey")
+                    .contains(QStringLiteral("Configure the shortcut to capture the active window")));
+}
+
+TEST_F(SettingsFormView, aShortcutWithoutAKeyIsCaptionedUntilTheNextIsRecorded) {
+    const QQuickItem& caption = item("hotKey.caption");
+    EXPECT_FALSE(caption.isVisible());
+    platform.layout.texts = {{0, QStringLiteral("a")}};
+    record("hotKey.row");
+    platform.keys.pressHere({0, KeyModifier::command});
+    EXPECT_EQ(item("hotKey.row").property("caps").toStringList(), QStringList{QStringLiteral("⌘")});
+    EXPECT_TRUE(caption.isVisible());
+    EXPECT_EQ(caption.property("text").toString(), QStringLiteral("Modifier-only shortcut"));
+    record("hotKey.row");
+    EXPECT_FALSE(caption.isVisible());
+}
+
+TEST_F(SettingsFormView, aRowIsClearUntilItRecords) {
+    platform.appearance.reducedMotion = true;
+    platform.appearance.accent = QColor(255, 0, 51);
+    platform.notifications.post(notifications::appearanceChanged);
+    const QQuickItem& row = ground("hotKey.row");
+    const auto color = [&](const char* name) { return row.property(name).value<QColor>(); };
+    EXPECT_EQ(color("color").alpha(), 0);
+    EXPECT_EQ(color("outline"), QColor::fromRgbF(1, 1, 1, 0.1f));
+    record("hotKey.row");
+    EXPECT_EQ(color("color"), QColor::fromRgbF(1, 0, 0.2f, 0.2f));
+    EXPECT_EQ(color("outline"), QColor::fromRgbF(1, 0, 0.2f, 0.5f));
+    EXPECT_EQ(row.size(), item("hotKey.row").size());
+    EXPECT_EQ(item("hotKey.row").property("padding").toDouble(), 12);
 }
 
 TEST_F(SettingsFormView, aVolumeWithoutAResetButtonIsNotResetUnseen) {

@@ -4,6 +4,7 @@
 #include "platform/ProgramVersion.h"
 #include "settings/views/SettingsSession.h"
 #include "support/SettingsPlatform.h"
+#include "support/ShownItems.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -264,6 +265,14 @@ TEST_F(SettingsWindowTest, theAlertHasOneButtonThatPutsItAway) {
     QQuickItem* overlay = window->view().contentItem();
     const auto ok = [&]() -> QQuickItem* { return find(overlay, QStringLiteral("alert.ok")); };
     ASSERT_TRUE(QTest::qWaitFor([&] { return ok() && ok()->isVisible() && ok()->hasActiveFocus(); }));
+    const QQuickItem& alert = *ok()->parentItem()->parentItem();
+    EXPECT_EQ(
+        shownTexts(alert),
+        (QStringList{QStringLiteral("Permissions Required"),
+                     QStringLiteral("Framora needs accessibility permissions to function. Please allow the "
+                                    "app in System Settings > Privacy & Security > Accessibility."),
+                     QStringLiteral("OK")}));
+    EXPECT_EQ(shownBelow(alert, "QQuickAbstractButton", "text").size(), 1);
     press(Qt::Key_Return);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !ok() || !ok()->isVisible(); }));
     EXPECT_EQ(closings, 0);
