@@ -16,6 +16,7 @@
 #include <QTransform>
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 namespace framora {
 namespace {
@@ -65,31 +66,6 @@ QTransform toOutput(const TextOverlay& overlay, const Layout& layout, const Text
     return transform;
 }
 
-/// The text where `transform` puts it in an area of the output. Symbols may have colours of their own.
-QImage drawn(const TextOverlay& overlay, const Layout& layout, const QTransform& transform,
-             const QRect& area) {
-    QImage image(area.size(), QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    const QColor color = QColor::fromRgbF(
-        float(std::clamp(overlay.color.red, 0.0, 1.0)), float(std::clamp(overlay.color.green, 0.0, 1.0)),
-        float(std::clamp(overlay.color.blue, 0.0, 1.0)), float(std::clamp(overlay.color.alpha, 0.0, 1.0)));
-    // Strip by strip, since a row of the rasterizer's takes the square of the edges on it: half of the time.
-    // Each reads all of the text, so there are only some.
-    const int stripWidth = std::max(160, image.width() / 16 + 1);
-    for (int x = 0; x < image.width(); x += stripWidth) {
-        QImage strip(image.bits() + std::ptrdiff_t(x) * 4, std::min(stripWidth, image.width() - x),
-                     image.height(), image.bytesPerLine(), image.format());
-        QPainter painter(&strip);
-        painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
-        painter.setTransform(transform * QTransform::fromTranslate(-area.left() - x, -area.top()));
-        painter.setFont(layout.font);
-        painter.setPen(color);
-        painter.drawText(QRectF(QPointF(), layout.size), Qt::AlignLeft | Qt::AlignTop | Qt::TextDontClip,
-                         overlay.text);
-    }
-    return image;
-}
-
 /// The part of a picture where something is.
 QRect ink(const QImage& image) {
     QRect found;
@@ -107,40 +83,96 @@ QRect ink(const QImage& image) {
     return found;
 }
 
-const QRgb* pixelsOf(const QImage& image, const QRect& part, int y) {
-    return reinterpret_cast<const QRgb*>(image.constScanLine(part.top() + y)) + part.left();
+/// Nothing drawn yet. Throws std::bad_alloc: a picture without its text would be taken for the whole.
+QImage emptyImage(const QSize& size) {
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    if (image.isNull())
+        throw std::bad_alloc();
+    image.fill(Qt::transparent);
+    return image;
 }
 
-/// One channel of a part of a picture.
-AlphaPlane plane(const QImage& image, const QRect& part, int channel) {
-    AlphaPlane result(part.width(), part.height());
-    raster::parallelFor(part.height(), [&](int y) {
-        const QRgb* from = pixelsOf(image, part, y);
-        std::transform(from, from + part.width(), result.row(y), [channel](QRgb pixel) {
+/// Some pixels, and where they stand in a larger area.
+struct Piece {
+    QImage image;
+    QPoint at;
+};
+
+/// The text where `transform` puts it in an area of the output. Symbols may have colours of their own. Only
+/// what there is of it, with a margin: the rest need not be blurred nor mixed. Null for no ink at all.
+Piece drawn(const TextOverlay& overlay, const Layout& layout, const QTransform& transform, const QRect& area,
+            int margin) {
+    const QColor color = QColor::fromRgbF(
+        float(std::clamp(overlay.color.red, 0.0, 1.0)), float(std::clamp(overlay.color.green, 0.0, 1.0)),
+        float(std::clamp(overlay.color.blue, 0.0, 1.0)), float(std::clamp(overlay.color.alpha, 0.0, 1.0)));
+    // Strip by strip, since a row of the rasterizer's takes the square of the edges on it: half of the time.
+    // Each reads all of the text, so there are only some.
+    const int stripWidth = std::min(std::max(160, area.width() / 16 + 1), area.width());
+    QImage strip = emptyImage({stripWidth, area.height()});
+    std::vector<Piece> pieces;
+    QRect inked;
+    for (int x = 0; x < area.width(); x += stripWidth) {
+        strip.fill(Qt::transparent);
+        QPainter painter(&strip);
+        painter.setRenderHints(QPainter::Antialiasing | QPainter::TextAntialiasing);
+        painter.setTransform(transform * QTransform::fromTranslate(-area.left() - x, -area.top()));
+        painter.setFont(layout.font);
+        painter.setPen(color);
+        painter.drawText(QRectF(QPointF(), layout.size), Qt::AlignLeft | Qt::AlignTop | Qt::TextDontClip,
+                         overlay.text);
+        painter.end();
+        const QRect found = ink(strip);
+        if (found.isEmpty())
+            continue;
+        pieces.push_back({strip.copy(found), found.topLeft() + QPoint(x, 0)});
+        inked |= found.translated(x, 0);
+    }
+    if (inked.isEmpty())
+        return {};
+    const QRect part =
+        inked.adjusted(-margin, -margin, margin, margin).intersected(QRect(QPoint(), area.size()));
+    QImage whole = emptyImage(part.size());
+    QPainter painter(&whole);
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    for (const Piece& piece : pieces)
+        painter.drawImage(piece.at - part.topLeft(), piece.image);
+    painter.end();
+    return {whole, area.topLeft() + part.topLeft()};
+}
+
+const QRgb* pixelsOf(const QImage& image, int y) {
+    return reinterpret_cast<const QRgb*>(image.constScanLine(y));
+}
+
+/// One channel of a picture.
+AlphaPlane plane(const QImage& image, int channel) {
+    AlphaPlane result(image.width(), image.height());
+    raster::parallelFor(image.height(), [&](int y) {
+        const QRgb* from = pixelsOf(image, y);
+        std::transform(from, from + image.width(), result.row(y), [channel](QRgb pixel) {
             return std::int16_t(int(pixel >> (8 * channel) & 255u) * raster::mixStep);
         });
     });
     return result;
 }
 
-/// The letters of a part of a picture, row by row.
+/// The letters, row by row.
 class Letters {
 public:
-    Letters(const QImage& image, const QRect& part, double blur) : m_image(image), m_part(part) {
+    Letters(const QImage& image, double blur) : m_image(image) {
         for (int channel = 0; blur > 0 && channel < 4; ++channel)
-            m_blurred.push_back(plane(image, part, channel).blurred(blur));
+            m_blurred.push_back(plane(image, channel).blurred(blur));
     }
     void read(int y, raster::MixPixel* out) const {
         if (m_blurred.empty())
-            return raster::widenRow(pixelsOf(m_image, m_part, y), std::size_t(m_part.width()), out);
+            return raster::widenRow(pixelsOf(m_image, y), std::size_t(m_image.width()), out);
         for (std::size_t channel = 0; channel < m_blurred.size(); ++channel)
-            for (int x = 0; x < m_part.width(); ++x)
+            for (int x = 0; x < m_image.width(); ++x)
                 out[x].channel[channel] = m_blurred[channel].row(y)[x];
     }
 
 private:
     const QImage& m_image;
-    QRect m_part;
     std::vector<AlphaPlane> m_blurred; ///< A plane for each channel, if any.
 };
 
@@ -173,25 +205,23 @@ std::shared_ptr<const MixBuffer> textPixels(const TextOverlay& overlay, const Te
     if (area.isEmpty())
         return nullptr;
 
-    const QImage image = drawn(overlay, lines, transform, area);
-    // The letters take a part of their lines only, and what is empty need not be blurred nor mixed.
-    const QRect inked = ink(image);
-    if (inked.isEmpty())
+    const Piece text = drawn(overlay, lines, transform, area, margin);
+    const QImage& image = text.image;
+    if (image.isNull())
         return nullptr;
-    const QRect part = inked.adjusted(-margin, -margin, margin, margin).intersected(image.rect());
     // The shadow of a blurred text: two Gaussians in a row are one.
-    const AlphaPlane shadow = plane(image, part, 3).blurred(shadowBlur, {offset.x(), offset.y()});
-    const Letters letters(image, part, blur);
+    const AlphaPlane shadow = plane(image, 3).blurred(shadowBlur, {offset.x(), offset.y()});
+    const Letters letters(image, blur);
     const auto share = [](double value) { return std::int16_t(std::lround(value * raster::coverageOne)); };
     const double opacity = std::min(overlay.opacity, 1.0);
     auto pixels = std::make_shared<MixBuffer>(
-        raster::TileRect{area.left() + part.left(), area.top() + part.top(), part.width(), part.height()});
-    raster::parallelFor(part.height(), [&](int y) {
+        raster::TileRect{text.at.x(), text.at.y(), image.width(), image.height()});
+    raster::parallelFor(image.height(), [&](int y) {
         thread_local std::vector<raster::MixPixel> above;
-        above.resize(std::size_t(part.width()));
+        above.resize(std::size_t(image.width()));
         letters.read(y, above.data());
         raster::MixPixel* out = pixels->row(y);
-        std::transform(shadow.row(y), shadow.row(y) + part.width(), out,
+        std::transform(shadow.row(y), shadow.row(y) + image.width(), out,
                        [darkness = share(shadowOpacity * opacity)](std::int16_t alpha) {
                            return raster::MixPixel{{0, 0, 0, raster::mulFixed(alpha, darkness)}};
                        });
