@@ -11,6 +11,17 @@
 #include <cmath>
 
 namespace framora {
+namespace {
+
+/// The middle nearest to `middle` about which a canvas of `length` pixels is drawn pixel for pixel at 100 %:
+/// on a pixel's edge, and in a pixel where the length is odd.
+double onPixels(double middle, double length) {
+    const double whole = std::round(length);
+    const bool isOdd = std::abs(length - whole) < 1e-6 && std::fmod(whole, 2) == 1;
+    return isOdd ? std::floor(middle) + 0.5 : std::round(middle);
+}
+
+} // namespace
 
 ScreenshotPreviewCanvas::ScreenshotPreviewCanvas(QQuickItem* parent) : QQuickItem(parent) {
     setFlag(ItemHasContents);
@@ -100,20 +111,25 @@ void ScreenshotPreviewCanvas::itemChange(ItemChange change, const ItemChangeData
 void ScreenshotPreviewCanvas::drawFrame() {
     const double ratio = window()->effectiveDevicePixelRatio();
     const QSize size = (QSizeF(width(), height()) * ratio).toSize();
-    // The canvas centre on a whole pixel, so that a canvas at 100 % is drawn pixel for pixel.
-    const QPointF centre = (m_viewport.canvasCentre() * ratio).toPoint();
     Composition composition;
     composition.image = m_image;
     composition.config = m_config;
     composition.dragOffset = {m_dragOffset.width(), m_dragOffset.height()};
     composition.loadedBackgroundImage = m_loadedBackgroundImage;
-    m_rasterizer.drawInto(m_frame, composition, {size, m_viewport.zoom() * ratio, centre});
+    m_rasterizer.drawInto(m_frame, composition, {size, m_viewport.zoom() * ratio, centrePixel()});
+}
+
+QPointF ScreenshotPreviewCanvas::centrePixel() const {
+    const double ratio = window()->effectiveDevicePixelRatio();
+    const QPointF middle = m_viewport.canvasCentre() * ratio;
+    const QSizeF canvas = m_viewport.content() * ratio;
+    return {onPixels(middle.x(), canvas.width()), onPixels(middle.y(), canvas.height())};
 }
 
 QRectF ScreenshotPreviewCanvas::canvasPlace() const {
     const double ratio = window()->effectiveDevicePixelRatio();
     QRectF place({0, 0}, m_viewport.content() * ratio);
-    place.moveCenter((m_viewport.canvasCentre() * ratio).toPoint());
+    place.moveCenter(centrePixel());
     return place;
 }
 

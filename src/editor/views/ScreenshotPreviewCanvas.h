@@ -116,6 +116,8 @@ private:
     void updateCursor();
     void loadBackground();
     void drawFrame();
+    /// Where the canvas's middle lies, in device pixels of the view.
+    QPointF centrePixel() const;
     /// Where the canvas lies, in device pixels of the view.
     QRectF canvasPlace() const;
     /// The device pixels of the view that it covers.

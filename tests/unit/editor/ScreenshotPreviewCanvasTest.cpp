@@ -27,6 +27,25 @@ TEST_F(Canvas, ShowsTheCompositionAtItsZoomInTheMiddle) {
     EXPECT_EQ(grabbed.copy(inside), expected.copy(inside));
 }
 
+TEST_F(Canvas, ShowsACaptureOfAnySizePixelForPixel) {
+    // About the middle of a view of 600 x 400.
+    for (const QSize size :
+         {QSize(200, 100), QSize(201, 100), QSize(200, 101), QSize(201, 101), QSize(1, 1)}) {
+        QImage lines(size, QImage::Format_RGB32);
+        for (int y = 0; y < size.height(); ++y)
+            for (int x = 0; x < size.width(); ++x)
+                lines.setPixel(x, y, (x + y) % 2 ? qRgb(255, 255, 255) : qRgb(0, 0, 0));
+        canvas->setImage(lines);
+        set([](auto& style) {
+            style.zoom = 100;
+            style.borderRadius = 0;
+        });
+        const QImage grabbed = window.grabWindow().convertToFormat(QImage::Format_RGB32);
+        const QRect place(QPoint(300 - size.width() / 2, 200 - size.height() / 2), size);
+        EXPECT_EQ(grabbed.copy(place), lines) << size.width() << " x " << size.height();
+    }
+}
+
 TEST_F(Canvas, LoadsItsBackgroundAndClearsItWithTheUrl) {
     QTemporaryDir folder;
     QImage green(30, 30, QImage::Format_RGB32);
