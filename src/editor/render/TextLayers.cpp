@@ -83,11 +83,16 @@ QRect ink(const QImage& image) {
     return found;
 }
 
-/// Nothing drawn yet. Throws std::bad_alloc: a picture without its text would be taken for the whole.
-QImage emptyImage(const QSize& size) {
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+/// Throws std::bad_alloc for one that found no memory: a picture without its text would be taken for the
+/// whole.
+QImage held(QImage image) {
     if (image.isNull())
         throw std::bad_alloc();
+    return image;
+}
+
+QImage emptyImage(const QSize& size) {
+    QImage image = held(QImage(size, QImage::Format_ARGB32_Premultiplied));
     image.fill(Qt::transparent);
     return image;
 }
@@ -121,10 +126,11 @@ Piece drawn(const TextOverlay& overlay, const Layout& layout, const QTransform& 
         painter.drawText(QRectF(QPointF(), layout.size), Qt::AlignLeft | Qt::AlignTop | Qt::TextDontClip,
                          overlay.text);
         painter.end();
-        const QRect found = ink(strip);
+        // The last one reaches beyond the area.
+        const QRect found = ink(strip) & QRect(0, 0, area.width() - x, area.height());
         if (found.isEmpty())
             continue;
-        pieces.push_back({strip.copy(found), found.topLeft() + QPoint(x, 0)});
+        pieces.push_back({held(strip.copy(found)), found.topLeft() + QPoint(x, 0)});
         inked |= found.translated(x, 0);
     }
     if (inked.isEmpty())

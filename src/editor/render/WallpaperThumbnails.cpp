@@ -189,11 +189,12 @@ private:
 } // namespace
 
 QImage thumbnailOf(const QImage& picture) {
-    QImage thumbnail = resizedImage(picture, thumbnailWidth, thumbnailHeight);
+    const QImage thumbnail = resizedImage(picture, thumbnailWidth, thumbnailHeight);
     if (thumbnail.isNull())
         return picture;
     // They stay for the whole run: a quarter less.
-    return isOpaque(thumbnail) ? std::move(thumbnail).convertToFormat(QImage::Format_RGB888) : thumbnail;
+    const QImage smaller = isOpaque(thumbnail) ? thumbnail.convertToFormat(QImage::Format_RGB888) : QImage();
+    return smaller.isNull() ? thumbnail : smaller;
 }
 
 std::vector<Wallpaper> makeWallpapers(const std::vector<WallpaperCandidate>& candidates,

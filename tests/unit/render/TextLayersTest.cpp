@@ -276,6 +276,13 @@ TEST(TextLayers, OutOfSightOrOutOfReasonTheyAreNothing) {
     overlay = text(QStringLiteral("X"));
     overlay.fontSize = 1e7; // a picture somewhere in a letter
     EXPECT_EQ(drawn({overlay}).size(), nothing.size());
+    // Large letters that go by just outside, pixel by pixel.
+    overlay = text(QStringLiteral("I"));
+    overlay.fontSize = 96;
+    for (double beyond = 0; beyond < 150; ++beyond) {
+        overlay.position = {300 + beyond, 100};
+        EXPECT_EQ(drawn({overlay}, 2).size(), QSize(600, 400)) << beyond;
+    }
 }
 
 TEST(TextLayers, AreKeptFromOnePictureToTheNext) {

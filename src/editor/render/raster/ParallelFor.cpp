@@ -6,7 +6,6 @@
 #include <exception>
 #include <memory>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -106,7 +105,7 @@ private:
         try {
             for (int i = 0; i < count; ++i)
                 std::thread([self = shared_from_this()] { self->work(); }).detach();
-        } catch (const std::system_error&) {
+        } catch (const std::exception&) {
             // The caller works with those that there are.
         }
     }

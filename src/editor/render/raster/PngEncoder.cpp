@@ -150,7 +150,7 @@ std::span<const std::uint8_t> filteredRows(const PngSource& picture, PngRowForma
     const int rowsAtOnce = int(bandRows * std::max<std::size_t>(1, tiles));
     std::uint8_t* out = filtered.data();
     for (int y = firstRow > 0 ? firstRow - 1 : 0, end = 0; y < endRow; y = end) {
-        end = std::min(endRow - y, rowsAtOnce) + y;
+        end = std::min((y / rowsAtOnce + 1) * rowsAtOnce, endRow);
         PixelView rows = picture.rows(y, end, workshop.room);
         if (rows.isEmpty())
             throw std::bad_alloc();
