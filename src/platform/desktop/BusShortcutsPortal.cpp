@@ -100,7 +100,7 @@ BusShortcutsPortal::BusShortcutsPortal(const QString& busAddress)
                     return;
                 // Nobody responds to them any more.
                 for (PortalRequest* request : requests)
-                    request->end(PortalRequest::failed);
+                    request->end(PortalRequest::unanswered);
             });
     m_bus.connect(service, objectPath, interface, QStringLiteral("Activated"), this,
                   SLOT(onActivated(QDBusMessage)));

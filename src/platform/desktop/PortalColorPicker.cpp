@@ -44,7 +44,7 @@ PortalColorPicker::PortalColorPicker(NamePortalWindow nameWindow, QDBusConnectio
     connect(&m_watcher, &QDBusServiceWatcher::serviceUnregistered, this, [this] {
         // Nobody responds any more.
         if (m_request)
-            m_request->end(PortalRequest::failed);
+            m_request->end(PortalRequest::unanswered);
     });
 }
 
@@ -79,7 +79,8 @@ void PortalColorPicker::pick(QWindow* parent, Picked picked, Failed failed) {
             m_request.clear();
             const Picked taken = std::exchange(m_picked, nullptr);
             const auto color = response == PortalRequest::done ? colorIn(results) : std::nullopt;
-            if (color || response == PortalRequest::cancelled)
+            // Desktops that have no word for the user's Escape say `failed`.
+            if (color || response == PortalRequest::cancelled || response == PortalRequest::failed)
                 taken(color);
             else
                 failed();

@@ -37,7 +37,7 @@ void PortalRequest::subscribe(bool on) {
 void PortalRequest::onReply(const QDBusMessage& reply) {
     m_isReplied = true;
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
-        end(failed);
+        end(unanswered);
         return;
     }
     // Older portals choose another path than the one that was expected.

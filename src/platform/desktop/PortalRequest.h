@@ -14,10 +14,12 @@ class PortalRequest final : public QObject {
     Q_OBJECT
 
 public:
-    enum Response : uint { done = 0, cancelled = 1, failed = 2 };
+    /// `failed` is the portal's word for every other end, by some of them also for the user's Escape;
+    /// `unanswered` is never its own: the call was refused, or nobody is there to respond.
+    enum Response : uint { done = 0, cancelled = 1, failed = 2, unanswered = 3 };
     using Responded = std::function<void(uint response, const QVariantMap& results)>;
 
-    /// Makes the call with `options` as its last argument. One that is refused has failed.
+    /// Makes the call with `options` as its last argument. One that is refused stays `unanswered`.
     PortalRequest(QDBusConnection bus, QDBusMessage call, QVariantMap options, Responded responded,
                   QObject* parent);
 

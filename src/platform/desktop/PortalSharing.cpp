@@ -78,7 +78,7 @@ void PortalSharing::hand(QDBusMessage call, QWindow* parent, const QVariantList&
     auto* watcher =
         new QDBusServiceWatcher(service, m_bus, QDBusServiceWatcher::WatchForUnregistration, request);
     QObject::connect(watcher, &QDBusServiceWatcher::serviceUnregistered, request,
-                     [request] { request->end(PortalRequest::failed); });
+                     [request] { request->end(PortalRequest::unanswered); });
 }
 
 void PortalSharing::fail(Finished finished) {

@@ -99,11 +99,15 @@ TEST_F(PortalColorPicking, HearsAPortalThatChoosesItsOwnPaths) {
 
 TEST_F(PortalColorPicking, TellsNothingWhereNothingWasPicked) {
     startPortal();
-    portal->immediate = {ScreenshotPortalDouble::Code::cancelled, {}};
-    pick();
-    ASSERT_TRUE(waitForAnswer());
-    EXPECT_FALSE(picked);
-    EXPECT_EQ(failures, 0);
+    // Some desktops say `other` of a plain Escape.
+    for (const auto code : {ScreenshotPortalDouble::Code::cancelled, ScreenshotPortalDouble::Code::other}) {
+        answers = 0;
+        portal->immediate = {code, {}};
+        pick();
+        ASSERT_TRUE(waitForAnswer());
+        EXPECT_FALSE(picked);
+        EXPECT_EQ(failures, 0);
+    }
 }
 
 TEST_F(PortalColorPicking, TellsThatThereIsNoColourInTheAnswer) {
