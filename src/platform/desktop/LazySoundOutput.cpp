@@ -4,7 +4,7 @@
 #include "platform/desktop/SoundModule.h"
 
 #include <QFileInfo>
-#include <chrono>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -25,9 +25,9 @@ std::unique_ptr<SoundOutput> loadModule() {
 } // namespace
 
 struct LazySoundOutput::Waiting {
-    MakePlayer make;
+    QString name;
     float volume = 1;
-    bool plays = false;
+    std::optional<std::chrono::steady_clock::time_point> played = {}; ///< When it should have been heard.
     std::unique_ptr<AudioPlayer> player = {}; ///< Once the output is there, if it has one.
 };
 
@@ -40,7 +40,7 @@ public:
             m_waiting->player->setVolume(volume);
     }
     void play() override {
-        m_waiting->plays = true;
+        m_waiting->played = std::chrono::steady_clock::now();
         if (m_waiting->player)
             m_waiting->player->play();
     }
@@ -51,7 +51,8 @@ private:
 
 LazySoundOutput::LazySoundOutput() : LazySoundOutput(loadModule) {}
 
-LazySoundOutput::LazySoundOutput(std::function<Loaded()> load) : m_load(std::move(load)) {
+LazySoundOutput::LazySoundOutput(std::function<Loaded()> load, std::chrono::milliseconds bound)
+    : m_load(std::move(load)), m_bound(bound) {
     m_arrival.setInterval(arrivalPause);
     QObject::connect(&m_arrival, &QTimer::timeout, [this] { playWaiting(); });
 }
@@ -61,26 +62,23 @@ bool LazySoundOutput::fileExists(const QString& path) const {
 }
 
 std::unique_ptr<AudioPlayer> LazySoundOutput::playerForFile(const QUrl& url) {
-    return player([url](SoundOutput& loaded) { return loaded.playerForFile(url); });
+    auto* loaded = output(patience);
+    return loaded ? loaded->playerForFile(url) : nullptr;
 }
 
 std::unique_ptr<AudioPlayer> LazySoundOutput::systemSound(const QString& name) {
-    return player([name](SoundOutput& loaded) { return loaded.systemSound(name); });
-}
-
-std::unique_ptr<AudioPlayer> LazySoundOutput::player(const MakePlayer& make) {
-    if (auto* loaded = output())
-        return make(*loaded);
+    if (auto* loaded = output(patience))
+        return loaded->systemSound(name);
     if (!m_loading.valid())
         return nullptr;
-    auto waiting = std::make_shared<Waiting>(Waiting{make});
+    auto waiting = std::make_shared<Waiting>(Waiting{name});
     m_waiting.emplace_back(waiting);
     m_arrival.start();
     return std::make_unique<WaitingPlayer>(std::move(waiting));
 }
 
 void LazySoundOutput::playWaiting() {
-    auto* loaded = output();
+    auto* loaded = output({});
     if (!loaded && m_loading.valid())
         return;
     m_arrival.stop();
@@ -88,11 +86,11 @@ void LazySoundOutput::playWaiting() {
         const auto waiting = each.lock();
         if (!waiting || !loaded)
             continue;
-        waiting->player = waiting->make(*loaded);
+        waiting->player = loaded->systemSound(waiting->name);
         if (!waiting->player)
             continue;
         waiting->player->setVolume(waiting->volume);
-        if (waiting->plays)
+        if (waiting->played && std::chrono::steady_clock::now() - *waiting->played <= m_bound)
             waiting->player->play();
     }
 }
@@ -105,7 +103,7 @@ void LazySoundOutput::prepare() {
     std::thread(std::move(task)).detach();
 }
 
-SoundOutput* LazySoundOutput::output() {
+SoundOutput* LazySoundOutput::output(std::chrono::milliseconds patience) {
     prepare();
     if (m_loading.valid() && m_loading.wait_for(patience) == std::future_status::ready)
         m_output = m_loading.get();

@@ -30,7 +30,9 @@ protected:
     public:
         explicit Output(std::vector<Heard>& heard) : m_heard(heard) {}
         bool fileExists(const QString&) const override { return true; }
-        std::unique_ptr<AudioPlayer> playerForFile(const QUrl&) override { return nullptr; }
+        std::unique_ptr<AudioPlayer> playerForFile(const QUrl& url) override {
+            return std::make_unique<Player>(m_heard, url.fileName());
+        }
         std::unique_ptr<AudioPlayer> systemSound(const QString& name) override {
             return std::make_unique<Player>(m_heard, name);
         }
@@ -42,10 +44,11 @@ protected:
     std::vector<Heard> heard;
     std::promise<void> mayArrive;
     bool isMissing = false;
-    LazySoundOutput output{[this]() -> LazySoundOutput::Loaded {
+    const std::function<LazySoundOutput::Loaded()> load = [this]() -> LazySoundOutput::Loaded {
         mayArrive.get_future().wait();
         return isMissing ? nullptr : std::make_unique<Output>(heard);
-    }};
+    };
+    LazySoundOutput output{load};
 };
 
 TEST_F(LazySoundOutputTest, aSoundBeforeItIsLoadedIsHeardOnceItIs) {
@@ -75,14 +78,38 @@ TEST_F(LazySoundOutputTest, aSoundThatIsCutOffMeanwhileIsNotHeard) {
     EXPECT_EQ(heard[0].name, QStringLiteral("Pop"));
 }
 
-TEST_F(LazySoundOutputTest, withoutTheModuleNothingPlays) {
+TEST_F(LazySoundOutputTest, aSoundThatWouldComeTooLateIsNotHeard) {
+    LazySoundOutput strict(load, std::chrono::milliseconds(0));
+    const auto player = strict.systemSound(QStringLiteral("Frog"));
+    player->play();
+    mayArrive.set_value();
+    // Once it has arrived, this is in time.
+    EXPECT_TRUE(QTest::qWaitFor([&] {
+        player->play();
+        return !heard.empty();
+    }));
+    EXPECT_EQ(heard.size(), 1U);
+}
+
+TEST_F(LazySoundOutputTest, aFilesSoundIsPromisedOnlyOnceItIsLoaded) {
+    const QUrl file(QStringLiteral("file:///sounds/Frog.aiff"));
+    EXPECT_FALSE(output.playerForFile(file)) << "the caller takes the next sound that there is";
+    mayArrive.set_value();
+    std::unique_ptr<AudioPlayer> player;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return (player = output.playerForFile(file)) != nullptr; }));
+    player->play();
+    ASSERT_EQ(heard.size(), 1U);
+    EXPECT_EQ(heard[0].name, QStringLiteral("Frog.aiff"));
+}
+
+TEST_F(LazySoundOutputTest, withoutTheModuleThereIsNoPlayerAndAnEarlyOneDoesNoHarm) {
     isMissing = true;
     const auto player = output.systemSound(QStringLiteral("Frog"));
     player->play();
     mayArrive.set_value();
     EXPECT_TRUE(QTest::qWaitFor([&] { return !output.systemSound(QStringLiteral("Pop")); }));
+    player->setVolume(0.5f);
     player->play();
-    EXPECT_TRUE(heard.empty());
 }
 
 } // namespace
