@@ -61,10 +61,10 @@ void ToastManager::closeCurrent() {
 }
 
 void ToastManager::present(bool ignoresMouse, double seconds, std::unique_ptr<ToastContent> content) {
-    if (m_services.screens.screens().empty())
+    const auto screen = m_services.screens.screenInUse();
+    if (!screen)
         qFatal("A toast has no screen to stand on");
-    m_popupWindow =
-        m_services.panels.makePanel(m_services.screens.screenInUse(), ignoresMouse, std::move(content));
+    m_popupWindow = m_services.panels.makePanel(*screen, ignoresMouse, std::move(content));
     m_popupWindow->setAlpha(0);
     m_popupWindow->orderFront();
     m_popupWindow->animateAlpha(1, fadeInSeconds, ToastPanel::Easing::easeOut, {});

@@ -2,6 +2,7 @@
 
 #include <QRect>
 #include <QString>
+#include <optional>
 #include <vector>
 
 namespace framora {
@@ -20,8 +21,11 @@ public:
     virtual ~Screens() = default;
     /// Never empty while a toast or a window is to be shown: the main screen is first.
     virtual std::vector<Screen> screens() = 0;
-    /// The one that the user is at, where the desktop tells; else the first.
-    virtual Screen screenInUse() { return screens().at(0); }
+    /// The one that the user is at, where the desktop tells; else the first. Nothing where there is none.
+    virtual std::optional<Screen> screenInUse() {
+        const auto all = screens();
+        return all.empty() ? std::nullopt : std::optional(all.front());
+    }
 };
 
 } // namespace framora

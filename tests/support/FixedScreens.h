@@ -11,7 +11,9 @@ public:
         : list(std::move(all)) {}
     std::vector<Screen> screens() override { return list; }
 
-    Screen screenInUse() override { return list.at(inUse); }
+    std::optional<Screen> screenInUse() override {
+        return inUse < list.size() ? std::optional(list[inUse]) : std::nullopt;
+    }
 
     std::vector<Screen> list;
     std::size_t inUse = 0;

@@ -38,8 +38,14 @@ double ratioOf(const QString& name, const QRect& frame) {
 
 } // namespace
 
+void X11Screens::deliverEventsLater() {
+    QMetaObject::invokeMethod(
+        &m_connection, [&connection = m_connection] { connection.processEvents(); }, Qt::QueuedConnection);
+}
+
 std::vector<Screen> X11Screens::screens() {
     std::vector<Screen> screens;
+    deliverEventsLater();
     const auto* randr = xcb_get_extension_data(m_connection, &xcb_randr_id);
     if (m_connection.isValid() && randr && randr->present) {
         const XcbReply<xcb_randr_get_monitors_reply_t> reply(xcb_randr_get_monitors_reply(
@@ -62,7 +68,7 @@ std::vector<Screen> X11Screens::screens() {
     return screens;
 }
 
-Screen X11Screens::screenInUse() {
+std::optional<Screen> X11Screens::screenInUse() {
     const auto all = screens();
     if (m_connection.isValid()) {
         const XcbReply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
@@ -72,7 +78,7 @@ Screen X11Screens::screenInUse() {
                 screen.pixelFrame.contains(pointer->root_x, pointer->root_y))
                 return screen;
     }
-    return all.at(0);
+    return all.empty() ? std::nullopt : std::optional(all.front());
 }
 
 } // namespace framora

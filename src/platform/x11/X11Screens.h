@@ -11,9 +11,13 @@ public:
     explicit X11Screens(X11Connection& connection) : m_connection(connection) {}
     std::vector<Screen> screens() override;
     /// The one that holds the pointer.
-    Screen screenInUse() override;
+    std::optional<Screen> screenInUse() override;
 
 private:
+    /// Waiting for replies may have brought events along, which no socket announces any more: in a later
+    /// turn.
+    void deliverEventsLater();
+
     X11Connection& m_connection;
 };
 

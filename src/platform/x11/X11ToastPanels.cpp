@@ -49,8 +49,16 @@ std::unique_ptr<ToastPanel> X11ToastPanels::makePanel(const Screen& screen, bool
         const auto followScreens = [this] { follow(); };
         QObject::connect(m_connection.get(), &X11ToastConnection::screensChanged, followScreens);
         // Qt knows the ratios, and it learns of them in its own time.
-        for (const QScreen* each : QGuiApplication::screens())
+        const auto watch = [this, followScreens](const QScreen* each) {
             QObject::connect(each, &QScreen::logicalDotsPerInchChanged, m_connection.get(), followScreens);
+        };
+        for (const QScreen* each : QGuiApplication::screens())
+            watch(each);
+        QObject::connect(qGuiApp, &QGuiApplication::screenAdded, m_connection.get(),
+                         [watch, followScreens](const QScreen* added) {
+                             watch(added);
+                             followScreens();
+                         });
     }
     if (!m_connection->isValid())
         return std::make_unique<UnseenPanel>(m_queue);
@@ -65,7 +73,7 @@ void X11ToastPanels::follow() {
         return;
     for (X11ToastPanel* panel : m_connection->panels()) {
         const auto same = std::ranges::find(screens, panel->screen().name, &Screen::name);
-        panel->setScreen(same == screens.end() ? m_screens.screenInUse() : *same);
+        panel->setScreen(same == screens.end() ? m_screens.screenInUse().value_or(screens.front()) : *same);
     }
 }
 

@@ -1,12 +1,14 @@
 #include "desktop/feedback/BeneathWindow.h"
 #include "desktop/feedback/TimerQueue.h"
 #include "desktop/support/VirtualDesktop.h"
+#include "feedback/InteractiveToastView.h"
 #include "feedback/ToastManager.h"
 #include "platform/x11/X11ToastPanels.h"
 #include "support/FixedAppearance.h"
 #include "support/FixedScreens.h"
 
 #include <QElapsedTimer>
+#include <QGuiApplication>
 #include <QPainter>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -46,10 +48,15 @@ protected:
         manager->show(QStringLiteral("Copied"), QStringLiteral("doc.on.clipboard.fill"), true);
     }
 
-    void showInteractive() {
+    static QImage picture() {
         QImage picture(800, 500, QImage::Format_RGB32);
         picture.fill(QColor(220, 90, 60));
-        manager->showInteractive(QStringLiteral("Copied"), QStringLiteral("doc.on.clipboard.fill"), picture);
+        return picture;
+    }
+
+    void showInteractive() {
+        manager->showInteractive(QStringLiteral("Copied"), QStringLiteral("doc.on.clipboard.fill"),
+                                 picture());
     }
 
     /// Pixels that the toast changed.
@@ -137,11 +144,24 @@ TEST_P(ToastDesktopTest, itFollowsItsScreen) {
                      {QStringLiteral("--setmonitor"), name, place, QStringLiteral("none")});
     };
     const auto isAt = [&](const QRect& place) {
-        return VirtualDesktop::waitFor([&] { return toast() && toast()->geometry == place; });
+        return VirtualDesktop::waitFor([&] {
+            const auto now = toast();
+            return now && now->geometry == place;
+        });
     };
-    showInteractive();
+    // One that stays as long as the test needs it.
+    const auto panel =
+        panels->makePanel(screens.list[0], false,
+                          std::make_unique<InteractiveToastView>(
+                              QStringLiteral("Copied"), QStringLiteral("doc.on.clipboard.fill"), [] {},
+                              picture(), QStringLiteral("Edit"), ToastPalette::of(appearance)));
+    panel->orderFront();
+    panel->setAlpha(1);
     ASSERT_TRUE(isAt(left));
-    const auto widthOfInput = [&] { return display().inputArea(toast()->id).width(); };
+    const auto widthOfInput = [&] {
+        const auto now = toast();
+        return now ? display().inputArea(now->id).width() : 0;
+    };
     const int narrow = widthOfInput();
     EXPECT_GT(narrow, 100);
     screens.list = {{QRect(0, 0, 1280, 700), 2, QStringLiteral("left")}, {right, 1, QStringLiteral("right")}};
@@ -151,6 +171,10 @@ TEST_P(ToastDesktopTest, itFollowsItsScreen) {
     screens.list = {{right, 1, QStringLiteral("right")}};
     setMonitor(QStringLiteral("second"), QStringLiteral("640/170x800/210+0+0"));
     EXPECT_TRUE(isAt(right)) << "its own screen has gone";
+    // Qt comes to know a new screen, and with it its ratio, after the server has told of it.
+    screens.list = {{left, 2, QStringLiteral("right")}};
+    Q_EMIT qGuiApp->screenAdded(QGuiApplication::primaryScreen());
+    EXPECT_TRUE(isAt(left));
 }
 
 TEST_P(ToastDesktopTest, aToastThatReplacesAWithdrawnOneIsShownAtOnce) {

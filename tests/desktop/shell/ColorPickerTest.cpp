@@ -4,6 +4,7 @@
 #include "platform/x11/X11Screens.h"
 
 #include <QElapsedTimer>
+#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace framora {
@@ -23,8 +24,9 @@ protected:
         return {connection, screen};
     }
     DesktopDisplay& display() { return desktop.display(); }
-    void pick() {
-        picker.pick(
+    void pick() { pickWith(picker); }
+    void pickWith(X11ColorPicker& which) {
+        which.pick(
             nullptr,
             [this](std::optional<QColor> color) {
                 ++answers;
@@ -67,8 +69,9 @@ protected:
     VirtualDesktop desktop{bare()};
     X11Connection connection{linkTo(desktop)};
     X11Screens screens{connection};
-    static constexpr std::chrono::milliseconds patience{700};
-    X11ColorPicker picker{connection, screens, patience};
+    X11ColorPicker picker{connection, screens};
+    static constexpr std::chrono::milliseconds shortPatience{700};
+    X11ColorPicker impatient{connection, screens, shortPatience};
     std::optional<QColor> picked;
     int answers = 0;
     int failures = 0;
@@ -127,18 +130,46 @@ TEST_F(X11ColorPicking, FailsWhereSomebodyElseKeepsThePointer) {
 }
 
 TEST_F(X11ColorPicking, EndsByItselfOnceItIsForgotten) {
-    pick();
-    QElapsedTimer since;
-    since.start();
-    for (int i = 1; since.elapsed() < 2 * patience.count(); ++i) {
-        display().moveTo({100 + i % 2, 100});
-        VirtualDesktop::waitFor([&] { return answers > 0; }, 50);
+    // On a machine that stalls between two moves it has truly been left alone: that says nothing.
+    qint64 longestPause = 0;
+    for (int tries = 0; tries == 0 || (longestPause > shortPatience.count() / 2 && tries < 5); ++tries) {
+        impatient.cancel();
+        answers = 0;
+        longestPause = 0;
+        pickWith(impatient);
+        QElapsedTimer since;
+        QElapsedTimer pause;
+        since.start();
+        pause.start();
+        for (int i = 1; since.elapsed() < 2 * shortPatience.count(); ++i) {
+            display().moveTo({100 + i % 2, 100});
+            VirtualDesktop::waitFor([&] { return answers > 0; }, 50);
+            longestPause = std::max(longestPause, pause.restart());
+        }
     }
     EXPECT_EQ(answers, 0) << "a pointer that moves is not forgotten";
     ASSERT_TRUE(waitForAnswer());
     EXPECT_FALSE(picked);
     EXPECT_EQ(failures, 0);
     EXPECT_TRUE(isFree()) << "a screen locker can have the keys";
+}
+
+TEST_F(X11ColorPicking, AnEventThatComesWithTheScreensIsDelivered) {
+    const auto events = std::make_shared<int>(0);
+    connection.addEventHandler([events](const xcb_generic_event_t&) { ++*events; });
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(connection, connection.root(), XCB_CW_EVENT_MASK, &mask);
+    connection.processEvents(true);
+    // Somebody else's doing, which has happened when this returns.
+    xcb_connection_t* other = display().connection();
+    xcb_change_property(other, XCB_PROP_MODE_REPLACE, display().root(), XCB_ATOM_WM_NAME, XCB_ATOM_STRING, 8,
+                        4, "root");
+    const XcbReply<xcb_get_input_focus_reply_t> after(
+        xcb_get_input_focus_reply(other, xcb_get_input_focus(other), nullptr));
+    // Read along with the answer: the socket has nothing more to announce.
+    EXPECT_FALSE(screens.screens().empty());
+    EXPECT_EQ(*events, 0) << "never inside the call";
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return *events > 0; }));
 }
 
 } // namespace
