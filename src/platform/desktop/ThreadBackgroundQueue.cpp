@@ -65,10 +65,13 @@ void ThreadBackgroundQueue::async(Work work) {
             // In its place behind what the main queue has to do already.
             m_mainQueue.async(done);
         };
-        const std::lock_guard ending(shared->mutex);
-        if (shared->context)
-            QMetaObject::invokeMethod(shared->context, std::move(finish), Qt::QueuedConnection);
-        --shared->running;
+        {
+            // No longer than it must be: the main thread waits for it, and this one gets a processor last.
+            const std::lock_guard ending(shared->mutex);
+            if (shared->context)
+                QMetaObject::invokeMethod(shared->context, std::move(finish), Qt::QueuedConnection);
+            --shared->running;
+        }
         shared->ended.notify_all();
     });
     ++m_shared->running;

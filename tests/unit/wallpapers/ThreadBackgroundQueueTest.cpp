@@ -5,6 +5,7 @@
 #include <QTest>
 #include <QThread>
 #include <atomic>
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <semaphore>
@@ -16,6 +17,11 @@ namespace {
 
 class BackgroundWork : public testing::Test {
 protected:
+    /// Calls `told` when the last copy has gone: a result that holds it has run, or never will.
+    static std::shared_ptr<void> atTheEnd(std::function<void()> told) {
+        return {nullptr, [told = std::move(told)](void*) { told(); }};
+    }
+
     CommandGate gate;
     QtMainQueue mainQueue{gate};
 };
@@ -39,11 +45,14 @@ TEST_F(BackgroundWork, RunsElsewhereAtLowPriorityAndComesBackToTheMainThread) {
 
 TEST_F(BackgroundWork, GoingItDropsTheResultOfTheWorkUnderWay) {
     std::atomic<bool> isBack = false;
+    std::atomic<bool> isDropped = false;
     {
         ThreadBackgroundQueue queue(mainQueue);
-        queue.async([&]() -> MainQueue::Work { return [&] { isBack = true; }; });
+        queue.async([&]() -> MainQueue::Work {
+            return [&isBack, end = atTheEnd([&] { isDropped = true; })] { isBack = true; };
+        });
     }
-    QCoreApplication::processEvents();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isDropped.load(); }));
     EXPECT_FALSE(isBack);
 }
 
@@ -51,8 +60,8 @@ TEST_F(BackgroundWork, GoingItLeavesWorkThatDoesNotEnd) {
     struct Work {
         std::binary_semaphore begun{0};
         std::binary_semaphore mayEnd{0};
-        std::binary_semaphore hasEnded{0};
         std::atomic<bool> isBack = false;
+        std::atomic<bool> isDropped = false;
     };
     const auto work = std::make_shared<Work>();
     {
@@ -60,16 +69,14 @@ TEST_F(BackgroundWork, GoingItLeavesWorkThatDoesNotEnd) {
         queue.async([work]() -> MainQueue::Work {
             work->begun.release();
             work->mayEnd.acquire();
-            work->hasEnded.release();
-            return [work] { work->isBack = true; };
+            return [work, end = atTheEnd([work] { work->isDropped = true; })] { work->isBack = true; };
         });
         work->begun.acquire();
     }
     // It ends only now, and has nobody to tell.
     EXPECT_TRUE(ThreadBackgroundQueue::hasLeftWork());
     work->mayEnd.release();
-    work->hasEnded.acquire();
-    QCoreApplication::processEvents();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return work->isDropped.load(); }));
     EXPECT_FALSE(work->isBack);
 }
 
