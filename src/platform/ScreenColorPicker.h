@@ -21,8 +21,8 @@ public:
     virtual void queryAvailable(std::function<void(bool)> answer) = 0;
     /// In front of `parent`, which may be null. One that is under way ends first, with nothing.
     virtual void pick(QWindow* parent, Picked picked, Failed failed) = 0;
-    /// Ends what is under way as if the user had let it be: the screen is free at once, `picked` hears of
-    /// nothing.
+    /// Ends what is under way as if the user had let it be: the screen is free at once, `picked` is told of
+    /// no colour.
     virtual void dismiss() = 0;
     /// Ends what is under way; nobody hears of it any more, nor of what has ended in this turn.
     virtual void cancel() = 0;

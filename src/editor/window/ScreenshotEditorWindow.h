@@ -90,7 +90,7 @@ private:
     /// Asks the desktop for its ways to share; the session hears of them.
     void querySharing();
     void queryColorPicker();
-    /// A failure is said by a toast; `picked` hears of nothing then.
+    /// A failure is said by a toast; `picked` is told of no colour then.
     void pickColor(ScreenColorPicker::Picked picked);
     using ShareWith = std::function<void(Sharing&, const QString& path, const Sharing::Finished&)>;
     /// Writes the picture to a file for other programs and hands it over; a failure is said by a toast.

@@ -25,7 +25,8 @@ class X11ColorPicker final : public QObject, public ScreenColorPicker {
     Q_OBJECT
 
 public:
-    /// How long nothing is done before the user has forgotten it; shorter than any desktop waits to lock.
+    /// How long nothing is done before the user has forgotten it; shorter than desktops wait by default to
+    /// lock.
     static constexpr std::chrono::milliseconds patience{30000};
 
     /// Both outlive the picker.
