@@ -35,16 +35,22 @@ T.AbstractButton {
     Accessible.description: isActive && caps.length === 0 ? "Enter a key combination"
                                                           : caps.join(" ")
     onClicked: recorder.start()
-    // Not with the press: held down, it would come again and be recorded.
+    // Return and Space begin it when they are let go: a key that is still down comes again and would be recorded.
+    Keys.onPressed: event => {
+        const isReturn = event.key === Qt.Key_Return || event.key === Qt.Key_Enter;
+        if (isReturn)
+            returnIsDown = true;
+        event.accepted = isReturn || (event.key === Qt.Key_Space && event.isAutoRepeat);
+    }
     Keys.onReleased: event => {
-        if (!event.isAutoRepeat && (event.key === Qt.Key_Return || event.key === Qt.Key_Enter) && returnIsDown) {
+        const isReturn = event.key === Qt.Key_Return || event.key === Qt.Key_Enter;
+        const begins = isReturn && returnIsDown && !event.isAutoRepeat;
+        event.accepted = begins || (event.key === Qt.Key_Space && event.isAutoRepeat);
+        if (begins) {
             returnIsDown = false;
-            event.accepted = true;
             recorder.start();
         }
     }
-    Keys.onReturnPressed: returnIsDown = true
-    Keys.onEnterPressed: returnIsDown = true
     onActiveFocusChanged: returnIsDown = false
     property bool returnIsDown: false
 

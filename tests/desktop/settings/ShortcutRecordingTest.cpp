@@ -67,6 +67,21 @@ TEST_F(ShortcutRecordingTest, spaceStartsItFromTheKeyboardAndIsNotRecordedItself
         << stored().toStdString();
 }
 
+TEST_F(ShortcutRecordingTest, spaceThatIsHeldStartsItOnceAndIsNotRecordedEither) {
+    launch();
+    openSettings();
+    startRecording("Global Shortcut");
+    display().key({"Escape"});
+    display().keyDown("space");
+    // Longer than the server waits before it repeats a key.
+    EXPECT_FALSE(soon([&] { return !stored().isEmpty(); }, 1500)) << stored().toStdString();
+    display().keyUp("space");
+    driver.control(QStringLiteral("Enter a key combination"));
+    display().key({"Super_L", "F7"});
+    EXPECT_TRUE(soon([&] { return stored().contains("\"keyCode\": 98, \"modifierFlagsRaw\": 1048576"); }))
+        << stored().toStdString();
+}
+
 TEST_F(ShortcutRecordingTest, aShortcutThatAnotherProgramHasIsToldUnderItsRow) {
     // As window managers and desktops take theirs: a passive grab on the root window.
     auto* connection = display().connection();
