@@ -26,14 +26,16 @@ void StyleHistory::record(const State& before, const State& after, const QString
         return;
     if (m_gesture && *m_gesture != field)
         endEdit();
-    m_redo.clear();
     if (!joinsLastStep(field, now)) {
+        m_redoBefore = std::exchange(m_redo, {});
         m_undo.push_back(before);
         if (m_undo.size() > capacity)
             m_undo.pop_front();
     } else if (looksEqual(m_undo.back(), after)) {
-        // Back where the step began: nothing is left to undo of it.
+        // Back where the step began: nothing is left to undo of it, and what could be redone before still
+        // can.
         m_undo.pop_back();
+        m_redo = std::exchange(m_redoBefore, {});
         m_openField.clear();
         return;
     }
@@ -54,6 +56,7 @@ void StyleHistory::endEdit() {
 void StyleHistory::closeStep() {
     m_gesture.reset();
     m_openField.clear();
+    m_redoBefore.clear();
 }
 
 std::optional<StyleHistory::State> StyleHistory::undo(const State& current) {

@@ -53,6 +53,7 @@ private:
 
     std::deque<State> m_undo;
     std::deque<State> m_redo;
+    std::deque<State> m_redoBefore;   ///< What the last step ended of it, while more may join that step.
     std::optional<QString> m_gesture; ///< The open gesture's field.
     /// The field that the last step may still take writes of; empty when it is closed.
     QString m_openField;

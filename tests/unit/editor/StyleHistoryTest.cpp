@@ -163,6 +163,35 @@ TEST_F(History, ADragBackToWhereItBeganLeavesNoStep) {
     EXPECT_FALSE(history.canUndo());
 }
 
+TEST_F(History, ADragBackToWhereItBeganKeepsWhatCanBeRedone) {
+    pad(10, {});
+    undo();
+    for (int i = 0; i < 2; ++i) {
+        history.beginEdit(QStringLiteral("padding"));
+        pad(20);
+        EXPECT_FALSE(history.canRedo());
+        pad(30);
+        pad(80);
+        EXPECT_TRUE(history.canRedo());
+        history.endEdit();
+    }
+    EXPECT_TRUE(redo());
+    EXPECT_EQ(state.config.padding, 10);
+    EXPECT_FALSE(history.canRedo());
+}
+
+TEST_F(History, AStepThatStaysEndsWhatCouldBeRedoneForGood) {
+    pad(10, {});
+    undo();
+    history.beginEdit(QStringLiteral("padding"));
+    pad(20);
+    history.endEdit();
+    pad(80);
+    EXPECT_FALSE(history.canRedo()) << "a step of its own, back to the same padding";
+    EXPECT_TRUE(undo());
+    EXPECT_EQ(state.config.padding, 20);
+}
+
 TEST_F(History, AnUndoEndsTheBurstBeforeIt) {
     pad(10);
     pad(20);
