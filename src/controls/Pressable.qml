@@ -4,12 +4,13 @@ import QtQuick.Templates as T
 import Framora.Controls
 
 /// A button of any look. Space, Return and a screen reader press it, and a key that is held down does so once; `help`
-/// and its keys show below it.
+/// and its keys show below it, or above.
 T.AbstractButton {
     id: control
 
     property string help: ""
     property string shortcut: "" ///< Shown with the help.
+    property bool helpAbove: false ///< Where there is no room below.
 
     hoverEnabled: true
     focusPolicy: Qt.TabFocus
@@ -29,6 +30,7 @@ T.AbstractButton {
         active: (hover.hovered || control.visualFocus) && control.help !== ""
         sourceComponent: HelpTip {
             parent: control
+            y: control.helpAbove ? -implicitHeight - 6 : control.height + 6
             text: control.help
             shortcut: control.shortcut
             visible: !control.pressed

@@ -11,8 +11,8 @@ namespace {
 /// The sidebar's controls under keys and pointer, and what undo makes of it.
 class EditorSidebarInput : public EditorWindow {
 public:
-    void openAppearance() {
-        editor.open(picture(200, 100));
+    void openAppearance(QSize size = {200, 100}) {
+        editor.open(picture(size.width(), size.height()));
         window().requestActivate();
         EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
         queue.advance(0.2);
@@ -88,6 +88,20 @@ TEST_F(EditorSidebarInput, AKeyThatIsHeldOpensTheColorPanelOnce) {
         holdKey(key, text, 3);
         EXPECT_TRUE(session().colorPanel()->isOpen());
     }
+}
+
+TEST_F(EditorSidebarInput, TheZoomShownIsAButtonForTheKeysToo) {
+    openAppearance({3000, 2000});
+    const double fitted = model().config().zoom;
+    ASSERT_NE(fitted, 100);
+    item("zoom.text")->forceActiveFocus(Qt::TabFocusReason);
+    key(Qt::Key_Return);
+    queue.advance(0.2);
+    EXPECT_EQ(model().config().zoom, 100);
+    // An even number of presses would come back to it.
+    holdKey(Qt::Key_Space, QStringLiteral(" "), 3);
+    queue.advance(0.2);
+    EXPECT_EQ(model().config().zoom, fitted);
 }
 
 TEST_F(EditorSidebarInput, EscapeTakesBackWhatAHeldSliderHasMoved) {
