@@ -146,6 +146,8 @@ Item {
         }
 
         onActiveFocusChanged: if (!activeFocus) secondPress.finish()
+        // Its panel may go before that.
+        Component.onDestruction: secondPress.finish()
         /// Runs while a click may still become a double click.
         Timer {
             id: secondPress

@@ -104,6 +104,19 @@ TEST_F(EditorSidebarInput, TheZoomShownIsAButtonForTheKeysToo) {
     EXPECT_EQ(model().config().zoom, fitted);
 }
 
+TEST_F(EditorSidebarInput, AClickedSliderThatGoesAwayLeavesNoEditOpen) {
+    openAppearance();
+    QTest::mouseClick(&window(), Qt::LeftButton, {}, onTrack(0.8));
+    session().setProperty("selectedTab", 1);
+    QCoreApplication::processEvents();
+    for (const double wanted : {3.0, 4.0}) {
+        queue.advance(5);
+        model().set(QStringLiteral("borderRadius"), wanted);
+    }
+    model().undo();
+    EXPECT_EQ(radius(), 3);
+}
+
 TEST_F(EditorSidebarInput, EscapeTakesBackWhatAHeldSliderHasMoved) {
     openAppearance();
     const double before = radius();
