@@ -59,13 +59,13 @@ int run(int argc, char** argv) {
     // It is for this start alone, and nothing that is started from here later.
     qunsetenv("XDG_ACTIVATION_TOKEN");
     session.choosePlatform();
-    framora::drawFramesPromptly();
     QCoreApplication::setApplicationName(QStringLiteral("framora"));
     QGuiApplication::setDesktopFileName(QString::fromLatin1(framora::applicationId));
     QApplication application(argc, argv);
     // On X11 Qt has told the desktop of it by now.
     qunsetenv("DESKTOP_STARTUP_ID");
     session.platformIsChosen();
+    framora::drawFramesPromptly();
     QGuiApplication::setQuitOnLastWindowClosed(false);
     if (!instance.acquire(message.encoded()))
         return 0;
