@@ -1,5 +1,7 @@
 #include "platform/desktop/JsonFileDefaults.h"
 
+#include "platform/RegularFile.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -22,6 +24,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr qint64 largestFile = 16 << 20;
 constexpr int lockAttempts = 50;
 constexpr std::chrono::milliseconds lockPause{10};
 constexpr std::chrono::seconds retryPause{5};
@@ -42,11 +45,13 @@ private:
 };
 
 /// An empty object for a file that is missing, no object for a damaged one; nothing for one that must not be
-/// read.
+/// read, or is no file of ours: a pipe, a device, or one that the program would take long for at every start.
 std::optional<Json> readFile(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return file.exists() ? std::nullopt : std::optional(Json::object());
+    QFile file;
+    if (!openRegularFile(file, path))
+        return QFileInfo::exists(path) ? std::nullopt : std::optional(Json::object());
+    if (file.size() > largestFile)
+        return std::nullopt;
     return Json::parse(file.readAll().toStdString(), nullptr, false);
 }
 

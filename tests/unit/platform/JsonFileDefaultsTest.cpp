@@ -247,6 +247,24 @@ TEST_F(JsonFileDefaultsTest, whereNothingCanBeWrittenTheSaveFails) {
     EXPECT_FALSE(below.setData("Settings", "1"));
 }
 
+TEST_F(JsonFileDefaultsTest, aPipeADeviceAndAHugeFileAreNeitherReadNorReplaced) {
+    const QByteArray name = QFile::encodeName(path);
+    const auto isLeftAlone = [&] {
+        return !defaults.dataForKey("Settings") && !defaults.isEmpty() && !defaults.setData("Settings", "1");
+    };
+    ASSERT_EQ(mkfifo(name.constData(), 0600), 0); // Nobody writes into it: to open it would wait.
+    EXPECT_TRUE(isLeftAlone());
+    ASSERT_EQ(unlink(name.constData()), 0);
+    ASSERT_EQ(symlink("/dev/zero", name.constData()), 0);
+    EXPECT_TRUE(isLeftAlone());
+    EXPECT_TRUE(QFileInfo(path).isSymLink());
+    ASSERT_EQ(unlink(name.constData()), 0);
+    write(R"({"Settings": 2})");
+    ASSERT_TRUE(QFile::resize(path, 17 << 20));
+    EXPECT_TRUE(isLeftAlone());
+    EXPECT_EQ(QFileInfo(path).size(), 17 << 20);
+}
+
 TEST_F(JsonFileDefaultsTest, aSaverThatHangsIsNotWaitedForForever) {
     ASSERT_TRUE(defaults.setData("Settings", "1"));
     const int held = open(folder.path().toLocal8Bit().constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
