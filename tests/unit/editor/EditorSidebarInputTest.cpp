@@ -1,7 +1,7 @@
 #include "unit/editor/EditorWindowFixture.h"
 
 #include "editor/model/ScreenshotEditorViewModel.h"
-#include "support/ShownItems.h"
+#include "unit/controls/ShownItems.h"
 
 #include <QTest>
 

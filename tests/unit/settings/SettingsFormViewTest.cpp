@@ -2,7 +2,7 @@
 #include "settings/Settings.h"
 #include "settings/window/QuickSettingsWindow.h"
 #include "support/SettingsPlatform.h"
-#include "support/ShownItems.h"
+#include "unit/controls/ShownItems.h"
 
 #include <QQuickItem>
 #include <QQuickView>

@@ -4,7 +4,7 @@
 #include "platform/ProgramVersion.h"
 #include "settings/views/SettingsSession.h"
 #include "support/SettingsPlatform.h"
-#include "support/ShownItems.h"
+#include "unit/controls/ShownItems.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
