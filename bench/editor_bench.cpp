@@ -401,11 +401,11 @@ int main(int argc, char** argv) {
         return usage();
 
     qputenv("QT_QUICK_BACKEND", "software");
-    drawFramesPromptly();
     // Nobody's own pictures are in the figures.
     const QTemporaryDir home;
     qputenv("HOME", home.path().toLocal8Bit());
     MeteredApplication application(argc, argv);
+    drawFramesPromptly();
     QGuiApplication::setQuitOnLastWindowClosed(false);
     if (scans)
         makePhotographs(home.path() + QStringLiteral("/Pictures"), 60);
