@@ -50,10 +50,7 @@ ShadeCache::Key cacheKey(PixelView picture, const Homography& map, int outputWid
         return key;
     if (!(std::abs(left) < 1e8 && std::abs(top) < 1e8))
         return key;
-    // Where one of the sampler's blocks begins: what is kept is made in pieces as wide as those.
-    constexpr int block = FootprintSampler::mostBlockWidth;
-    const int first = int(std::floor(left)) - 1;
-    key.left = first - (first % block + block) % block;
+    key.left = int(std::floor(left)) - 1;
     key.top = int(std::floor(top)) - 1;
     key.width = int(std::ceil(right)) + 1 - key.left;
     key.height = int(std::ceil(bottom)) + 1 - key.top;
