@@ -5,6 +5,17 @@
 
 namespace framora {
 
+/// The first of that object name at or below `item`, in the tree's order; null when there is none. Children
+/// of delegates are items' children only.
+inline QQuickItem* itemNamed(QQuickItem* item, const QString& name) {
+    if (item->objectName() == name)
+        return item;
+    for (QQuickItem* child : item->childItems())
+        if (QQuickItem* found = itemNamed(child, name))
+            return found;
+    return nullptr;
+}
+
 /// What `property` of the items that inherit `type` holds, for those that show below `item`, in the tree's
 /// order.
 inline QStringList shownBelow(const QQuickItem& item, const char* type, const char* property) {

@@ -21,7 +21,7 @@ public:
     }
     ScreenshotEditorViewModel& model() { return *session().viewModel(); }
     double radius() { return model().config().borderRadius; }
-    QQuickItem* item(const char* name) { return find(window().contentItem(), QLatin1String(name)); }
+    QQuickItem* item(const char* name) { return itemNamed(window().contentItem(), QLatin1String(name)); }
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
         QTest::keyClick(&window(), key, modifiers);
     }
@@ -46,17 +46,6 @@ public:
                 QCoreApplication::sendEvent(&window(), &repeat);
             }
         QTest::keyRelease(&window(), key);
-    }
-
-private:
-    static QQuickItem* find(QQuickItem* parent, const QString& name) {
-        for (QQuickItem* child : parent->childItems()) {
-            if (child->objectName() == name)
-                return child;
-            if (QQuickItem* found = find(child, name))
-                return found;
-        }
-        return nullptr;
     }
 };
 

@@ -1,3 +1,4 @@
+#include "unit/controls/ShownItems.h"
 #include "unit/editor/EditorWindowFixture.h"
 
 #include "editor/views/ScreenshotPreviewCanvas.h"
@@ -25,7 +26,7 @@ public:
     QPoint middle() {
         return canvas().mapToScene(QPointF(canvas().width(), canvas().height()) / 2).toPoint();
     }
-    QQuickItem* item(const QString& name) { return find(window().contentItem(), name); }
+    QQuickItem* item(const QString& name) { return itemNamed(window().contentItem(), name); }
     void key(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
         QTest::keyClick(&window(), key, modifiers);
     }
@@ -57,15 +58,6 @@ public:
     }
 
 private:
-    static QQuickItem* find(QQuickItem* parent, const QString& name) {
-        for (QQuickItem* child : parent->childItems()) {
-            if (child->objectName() == name)
-                return child;
-            if (QQuickItem* found = find(child, name))
-                return found;
-        }
-        return nullptr;
-    }
     std::unique_ptr<QMimeData> mime;
 };
 

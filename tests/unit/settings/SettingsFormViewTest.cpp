@@ -22,7 +22,7 @@ protected:
         QCoreApplication::processEvents();
     }
     QQuickItem& item(const char* name) {
-        QQuickItem* found = find(window.view().rootObject(), QLatin1String(name));
+        QQuickItem* found = itemNamed(window.view().rootObject(), QLatin1String(name));
         if (!found)
             qFatal("there is no %s", name);
         return *found;
@@ -43,16 +43,6 @@ protected:
 
     SettingsPlatform platform;
     QuickSettingsWindow window{platform.services(), [] {}};
-
-private:
-    static QQuickItem* find(QQuickItem* item, const QString& name) {
-        if (item->objectName() == name)
-            return item;
-        for (QQuickItem* child : item->childItems())
-            if (QQuickItem* found = find(child, name))
-                return found;
-        return nullptr;
-    }
 };
 
 TEST_F(SettingsFormView, itsSectionsStandInTheirOrder) {

@@ -33,16 +33,7 @@ protected:
         QCoreApplication::processEvents();
     }
     template <typename Item = QQuickItem> Item* find(const char* name) {
-        return find(window->view().rootObject(), QLatin1String(name));
-    }
-    /// Children of delegates are items' children only.
-    static QQuickItem* find(QQuickItem* item, const QString& name) {
-        if (item->objectName() == name)
-            return item;
-        for (QQuickItem* child : item->childItems())
-            if (QQuickItem* found = find(child, name))
-                return found;
-        return nullptr;
+        return itemNamed(window->view().rootObject(), QLatin1String(name));
     }
     QString text(const char* name) {
         const auto* item = find(name);
@@ -263,7 +254,7 @@ TEST_F(SettingsWindowTest, theAlertHasOneButtonThatPutsItAway) {
     click("accessibility.allow");
     platform.queue.advance(0.6);
     QQuickItem* overlay = window->view().contentItem();
-    const auto ok = [&]() -> QQuickItem* { return find(overlay, QStringLiteral("alert.ok")); };
+    const auto ok = [&]() -> QQuickItem* { return itemNamed(overlay, QStringLiteral("alert.ok")); };
     ASSERT_TRUE(QTest::qWaitFor([&] { return ok() && ok()->isVisible() && ok()->hasActiveFocus(); }));
     const QQuickItem& alert = *ok()->parentItem()->parentItem();
     EXPECT_EQ(
