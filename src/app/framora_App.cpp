@@ -186,6 +186,11 @@ void framora_App::launch() {
 
 void framora_App::perform(ProgramCommand command, const QString& activationToken) {
     m_firstStart.reset();
+    // Obeyed also while a capture is open, which ends as if it were cancelled.
+    if (command == ProgramCommand::quit) {
+        _appDelegate->quitApp();
+        return;
+    }
     if (!m_desktop->gate.isOpen())
         return;
     // Whoever brought the command is answered first. What closes the gate meanwhile comes before it.
@@ -208,7 +213,6 @@ void framora_App::perform(ProgramCommand command, const QString& activationToken
             _appDelegate->openSettings();
             break;
         case ProgramCommand::quit:
-            _appDelegate->quitApp();
             break;
         }
     });

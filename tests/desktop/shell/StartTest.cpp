@@ -129,6 +129,22 @@ TEST_F(StartTest, toldToEndDuringACaptureItTakesTheOverlayAlong) {
     driver.waitForNoOverlay();
 }
 
+TEST_F(StartTest, aCommandToQuitIsObeyedDuringACapture) {
+    VirtualDesktop desktop;
+    FramoraDriver driver(desktop);
+    ChildProcess& framora = driver.launch();
+    driver.pressAreaShortcut();
+    driver.waitForOverlay();
+    ChildProcess& command =
+        desktop.start(FramoraDriver::program(QStringLiteral("framora")), {QStringLiteral("--quit")});
+    EXPECT_TRUE(command.waitForExit());
+    EXPECT_EQ(command.exitCode(), 0);
+    EXPECT_TRUE(framora.waitForExit());
+    EXPECT_EQ(framora.exitCode(), 0);
+    driver.waitForNoOverlay();
+    EXPECT_TRUE(desktop.clipboard().isEmpty());
+}
+
 TEST_F(StartTest, toldToEndWithAFileDialogOpenItEnds) {
     DesktopOptions options;
     options.accessibility = true;
