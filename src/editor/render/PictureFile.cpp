@@ -188,7 +188,13 @@ QString writeFileAtomically(const QString& path, const QByteArray& bytes) {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return file.errorString();
-    file.write(bytes);
+    // A full disk may take the beginning, which is no error of the file's.
+    for (qsizetype done = 0; done < bytes.size();) {
+        const qint64 count = file.write(bytes.constData() + done, bytes.size() - done);
+        if (count <= 0)
+            return file.errorString();
+        done += count;
+    }
     if (!file.commit())
         return file.errorString();
     return {};

@@ -13,6 +13,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -181,6 +182,26 @@ TEST(PictureFile, AFileIsReplacedWholeAndAFailureLeavesItAlone) {
     EXPECT_FALSE(writeFileAtomically(path + QStringLiteral("/below.png"), "x").isEmpty());
     EXPECT_FALSE(writeFileAtomically(folder.path(), "x").isEmpty());
     EXPECT_FALSE(writeFileAtomically(folder.filePath(QStringLiteral("no/such/folder.png")), "x").isEmpty());
+}
+
+TEST(PictureFile, AFileThatDoesNotFitLeavesTheEarlierOneAlone) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("out.png"));
+    ASSERT_EQ(writeFileAtomically(path, "one"), QString());
+    // As on a full disk: the first bytes are taken, the rest is refused.
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit small{1 << 16, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const QString error = writeFileAtomically(path, QByteArray(100'000, 'x'));
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_FALSE(error.isEmpty());
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), "one");
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden).size(), 1) << "nothing else is left";
 }
 
 TEST(PictureFile, ReplacingKeepsTheFilesPermissionsAndItsLink) {
