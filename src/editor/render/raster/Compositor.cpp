@@ -229,6 +229,17 @@ std::uint64_t contentOf(const DrawnTiles& drawn, const std::vector<Layer>& layer
     return std::max<std::uint64_t>(content, 1);
 }
 
+/// The one layer that is seen of a tile which it covers whole and hides, if there is one.
+const Layer* soleLayer(const std::vector<Layer>& layers, std::size_t first, const TileRect& tile,
+                       const std::vector<Share>& shares) {
+    if (first == layers.size() || shares[first].kind != Share::whole ||
+        shares[first].touched.width != tile.width || !hidesWhatLiesUnder(layers[first]))
+        return nullptr;
+    const auto isSeen = [](const Share& share) { return share.kind != Share::none; };
+    return std::any_of(shares.begin() + std::ptrdiff_t(first) + 1, shares.end(), isSeen) ? nullptr
+                                                                                         : &layers[first];
+}
+
 /// Mixes a tile into scratch.mixed, from the first layer that is seen on. False when no layer touches it;
 /// then nothing is written.
 bool mixTile(const std::vector<Layer>& layers, const TileRect& tile, std::size_t first, Scratch& scratch) {
@@ -306,15 +317,22 @@ void forEachBand(const TileGrid& grid, const std::vector<Layer>& layers, const D
 
 /// Draws a band of rows into `out`, whose first row is the band's. What is `drawn` already, if that is given,
 /// is left as it is.
-void drawBand(MutablePixelView out, const TileRect& band, const TileAxis& columns,
-              void (*pack)(const MixPixel*, std::size_t, std::uint32_t*), const std::vector<Layer>& layers,
-              DrawnTiles* drawn, Scratch& scratch) {
+void drawBand(MutablePixelView out, const TileRect& band, const TileAxis& columns, Storing storing,
+              const std::vector<Layer>& layers, DrawnTiles* drawn, Scratch& scratch) {
+    const auto pack = storing == Storing::streamed ? streamPixels : packPixels;
     for (int column = 0; column < columns.count(); ++column) {
         const int x = columns.start(column);
         const TileRect tile{x, band.y, columns.start(column + 1) - x, band.height};
         const std::size_t first = firstSeen(layers, tile, scratch);
         if (drawn && !drawn->take(tile.x, tile.y, contentOf(*drawn, layers, first, scratch)))
             continue;
+        if (const Layer* sole = soleLayer(layers, first, tile, scratch.shares);
+            sole && !sole->adjustment && !sole->noise) {
+            const MutablePixelView target{reinterpret_cast<std::byte*>(out.row(0) + x), tile.width,
+                                          tile.height, out.stride};
+            if (sole->paint->draw(tile, target, storing))
+                continue;
+        }
         const bool isDrawn = mixTile(layers, tile, first, scratch);
         for (int y = 0; y < tile.height; ++y) {
             std::uint32_t* row = out.row(y) + tile.x;
@@ -337,7 +355,6 @@ void compose(MutablePixelView output, const std::vector<Layer>& layers, DrawnTil
     if (output.isEmpty())
         return;
     const bool isLarge = std::size_t(output.height) * std::size_t(output.stride) > cachedBytes;
-    const auto pack = isLarge ? streamPixels : packPixels;
     // Tiles that start where lines of the cache do are written in whole lines.
     constexpr std::size_t line = 64;
     const std::size_t misplaced = reinterpret_cast<std::uintptr_t>(output.data) % line;
@@ -350,7 +367,8 @@ void compose(MutablePixelView output, const std::vector<Layer>& layers, DrawnTil
     forEachBand(grid, layers, [&](const TileRect& band, Scratch& scratch) {
         const MutablePixelView rows{reinterpret_cast<std::byte*>(output.row(band.y)), band.width, band.height,
                                     output.stride};
-        drawBand(rows, band, grid.columns, pack, layers, drawn, scratch);
+        drawBand(rows, band, grid.columns, isLarge ? Storing::streamed : Storing::cached, layers, drawn,
+                 scratch);
         if (isLarge)
             flushPixels();
     });
@@ -376,7 +394,7 @@ void Compositor::draw(MutablePixelView rows, int top) const {
         const TileRect band{0, y, m_width, end - y};
         const MutablePixelView out{reinterpret_cast<std::byte*>(rows.row(y - top)), rows.width, band.height,
                                    rows.stride};
-        drawBand(out, band, grid.columns, packPixels, m_layers, nullptr,
+        drawBand(out, band, grid.columns, Storing::cached, m_layers, nullptr,
                  scratchFor(band, m_shapes->ofLayers));
     }
 }

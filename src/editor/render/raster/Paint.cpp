@@ -21,4 +21,8 @@ bool Paint::overlay(const TileRect&, MixPixel*, std::ptrdiff_t) const {
     return false;
 }
 
+bool Paint::draw(const TileRect&, MutablePixelView, Storing) const {
+    return false;
+}
+
 } // namespace framora::raster

@@ -2,6 +2,7 @@
 
 #include "editor/render/raster/Float4.h"
 #include "editor/render/raster/MixTile.h"
+#include "editor/render/raster/PixelView.h"
 
 #include <optional>
 
@@ -24,6 +25,10 @@ public:
     /// step of 255. False, and nothing is done, for a paint that cannot do both at once, and so always.
     /// Called from many threads.
     virtual bool overlay(const TileRect& tile, MixPixel* under, std::ptrdiff_t stride) const;
+    /// What mix() gives, rounded to the pixels of a picture that are the block; as packPixels() and
+    /// streamPixels() do it. False, and nothing is done, where a paint cannot do both at once, and so always.
+    /// Called from many threads.
+    virtual bool draw(const TileRect& tile, MutablePixelView out, Storing storing) const;
     /// Whether every colour has an alpha of exactly 1.
     virtual bool isOpaque() const = 0;
     /// Whether mix() does best on blocks that are about as high as wide.

@@ -111,6 +111,11 @@ void PicturePaint::mix(const TileRect& tile, MixPixel* out) const {
         filter(local, out);
 }
 
+bool PicturePaint::draw(const TileRect& tile, MutablePixelView out, Storing storing) const {
+    return m_separable && !m_cache &&
+           m_separable->draw({tile.x - m_originX, tile.y - m_originY, tile.width, tile.height}, out, storing);
+}
+
 std::optional<Paint::BlockCorner> PicturePaint::blockCorner() const {
     // What is kept is only copied: its tiles stay where they are while it moves.
     if (m_separable || m_cache)

@@ -23,6 +23,7 @@ public:
 
     void shade(int x, int y, int count, Float4* out) const override;
     void mix(const TileRect& tile, MixPixel* out) const override;
+    bool draw(const TileRect& tile, MutablePixelView out, Storing storing) const override;
     bool isOpaque() const override { return m_picture->isOpaque(); }
     bool prefersSquareTiles() const override { return !m_separable; }
     std::optional<BlockCorner> blockCorner() const override;

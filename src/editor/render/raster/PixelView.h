@@ -32,4 +32,8 @@ struct MutablePixelView {
     operator PixelView() const { return {data, width, height, stride}; }
 };
 
+/// How a picture's pixels are written: for a picture that is larger than the caches, past them. flushPixels()
+/// ends a thread's run of what is streamed.
+enum class Storing { cached, streamed };
+
 } // namespace framora::raster

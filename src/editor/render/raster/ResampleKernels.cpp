@@ -12,19 +12,22 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
-#if HWY_TARGET == HWY_SCALAR
+#if HWY_TARGET == HWY_SCALAR || HWY_HAVE_SCALABLE
 
-// No vectors: the plain kernels.
+// No vectors, or none of a known size: the plain kernels.
 void widenAll(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
     plain::widenRow(pixels, count, out);
 }
-void weighAllRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
-                  MixPixel* out) {
-    plain::weighRows(rows, weights, taps, count, out);
+void weighAllRows(PixelView picture, int column, const FixedTaps& taps, int index, const MixBlock& out) {
+    plain::weighRows(picture, column, taps, index, out);
 }
-void weighAllColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, Alpha alpha,
-                     MixPixel* out) {
-    plain::weighColumns(source, taps, index, count, alpha, out);
+void weighAllColumns(const MixBlock& source, const FixedTaps& taps, int index, Alpha alpha,
+                     const MixBlock& out) {
+    plain::weighColumns(source, taps, index, alpha, out);
+}
+void packAllColumns(const MixBlock& source, const FixedTaps& taps, int index, MutablePixelView out,
+                    Storing /*storing*/) {
+    plain::packColumns(source, taps, index, out);
 }
 
 #else
@@ -39,31 +42,14 @@ HWY_INLINE Vector loadPixels(const MixPixel* from) {
     return hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(from));
 }
 
-/// Valid pixels of these sums, 0...mixOne.
-template <Alpha alpha, typename Tag> HWY_INLINE hn::Vec<Tag> clamped(Tag tag, hn::Vec<Tag> sums) {
-    const auto one = hn::Set(tag, std::int16_t(filterOne));
-    if constexpr (alpha == Alpha::opaque) {
-        // Lifted and cut off, alpha is one.
-        alignas(16) static constexpr std::int16_t least[8] = {0, 0, 0, filterOne, 0, 0, 0, filterOne};
-        return hn::ShiftLeft<2>(hn::Min(hn::Max(sums, hn::LoadDup128(tag, least)), one));
-    } else {
-        const hn::Repartition<std::uint8_t, Tag> bytes;
-        const auto positive = hn::Max(sums, hn::Zero(tag));
-        const auto limit = hn::BitCast(
-            tag, hn::TableLookupBytes(hn::BitCast(bytes, positive), hn::LoadDup128(bytes, alphaBytes)));
-        return hn::ShiftLeft<2>(hn::Min(positive, hn::Min(limit, one)));
-    }
+HWY_INLINE void storePixels(Vector pixels, MixPixel* to) {
+    hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(to));
 }
 
-/// Stores the first `count` pixels of a vector.
-HWY_INLINE void storePixels(Vector pixels, MixPixel* to, std::size_t count) {
-    if (count * 4 >= hn::Lanes(lanes)) {
-        hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(to));
-        return;
-    }
-    alignas(64) std::int16_t part[32];
-    hn::Store(pixels, lanes, part);
-    std::memcpy(to, part, count * sizeof(MixPixel));
+/// The least that a valid sum of opaque pixels is: alpha is one.
+HWY_INLINE Vector leastOpaque() {
+    alignas(16) static constexpr std::int16_t least[8] = {0, 0, 0, filterOne, 0, 0, 0, filterOne};
+    return hn::LoadDup128(lanes, least);
 }
 
 HWY_INLINE Vector widened(const std::uint32_t* pixels) {
@@ -87,45 +73,185 @@ void widenAll(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
         plain::widenRow(pixels, count, out);
 }
 
-HWY_INLINE Vector weighed(const std::uint32_t* const* rows, const std::int16_t* weights, int taps,
-                          std::size_t i) {
-    Vector sum = hn::MulFixedPoint15(widened(rows[0] + i), hn::Set(lanes, weights[0]));
-    for (int tap = 1; tap < taps; ++tap)
-        sum = hn::Add(sum, hn::MulFixedPoint15(widened(rows[tap] + i), hn::Set(lanes, weights[tap])));
-    return sum;
+/// `vectors` vectors of each output: any number of taps.
+template <int vectors>
+HWY_INLINE void weighStrip(PixelView picture, int column, const FixedTaps& taps, int index,
+                           const MixBlock& out, int x) {
+    const std::size_t step = hn::Lanes(lanes) / 4;
+    for (int y = 0; y < out.height; ++y) {
+        const std::int16_t* weights = taps.weights(index + y);
+        Vector sums[vectors];
+        for (Vector& sum : sums)
+            sum = hn::Zero(lanes);
+        for (int tap = 0; tap < taps.taps(); ++tap) {
+            const int row = std::min(taps.start(index + y) + tap, picture.height - 1);
+            const std::uint32_t* from = picture.row(row) + column + x;
+            const Vector weight = hn::Set(lanes, weights[tap]);
+            for (int i = 0; i < vectors; ++i)
+                sums[i] =
+                    hn::Add(sums[i], hn::MulFixedPoint15(widened(from + std::size_t(i) * step), weight));
+        }
+        for (int i = 0; i < vectors; ++i)
+            storePixels(sums[i], out.row(y) + x + std::size_t(i) * step);
+    }
 }
 
-void weighAllRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
-                  MixPixel* out) {
+/// The same of four taps: each row of the picture is read once for all the outputs that it is in.
+template <int vectors>
+HWY_INLINE void weighStripOfFour(PixelView picture, int column, const FixedTaps& taps, int index,
+                                 const MixBlock& out, int x) {
     const std::size_t step = hn::Lanes(lanes) / 4;
-    if (count < step) {
-        plain::weighRows(rows, weights, taps, count, out);
+    struct Strip {
+        Vector part[vectors];
+    };
+    const auto read = [&](int row) HWY_ATTR {
+        const std::uint32_t* from = picture.row(std::min(row, picture.height - 1)) + column + x;
+        Strip strip;
+        for (int i = 0; i < vectors; ++i)
+            strip.part[i] = widened(from + std::size_t(i) * step);
+        return strip;
+    };
+    int next = taps.start(index);
+    Strip a = read(next++);
+    Strip b = read(next++);
+    Strip c = read(next++);
+    Strip d = read(next++);
+    MixPixel* to = out.first + x;
+    for (int y = 0; y < out.height; ++y, to += out.stride) {
+        for (const int end = taps.start(index + y) + 4; next < end; ++next) {
+            a = b;
+            b = c;
+            c = d;
+            d = read(next);
+        }
+        const std::int16_t* weights = taps.weights(index + y);
+        const Vector first = hn::Set(lanes, weights[0]);
+        const Vector second = hn::Set(lanes, weights[1]);
+        const Vector third = hn::Set(lanes, weights[2]);
+        const Vector fourth = hn::Set(lanes, weights[3]);
+        for (int i = 0; i < vectors; ++i) {
+            const Vector upper =
+                hn::Add(hn::MulFixedPoint15(a.part[i], first), hn::MulFixedPoint15(b.part[i], second));
+            const Vector lower =
+                hn::Add(hn::MulFixedPoint15(c.part[i], third), hn::MulFixedPoint15(d.part[i], fourth));
+            storePixels(hn::Add(upper, lower), to + std::size_t(i) * step);
+        }
+    }
+}
+
+void weighAllRows(PixelView picture, int column, const FixedTaps& taps, int index, const MixBlock& out) {
+    const int step = int(hn::Lanes(lanes) / 4);
+    if (out.width < step) {
+        plain::weighRows(picture, column, taps, index, out);
         return;
     }
-    std::size_t i = 0;
-    // Two vectors share what is fetched for a row.
-    for (; i + 2 * step <= count; i += 2 * step) {
-        Vector first = hn::Zero(lanes);
-        Vector second = hn::Zero(lanes);
-        for (int tap = 0; tap < taps; ++tap) {
-            const std::uint32_t* from = rows[tap] + i;
-            const Vector weight = hn::Set(lanes, weights[tap]);
-            first = hn::Add(first, hn::MulFixedPoint15(widened(from), weight));
-            second = hn::Add(second, hn::MulFixedPoint15(widened(from + step), weight));
-        }
-        storePixels(first, out + i, step);
-        storePixels(second, out + i + step, step);
+    const bool isOfFour = taps.taps() == 4;
+    const auto weighTwo = isOfFour ? weighStripOfFour<2> : weighStrip<2>;
+    const auto weighOne = isOfFour ? weighStripOfFour<1> : weighStrip<1>;
+    int x = 0;
+    for (; x + 2 * step <= out.width; x += 2 * step)
+        weighTwo(picture, column, taps, index, out, x);
+    if (x + step <= out.width) {
+        weighOne(picture, column, taps, index, out, x);
+        x += step;
     }
-    for (; i + step <= count; i += step)
-        storePixels(weighed(rows, weights, taps, i), out + i, step);
     // The last vector overlaps the one before.
-    if (i < count)
-        storePixels(weighed(rows, weights, taps, count - step), out + (count - step), step);
+    if (x < out.width)
+        weighOne(picture, column, taps, index, out, out.width - step);
 }
 
-/// One vector of outputs that read neighbouring sources: one load a tap, sorted to the outputs. `starts` are
-/// their sources, the first of which is at `from`. With `fixedTaps` above 0 that many, else `taps`.
-template <Alpha alpha, int fixedTaps>
+/// Writes sums as pixels being mixed.
+template <Alpha alpha> struct MixWriter {
+    MixBlock out;
+
+    /// Valid pixels of these sums, 0...mixOne.
+    static HWY_INLINE Vector clamped(Vector sums) {
+        const Vector one = hn::Set(lanes, std::int16_t(filterOne));
+        if constexpr (alpha == Alpha::opaque) {
+            return hn::ShiftLeft<2>(hn::Min(hn::Max(sums, leastOpaque()), one));
+        } else {
+            const hn::Repartition<std::uint8_t, Lanes> bytes;
+            const auto positive = hn::Max(sums, hn::Zero(lanes));
+            const auto limit = hn::BitCast(
+                lanes, hn::TableLookupBytes(hn::BitCast(bytes, positive), hn::LoadDup128(bytes, alphaBytes)));
+            return hn::ShiftLeft<2>(hn::Min(positive, hn::Min(limit, one)));
+        }
+    }
+    /// A vector, or the first `count` pixels of it.
+    static HWY_INLINE void write(Vector sums, MixPixel* to) { storePixels(clamped(sums), to); }
+    static HWY_INLINE void writeFirst(Vector sums, MixPixel* to, int count) {
+        alignas(64) std::int16_t part[32];
+        hn::Store(clamped(sums), lanes, part);
+        std::memcpy(to, part, std::size_t(count) * sizeof *to);
+    }
+    /// The pixels of both vectors in turn.
+    static HWY_INLINE void writeInTurn(Vector evenSums, Vector oddSums, MixPixel* to) {
+        const hn::Repartition<std::uint64_t, Lanes> words;
+        const auto even = hn::BitCast(words, clamped(evenSums));
+        const auto odd = hn::BitCast(words, clamped(oddSums));
+        auto* pixels = reinterpret_cast<std::uint64_t*>(to);
+#if HWY_MAX_BYTES == 64
+        alignas(64) static constexpr std::uint64_t lower[8] = {0, 0, 1, 1, 2, 2, 3, 3};
+        alignas(64) static constexpr std::uint64_t upper[8] = {4, 4, 5, 5, 6, 6, 7, 7};
+        constexpr std::uint64_t all = ~std::uint64_t(0);
+        alignas(64) static constexpr std::uint64_t everySecond[8] = {0, all, 0, all, 0, all, 0, all};
+        const auto isOdd = hn::MaskFromVec(hn::Load(words, everySecond));
+        const auto sorted = [&](const std::uint64_t* pattern) HWY_ATTR {
+            const auto order = hn::SetTableIndices(words, pattern);
+            return hn::IfThenElse(isOdd, hn::TableLookupLanes(odd, order), hn::TableLookupLanes(even, order));
+        };
+        hn::StoreU(sorted(lower), words, pixels);
+        hn::StoreU(sorted(upper), words, pixels + 8);
+#else
+        hn::StoreInterleaved2(even, odd, words, pixels);
+#endif
+    }
+};
+
+/// Rounds sums of opaque pixels to those of a picture. Streamed rows start where a line of the cache does.
+template <Storing storing> struct PackWriter {
+    MutablePixelView out;
+
+    static constexpr hn::Repartition<std::uint8_t, Lanes> bytes{};
+    static constexpr int shift = sourceShift - 2;
+
+    /// Sums of valid channels, and half a step of them.
+    static HWY_INLINE Vector raised(Vector sums) {
+        const Vector valid = hn::Min(hn::Max(sums, leastOpaque()), hn::Set(lanes, std::int16_t(filterOne)));
+        return hn::Add(valid, hn::Set(lanes, std::int16_t(1 << (shift - 1))));
+    }
+    template <typename Tag> static HWY_INLINE void store(hn::Vec<Tag> pixels, Tag tag, std::uint32_t* to) {
+        if constexpr (storing == Storing::streamed && HWY_MAX_BYTES >= 32)
+            hn::Stream(pixels, tag, reinterpret_cast<std::uint8_t*>(to));
+        else
+            hn::StoreU(pixels, tag, reinterpret_cast<std::uint8_t*>(to));
+    }
+    static HWY_INLINE auto packed(Vector sums) {
+        return hn::DemoteTo(hn::Rebind<std::uint8_t, Lanes>(), hn::ShiftRight<shift>(raised(sums)));
+    }
+    static HWY_INLINE void write(Vector sums, std::uint32_t* to) {
+        store(packed(sums), hn::Rebind<std::uint8_t, Lanes>(), to);
+    }
+    static HWY_INLINE void writeFirst(Vector sums, std::uint32_t* to, int count) {
+        alignas(32) std::uint32_t part[8];
+        hn::Store(packed(sums), hn::Rebind<std::uint8_t, Lanes>(), reinterpret_cast<std::uint8_t*>(part));
+        std::memcpy(to, part, std::size_t(count) * sizeof *to);
+    }
+    static HWY_INLINE void writeInTurn(Vector evenSums, Vector oddSums, std::uint32_t* to) {
+        // Each pair of bytes holds a channel of an even pixel and the same of the odd one behind it.
+        const Vector even = hn::ShiftRight<shift>(raised(evenSums));
+        const Vector odd = hn::ShiftLeft<8>(hn::ShiftRight<shift>(raised(oddSums)));
+        alignas(16) static constexpr std::uint8_t order[16] = {0, 2,  4,  6,  1, 3,  5,  7,
+                                                               8, 10, 12, 14, 9, 11, 13, 15};
+        store(hn::TableLookupBytes(hn::BitCast(bytes, hn::Or(even, odd)), hn::LoadDup128(bytes, order)),
+              bytes, to);
+    }
+};
+
+/// The sums of a vector of outputs that read neighbouring sources: one load a tap, sorted to the outputs.
+/// `starts` are their sources, the first of which is at `from`. With `fixedTaps` above 0 that many, else
+/// `taps`.
+template <int fixedTaps>
 HWY_INLINE Vector weighedColumns(const MixPixel* from, const std::int64_t* starts, const MixPixel* weights,
                                  std::size_t tapStride, int taps) {
     const hn::Repartition<std::uint64_t, Lanes> words;
@@ -138,55 +264,46 @@ HWY_INLINE Vector weighedColumns(const MixPixel* from, const std::int64_t* start
         const auto sources = hn::TableLookupLanes(hn::BitCast(words, loadPixels(from + tap)), order);
         sum = hn::Add(sum, hn::MulFixedPoint15(hn::BitCast(lanes, sources), loadPixels(weights)));
     }
-    return clamped<alpha>(lanes, sum);
+    return sum;
 }
 
-template <Alpha alpha, int fixedTaps>
-HWY_INLINE void weighDenseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count,
-                                  MixPixel* out) {
+/// What the functions below are about: of each row of `source`, which starts with what the output `index`
+/// uses first, those of the outputs from `index` on that they are asked for.
+struct Columns {
+    MixBlock source;
+    const FixedTaps& taps;
+    int index;
+
+    int start(int x) const { return taps.start(index + x) - taps.start(index); }
+};
+
+/// The outputs [begin, end), each starting at most one source behind the one before.
+template <int fixedTaps, typename Writer>
+HWY_INLINE void weighDenseColumns(const Columns& columns, int begin, int end, const Writer& writer) {
     constexpr int mostLanes = 8;
     const int step = int(hn::Lanes(lanes) / 4);
-    const std::int64_t* starts = taps.starts() + index;
-    const MixPixel* origin = source - starts[0];
+    const FixedTaps& taps = columns.taps;
+    const std::int64_t* starts = taps.starts() + columns.index;
+    const MixPixel* weights = taps.spread(columns.index);
     const std::size_t stride = taps.tapStride();
     const int tapCount = taps.taps();
-    const MixPixel* weights = taps.spread(index);
-    int i = 0;
-    for (; i + step <= count; i += step) {
-        const Vector pixels =
-            weighedColumns<alpha, fixedTaps>(origin + starts[i], starts + i, weights + i, stride, tapCount);
-        hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(out + i));
+    for (int y = 0; begin < end && y < writer.out.height; ++y) {
+        const MixPixel* origin = columns.source.row(y) - starts[0];
+        auto* const to = writer.out.row(y);
+        int i = begin;
+        for (; i + step <= end; i += step)
+            writer.write(
+                weighedColumns<fixedTaps>(origin + starts[i], starts + i, weights + i, stride, tapCount),
+                to + i);
+        if (i == end)
+            continue;
+        alignas(64) std::int64_t lastStarts[mostLanes];
+        for (int lane = 0; lane < step; ++lane)
+            lastStarts[lane] = starts[std::min(i + lane, end - 1)];
+        writer.writeFirst(
+            weighedColumns<fixedTaps>(origin + starts[i], lastStarts, weights + i, stride, tapCount), to + i,
+            end - i);
     }
-    if (i == count)
-        return;
-    alignas(64) std::int64_t lastStarts[mostLanes];
-    for (int lane = 0; lane < step; ++lane)
-        lastStarts[lane] = starts[std::min(i + lane, count - 1)];
-    const Vector pixels =
-        weighedColumns<alpha, fixedTaps>(origin + starts[i], lastStarts, weights + i, stride, tapCount);
-    storePixels(pixels, out + i, std::size_t(count - i));
-}
-
-/// Writes the pixels of both vectors in turn.
-HWY_INLINE void storeInTurn(Vector even, Vector odd, MixPixel* out) {
-    const hn::Repartition<std::uint64_t, Lanes> words;
-    auto* to = reinterpret_cast<std::uint64_t*>(out);
-#if HWY_MAX_BYTES == 64 && !HWY_HAVE_SCALABLE
-    alignas(64) static constexpr std::uint64_t lower[8] = {0, 0, 1, 1, 2, 2, 3, 3};
-    alignas(64) static constexpr std::uint64_t upper[8] = {4, 4, 5, 5, 6, 6, 7, 7};
-    constexpr std::uint64_t all = ~std::uint64_t(0);
-    alignas(64) static constexpr std::uint64_t everySecond[8] = {0, all, 0, all, 0, all, 0, all};
-    const auto isOdd = hn::MaskFromVec(hn::Load(words, everySecond));
-    const auto sorted = [&](const std::uint64_t* pattern) HWY_ATTR {
-        const auto order = hn::SetTableIndices(words, pattern);
-        return hn::IfThenElse(isOdd, hn::TableLookupLanes(hn::BitCast(words, odd), order),
-                              hn::TableLookupLanes(hn::BitCast(words, even), order));
-    };
-    hn::StoreU(sorted(lower), words, to);
-    hn::StoreU(sorted(upper), words, to + 8);
-#else
-    hn::StoreInterleaved2(hn::BitCast(words, even), hn::BitCast(words, odd), words, to);
-#endif
 }
 
 /// Keeps a vector where it is: the compiler would load it anew for every use, across two lines of the cache.
@@ -197,11 +314,12 @@ HWY_INLINE void keep([[maybe_unused]] Vector& vector) {
 }
 
 /// Pairs of outputs that weigh alike, the second one of each starting `shift` sources behind the first: no
-/// source needs sorting. Returns how many outputs it made.
-template <Alpha alpha, int shift>
-HWY_INLINE int weighDoubledColumns(const MixPixel* source, const std::int16_t* first,
-                                   const std::int16_t* second, int count, MixPixel* out) {
+/// source needs sorting. From `begin` on, `count` of them, which are two vectors or a multiple of that.
+template <int shift, typename Writer>
+HWY_INLINE void weighDoubledColumns(const Columns& columns, int begin, int count, const Writer& writer) {
     const int step = int(hn::Lanes(lanes) / 4);
+    const std::int16_t* first = columns.taps.weights(columns.index + begin);
+    const std::int16_t* second = columns.taps.weights(columns.index + begin + 1);
     const auto weight = [](std::int16_t one) HWY_ATTR { return hn::Set(lanes, one); };
     // Read once: as far as the compiler knows, `out` may overwrite them.
     const Vector first0 = weight(first[0]);
@@ -212,65 +330,52 @@ HWY_INLINE int weighDoubledColumns(const MixPixel* source, const std::int16_t* f
     const Vector second1 = weight(second[1]);
     const Vector second2 = weight(second[2]);
     const Vector second3 = weight(second[3]);
-    int i = 0;
-    for (; i + 2 * step <= count; i += 2 * step, source += step) {
-        const Vector a = loadPixels(source);
-        Vector b = loadPixels(source + 1);
-        Vector c = loadPixels(source + 2);
-        Vector d = loadPixels(source + 3);
-        keep(b);
-        keep(c);
-        keep(d);
-        const Vector e = shift == 0 ? d : loadPixels(source + 4);
-        const auto sum = [](Vector v0, Vector v1, Vector v2, Vector v3) HWY_ATTR {
-            return clamped<alpha>(lanes, hn::Add(hn::Add(v0, v1), hn::Add(v2, v3)));
-        };
-        const auto part = [](Vector v, Vector by) HWY_ATTR { return hn::MulFixedPoint15(v, by); };
-        const Vector even = sum(part(a, first0), part(b, first1), part(c, first2), part(d, first3));
-        const Vector odd = shift == 0
-                               ? sum(part(a, second0), part(b, second1), part(c, second2), part(d, second3))
-                               : sum(part(b, second0), part(c, second1), part(d, second2), part(e, second3));
-        storeInTurn(even, odd, out + i);
+    for (int y = 0; y < writer.out.height; ++y) {
+        const MixPixel* source = columns.source.row(y) + columns.start(begin);
+        auto* const to = writer.out.row(y) + begin;
+        for (int i = 0; i < count; i += 2 * step, source += step) {
+            const Vector a = loadPixels(source);
+            Vector b = loadPixels(source + 1);
+            Vector c = loadPixels(source + 2);
+            Vector d = loadPixels(source + 3);
+            keep(b);
+            keep(c);
+            keep(d);
+            const Vector e = shift == 0 ? d : loadPixels(source + 4);
+            const auto sum = [](Vector v0, Vector v1, Vector v2, Vector v3)
+                                 HWY_ATTR { return hn::Add(hn::Add(v0, v1), hn::Add(v2, v3)); };
+            const auto part = [](Vector v, Vector by) HWY_ATTR { return hn::MulFixedPoint15(v, by); };
+            const Vector even = sum(part(a, first0), part(b, first1), part(c, first2), part(d, first3));
+            const Vector odd =
+                shift == 0 ? sum(part(a, second0), part(b, second1), part(c, second2), part(d, second3))
+                           : sum(part(b, second0), part(c, second1), part(d, second2), part(e, second3));
+            writer.writeInTurn(even, odd, to + i);
+        }
     }
-    return i;
+}
+
+/// A number of outputs after which whole vectors are stored where streamed ones may be.
+HWY_INLINE int roundedUp(int count, int step) {
+    return (count + step - 1) / step * step;
 }
 
 /// Four taps an output.
-template <Alpha alpha>
-void weighFourColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
-    const int head = std::clamp(taps.doubledFirst() - index, 0, count);
-    const int doubled = std::clamp(taps.doubledEnd() - index, head, count) - head;
-    int done = 0;
-    const int origin = taps.start(index);
-    const int first = index + head;
-    if (doubled >= int(hn::Lanes(lanes) / 2)) {
-        if (head > 0)
-            weighDenseColumns<alpha, 4>(source, taps, index, head, out);
-        const MixPixel* from = source + (taps.start(first) - origin);
-        const std::int16_t* even = taps.weights(first);
-        const std::int16_t* odd = taps.weights(first + 1);
-        done = head + (taps.start(first + 1) == taps.start(first)
-                           ? weighDoubledColumns<alpha, 0>(from, even, odd, doubled, out + head)
-                           : weighDoubledColumns<alpha, 1>(from, even, odd, doubled, out + head));
+template <typename Writer> void weighFourColumns(const Columns& columns, const Writer& writer) {
+    const FixedTaps& taps = columns.taps;
+    const int count = writer.out.width;
+    const int pair = int(hn::Lanes(lanes) / 2);
+    const int first = roundedUp(std::clamp(taps.doubledFirst() - columns.index, 0, count), pair);
+    const int doubled = std::max(0, std::min(taps.doubledEnd() - columns.index, count) - first) / pair * pair;
+    if (doubled == 0) {
+        weighDenseColumns<4>(columns, 0, count, writer);
+        return;
     }
-    if (done < count)
-        weighDenseColumns<alpha, 4>(source + (taps.start(index + done) - origin), taps, index + done,
-                                    count - done, out + done);
-}
-
-#if !HWY_HAVE_SCALABLE
-
-using OnePixel = hn::CappedTag<std::int16_t, 4>;
-constexpr OnePixel onePixel;
-
-/// The sum of a vector's pixels. Sixteen bits wrap around alike in any order.
-template <typename Tag> HWY_INLINE hn::Vec<OnePixel> sumOfPixels(Tag /*tag*/, hn::Vec<Tag> pixels) {
-    if constexpr (hn::MaxLanes(Tag()) == 4) {
-        return pixels;
-    } else {
-        const hn::Half<Tag> half;
-        return sumOfPixels(half, hn::Add(hn::LowerHalf(half, pixels), hn::UpperHalf(half, pixels)));
-    }
+    weighDenseColumns<4>(columns, 0, first, writer);
+    if (columns.start(first + 1) == columns.start(first))
+        weighDoubledColumns<0>(columns, first, doubled, writer);
+    else
+        weighDoubledColumns<1>(columns, first, doubled, writer);
+    weighDenseColumns<4>(columns, first + doubled, count, writer);
 }
 
 /// The weighed sources of one output, added up to a vector.
@@ -312,93 +417,95 @@ template <typename At> HWY_INLINE Vector sumsOfPixels(const At& at) {
 }
 
 /// Many taps an output: they are summed across a vector.
-template <Alpha alpha>
-void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
+template <typename Writer>
+void weighSparseColumns(const Columns& columns, int begin, int end, const Writer& writer) {
     const int step = int(hn::Lanes(lanes) / 4);
-    const int tapCount = taps.taps();
-    const MixPixel* origin = source - taps.start(index);
-    const auto weighed = [&](int i) HWY_ATTR {
-        return weighedAcross(origin + taps.start(index + i), taps.spread(index + i), tapCount);
-    };
-    int done = 0;
-    for (; done + step <= count; done += step) {
-        const Vector sums = sumsOfPixels([&](int i) HWY_ATTR { return weighed(done + i); });
-        hn::StoreU(clamped<alpha>(lanes, sums), lanes, reinterpret_cast<std::int16_t*>(out + done));
-    }
-    for (; done < count; ++done) {
-        const auto valid = clamped<alpha>(onePixel, sumOfPixels(lanes, weighed(done)));
-        hn::StoreU(valid, onePixel, reinterpret_cast<std::int16_t*>(out + done));
+    const int tapCount = columns.taps.taps();
+    for (int y = 0; begin < end && y < writer.out.height; ++y) {
+        const MixPixel* source = columns.source.row(y);
+        auto* const to = writer.out.row(y);
+        const auto weighed = [&](int x) HWY_ATTR {
+            return weighedAcross(source + columns.start(x), columns.taps.spread(columns.index + x), tapCount);
+        };
+        int i = begin;
+        for (; i + step <= end; i += step)
+            writer.write(sumsOfPixels([&](int lane) HWY_ATTR { return weighed(i + lane); }), to + i);
+        if (i < end)
+            writer.writeFirst(
+                sumsOfPixels([&](int lane) HWY_ATTR { return weighed(std::min(i + lane, end - 1)); }), to + i,
+                end - i);
     }
 }
-
-#else
-
-template <Alpha alpha>
-void weighSparseColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
-    plain::weighColumns(source, taps, index, count, alpha, out);
-}
-
-#endif
 
 /// Outputs that weigh alike, each starting two sources behind the one before: every second source of two
-/// vectors at once. Returns how many outputs it made.
-template <Alpha alpha>
-int weighHalvedColumns(const MixPixel* source, const std::int16_t* weights, int taps, int count,
-                       MixPixel* out) {
+/// vectors at once. From `begin` on, `count` of them, which are whole vectors.
+template <typename Writer>
+void weighHalvedColumns(const Columns& columns, int begin, int count, const Writer& writer) {
     const hn::Repartition<std::uint64_t, Lanes> words;
     const int step = int(hn::Lanes(lanes) / 4);
-    int i = 0;
-    for (; i + step <= count; i += step, source += 2 * step) {
-        Vector sum = hn::Zero(lanes);
-        for (int tap = 0; tap < taps; tap += 2) {
-            const auto low = hn::BitCast(words, loadPixels(source + tap));
-            const auto high = hn::BitCast(words, loadPixels(source + tap + step));
-            const Vector even = hn::BitCast(lanes, hn::ConcatEven(words, high, low));
-            sum = hn::Add(sum, hn::MulFixedPoint15(even, hn::Set(lanes, weights[tap])));
-            if (tap + 1 == taps)
-                break;
-            const Vector odd = hn::BitCast(lanes, hn::ConcatOdd(words, high, low));
-            sum = hn::Add(sum, hn::MulFixedPoint15(odd, hn::Set(lanes, weights[tap + 1])));
+    const int taps = columns.taps.taps();
+    const std::int16_t* weights = columns.taps.weights(columns.index + begin);
+    for (int y = 0; y < writer.out.height; ++y) {
+        const MixPixel* source = columns.source.row(y) + columns.start(begin);
+        auto* const to = writer.out.row(y) + begin;
+        for (int i = 0; i < count; i += step, source += 2 * step) {
+            Vector sum = hn::Zero(lanes);
+            for (int tap = 0; tap < taps; tap += 2) {
+                const auto low = hn::BitCast(words, loadPixels(source + tap));
+                const auto high = hn::BitCast(words, loadPixels(source + tap + step));
+                const Vector even = hn::BitCast(lanes, hn::ConcatEven(words, high, low));
+                sum = hn::Add(sum, hn::MulFixedPoint15(even, hn::Set(lanes, weights[tap])));
+                if (tap + 1 == taps)
+                    break;
+                const Vector odd = hn::BitCast(lanes, hn::ConcatOdd(words, high, low));
+                sum = hn::Add(sum, hn::MulFixedPoint15(odd, hn::Set(lanes, weights[tap + 1])));
+            }
+            writer.write(sum, to + i);
         }
-        hn::StoreU(clamped<alpha>(lanes, sum), lanes, reinterpret_cast<std::int16_t*>(out + i));
     }
-    return i;
 }
 
 /// Outputs that start further from one another.
-template <Alpha alpha>
-void weighDistantColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
-    const int head = std::clamp(taps.halvedFirst() - index, 0, count);
-    const int halved = std::clamp(taps.halvedEnd() - index, head, count) - head;
-    const int origin = taps.start(index);
-    int done = 0;
-    if (halved > 0) {
-        if (head > 0)
-            weighSparseColumns<alpha>(source, taps, index, head, out);
-        done = head + weighHalvedColumns<alpha>(source + (taps.start(index + head) - origin),
-                                                taps.weights(index + head), taps.taps(), halved, out + head);
+template <typename Writer> void weighDistantColumns(const Columns& columns, const Writer& writer) {
+    const FixedTaps& taps = columns.taps;
+    const int count = writer.out.width;
+    const int step = int(hn::Lanes(lanes) / 4);
+    const int first = roundedUp(std::clamp(taps.halvedFirst() - columns.index, 0, count), step);
+    const int halved = std::max(0, std::min(taps.halvedEnd() - columns.index, count) - first) / step * step;
+    if (halved == 0) {
+        weighSparseColumns(columns, 0, count, writer);
+        return;
     }
-    if (done < count)
-        weighSparseColumns<alpha>(source + (taps.start(index + done) - origin), taps, index + done,
-                                  count - done, out + done);
+    weighSparseColumns(columns, 0, first, writer);
+    weighHalvedColumns(columns, first, halved, writer);
+    weighSparseColumns(columns, first + halved, count, writer);
 }
 
-template <Alpha alpha>
-void weighAllColumnsOf(const MixPixel* source, const FixedTaps& taps, int index, int count, MixPixel* out) {
-    if (taps.isDense() && taps.taps() == 4)
-        weighFourColumns<alpha>(source, taps, index, count, out);
-    else if (taps.isDense())
-        weighDenseColumns<alpha, 0>(source, taps, index, count, out);
+template <typename Writer> void writeColumns(const Columns& columns, const Writer& writer) {
+    if (columns.taps.isDense() && columns.taps.taps() == 4)
+        weighFourColumns(columns, writer);
+    else if (columns.taps.isDense())
+        weighDenseColumns<0>(columns, 0, writer.out.width, writer);
     else
-        weighDistantColumns<alpha>(source, taps, index, count, out);
+        weighDistantColumns(columns, writer);
 }
 
-void weighAllColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, Alpha alpha,
-                     MixPixel* out) {
+void weighAllColumns(const MixBlock& source, const FixedTaps& taps, int index, Alpha alpha,
+                     const MixBlock& out) {
     if (alpha == Alpha::opaque)
-        weighAllColumnsOf<Alpha::opaque>(source, taps, index, count, out);
+        writeColumns({source, taps, index}, MixWriter<Alpha::opaque>{out});
     else
-        weighAllColumnsOf<Alpha::any>(source, taps, index, count, out);
+        writeColumns({source, taps, index}, MixWriter<Alpha::any>{out});
+}
+
+void packAllColumns(const MixBlock& source, const FixedTaps& taps, int index, MutablePixelView out,
+                    Storing storing) {
+    constexpr std::size_t line = 64;
+    const auto start = reinterpret_cast<std::uintptr_t>(out.data);
+    if (storing == Storing::streamed && start % line == 0 && std::size_t(out.stride) % line == 0)
+        writeColumns({source, taps, index}, PackWriter<Storing::streamed>{out});
+    else
+        writeColumns({source, taps, index}, PackWriter<Storing::cached>{out});
 }
 
 #endif
@@ -412,19 +519,24 @@ namespace framora::raster {
 HWY_EXPORT(widenAll);
 HWY_EXPORT(weighAllRows);
 HWY_EXPORT(weighAllColumns);
+HWY_EXPORT(packAllColumns);
 
 void widenRow(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
     HWY_DYNAMIC_DISPATCH(widenAll)(pixels, count, out);
 }
 
-void weighRows(const std::uint32_t* const* rows, const std::int16_t* weights, int taps, std::size_t count,
-               MixPixel* out) {
-    HWY_DYNAMIC_DISPATCH(weighAllRows)(rows, weights, taps, count, out);
+void weighRows(PixelView picture, int column, const FixedTaps& taps, int index, const MixBlock& out) {
+    HWY_DYNAMIC_DISPATCH(weighAllRows)(picture, column, taps, index, out);
 }
 
-void weighColumns(const MixPixel* source, const FixedTaps& taps, int index, int count, Alpha alpha,
-                  MixPixel* out) {
-    HWY_DYNAMIC_DISPATCH(weighAllColumns)(source, taps, index, count, alpha, out);
+void weighColumns(const MixBlock& source, const FixedTaps& taps, int index, Alpha alpha,
+                  const MixBlock& out) {
+    HWY_DYNAMIC_DISPATCH(weighAllColumns)(source, taps, index, alpha, out);
+}
+
+void packColumns(const MixBlock& source, const FixedTaps& taps, int index, MutablePixelView out,
+                 Storing storing) {
+    HWY_DYNAMIC_DISPATCH(packAllColumns)(source, taps, index, out, storing);
 }
 
 } // namespace framora::raster

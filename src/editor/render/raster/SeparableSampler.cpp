@@ -22,33 +22,62 @@ SeparableSampler::SeparableSampler(PixelView picture, Alpha alpha, const Axis& c
     });
 }
 
-void SeparableSampler::mix(const TileRect& tile, MixPixel* out) const {
-    const FixedTaps& columns = m_fixedColumns;
-    const FixedTaps& rows = m_fixedRows;
-    // What lies beyond the kernels' ends is shaded too, though no layer shows it.
-    const int first = std::clamp(tile.x - columns.firstOutput(), 0, columns.count() - 1);
-    const int end = std::clamp(tile.x + tile.width - columns.firstOutput(), first + 1, columns.count());
-    const int left = std::clamp(columns.firstOutput() - tile.x, 0, tile.width - 1);
-    const int count = std::min(end - first, tile.width - left);
-    const FixedTaps::Span span = columns.span(first, count);
+MixBlock SeparableSampler::weighDown(const FixedTaps::Span& columns, int row, int rows) const {
     // Padding taps of weight zero may reach beyond the picture: they read what follows in the buffer.
-    const auto readable = std::size_t(std::min(span.end, m_picture.width) - span.first);
-    const std::size_t needed = std::size_t(span.end - span.first + columns.paddedTaps()) + filterSlack;
+    const int readable = std::min(columns.end, m_picture.width) - columns.first;
+    const std::size_t stride =
+        std::size_t(columns.end - columns.first + m_fixedColumns.paddedTaps()) + filterSlack;
     thread_local std::vector<MixPixel> mixed;
-    thread_local std::vector<const std::uint32_t*> sources;
-    if (mixed.size() < needed)
-        mixed.resize(needed);
-    sources.resize(std::size_t(rows.taps()));
-    for (int y = 0; y < tile.height; ++y, out += tile.width) {
-        const int row = std::clamp(tile.y + y - rows.firstOutput(), 0, rows.count() - 1);
-        for (int tap = 0; tap < rows.taps(); ++tap)
-            sources[std::size_t(tap)] =
-                m_picture.row(std::min(rows.start(row) + tap, m_picture.height - 1)) + span.first;
-        weighRows(sources.data(), rows.weights(row), rows.taps(), readable, mixed.data());
-        weighColumns(mixed.data(), columns, first, count, m_alpha, out + left);
-        std::fill_n(out, left, out[left]);
-        std::fill(out + left + count, out + tile.width, out[left + count - 1]);
+    if (mixed.size() < stride * std::size_t(rows))
+        mixed.resize(stride * std::size_t(rows));
+    const MixBlock block{mixed.data(), stride, readable, rows};
+    weighRows(m_picture, columns.first, m_fixedRows, row, block);
+    return block;
+}
+
+void SeparableSampler::mix(const TileRect& tile, MixPixel* out) const {
+    // What lies beyond the kernels' ends is shaded too, though no layer shows it.
+    struct Part {
+        int first;  ///< Output of the taps.
+        int before; ///< How many of the block come before it.
+        int count;
+    };
+    const auto inside = [](const FixedTaps& taps, int start, int size) {
+        const int first = std::clamp(start - taps.firstOutput(), 0, taps.count() - 1);
+        const int end = std::clamp(start + size - taps.firstOutput(), first + 1, taps.count());
+        const int before = std::clamp(taps.firstOutput() - start, 0, size - 1);
+        return Part{first, before, std::min(end - first, size - before)};
+    };
+    const Part columns = inside(m_fixedColumns, tile.x, tile.width);
+    const Part rows = inside(m_fixedRows, tile.y, tile.height);
+    const auto width = std::size_t(tile.width);
+    const MixBlock block{out + std::size_t(rows.before) * width + columns.before, width, columns.count,
+                         rows.count};
+    weighColumns(weighDown(m_fixedColumns.span(columns.first, columns.count), rows.first, rows.count),
+                 m_fixedColumns, columns.first, m_alpha, block);
+    for (int y = 0; y < rows.count; ++y) {
+        MixPixel* const row = block.row(y);
+        std::fill_n(row - columns.before, columns.before, row[0]);
+        std::fill(row + columns.count, row - columns.before + tile.width, row[columns.count - 1]);
     }
+    const auto copyRow = [&](int from, int to) {
+        std::copy_n(out + std::size_t(from) * width, width, out + std::size_t(to) * width);
+    };
+    for (int y = 0; y < rows.before; ++y)
+        copyRow(rows.before, y);
+    for (int y = rows.before + rows.count; y < tile.height; ++y)
+        copyRow(rows.before + rows.count - 1, y);
+}
+
+bool SeparableSampler::draw(const TileRect& tile, MutablePixelView out, Storing storing) const {
+    const int column = tile.x - m_fixedColumns.firstOutput();
+    const int row = tile.y - m_fixedRows.firstOutput();
+    if (m_alpha != Alpha::opaque || column < 0 || column + tile.width > m_fixedColumns.count() || row < 0 ||
+        row + tile.height > m_fixedRows.count())
+        return false;
+    packColumns(weighDown(m_fixedColumns.span(column, tile.width), row, tile.height), m_fixedColumns, column,
+                out, storing);
+    return true;
 }
 
 void SeparableSampler::read(int x, int y, int count, Float4* out) const {

@@ -28,8 +28,15 @@ public:
     /// The same for a block, fast and to within one step of 255. Positions beyond the axes get what the
     /// nearest inside gets.
     void mix(const TileRect& tile, MixPixel* out) const;
+    /// What mix() gives of an opaque picture, as its pixels are written at once. False, and nothing is done,
+    /// for one that is not, and for a block that is not all inside the axes.
+    bool draw(const TileRect& tile, MutablePixelView out, Storing storing) const;
 
 private:
+    /// The first half of a block: its columns are still to be made of the rows. Those `rows` of them that are
+    /// inside the axis, from `row` on.
+    MixBlock weighDown(const FixedTaps::Span& columns, int row, int rows) const;
+
     PixelView m_picture;
     Alpha m_alpha = Alpha::any;
     ResampleKernel m_columns;
