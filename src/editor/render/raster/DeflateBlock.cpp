@@ -131,37 +131,49 @@ private:
     std::size_t m_sent;
 };
 
+/// A symbol's code, or several in a row.
+struct Bits {
+    std::uint64_t bits = 0;
+    unsigned count = 0;
+
+    friend Bits operator+(Bits first, Bits then) {
+        return {first.bits | then.bits << first.count, first.count + then.count};
+    }
+};
+
 void writeTokens(BitWriter& writer, std::span<const DeflateToken> tokens, const DeflateCode& code) {
     std::array<std::uint16_t, deflate::literalCodes> literalCodes;
     std::array<std::uint16_t, distanceSymbols> distanceCodes;
     assignCodes(code.literals, literalCodes);
     assignCodes(code.distances, distanceCodes);
-    struct Bits {
-        std::uint32_t bits;
-        std::uint32_t count;
+    const auto literal = [&](std::size_t symbol) {
+        return Bits{literalCodes[symbol], code.literals[symbol]};
     };
-    std::array<Bits, longestMatch + 1> lengthCodes{}; // with the extra bits
+    std::array<Bits, longestMatch + 1> lengths; // with the extra bits
     for (unsigned length = 3; length <= unsigned(longestMatch); ++length) {
         const Slot slot = lengthSlots[length];
-        const unsigned count = code.literals[slot.symbol];
-        lengthCodes[length] = {literalCodes[slot.symbol] | std::uint32_t(length - slot.base) << count,
-                               count + slot.extraBits};
+        lengths[length] = literal(slot.symbol) + Bits{length - slot.base, slot.extraBits};
     }
     BitSink sink = writer.sink();
-    for (const DeflateToken token : tokens) {
-        if (token < 256) {
-            sink.put(literalCodes[token], code.literals[token]);
-            continue;
+    const auto put = [&sink](Bits more) { sink.put(more.bits, more.count); };
+    const DeflateToken* token = tokens.data();
+    const DeflateToken* const end = token + tokens.size();
+    while (token != end) {
+        // Where one literal stands there are often many.
+        if (end - token >= 3 && (token[0] | token[1] | token[2]) < 256) {
+            put(literal(token[0]) + (literal(token[1]) + literal(token[2]))); // at most 45
+            token += 3;
+        } else if (*token < 256) {
+            put(literal(*token++));
+        } else {
+            const unsigned distance = (*token & 0xffff) + 1;
+            const Bits length = lengths[*token++ >> 16];
+            const Slot slot = distanceSlot(distance);
+            put(length + Bits{distanceCodes[slot.symbol], code.distances[slot.symbol]} +
+                Bits{distance - slot.base, slot.extraBits}); // at most 48
         }
-        const unsigned distance = (token & 0xffff) + 1;
-        const Bits length = lengthCodes[token >> 16];
-        const Slot slot = distanceSlot(distance);
-        std::uint64_t bits = length.bits | std::uint64_t(distanceCodes[slot.symbol]) << length.count;
-        const unsigned count = length.count + code.distances[slot.symbol];
-        bits |= std::uint64_t(distance - slot.base) << count;
-        sink.put(bits, count + slot.extraBits); // at most 48
     }
-    sink.put(literalCodes[endOfBlock], code.literals[endOfBlock]);
+    put(literal(endOfBlock));
     writer.setSink(sink);
 }
 

@@ -47,6 +47,7 @@ constexpr Search search = effort == DeflateEffort::quick ? Search{.depth = 12,
                                                                   .hashedBytes = 4,
                                                                   .patience = 64};
 constexpr int fewMisses = 4;
+constexpr int mostPassedOver = 8; ///< Bytes at once.
 /// Above this many places a byte, as in smooth photographs, they are too many: only a quarter of them is
 /// tried.
 constexpr std::int64_t denseSteps = 12;
@@ -94,7 +95,7 @@ template <DeflateEffort effort> void Deflater::start(std::span<const std::uint8_
     const int first = int(begin);
     for (int i = std::max(0, first - windowSize); i < std::min(first, m_end - readAhead + 1); ++i)
         if (i == 0 || load64(m_data + i) != load64(m_data + i - 1))
-            insert<effort>(i);
+            insert<effort>(i, i + 1);
     m_steps = 0;
     m_isDense = false;
     m_tokenCount = 0;
@@ -113,53 +114,61 @@ template <DeflateEffort effort> void Deflater::start(std::span<const std::uint8_
     m_prices = DeflateCode::forSymbols(guess);
 }
 
-template <DeflateEffort effort> void Deflater::insert(int position) {
-    int& head = m_head[hashOf<effort>(m_data + position)];
-    m_previous[std::size_t(position) % windowSize] = head;
-    head = position;
+template <DeflateEffort effort> void Deflater::insert(int first, int end) {
+    // In registers: for all the compiler knows, storing into the tables may change the members.
+    const std::uint8_t* const data = m_data;
+    int* const heads = m_head.data();
+    int* const previous = m_previous.data();
+    for (int i = first; i < end; ++i) {
+        int& head = heads[hashOf<effort>(data + i)];
+        previous[std::size_t(i) % windowSize] = head;
+        head = i;
+    }
 }
 
 template <DeflateEffort effort> void Deflater::insertMatched(int first, int end) {
     const int limit = std::min(end, m_end - readAhead + 1);
     if (end - first <= 2 * densePart) {
-        for (int i = first; i < limit; ++i)
-            insert<effort>(i);
+        insert<effort>(first, limit);
         return;
     }
-    for (int i = first; i < std::min(first + densePart, limit); ++i)
-        insert<effort>(i);
-    for (int i = end - densePart; i < limit; ++i)
-        insert<effort>(i);
+    insert<effort>(first, std::min(first + densePart, limit));
+    insert<effort>(end - densePart, limit);
 }
 
 // Inside its callers it is a tenth of the whole compression faster.
 template <DeflateEffort effort>
 [[gnu::always_inline]] inline Deflater::Match Deflater::findMatch(int position, int longerThan, int depth) {
-    const std::uint8_t* here = m_data + position;
-    const int limit = std::min(longestMatch, m_end - position);
-    Match best{.length = std::max(longerThan, shortestMatch - 1), .distance = 0};
-    if (limit <= best.length)
-        return {};
+    const std::uint8_t* const data = m_data;
+    const std::uint8_t* const here = data + position;
+    const int* const previous = m_previous.data();
+    const int oldest = std::max(0, position - windowSize);
     const std::uint32_t start = load32(here);
     int candidate = m_head[hashOf<effort>(here)];
-    const int oldest = std::max(0, position - windowSize);
+    int distance = 0;
     if (m_isDense)
         depth = (depth + 3) / 4;
-    m_steps += depth;
-    while (candidate >= oldest && depth-- > 0) {
-        const std::uint8_t* there = m_data + candidate;
-        if (load32(there + best.length - 3) == load32(here + best.length - 3) && load32(there) == start) {
-            const int length = commonLength(here, there, limit);
-            if (length > best.length) {
-                best = {.length = length, .distance = position - candidate};
+    int left = depth;
+    int length = std::max(longerThan, shortestMatch - 1);
+    const int limit = std::min(longestMatch, m_end - position);
+    if (length >= limit)
+        return {};
+    while (candidate >= oldest && left > 0) {
+        --left;
+        const std::uint8_t* const there = data + candidate;
+        if (load32(there + length - 3) == load32(here + length - 3) && load32(there) == start) {
+            const int common = commonLength(here, there, limit);
+            if (common > length) {
+                length = common;
+                distance = position - candidate;
                 if (length >= search<effort>.niceLength || length == limit)
                     break;
             }
         }
-        candidate = m_previous[std::size_t(candidate) % windowSize];
+        candidate = previous[std::size_t(candidate) % windowSize];
     }
-    m_steps -= std::max(depth, 0);
-    return best.distance > 0 ? best : Match{};
+    m_steps += depth - left;
+    return distance > 0 ? Match{.length = length, .distance = distance} : Match{};
 }
 
 bool Deflater::isWorthwhile(int position, Match match) const {
@@ -176,41 +185,50 @@ bool Deflater::isWorthwhile(int position, Match match) const {
     return cost < literals;
 }
 
-void Deflater::addLiteral(int position) {
+inline void Deflater::addLiteral(int position) {
     const std::uint8_t value = m_data[position];
     m_tokens[m_tokenCount++] = value;
     ++m_chunk.literals[value];
 }
 
-void Deflater::addMatch(Match match) {
+inline void Deflater::addMatch(Match match) {
     m_tokens[m_tokenCount++] = std::uint32_t(match.length) << 16 | std::uint32_t(match.distance - 1);
     ++m_chunk.literals[lengthSlots[std::size_t(match.length)].symbol];
     ++m_chunk.distances[distanceSlot(unsigned(match.distance)).symbol];
 }
 
+/// A run of one byte, above all of zeros, or what repeats at the distance of the last match.
+inline Deflater::Match Deflater::repeatAt(int position, int lastDistance) const {
+    const std::uint8_t* const here = m_data + position;
+    const std::uint32_t start = load32(here);
+    const bool isRun = start == load32(here - 1);
+    const bool isRepeat = start == load32(here - lastDistance);
+    if (!isRun && !isRepeat)
+        return {};
+    const int limit = std::min(longestMatch, m_end - position);
+    Match match;
+    if (isRun)
+        match = {.length = commonLength(here, here - 1, limit), .distance = 1};
+    if (isRepeat && match.length < limit) {
+        const int length = commonLength(here, here - lastDistance, limit);
+        if (length > match.length)
+            match = {.length = length, .distance = lastDistance};
+    }
+    return match;
+}
+
 template <DeflateEffort effort> void Deflater::parse(BitWriter& writer) {
     int position = m_blockBegin;
-    int lastDistance = 0;
+    const int end = m_end - readAhead;
+    int lastDistance = 1;
     int misses = 0;
-    while (position < m_end) {
+    if (position == 0 && m_end > 0)
+        addLiteral(position++); // so that there is always a byte before
+    while (position < end) {
         if (m_tokenCount - m_blockTokens >= chunkTokens)
             endChunk(writer, position);
-        // Runs of one byte, above all of zeros, and then what repeats at the distance of the last match.
-        const int limit = std::min(longestMatch, m_end - position);
-        Match repeat;
-        for (const int distance : {1, lastDistance}) {
-            if (distance == 0 || distance > position || limit < shortestMatch ||
-                load32(m_data + position) != load32(m_data + position - distance))
-                continue;
-            const int length = commonLength(m_data + position, m_data + position - distance, limit);
-            if (length > repeat.length)
-                repeat = {.length = length, .distance = distance};
-            if (repeat.length == limit)
-                break;
-        }
-        const bool nearEnd = m_end - position <= readAhead;
-        if (repeat.length >= search<effort>.sureRepeat ||
-            (nearEnd && repeat.length > 0 && isWorthwhile(position, repeat))) {
+        const Match repeat = repeatAt(position, lastDistance);
+        if (repeat.length >= search<effort>.sureRepeat) {
             addMatch(repeat);
             // Inside a run all places are alike.
             const int inRun = repeat.distance == 1 ? repeat.length - search<effort>.hashedBytes + 1 : 0;
@@ -220,28 +238,23 @@ template <DeflateEffort effort> void Deflater::parse(BitWriter& writer) {
             misses = 0;
             continue;
         }
-        if (nearEnd) {
-            addLiteral(position++);
-            continue;
-        }
         // A repeat's distance is cheap, so another match has to be longer by two.
         Match match =
             findMatch<effort>(position, repeat.length > 0 ? repeat.length + 1 : 0,
                               misses > fewMisses ? search<effort>.missedDepth : search<effort>.depth);
         if (match.length == 0)
             match = repeat;
-        insert<effort>(position);
+        insert<effort>(position, position + 1);
         if (match.length == 0 || !isWorthwhile(position, match)) {
             // Where nothing repeats, as in noise, ever fewer places are tried.
             ++misses;
-            const int literals =
-                std::min(1 + misses / search<effort>.patience, std::min(8, m_end - position));
+            const int literals = std::min(1 + misses / search<effort>.patience, mostPassedOver);
             for (int i = 0; i < literals; ++i)
                 addLiteral(position++);
             continue;
         }
         misses = 0;
-        while (match.length < search<effort>.lazyLength && m_end - position > readAhead) {
+        while (match.length < search<effort>.lazyLength && position < end) {
             const Match next = findMatch<effort>(position + 1, match.length, search<effort>.lazyDepth);
             if (next.length == 0)
                 break;
@@ -250,7 +263,7 @@ template <DeflateEffort effort> void Deflater::parse(BitWriter& writer) {
             if (gain <= 2)
                 break;
             addLiteral(position++);
-            insert<effort>(position);
+            insert<effort>(position, position + 1);
             match = next;
         }
         addMatch(match);
@@ -258,6 +271,8 @@ template <DeflateEffort effort> void Deflater::parse(BitWriter& writer) {
         position += match.length;
         lastDistance = match.distance > 1 ? match.distance : lastDistance;
     }
+    while (position < m_end)
+        addLiteral(position++);
 }
 
 template <DeflateEffort effort>

@@ -42,12 +42,13 @@ private:
     void run(std::span<const std::uint8_t> data, std::size_t begin, BitWriter& writer);
     template <DeflateEffort effort> void start(std::span<const std::uint8_t> data, std::size_t begin);
     template <DeflateEffort effort> void parse(BitWriter& writer);
-    template <DeflateEffort effort> void insert(int position);
+    template <DeflateEffort effort> void insert(int first, int end);
     template <DeflateEffort effort> void insertMatched(int first, int end);
     template <DeflateEffort effort> Match findMatch(int position, int longerThan, int depth);
     bool isWorthwhile(int position, Match match) const;
     void addLiteral(int position);
     void addMatch(Match match);
+    Match repeatAt(int position, int lastDistance) const;
     void endChunk(BitWriter& writer, int position);
     void writeBlock(BitWriter& writer, bool isLast);
 
