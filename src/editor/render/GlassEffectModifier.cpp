@@ -136,7 +136,9 @@ void GlassEffectModifier::append(std::vector<Layer>& layers, const Card& card, Q
     const double deviation = std::clamp(made.blurRadius * scale.middle, leastDeviation, largestDeviation);
     const double reach = (card.hidden ? reachBelow(look, frame) : look.bend) * scale.most;
     const auto backdrop =
-        GlassBackdrop::make(layers, *window, deviation, int(std::min(std::ceil(reach), farthest)));
+        GlassBackdrop::create(*window, deviation, int(std::min(std::ceil(reach), farthest)));
+    if (backdrop)
+        backdrop->fill(layers);
 
     const Placement dropped = moved(card.placement, 0, shadowOffset);
     const double margin = 2 * raster::ShadowPaint::reach * shadowRadius;

@@ -44,11 +44,18 @@ std::shared_ptr<const GlassWindow> window(const RoundedRect& shape, const Placem
                                          height);
 }
 
+std::shared_ptr<const GlassBackdrop> blurred(const std::vector<Layer>& layers, const GlassWindow& seen,
+                                             double deviation, int reach) {
+    const auto backdrop = GlassBackdrop::create(seen, deviation, reach);
+    backdrop->fill(layers);
+    return backdrop;
+}
+
 GlassPaint glassOver(const std::vector<Layer>& layers, double deviation, const GlassPaint::Look& look,
                      const std::optional<RoundedRect>& hidden = {}) {
     const auto seen = window(card, inTheMiddle(), hidden);
-    return GlassPaint(GlassBackdrop::make(layers, *seen, deviation, int(std::ceil(look.bend))), seen, card,
-                      inTheMiddle(), look);
+    return GlassPaint(blurred(layers, *seen, deviation, int(std::ceil(look.bend))), seen, card, inTheMiddle(),
+                      look);
 }
 
 Float4 colorAt(const Paint& paint, int x, int y) {
@@ -59,21 +66,28 @@ Float4 colorAt(const Paint& paint, int x, int y) {
 
 TEST(GlassWindow, TellsWhatIsSeen) {
     const auto seen = window(card, inTheMiddle(), RoundedRect{100, 70, 0}); // a frame of ten pixels
-    EXPECT_TRUE(seen->strip(75, 76, 0, 0).shows(40, 50));
-    EXPECT_FALSE(seen->strip(75, 76, 0, 0).shows(50, 150));
-    EXPECT_FALSE(seen->strip(75, 76, 0, 0).shows(0, 40));
-    EXPECT_TRUE(seen->strip(75, 76, 1, 0).shows(0, 40));
-    EXPECT_TRUE(seen->strip(75, 76, 0, 5).shows(54, 80));
-    EXPECT_FALSE(seen->strip(75, 76, 0, 5).shows(55, 80));
-    EXPECT_TRUE(seen->strip(30, 41, 0, 0).shows(90, 100));
-    EXPECT_FALSE(seen->strip(0, 30, 0, 0).shows(0, width));
+    const auto columns = [&](int top, int bottom, int outwards, int inwards) {
+        std::vector<std::pair<int, int>> runs;
+        for (const auto& [first, end] : seen->strip(top, bottom, outwards, inwards).seen())
+            if (first < end)
+                runs.emplace_back(first, end);
+        return runs;
+    };
+    using Runs = std::vector<std::pair<int, int>>;
+    EXPECT_EQ(columns(75, 76, 0, 0), (Runs{{40, 50}, {150, 160}}));
+    EXPECT_EQ(columns(75, 76, 1, 0), (Runs{{39, 50}, {150, 161}}));
+    EXPECT_EQ(columns(75, 76, 0, 5), (Runs{{40, 55}, {145, 160}}));
+    EXPECT_EQ(columns(75, 76, 0, 60), (Runs{{40, 160}}));
+    EXPECT_EQ(columns(0, 30, 0, 0), Runs{});
+    const auto above = columns(30, 41, 0, 0); // the hidden part begins in row 40
+    ASSERT_EQ(above.size(), 1u);
+    EXPECT_TRUE(above[0].first <= 50 && above[0].second >= 150);
 }
 
 TEST(GlassBackdrop, IsTheGaussianOfWhatLiesBehind) {
     const auto seen = window(card, inTheMiddle());
     for (const double deviation : {0.8, 3.5, 7.0, 13.0}) {
-        const auto backdrop =
-            GlassBackdrop::make(behind(std::make_shared<StepPaint>(100)), *seen, deviation, 0);
+        const auto backdrop = blurred(behind(std::make_shared<StepPaint>(100)), *seen, deviation, 0);
         double worst = 0;
         for (int x = 45; x < 155; ++x) {
             const double exact = 0.5 * std::erfc((100 - (x + 0.5)) / (deviation * std::sqrt(2.0)));
@@ -86,7 +100,7 @@ TEST(GlassBackdrop, IsTheGaussianOfWhatLiesBehind) {
 TEST(GlassBackdrop, KeepsAPlainSurface) {
     const Float4 color = premultiplied(0.2, 0.7, 0.4, 0.6);
     const auto seen = window(card, inTheMiddle(), RoundedRect{100, 70, 10});
-    const auto backdrop = GlassBackdrop::make(behind(std::make_shared<SolidPaint>(color)), *seen, 6, 12);
+    const auto backdrop = blurred(behind(std::make_shared<SolidPaint>(color)), *seen, 6, 12);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
             const GlassWindow::Span& row = seen->row(y);

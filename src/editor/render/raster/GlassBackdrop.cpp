@@ -1,6 +1,9 @@
 #include "editor/render/raster/GlassBackdrop.h"
 
+#include "editor/render/raster/BandCoverage.h"
 #include "editor/render/raster/BlurKernels.h"
+#include "editor/render/raster/GlassKernels.h"
+#include "editor/render/raster/MixKernels.h"
 #include "editor/render/raster/ParallelFor.h"
 
 #include <algorithm>
@@ -32,101 +35,75 @@ double remainingDeviation(double deviation, int cell) {
 
 } // namespace
 
-GlassBackdrop::GlassBackdrop(int width, int height, int cell)
-    : m_cell(cell), m_width((width + cell - 1) / cell), m_height((height + cell - 1) / cell),
-      m_blocksAcross((m_width + side - 1) / side), m_blocksDown((m_height + side - 1) / side),
-      m_scale(1.0 / cell), m_lastX(float(m_width - 1)), m_lastY(float(m_height - 1)) {}
+GlassBackdrop::GlassBackdrop(int outputWidth, int outputHeight, int cell)
+    : m_outputWidth(outputWidth), m_outputHeight(outputHeight), m_cell(cell),
+      m_width((outputWidth + cell - 1) / cell), m_height((outputHeight + cell - 1) / cell),
+      m_scale(1.0 / cell) {}
 
 GlassBackdrop::Cells GlassBackdrop::allocated(std::size_t count) {
     return Cells(static_cast<MixPixel*>(std::calloc(std::max<std::size_t>(count, 1), sizeof(MixPixel))));
 }
 
-std::shared_ptr<const GlassBackdrop> GlassBackdrop::make(const std::vector<Layer>& layers,
-                                                         const GlassWindow& window, double deviation,
-                                                         int reach) {
+std::shared_ptr<GlassBackdrop> GlassBackdrop::create(const GlassWindow& window, double deviation, int reach) {
     const int cell = cellSize(deviation);
-    const double remaining = remainingDeviation(deviation, cell);
-    const std::shared_ptr<GlassBackdrop> backdrop(new GlassBackdrop(window.width(), window.height(), cell));
-    const int around = (gaussianRadius(remaining) + 2) * cell;
-    backdrop->m_known = backdrop->findBlocks(window, around, around + reach);
-    const Cells cells = allocated(std::size_t(backdrop->m_known.count) * side * side);
-    backdrop->m_blurred = allocated(backdrop->findRuns(backdrop->findBlocks(window, cell, cell + reach)));
-    if (!cells || !backdrop->m_blurred)
-        return nullptr;
-    composeTiles(
-        window.width(), window.height(), layers,
-        [&](const TileRect& tile) { return backdrop->hasBlock(tile); },
-        [&](const TileRect& tile, const MixPixel* pixels) { backdrop->reduce(tile, pixels, cells.get()); });
-    backdrop->blur(cells.get(), remaining);
-    return backdrop;
+    const std::shared_ptr<GlassBackdrop> made(new GlassBackdrop(window.width(), window.height(), cell));
+    made->m_remaining = remainingDeviation(deviation, cell);
+    const int around = (gaussianRadius(made->m_remaining) + 2) * cell;
+    made->m_known = made->findBlocks(window, around, around + reach, 0);
+    made->m_seen = made->findBlocks(window, cell, cell + reach, 1);
+    made->m_cells = allocated(made->m_known.cells);
+    made->m_blurred = allocated(made->m_seen.cells);
+    return made->m_cells && made->m_blurred ? made : nullptr;
 }
 
-GlassBackdrop::Blocks GlassBackdrop::findBlocks(const GlassWindow& window, int outwards, int inwards) const {
+void GlassBackdrop::fill(const std::vector<Layer>& layers) {
+    composeTiles(
+        m_outputWidth, m_outputHeight, layers, [this](const TileRect& tile) { return hasBlock(tile); },
+        [this](const TileRect& tile, const MixPixel* pixels) { reduce(tile, pixels); });
+    blur();
+    m_cells.reset();
+}
+
+GlassBackdrop::Blocks GlassBackdrop::findBlocks(const GlassWindow& window, int outwards, int inwards,
+                                                int more) const {
     const int pixels = side * m_cell;
+    const int across = (m_width + side - 1) / side;
+    const auto before = [=](int column) { return std::clamp(column, 0, across * pixels) / pixels; };
+    const auto behind = [=](int column) {
+        return (std::clamp(column, 0, across * pixels) + pixels - 1) / pixels;
+    };
     Blocks blocks;
-    blocks.slots.reserve(std::size_t(m_blocksAcross) * std::size_t(m_blocksDown));
-    for (int y = 0; y < m_blocksDown; ++y) {
-        const GlassWindow::Strip strip = window.strip(y * pixels, (y + 1) * pixels, outwards, inwards);
-        for (int x = 0; x < m_blocksAcross; ++x)
-            blocks.slots.push_back(strip.shows(x * pixels, (x + 1) * pixels) ? blocks.count++ : -1);
+    for (int top = 0; top < m_height; top += side) {
+        const GlassWindow::Span strip = window.strip(top * m_cell, (top + side) * m_cell, outwards, inwards);
+        // Those that are touched, without those that are hidden whole.
+        const GlassWindow::Span touched{before(strip.first), behind(strip.end), behind(strip.hiddenFirst),
+                                        before(strip.hiddenEnd)};
+        Runs& runs = blocks.rows.emplace_back();
+        for (std::size_t i = 0; i < runs.size(); ++i) {
+            const GlassWindow::Columns seen = touched.seen()[i];
+            if (seen.isEmpty())
+                continue;
+            const int width = (seen.end - seen.first) * side + more;
+            runs[i] = {seen.first * side, seen.end * side, width, std::ptrdiff_t(blocks.cells)};
+            blocks.cells += std::size_t(width) * std::size_t(side + more);
+        }
     }
     return blocks;
 }
 
-std::size_t GlassBackdrop::findRuns(const Blocks& blocks) {
-    m_runs.assign(blocks.slots.size(), {});
-    std::ptrdiff_t count = 0;
-    for (int y = 0; y < m_blocksDown; ++y)
-        for (int x = 0, end = 0; x < m_blocksAcross; x = end + 1) {
-            for (end = x; end < m_blocksAcross && slotAt(blocks, end, y) >= 0;)
-                ++end;
-            const int width = (end - x) * side + 1;
-            Run* runs = m_runs.data() + std::size_t(y) * std::size_t(m_blocksAcross);
-            for (int block = x; block < end; ++block)
-                runs[block] = {count + std::ptrdiff_t(block - x) * side, width};
-            if (end > x)
-                count += std::ptrdiff_t(width) * runHeight;
-        }
-    return std::size_t(count);
-}
-
 bool GlassBackdrop::hasBlock(const TileRect& pixels) const {
-    const int shift = std::countr_zero(unsigned(side * m_cell));
-    for (int y = pixels.y >> shift; y <= (pixels.y + pixels.height - 1) >> shift; ++y)
-        for (int x = pixels.x >> shift; x <= (pixels.x + pixels.width - 1) >> shift; ++x)
-            if (slotAt(m_known, x, y) >= 0)
+    const int first = pixels.x / m_cell;
+    const int end = (pixels.x + pixels.width - 1) / m_cell + 1;
+    const int size = side * m_cell;
+    for (int y = pixels.y / size; y <= (pixels.y + pixels.height - 1) / size; ++y)
+        for (const Run& run : m_known.rows[std::size_t(y)])
+            if (first < run.end && end > run.first)
                 return true;
     return false;
 }
 
-namespace {
-
-/// The mean of two by two pixels, as reduceRow() gives it.
-MixPixel meanOfFour(const MixPixel* upper, const MixPixel* lower) {
-    using Short8 = std::int16_t __attribute__((vector_size(16)));
-    using Short4 = std::int16_t __attribute__((vector_size(8)));
-    using Int4 = std::int32_t __attribute__((vector_size(16)));
-    Short8 rows[2];
-    std::memcpy(&rows[0], upper, sizeof rows[0]);
-    std::memcpy(&rows[1], lower, sizeof rows[1]);
-    Int4 sum = Int4{} + 2;
-    for (const Short8 row : rows) {
-        // Each in the upper half of a word, which the shift spreads its sign over.
-        sum += reinterpret_cast<Int4>(__builtin_shufflevector(Short8{}, row, 0, 8, 1, 9, 2, 10, 3, 11)) >> 16;
-        sum +=
-            reinterpret_cast<Int4>(__builtin_shufflevector(Short8{}, row, 0, 12, 1, 13, 2, 14, 3, 15)) >> 16;
-    }
-    const Short4 mean = __builtin_convertvector(sum >> 2, Short4);
-    MixPixel out;
-    std::memcpy(out.channel, &mean, sizeof mean);
-    return out;
-}
-
-} // namespace
-
 template <int cellSize>
-void GlassBackdrop::reduceRow(const TileRect& tile, const MixPixel* pixels, int row, int rows,
-                              MixPixel* cells) const {
+void GlassBackdrop::reduceRow(const TileRect& tile, const MixPixel* pixels, int row, int rows) {
     const auto mean = [&](const MixPixel* from, int columns) {
         Float4 sum = splat(0); // of at most 16 x 16 times mixOne: exact
         for (int j = 0; j < rows; ++j, from += tile.width)
@@ -136,34 +113,30 @@ void GlassBackdrop::reduceRow(const TileRect& tile, const MixPixel* pixels, int 
         return MixPixel{{std::int16_t(rounded[0]), std::int16_t(rounded[1]), std::int16_t(rounded[2]),
                          std::int16_t(rounded[3])}};
     };
-    for (int x = 0; x < tile.width;) {
-        // As far as the block goes.
-        const int column = (tile.x + x) / cellSize;
-        const int end = std::min(tile.width, (column / side + 1) * side * cellSize - tile.x);
-        const int slot = slotAt(m_known, column / side, row / side);
-        if (slot < 0) {
-            x = end;
+    for (const Run& run : m_known.rows[std::size_t(row / side)]) {
+        const int first = std::max(run.first, tile.x / cellSize);
+        const int end = std::min(run.end, (tile.x + tile.width + cellSize - 1) / cellSize);
+        if (first >= end)
             continue;
+        const MixPixel* from = pixels + (first * cellSize - tile.x);
+        MixPixel* out = m_cells.get() + run.place(first, row % side);
+        int column = first;
+        if (cellSize == 2 && rows == 2) {
+            column = std::min(end, (tile.x + tile.width) / cellSize);
+            meansOfFour(from, from + tile.width, std::size_t(column - first), out);
         }
-        MixPixel* out =
-            cells + std::size_t(slot) * side * side + std::size_t(row % side * side + column % side);
-        if (cellSize == 2 && rows == 2)
-            for (; x + 2 <= end; x += 2)
-                *out++ = meanOfFour(pixels + x, pixels + x + tile.width);
-        else
-            for (; x + cellSize <= end; x += cellSize)
-                *out++ = mean(pixels + x, cellSize);
-        if (x < end)
-            *out = mean(pixels + x, end - x);
-        x = end;
+        // The last one may be cut off by the output's edge.
+        for (; column < end; ++column)
+            out[column - first] = mean(from + (column - first) * cellSize,
+                                       std::min(cellSize, tile.x + tile.width - column * cellSize));
     }
 }
 
-void GlassBackdrop::reduce(const TileRect& tile, const MixPixel* pixels, MixPixel* cells) const {
+void GlassBackdrop::reduce(const TileRect& tile, const MixPixel* pixels) {
     const auto reduceAll = [&]<int cellSize>(std::integral_constant<int, cellSize>) {
         for (int y = 0; y < tile.height; y += cellSize)
             reduceRow<cellSize>(tile, pixels + std::ptrdiff_t(y) * tile.width, (tile.y + y) / cellSize,
-                                std::min(cellSize, tile.height - y), cells);
+                                std::min(cellSize, tile.height - y));
     };
     static_assert(tileGrain == 16);
     switch (m_cell) {
@@ -180,63 +153,79 @@ void GlassBackdrop::reduce(const TileRect& tile, const MixPixel* pixels, MixPixe
     }
 }
 
-void GlassBackdrop::copyCells(const MixPixel* cells, int row, int first, int count, MixPixel* out) const {
-    for (int x = first; x < first + count;) {
-        // As far as the block goes, or one by one outside.
-        const bool isInside = x >= 0 && x < m_width;
+const MixPixel* GlassBackdrop::knownCells(int row, int first, int count, MixPixel* copy) const {
+    const int inside = std::clamp(row, 0, m_height - 1);
+    const Runs& runs = m_known.rows[std::size_t(inside / side)];
+    const int end = first + count;
+    if (const Run& run = runAt(runs, first); run.holds(first, end) && end <= m_width)
+        return m_cells.get() + run.place(first, inside % side);
+    for (int x = first; x < end;) {
         const int column = std::clamp(x, 0, m_width - 1);
-        const int run = isInside ? std::min({side - column % side, first + count - x, m_width - x}) : 1;
-        const int slot = slotAt(m_known, column / side, row / side);
-        if (slot < 0)
-            std::fill_n(out, run, MixPixel{});
+        const Run& run = runAt(runs, column);
+        const bool isKnown = run.holds(column, column + 1);
+        // As far as the run goes, or one by one beside it and outside.
+        const int length = isKnown && column == x ? std::min({run.end, m_width, end}) - x : 1;
+        if (isKnown)
+            std::copy_n(m_cells.get() + run.place(column, inside % side), length, copy + (x - first));
         else
-            std::copy_n(cells + std::size_t(slot) * side * side +
-                            std::size_t(row % side * side + column % side),
-                        run, out);
-        x += run;
-        out += run;
+            copy[x - first] = {};
+        x += length;
+    }
+    return copy;
+}
+
+void GlassBackdrop::blurRun(int blockRow, const Run& run, const BlurTaps& gaussian) {
+    thread_local std::vector<const MixPixel*> sources;
+    thread_local std::vector<MixPixel> copies; // of those that do not lie in a row
+    thread_local std::vector<MixPixel> lowered;
+    const BlurTaps::Taps taps = gaussian.taps(0);
+    // There is an even number of taps; the last one may weigh nothing.
+    const int radius = (taps.count - 1) / 2;
+    const int width = run.width + taps.count - 1;
+    const int height = side + 1 + taps.count - 1;
+    copies.resize(std::size_t(width) * std::size_t(height));
+    lowered.resize(std::size_t(width));
+    sources.clear();
+    for (int y = 0; y < height; ++y)
+        sources.push_back(knownCells(blockRow * side + y - radius, run.first - radius, width,
+                                     copies.data() + std::ptrdiff_t(y) * width));
+    std::vector<const MixPixel*> shifted;
+    for (int tap = 0; tap < taps.count; ++tap)
+        shifted.push_back(lowered.data() + tap);
+    for (int y = 0; y <= side; ++y) {
+        sumRows(sources.data() + y, taps.weights, taps.count, gaussian.shift(), std::size_t(width),
+                lowered.data());
+        sumRows(shifted.data(), taps.weights, taps.count, gaussian.shift(), std::size_t(run.width),
+                m_blurred.get() + run.place(run.first, y));
     }
 }
 
-void GlassBackdrop::blur(const MixPixel* cells, double deviation) {
-    const int radius = gaussianRadius(deviation);
-    const std::vector<double> half = gaussianHalf(deviation, radius);
+void GlassBackdrop::blur() {
+    const int radius = gaussianRadius(m_remaining);
+    const std::vector<double> half = gaussianHalf(m_remaining, radius);
     std::vector<double> weights(std::size_t(2 * radius + 1));
     for (int i = -radius; i <= radius; ++i)
         weights[std::size_t(i + radius)] = half[std::size_t(std::abs(i))];
-    const BlurTaps taps({0}, {weights}, BlurTaps::mixShift);
-    const BlurTaps::Taps kernel = taps.taps(0);
-    parallelFor(m_blocksDown, [&](int blockY) {
-        thread_local std::vector<MixPixel> padded; // a run with what lies around it
-        thread_local std::vector<MixPixel> lowered;
-        thread_local std::vector<const MixPixel*> rows;
-        const Run* runs = m_runs.data() + std::size_t(blockY) * std::size_t(m_blocksAcross);
-        for (int blockX = 0; blockX < m_blocksAcross; ++blockX) {
-            const auto [start, runWidth] = runs[blockX];
-            if (runWidth == 0)
-                continue;
-            const std::size_t width = std::size_t(runWidth) + std::size_t(2 * radius) + 1;
-            padded.resize(width * std::size_t(runHeight + 2 * radius));
-            lowered.resize(width);
-            MixPixel* to = padded.data();
-            for (int y = -radius; y < runHeight + radius; ++y, to += width)
-                copyCells(cells, std::clamp(blockY * side + y, 0, m_height - 1), blockX * side - radius,
-                          int(width), to);
-            MixPixel* out = m_blurred.get() + start;
-            for (std::size_t y = 0; y < runHeight; ++y, out += runWidth) {
-                rows.clear();
-                // There is an even number of taps; the last one may weigh nothing.
-                for (int tap = 0; tap < kernel.count; ++tap)
-                    rows.push_back(padded.data() + (y + std::size_t(std::min(tap, 2 * radius))) * width);
-                sumRows(rows.data(), kernel.weights, kernel.count, taps.shift(), width, lowered.data());
-                rows.clear();
-                for (int tap = 0; tap < kernel.count; ++tap)
-                    rows.push_back(lowered.data() + tap);
-                sumRows(rows.data(), kernel.weights, kernel.count, taps.shift(), std::size_t(runWidth), out);
-            }
-            blockX += runWidth / side - 1;
-        }
+    const BlurTaps gaussian({0}, {weights}, BlurTaps::mixShift);
+    parallelFor(int(m_seen.rows.size()), [&](int blockRow) {
+        for (const Run& run : m_seen.rows[std::size_t(blockRow)])
+            if (run.width > 0)
+                blurRun(blockRow, run, gaussian);
     });
+}
+
+void GlassBackdrop::readRow(const Place& down, int first, int end, MixPixel* out) const {
+    const Run& run = runAt(m_seen.rows[std::size_t(down.cell / side)], first);
+    // One cell more than its blocks have belongs to it.
+    const int from = std::clamp(run.first, first, end);
+    const int to = std::clamp(run.first + run.width, from, end);
+    std::fill(out, out + (from - first), MixPixel{});
+    std::fill(out + (to - first), out + (end - first), MixPixel{});
+    if (from == to)
+        return;
+    const MixPixel* upper = m_blurred.get() + run.place(from, down.cell % side);
+    interpolate(upper, upper + run.width, replicated(down.part).channel[0], std::size_t(to - from),
+                out + (from - first));
 }
 
 } // namespace framora::raster

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "editor/render/raster/BlurTaps.h"
 #include "editor/render/raster/Compositor.h"
 #include "editor/render/raster/GlassWindow.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -13,40 +16,58 @@ namespace framora::raster {
 /// What lies behind a card of glass, blurred: cells of some pixels a side, in blocks that exist only where
 /// the glass may show them.
 class GlassBackdrop {
-public:
-    /// The `layers` under a Gaussian blur of `deviation` pixels, where they may be seen through `window` when
-    /// the glass reads up to `reach` pixels below what hides it. Null when memory is short.
-    static std::shared_ptr<const GlassBackdrop> make(const std::vector<Layer>& layers,
-                                                     const GlassWindow& window, double deviation, int reach);
+    /// Neighbouring blocks, whose cells lie in common rows.
+    struct Run {
+        int first = 0; ///< Of the columns of cells [first, end).
+        int end = 0;
+        int width = 0;            ///< Of a row in memory, in cells.
+        std::ptrdiff_t start = 0; ///< Of its cells in the memory of all.
 
-    /// A line of places in one row of the output, which share what is the same along it.
-    struct Line {
-        int row;      ///< The upper one of the two rows of cells.
-        Float4 below; ///< The share of the lower one.
+        bool holds(int from, int to) const { return from >= first && to <= end; }
+        std::ptrdiff_t place(int column, int row) const {
+            return start + std::ptrdiff_t(row) * width + (column - first);
+        }
     };
-    Line line(double y) const {
-        const float top = place(y, m_lastY);
-        const int row = int(top);
-        return {row, splat(top - float(row))};
-    }
-    /// The colour, 0...1, at a place in output pixels: from the four cells around it. Outside the output its
-    /// edge repeats; where no block is, it is transparent.
-    Float4 at(double x, const Line& line) const {
-        const float left = place(x, m_lastX);
-        const int column = int(left);
-        const Run& run =
-            m_runs[std::size_t(line.row / side) * std::size_t(m_blocksAcross) + std::size_t(column / side)];
-        if (run.width == 0)
+    /// A row of blocks has two at most: left and right of what hides the glass.
+    using Runs = std::array<Run, 2>;
+    /// The one of them that a column may lie in.
+    static const Run& runAt(const Runs& runs, int column) { return runs[column < runs[0].end ? 0 : 1]; }
+
+public:
+    /// For a Gaussian blur of `deviation` pixels, where it may be seen through `window` when the glass reads
+    /// up to `reach` pixels below what hides it. Nothing lies behind before fill(). Null when memory is
+    /// short.
+    static std::shared_ptr<GlassBackdrop> create(const GlassWindow& window, double deviation, int reach);
+    /// Once: makes it the blurred `layers`.
+    void fill(const std::vector<Layer>& layers);
+
+    /// A place along one side of the output, in cells from the middle of the first one.
+    struct Place {
+        int cell;   ///< The one before it.
+        float part; ///< Of the way to the next one, 0...1.
+    };
+    /// Outside the output its edge repeats. Not a number counts as 0.
+    Place column(double pixels) const { return place(pixels, m_width - 1); }
+    Place row(double pixels) const { return place(pixels, m_height - 1); }
+
+    /// The colour, 0...1, at a place in output pixels: from the four cells around it. Where no block is, it
+    /// is transparent.
+    Float4 at(double x, double y) const {
+        const Place across = column(x);
+        const Place down = row(y);
+        const Run& run = runAt(m_seen.rows[std::size_t(down.cell / side)], across.cell);
+        if (!run.holds(across.cell, across.cell + 1))
             return splat(0);
-        const MixPixel* cells =
-            m_blurred.get() + run.start + std::ptrdiff_t(line.row % side) * run.width + column % side;
-        const Float4 across = splat(left - float(column));
-        const Float4 upper = toFloats(cells[0]) + (toFloats(cells[1]) - toFloats(cells[0])) * across;
+        const MixPixel* cells = m_blurred.get() + run.place(across.cell, down.cell % side);
+        const Float4 part = splat(across.part);
+        const Float4 upper = toFloats(cells[0]) + (toFloats(cells[1]) - toFloats(cells[0])) * part;
         cells += run.width;
-        const Float4 lower = toFloats(cells[0]) + (toFloats(cells[1]) - toFloats(cells[0])) * across;
-        return (upper + (lower - upper) * line.below) * splat(1.0f / mixOne);
+        const Float4 lower = toFloats(cells[0]) + (toFloats(cells[1]) - toFloats(cells[0])) * part;
+        return (upper + (lower - upper) * splat(down.part)) * splat(1.0f / mixOne);
     }
-    Float4 at(double x, double y) const { return at(x, line(y)); }
+    /// Reads the columns of cells [first, end) at a place along the other side: from the cells above and
+    /// below it.
+    void readRow(const Place& down, int first, int end, MixPixel* out) const;
 
 private:
     struct Free {
@@ -56,12 +77,11 @@ private:
 
     static constexpr int side = 8; ///< Of a block, in cells.
 
-    GlassBackdrop(int width, int height, int cell);
-    /// Where a place lies, in cells from the middle of the first one.
-    float place(double pixels, float last) const {
+    GlassBackdrop(int outputWidth, int outputHeight, int cell);
+    Place place(double pixels, int last) const {
         const float cells = float(pixels * m_scale - 0.5);
-        // Not a number counts as 0.
-        return cells > 0 ? (cells < last ? cells : last) : 0;
+        const float inside = cells > 0 ? std::min(cells, float(last)) : 0;
+        return {int(inside), inside - float(int(inside))};
     }
     static Float4 toFloats(const MixPixel& pixel) {
         using Short8 = std::int16_t __attribute__((vector_size(16)));
@@ -76,45 +96,35 @@ private:
         return __builtin_convertvector(upper >> 16, Float4);
     }
     static Cells allocated(std::size_t count);
-    /// Some of the blocks: the place of each in their memory, -1 for the others.
+    /// The runs of each row of blocks, and how many cells they have.
     struct Blocks {
-        std::vector<int> slots;
-        int count = 0;
+        std::vector<Runs> rows;
+        std::size_t cells = 0;
     };
-    /// The blurred cells of neighbouring blocks of a row lie in common rows, of so many cells. They hold the
-    /// first cells of what lies right of and below the blocks as well.
-    struct Run {
-        std::ptrdiff_t start = 0; ///< Of the block's own cells.
-        int width = 0;            ///< 0 for no block.
-    };
-    static constexpr int runHeight = side + 1;
-    int slotAt(const Blocks& blocks, int blockX, int blockY) const {
-        return blocks.slots[std::size_t(blockY) * std::size_t(m_blocksAcross) + std::size_t(blockX)];
-    }
-    /// The blocks so near to the window, outwards and inwards in pixels.
-    Blocks findBlocks(const GlassWindow& window, int outwards, int inwards) const;
+    /// The blocks so near to the window, outwards and inwards in pixels. Right of and below each run `more`
+    /// cells belong to it as well.
+    Blocks findBlocks(const GlassWindow& window, int outwards, int inwards, int more) const;
     bool hasBlock(const TileRect& pixels) const;
     /// The means of the layers' pixels in the cells of a tile.
-    void reduce(const TileRect& tile, const MixPixel* pixels, MixPixel* cells) const;
+    void reduce(const TileRect& tile, const MixPixel* pixels);
     /// The same of one row of cells, of which the tile has so many `rows` of pixels.
-    template <int cellSize>
-    void reduceRow(const TileRect& tile, const MixPixel* pixels, int row, int rows, MixPixel* cells) const;
-    /// Finds the runs of the blocks that are read, and how many cells they have.
-    std::size_t findRuns(const Blocks& blocks);
-    void blur(const MixPixel* cells, double deviation);
-    /// The cells [first, first + count) of a row, of which the edge repeats beyond the output.
-    void copyCells(const MixPixel* cells, int row, int first, int count, MixPixel* out) const;
+    template <int cellSize> void reduceRow(const TileRect& tile, const MixPixel* pixels, int row, int rows);
+    void blur();
+    void blurRun(int blockRow, const Run& run, const BlurTaps& gaussian);
+    /// The known cells [first, first + count) of a row, of which the edge repeats beyond the output: where
+    /// they lie, or put together in `copy` where they do not lie in a row.
+    const MixPixel* knownCells(int row, int first, int count, MixPixel* copy) const;
 
+    int m_outputWidth; ///< Pixels.
+    int m_outputHeight;
     int m_cell;  ///< Pixels a side.
     int m_width; ///< Cells.
     int m_height;
-    int m_blocksAcross;
-    int m_blocksDown;
     double m_scale;
-    float m_lastX;
-    float m_lastY;
-    Blocks m_known;          ///< What lies behind is known there.
-    std::vector<Run> m_runs; ///< And there also blurred: block by block.
+    double m_remaining = 0; ///< The deviation in cells that they are to be blurred by.
+    Blocks m_known;         ///< What lies behind is known there.
+    Cells m_cells;          ///< Their cells, while it is filled.
+    Blocks m_seen;          ///< And there also blurred, one cell more to the right and below included.
     Cells m_blurred;
 };
 

@@ -1,6 +1,9 @@
 #include "editor/render/raster/GlassPaint.h"
 
+#include "editor/render/raster/BandCoverage.h"
 #include "editor/render/raster/BlurKernels.h"
+#include "editor/render/raster/GlassKernels.h"
+#include "editor/render/raster/MixKernels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -39,14 +42,6 @@ bool isUpright(const Homography& map) {
     return map.isAffine() && map(0, 1) == 0 && map(1, 0) == 0 && map(0, 0) / w > 0 && map(1, 1) / w > 0;
 }
 
-/// Calls visit(from, to) for the one or two runs of columns that are seen.
-template <typename Visit> void forEachSeen(const GlassWindow::Span& span, const Visit& visit) {
-    if (span.hiddenFirst >= span.hiddenEnd)
-        return visit(span.first, span.end);
-    visit(span.first, std::min(span.hiddenFirst, span.end));
-    visit(std::max(span.hiddenEnd, span.first), span.end);
-}
-
 } // namespace
 
 GlassPaint::Edge GlassPaint::edge(const RoundedRect& card, Vec2 point) {
@@ -60,15 +55,13 @@ GlassPaint::GlassPaint(std::shared_ptr<const GlassBackdrop> backdrop,
       m_cornerExtent(card.cornerExtent()), m_cornerExponent(card.cornerExponent()),
       m_toLocal(placement.toLocal()),
       m_toOutput(Homography::translation(placement.originX, placement.originY) * placement.toOutput),
-      m_look(look), m_isTilted(!m_toLocal.isAffine()), m_isUpright(isUpright(m_toLocal)),
-      m_flat(bevel({look.rim, {}})) {
+      m_look(look), m_isTilted(!m_toLocal.isAffine()), m_isUpright(isUpright(m_toLocal)) {
     if (m_isUpright)
         makeColumns();
 }
 
 GlassPaint::Bevel GlassPaint::bevel(const Edge& edge) const {
     Bevel made;
-    made.through = splat(1 - m_look.veil[3]);
     made.added = m_look.veil;
     if (!(m_look.rim > 0 && edge.depth < m_look.rim))
         return made;
@@ -86,46 +79,51 @@ GlassPaint::Bevel GlassPaint::bevel(const Edge& edge) const {
     const auto dark = float(m_look.shade * fromLight * 4 * steep * (1 - steep));
     const auto bright = float(m_look.glow * toLight * steep * steep * steep);
     const Float4 rest = splat((1 - dark) * (1 - bright));
-    made.through *= rest;
     made.added = made.added * rest + Float4{0, 0, 0, dark * (1 - bright)} + splat(bright);
     return made;
 }
 
+void GlassPaint::View::add(const GlassBackdrop::Place& place) {
+    cells.push_back(place.cell);
+    parts.push_back(replicated(place.part));
+}
+
 void GlassPaint::makeColumns() {
-    const auto depth = [this](int x) { return m_card.width / 2 - std::abs(m_toLocal.map({x + 0.5, 0.5}).x); };
-    const auto isLeft = [this](int x) { return m_toLocal.map({x + 0.5, 0.5}).x < 0; };
-    int first = m_window->width();
-    int end = 0;
+    m_columns = {m_window->width(), 0};
     for (int y = 0; y < m_window->height(); ++y) {
         const GlassWindow::Span& span = m_window->row(y);
-        if (span.first < span.end) {
-            first = std::min(first, span.first);
-            end = std::max(end, span.end);
-        }
+        if (span.first < span.end)
+            m_columns = {std::min(m_columns.first, span.first), std::max(m_columns.end, span.end)};
     }
-    m_left = first;
-    m_right = end;
-    for (int x = first; x < end && isLeft(x) && depth(x) < m_look.rim; ++x)
-        m_leftColumns.push_back(bevel({depth(x), {-1, 0}}));
-    for (int x = end - 1; x >= first && !isLeft(x) && depth(x) < m_look.rim; --x)
-        m_rightColumns.push_back(bevel({depth(x), {1, 0}}));
-    std::ranges::reverse(m_rightColumns);
+    for (int x = m_columns.first; x < m_columns.end; ++x) {
+        const double across = m_toLocal.map({x + 0.5, 0.5}).x;
+        const Bevel here = bevel({m_card.width / 2 - std::abs(across), {across < 0 ? -1.0 : 1.0, 0}});
+        m_straight.add(m_backdrop->column(x + 0.5));
+        m_bent.add(m_backdrop->column(x + 0.5 + here.bendPixels.x));
+        m_added.push_back(toMix(here.added));
+    }
+}
+
+GlassWindow::Columns GlassPaint::columnsBelow(double depth) const {
+    const double scale = m_toLocal(0, 0) / m_toLocal(2, 2);
+    const double first = m_toLocal.map({0.5, 0.5}).x;
+    const double reach = m_card.width / 2 - depth;
+    const auto column = [&](double x) {
+        return int(std::clamp(x, double(m_columns.first), double(m_columns.end)));
+    };
+    const int from = column(std::ceil((-reach - first) / scale));
+    return {from, std::max(from, column(std::floor((reach - first) / scale) + 1))};
 }
 
 void GlassPaint::shade(int x, int y, int count, Float4* out) const {
     std::fill_n(out, count, splat(0));
-    const GlassWindow::Span& span = m_window->row(y);
-    const auto shadeRun = [&](int from, int to) {
-        from = std::max(from, x);
-        to = std::min(to, x + count);
-        if (from < to)
-            (this->*(m_isUpright ? &GlassPaint::shadeUpright : &GlassPaint::shadeAny))(from, to, y,
-                                                                                       out + (from - x));
-    };
-    forEachSeen(span, shadeRun);
+    for (const auto& [first, end] : m_window->row(y).seen()) {
+        const int from = std::max(first, x);
+        shadeRun(from, std::min(end, x + count), y, out + (from - x));
+    }
 }
 
-void GlassPaint::shadeAny(int from, int to, int y, Float4* out) const {
+void GlassPaint::shadeRun(int from, int to, int y, Float4* out) const {
     for (int x = from; x < to; ++x) {
         const Vec2 pixel{x + 0.5, y + 0.5};
         const Vec2 point = m_toLocal.map(pixel);
@@ -133,59 +131,89 @@ void GlassPaint::shadeAny(int from, int to, int y, Float4* out) const {
         const Vec2 seen = m_isTilted && (here.bend.x != 0 || here.bend.y != 0)
                               ? m_toOutput.map({point.x + here.bend.x, point.y + here.bend.y})
                               : Vec2{pixel.x + here.bendPixels.x, pixel.y + here.bendPixels.y};
-        *out++ = m_backdrop->at(seen.x, seen.y) * here.through + here.added;
+        *out++ = m_backdrop->at(seen.x, seen.y) * splat(1 - here.added[3]) + here.added;
     }
 }
 
-void GlassPaint::shadeUpright(int from, int to, int y, Float4* out) const {
-    const double scale = m_toLocal(0, 0) / m_toLocal(2, 2);
-    const Vec2 first = m_toLocal.map({0.5, y + 0.5});
-    const double end = m_card.height / 2 - std::abs(first.y);
-    const bool isCornerRow = end < m_cornerExtent;
-    const Bevel ofRow = bevel({end, {0, first.y < 0 ? -1.0 : 1.0}});
-    const int flatFirst = m_left + int(m_leftColumns.size());
-    const int flatEnd = m_right - int(m_rightColumns.size());
-    const auto lineOf = [&](const Bevel& bevel) { return m_backdrop->line(y + 0.5 + bevel.bendPixels.y); };
-    const auto through = [&](int x, const Bevel& bevel, const GlassBackdrop::Line& line) {
-        return m_backdrop->at(x + 0.5 + bevel.bendPixels.x, line) * bevel.through + bevel.added;
-    };
-    const GlassBackdrop::Line rowLine = lineOf(ofRow);
-    const GlassBackdrop::Line straight = lineOf(m_flat); // the columns bend along the row
-    for (int x = from; x < to; ++x) {
-        const double side = m_card.width / 2 - std::abs(first.x + scale * x);
-        if (isCornerRow && side < m_cornerExtent) {
-            const Bevel here =
-                bevel(edgeOf(m_card, m_cornerExtent, m_cornerExponent, {first.x + scale * x, first.y}));
-            *out++ = through(x, here, lineOf(here));
-        } else if (!(side < end))
-            *out++ = through(x, ofRow, rowLine);
-        else if (x < flatFirst)
-            *out++ = through(x, m_leftColumns[std::size_t(x - m_left)], straight);
-        else if (x >= flatEnd)
-            *out++ = through(x, m_rightColumns[std::size_t(x - flatEnd)], straight);
-        else
-            *out++ = through(x, m_flat, straight);
+void GlassPaint::look(const View& view, const GlassBackdrop::Place& down, int from, int to,
+                      MixPixel* out) const {
+    thread_local std::vector<MixPixel> row;
+    thread_local std::vector<MixPixel> next;
+    const int* cells = view.cells.data() + (from - m_columns.first);
+    const MixPixel* parts = view.parts.data() + (from - m_columns.first);
+    const auto count = std::size_t(to - from);
+    int first = cells[0];
+    int last = cells[0];
+    for (std::size_t i = 1; i < count; ++i) {
+        first = std::min(first, cells[i]);
+        last = std::max(last, cells[i]);
     }
+    row.resize(std::size_t(last - first) + 2);
+    m_backdrop->readRow(down, first, last + 2, row.data());
+    next.resize(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const MixPixel* here = row.data() + (cells[i] - first);
+        out[i] = here[0];
+        next[i] = here[1];
+    }
+    interpolate(out, next.data(), parts, count, out);
+}
+
+void GlassPaint::mixUpright(int from, int to, int y, MixPixel* out) const {
+    const double down = m_toLocal.map({0.5, y + 0.5}).y;
+    const double depth = m_card.height / 2 - std::abs(down);
+    const GlassWindow::Columns sides = depth < m_cornerExtent ? columnsBelow(m_cornerExtent) : m_columns;
+    // The bevels of the sides and of this end of the card meet where both lie equally deep.
+    GlassWindow::Columns end = depth < m_look.rim ? columnsBelow(depth) : GlassWindow::Columns{};
+    end = {std::clamp(end.first, sides.first, sides.end), std::clamp(end.end, sides.first, sides.end)};
+    const auto forRun = [&](int first, int last, const auto& draw) {
+        first = std::max(first, from);
+        last = std::min(last, to);
+        if (first < last)
+            draw(first, last, out + (first - from));
+    };
+    const auto corner = [&](int first, int last, MixPixel* run) {
+        thread_local std::vector<Float4> colors;
+        colors.resize(std::size_t(last - first));
+        shadeRun(first, last, y, colors.data());
+        std::ranges::transform(colors, run, toMix);
+    };
+    const auto side = [&](int first, int last, MixPixel* run) {
+        look(m_bent, m_backdrop->row(y + 0.5), first, last, run);
+        blendOver(run, m_added.data() + (first - m_columns.first), std::size_t(last - first));
+    };
+    forRun(from, sides.first, corner);
+    forRun(sides.first, end.first, side);
+    forRun(end.first, end.end, [&](int first, int last, MixPixel* run) {
+        thread_local std::vector<MixPixel> added;
+        const Bevel here = bevel({depth, {0, down < 0 ? -1.0 : 1.0}});
+        added.assign(std::size_t(last - first), toMix(here.added));
+        look(m_straight, m_backdrop->row(y + 0.5 + here.bendPixels.y), first, last, run);
+        blendOver(run, added.data(), added.size());
+    });
+    forRun(end.end, sides.end, side);
+    forRun(sides.end, to, corner);
 }
 
 void GlassPaint::mix(const TileRect& tile, MixPixel* out) const {
-    // Where nothing is seen nothing is to be converted.
     thread_local std::vector<Float4> colors;
-    colors.resize(std::size_t(tile.width));
     for (int y = tile.y; y < tile.y + tile.height; ++y, out += tile.width) {
         std::fill_n(out, tile.width, MixPixel{});
-        const GlassWindow::Span& span = m_window->row(y);
-        const auto mixRun = [&](int from, int to) {
-            from = std::max(from, tile.x);
-            const int count = std::min(to, tile.x + tile.width) - from;
-            if (count <= 0)
-                return;
+        for (const auto& [first, end] : m_window->row(y).seen()) {
+            const int from = std::max(first, tile.x);
+            const int to = std::min(end, tile.x + tile.width);
+            if (from >= to)
+                continue;
             MixPixel* run = out + (from - tile.x);
-            shade(from, y, count, colors.data());
-            std::transform(colors.begin(), colors.begin() + count, run, toMix);
-            ditherPixels(run, from, y, std::size_t(count));
-        };
-        forEachSeen(span, mixRun);
+            if (m_isUpright) {
+                mixUpright(from, to, y, run);
+            } else {
+                colors.resize(std::size_t(to - from));
+                shadeRun(from, to, y, colors.data());
+                std::ranges::transform(colors, run, toMix);
+            }
+            ditherPixels(run, from, y, std::size_t(to - from));
+        }
     }
 }
 

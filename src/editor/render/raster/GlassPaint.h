@@ -44,16 +44,26 @@ public:
 private:
     /// What the pane does to what is seen through one point of it.
     struct Bevel {
-        Vec2 bend;           ///< From the point to the one that is seen, in points.
-        Vec2 bendPixels;     ///< The same in pixels, unless the card is tilted.
-        Float4 through = {}; ///< How much of it comes through, and what is added.
-        Float4 added = {};
+        Vec2 bend;         ///< From the point to the one that is seen, in points.
+        Vec2 bendPixels;   ///< The same in pixels, unless the card is tilted.
+        Float4 added = {}; ///< What lies over what is seen, premultiplied.
     };
     Bevel bevel(const Edge& edge) const;
     void makeColumns();
-    /// shade() of the pixels [from, to), all of which are seen, of an upright card and of any.
-    void shadeUpright(int from, int to, int y, Float4* out) const;
-    void shadeAny(int from, int to, int y, Float4* out) const;
+    /// shade() of the pixels [from, to), all of which are seen.
+    void shadeRun(int from, int to, int y, Float4* out) const;
+    /// The same as they are mixed, without the dither; of an upright card.
+    void mixUpright(int from, int to, int y, MixPixel* out) const;
+    /// Where the columns of an upright card look, from m_columns.first on: in cells of the backdrop.
+    struct View {
+        std::vector<int> cells;
+        std::vector<MixPixel> parts; ///< Of the way to the next cell, as interpolate() wants them.
+        void add(const GlassBackdrop::Place& place);
+    };
+    /// What the columns [from, to) show of a row of the backdrop.
+    void look(const View& view, const GlassBackdrop::Place& down, int from, int to, MixPixel* out) const;
+    /// The columns of an upright card that lie so deep below its left and its right side.
+    GlassWindow::Columns columnsBelow(double depth) const;
 
     std::shared_ptr<const GlassBackdrop> m_backdrop;
     std::shared_ptr<const GlassWindow> m_window;
@@ -64,14 +74,12 @@ private:
     Homography m_toOutput;
     Look m_look;
     bool m_isTilted;
+    /// Of an upright card all rows are alike but for the corners and the rims at the top and the bottom.
     bool m_isUpright;
-    Bevel m_flat;
-    /// The bevels along the left side of an upright card, column by column from m_left on, and along the
-    /// right one up to m_right, where it has no corners.
-    std::vector<Bevel> m_leftColumns;
-    std::vector<Bevel> m_rightColumns;
-    int m_left = 0;
-    int m_right = 0;
+    GlassWindow::Columns m_columns; ///< All that are seen.
+    View m_straight;
+    View m_bent;                   ///< By the bevels along the left and the right side.
+    std::vector<MixPixel> m_added; ///< What these add.
 };
 
 } // namespace framora::raster

@@ -20,28 +20,28 @@ GlassWindow::GlassWindow(Coverage card, Coverage hidden, int width, int height)
     });
 }
 
-GlassWindow::Strip GlassWindow::strip(int top, int bottom, int outwards, int inwards) const {
-    Strip strip;
-    strip.m_first = m_width;
+GlassWindow::Span GlassWindow::strip(int top, int bottom, int outwards, int inwards) const {
+    Span strip;
+    strip.first = m_width;
     for (int y = std::max(top - outwards, 0); y < std::min(bottom + outwards, height()); ++y) {
         const Span& span = row(y);
         if (span.first >= span.end)
             continue;
-        strip.m_first = std::min(strip.m_first, span.first);
-        strip.m_end = std::max(strip.m_end, span.end);
+        strip.first = std::min(strip.first, span.first);
+        strip.end = std::max(strip.end, span.end);
     }
-    if (strip.m_first >= strip.m_end)
+    if (strip.first >= strip.end)
         return {};
-    strip.m_first -= outwards;
-    strip.m_end += outwards;
-    strip.m_hiddenEnd = m_width;
+    strip.first -= outwards;
+    strip.end += outwards;
+    strip.hiddenEnd = m_width;
     for (int y = std::max(top - inwards, 0); y < std::min(bottom + inwards, height()); ++y) {
-        strip.m_hiddenFirst = std::max(strip.m_hiddenFirst, row(y).hiddenFirst);
-        strip.m_hiddenEnd = std::min(strip.m_hiddenEnd, row(y).hiddenEnd);
+        strip.hiddenFirst = std::max(strip.hiddenFirst, row(y).hiddenFirst);
+        strip.hiddenEnd = std::min(strip.hiddenEnd, row(y).hiddenEnd);
     }
     // Nobody reads beyond the output.
-    strip.m_hiddenFirst = strip.m_hiddenFirst > 0 ? strip.m_hiddenFirst + inwards : 0;
-    strip.m_hiddenEnd = strip.m_hiddenEnd < m_width ? strip.m_hiddenEnd - inwards : m_width;
+    strip.hiddenFirst = strip.hiddenFirst > 0 ? strip.hiddenFirst + inwards : 0;
+    strip.hiddenEnd = strip.hiddenEnd < m_width ? strip.hiddenEnd - inwards : m_width;
     return strip;
 }
 

@@ -2,6 +2,8 @@
 
 #include "editor/render/raster/Coverage.h"
 
+#include <algorithm>
+#include <array>
 #include <vector>
 
 namespace framora::raster {
@@ -10,26 +12,23 @@ namespace framora::raster {
 /// opaque hides.
 class GlassWindow {
 public:
+    /// The columns [first, end).
+    struct Columns {
+        int first = 0;
+        int end = 0;
+        bool isEmpty() const { return first >= end; }
+    };
     struct Span {
         int first = 0;
         int end = 0;
         int hiddenFirst = 0;
         int hiddenEnd = 0;
-    };
-    /// Some rows together. It may say that more is seen than is.
-    class Strip {
-    public:
-        /// Whether something between the columns [left, right) is seen, or as near to it as was asked for.
-        bool shows(int left, int right) const {
-            return left < m_end && right > m_first && !(left >= m_hiddenFirst && right <= m_hiddenEnd);
+        /// What is seen left and right of what is hidden; either may be empty.
+        std::array<Columns, 2> seen() const {
+            if (hiddenFirst >= hiddenEnd)
+                return {Columns{first, end}, {}};
+            return {Columns{first, std::min(hiddenFirst, end)}, Columns{std::max(hiddenEnd, first), end}};
         }
-
-    private:
-        friend class GlassWindow;
-        int m_first = 0;
-        int m_end = 0;
-        int m_hiddenFirst = 0;
-        int m_hiddenEnd = 0;
     };
 
     /// `hidden` lies in `card`; both are in the pixels of an output of `width` x `height`.
@@ -38,9 +37,10 @@ public:
     int width() const { return m_width; }
     int height() const { return int(m_rows.size()); }
     const Span& row(int y) const { return m_rows[std::size_t(y)]; }
-    /// The rows [top, bottom) and what lies up to `outwards` pixels beside the card or up to `inwards` pixels
-    /// below what hides it.
-    Strip strip(int top, int bottom, int outwards, int inwards) const;
+    /// The rows [top, bottom) together and what lies up to `outwards` pixels beside the card or up to
+    /// `inwards` pixels below what hides it. It may say that more is seen than is, and reach beyond the
+    /// output.
+    Span strip(int top, int bottom, int outwards, int inwards) const;
 
 private:
     int m_width;
