@@ -27,8 +27,13 @@ bool WindowSession::exists() const {
 }
 
 QString WindowSession::name() const {
-    if (!m_wayland)
-        return qEnvironmentVariable("DISPLAY");
+    if (!m_wayland) {
+        // The first screen may be named or not: terminals often do.
+        QString display = qEnvironmentVariable("DISPLAY");
+        if (display.endsWith(QStringLiteral(".0")))
+            display.chop(2);
+        return display;
+    }
     // The same socket may be named with its folder or without.
     const QString name = qEnvironmentVariable("WAYLAND_DISPLAY");
     const QString folder = qEnvironmentVariable("XDG_RUNTIME_DIR") + u'/';
