@@ -82,7 +82,18 @@ X11Pasteboard::X11Pasteboard(X11Connection& connection, DecodePicture decodePict
 
 std::int64_t X11Pasteboard::changeCount() {
     m_connection.processEvents(true);
+    if (!m_xfixesFirstEvent)
+        lookAtOwner();
     return m_changeCount;
+}
+
+void X11Pasteboard::lookAtOwner() {
+    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        m_connection, xcb_get_selection_owner(m_connection, m_clipboard), nullptr));
+    const xcb_window_t owner = reply ? reply->owner : xcb_window_t{XCB_NONE};
+    if (owner != XCB_NONE && owner != m_seenOwner)
+        ++m_changeCount;
+    m_seenOwner = owner;
 }
 
 void X11Pasteboard::handleEvent(const xcb_generic_event_t& event) {

@@ -27,6 +27,8 @@ public:
     void adoptPicture(const QByteArray& png) override { writePng(png); }
 
 private:
+    /// For a server that tells of no changes: another owner than at the last look is one.
+    void lookAtOwner();
     void handOver();
     void handleEvent(const xcb_generic_event_t& event);
     QByteArray readTarget(xcb_atom_t target);
@@ -45,6 +47,7 @@ private:
     xcb_window_t m_window = 0;
     std::uint8_t m_xfixesFirstEvent = 0;
     std::int64_t m_changeCount = 0;
+    xcb_window_t m_seenOwner = XCB_NONE; ///< Where the server tells of no changes.
     xcb_atom_t m_clipboard = 0;
     xcb_atom_t m_property = 0;
     xcb_atom_t m_incr = 0;
