@@ -71,13 +71,16 @@ void X11ToastConnection::findVisual() {
     m_depth = m_screen->root_depth;
     m_colormap = m_screen->default_colormap;
     for (auto depth = xcb_screen_allowed_depths_iterator(m_screen); depth.rem; xcb_depth_next(&depth)) {
-        if (depth.data->depth != 32)
-            continue;
         for (auto visual = xcb_depth_visuals_iterator(depth.data); visual.rem; xcb_visualtype_next(&visual)) {
-            if (visual.data->_class != XCB_VISUAL_CLASS_TRUE_COLOR || visual.data->red_mask != 0xff0000)
+            const bool hasOurColors =
+                visual.data->_class == XCB_VISUAL_CLASS_TRUE_COLOR && visual.data->red_mask == 0xff0000;
+            if (visual.data->visual_id == m_visual)
+                m_hasOurColors = hasOurColors;
+            if (depth.data->depth != 32 || !hasOurColors)
                 continue;
             m_visual = visual.data->visual_id;
             m_depth = 32;
+            m_hasOurColors = true;
             m_colormap = xcb_generate_id(m_connection);
             xcb_create_colormap(m_connection, XCB_COLORMAP_ALLOC_NONE, m_colormap, m_screen->root, m_visual);
             return;

@@ -45,6 +45,9 @@ public:
     xcb_visualid_t visual() const { return m_visual; }
     std::uint8_t depth() const { return m_depth; }
     xcb_colormap_t colormap() const { return m_colormap; }
+    /// Whether that visual's pixels are 32 bits of red, green and blue as in our pictures. Black and white
+    /// are left where they are not.
+    bool hasOurColors() const { return m_hasOurColors; }
     /// Whether a compositor runs that could make windows translucent.
     bool hasCompositor() const { return m_hasCompositor && m_hasComposite && m_depth == 32; }
     /// Whether the compositor has taken over this mapped window. One that starts, or that steps back for a
@@ -86,6 +89,7 @@ private:
     std::uint8_t m_depth = 0;
     xcb_colormap_t m_colormap = XCB_NONE;
     xcb_cursor_t m_handCursor = XCB_NONE;
+    bool m_hasOurColors = false;
     bool m_cursorLoaded = false;
     bool m_hasCompositor = false;
     bool m_hasComposite = false;

@@ -184,6 +184,8 @@ void X11ToastPanel::setLook(Look look) {
 void X11ToastPanel::put() {
     if (!m_mapped || m_look == Look::unseen)
         return;
+    if (!m_connection.hasOurColors())
+        return putInBlackAndWhite();
     const QImage* picture = &m_image;
     if (m_look == Look::opaque) {
         flatten(m_image, m_frame, m_content->cardColor().rgb());
@@ -204,6 +206,22 @@ void X11ToastPanel::put() {
                       std::int16_t(m_origin.y() + y), 0, m_connection.depth(),
                       std::uint32_t(stride * std::size_t(count)), picture->constScanLine(y));
     }
+    m_connection.flush();
+}
+
+void X11ToastPanel::putInBlackAndWhite() {
+    flatten(m_image, m_frame, m_content->cardColor().rgb());
+    const bool lowBitFirst =
+        xcb_get_setup(m_connection)->bitmap_format_bit_order == XCB_IMAGE_ORDER_LSB_FIRST;
+    const QImage ink =
+        m_frame.convertToFormat(lowBitFirst ? QImage::Format_MonoLSB : QImage::Format_Mono,
+                                {QRgb(0xffffffff), QRgb(0xff000000)}, Qt::MonoOnly | Qt::ThresholdDither);
+    const std::array<std::uint32_t, 2> colors{m_connection.screen().black_pixel,
+                                              m_connection.screen().white_pixel};
+    xcb_change_gc(m_connection, m_gc, XCB_GC_FOREGROUND | XCB_GC_BACKGROUND, colors.data());
+    xcb_put_image(m_connection, XCB_IMAGE_FORMAT_XY_BITMAP, m_window, m_gc, std::uint16_t(ink.width()),
+                  std::uint16_t(ink.height()), std::int16_t(m_origin.x()), std::int16_t(m_origin.y()), 0, 1,
+                  std::uint32_t(ink.sizeInBytes()), ink.constBits());
     m_connection.flush();
 }
 

@@ -56,6 +56,8 @@ private:
     std::vector<xcb_rectangle_t> cardSpans() const;
     /// Puts the picture on the window as transparent as alpha says.
     void put();
+    /// Where the screen has other colours than our pictures.
+    void putInBlackAndWhite();
     void changeAlpha(double alpha);
     void step();
 
