@@ -1,5 +1,5 @@
 #include "desktop/settings/SettingsDesktop.h"
-#include "desktop/support/DisplayWithoutXInput.h"
+#include "desktop/support/DisplayWithoutExtension.h"
 
 namespace framora {
 namespace {
@@ -14,7 +14,7 @@ protected:
         return soon([&] { return isOpen(); }, 4000);
     }
 
-    DisplayWithoutXInput poor{desktop.displayName()};
+    DisplayWithoutExtension poor{desktop.displayName(), "XInputExtension"};
 };
 
 TEST_F(FirstStartTest, withoutATrayItOpensThePreferencesOnceAndForAll) {

@@ -1,5 +1,5 @@
 #include "desktop/settings/SettingsDesktop.h"
-#include "desktop/support/DisplayWithoutXInput.h"
+#include "desktop/support/DisplayWithoutExtension.h"
 
 namespace framora {
 namespace {
@@ -13,7 +13,7 @@ protected:
 };
 
 TEST_F(PermissionsSectionTest, aServerWithoutRawKeysIsToldInTheFormWithAButtonToAllowThem) {
-    const DisplayWithoutXInput poor(desktop.displayName());
+    const DisplayWithoutExtension poor(desktop.displayName(), "XInputExtension");
     desktop.setEnvironmentVariable(QStringLiteral("DISPLAY"), poor.displayName());
     launch();
     openSettings();

@@ -1,7 +1,10 @@
 #include "desktop/path/FramoraDriver.h"
+#include "desktop/support/DisplayWithoutExtension.h"
 
+#include <algorithm>
 #include <csignal>
 #include <gtest/gtest.h>
+#include <xcb/xcb.h>
 
 namespace framora {
 namespace {
@@ -72,6 +75,68 @@ TEST_F(StartTest, aSecondStartOpensThePreferencesWhenNothingIsOpen) {
         const auto preferences = driver.display().windowTitled(QStringLiteral("Preferences"));
         return preferences && driver.display().activeWindow() == preferences->id;
     }));
+}
+
+TEST_F(StartTest, aDisplayNamedWithItsScreenIsTheSame) {
+    VirtualDesktop desktop;
+    FramoraDriver driver(desktop);
+    driver.launch();
+    desktop.setEnvironmentVariable(QStringLiteral("DISPLAY"), desktop.displayName() + QStringLiteral(".0"));
+    ChildProcess& second = desktop.start(framoraProgram());
+    EXPECT_TRUE(second.waitForExit()) << "two programs take the same keys";
+    EXPECT_EQ(second.exitCode(), 0);
+}
+
+TEST_F(StartTest, aServerThatTellsOfNoClipboardsChangesIsAsked) {
+    VirtualDesktop desktop;
+    const DisplayWithoutExtension poor(desktop.displayName(), "XFIXES");
+    desktop.setEnvironmentVariable(QStringLiteral("DISPLAY"), poor.displayName());
+    FramoraDriver driver(desktop);
+    ChildProcess& framora = driver.launch();
+    for (int capture = 0; capture < 2; ++capture) {
+        captureOnce(driver);
+        driver.waitForNoToast();
+    }
+    framora.end(); // Before its display.
+}
+
+TEST_F(StartTest, whereTheScreenCannotBeReadAReadableToastSaysSo) {
+    DesktopOptions options;
+    options.depth = 8;
+    VirtualDesktop desktop(options);
+    FramoraDriver driver(desktop);
+    desktop.storeUnchangedSettings();
+    desktop.start(framoraProgram());
+    driver.require(QStringLiteral("the error's toast"), [&] {
+        if (!driver.toast())
+            driver.pressAreaShortcut();
+        return driver.toast().has_value();
+    });
+    // Its text, and around it the card: enough of both of only two colours.
+    const auto toast = *driver.toast();
+    const xcb_screen_t& screen = *xcb_setup_roots_iterator(xcb_get_setup(driver.display().connection())).data;
+    std::ptrdiff_t black = 0;
+    std::ptrdiff_t white = 0;
+    const auto count = [&] {
+        const auto size = toast.geometry.size();
+        xcb_get_image_reply_t* const image = xcb_get_image_reply(
+            driver.display().connection(),
+            xcb_get_image(driver.display().connection(), XCB_IMAGE_FORMAT_Z_PIXMAP, screen.root, 0,
+                          std::int16_t(size.height() - 200), std::uint16_t(size.width()), 200, ~0U),
+            nullptr);
+        if (!image)
+            return;
+        const auto* first = xcb_get_image_data(image);
+        const auto* end = first + xcb_get_image_data_length(image);
+        black = std::count(first, end, screen.black_pixel);
+        white = std::count(first, end, screen.white_pixel);
+        std::free(image);
+    };
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] {
+        count();
+        return white > 5000;
+    })) << black
+        << " black, " << white << " white";
 }
 
 TEST_F(StartTest, aCaptureShowsNothingOfAnEarlierToast) {

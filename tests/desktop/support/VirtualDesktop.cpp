@@ -147,16 +147,17 @@ void VirtualDesktop::startServer(const DesktopOptions& options) {
     int channel[2];
     if (::pipe2(channel, O_CLOEXEC) != 0)
         throw std::runtime_error("no pipe for the X server");
-    QStringList arguments = {QStringLiteral("-displayfd"),
-                             QString::number(channel[1]),
-                             QStringLiteral("-screen"),
-                             QStringLiteral("0"),
-                             QStringLiteral("%1x%2x24").arg(options.size.width()).arg(options.size.height()),
-                             QStringLiteral("-dpi"),
-                             QStringLiteral("96"),
-                             QStringLiteral("-nolisten"),
-                             QStringLiteral("tcp"),
-                             QStringLiteral("-noreset")};
+    QStringList arguments = {
+        QStringLiteral("-displayfd"),
+        QString::number(channel[1]),
+        QStringLiteral("-screen"),
+        QStringLiteral("0"),
+        QStringLiteral("%1x%2x%3").arg(options.size.width()).arg(options.size.height()).arg(options.depth),
+        QStringLiteral("-dpi"),
+        QStringLiteral("96"),
+        QStringLiteral("-nolisten"),
+        QStringLiteral("tcp"),
+        QStringLiteral("-noreset")};
     for (const char* name : {"COMPOSITE", "RANDR", "XTEST"})
         if (!options.disabledExtensions.contains(QLatin1String(name)))
             arguments << QStringLiteral("+extension") << QLatin1String(name);

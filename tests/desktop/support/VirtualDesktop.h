@@ -12,6 +12,7 @@ enum class TrayHost { none, xfcePanel, tint2, trayer };
 
 struct DesktopOptions {
     QSize size{1280, 800}; ///< Pixels of the one screen.
+    int depth = 24;        ///< Bits of a pixel; screenshots need 24.
     WindowManager windowManager = WindowManager::openbox;
     bool compositor = false; ///< picom, with neither shadows nor fading of its own.
     TrayHost trayHost = TrayHost::none;

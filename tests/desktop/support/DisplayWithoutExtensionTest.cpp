@@ -1,4 +1,4 @@
-#include "desktop/support/DisplayWithoutXInput.h"
+#include "desktop/support/DisplayWithoutExtension.h"
 
 #include "desktop/support/VirtualDesktop.h"
 
@@ -27,30 +27,30 @@ QByteArray question(const QByteArray& extension) {
 
 const QByteArray greeting = QByteArray("l\0\x0b\0\0\0\0\0\0\0\0\0", 12);
 
-TEST(XInputHiderTest, changesTheQuestionWhereverItsBytesAreSplit) {
+TEST(ExtensionHiderTest, changesTheQuestionWhereverItsBytesAreSplit) {
     const QByteArray sent = greeting + question("MIT-SHM") + question("XInputExtension") + question("XTEST");
     const QByteArray wanted =
-        greeting + question("MIT-SHM") + question("XInputIsNotHere") + question("XTEST");
+        greeting + question("MIT-SHM") + question("-InputExtension") + question("XTEST");
     for (qsizetype split = 0; split <= sent.size(); ++split) {
-        XInputHider hider;
+        ExtensionHider hider("XInputExtension");
         const QByteArray first = hider.passed(sent.left(split));
         EXPECT_EQ(first + hider.passed(sent.mid(split)), wanted) << split;
     }
 }
 
-TEST(XInputHiderTest, leavesTheNameAloneInEveryOtherRequest) {
-    XInputHider hider;
+TEST(ExtensionHiderTest, leavesTheNameAloneInEveryOtherRequest) {
+    ExtensionHider hider("XInputExtension");
     const QByteArray atom = request(16, QByteArray("\x0f\0\0\0", 4) + "XInputExtension");
     EXPECT_EQ(hider.passed(greeting + atom), greeting + atom);
 }
 
-TEST(XInputHiderTest, keepsNothingOfAWholeRequestBack) {
-    XInputHider hider;
+TEST(ExtensionHiderTest, keepsNothingOfAWholeRequestBack) {
+    ExtensionHider hider("XInputExtension");
     const QByteArray endsLikeTheName = request(16, "XXXX");
     EXPECT_EQ(hider.passed(greeting + endsLikeTheName), greeting + endsLikeTheName);
 }
 
-TEST(DisplayWithoutXInputTest, isTheSameScreenWithOneExtensionLess) {
+TEST(DisplayWithoutExtensionTest, isTheSameScreenWithOneExtensionLess) {
     DesktopOptions options;
     options.windowManager = WindowManager::none;
     options.sessionBus = false;
@@ -65,11 +65,11 @@ TEST(DisplayWithoutXInputTest, isTheSameScreenWithOneExtensionLess) {
         xcb_disconnect(connection);
         return present;
     };
-    const DisplayWithoutXInput poor(desktop.displayName());
+    const DisplayWithoutExtension poor(desktop.displayName(), "XInputExtension");
     EXPECT_TRUE(has(desktop.displayName(), "XInputExtension"));
     EXPECT_FALSE(has(poor.displayName(), "XInputExtension"));
     EXPECT_TRUE(has(poor.displayName(), "XTEST"));
-    DisplayWithoutXInput second(desktop.displayName());
+    DisplayWithoutExtension second(desktop.displayName(), "XInputExtension");
     EXPECT_NE(second.displayName(), poor.displayName());
     DesktopDisplay screen(poor.displayName());
     screen.moveTo({321, 123});

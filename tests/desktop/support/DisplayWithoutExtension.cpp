@@ -1,4 +1,4 @@
-#include "desktop/support/DisplayWithoutXInput.h"
+#include "desktop/support/DisplayWithoutExtension.h"
 
 #include <algorithm>
 #include <array>
@@ -13,9 +13,6 @@
 namespace framora {
 namespace {
 
-constexpr char extension[] = "XInputExtension";
-constexpr char otherName[] = "XInputIsNotHere";
-static_assert(sizeof extension == sizeof otherName);
 constexpr unsigned char queryExtension = 98;
 constexpr qsizetype greetingSize = 12;
 constexpr std::size_t mostDescriptors = 16;
@@ -110,7 +107,7 @@ bool sendAll(int to, const QByteArray& bytes, std::vector<int>& descriptors) {
 
 } // namespace
 
-QByteArray XInputHider::passed(const QByteArray& bytes) {
+QByteArray ExtensionHider::passed(const QByteArray& bytes) {
     m_waiting += bytes;
     QByteArray result;
     const auto pass = [&](qsizetype size) {
@@ -136,16 +133,17 @@ QByteArray XInputHider::passed(const QByteArray& bytes) {
             // Nobody waits for the answer to half a request.
             if (m_waiting.size() < size)
                 return result;
-            const qsizetype name = m_waiting.indexOf(extension);
+            const qsizetype name = m_waiting.indexOf(m_extension);
             if (name >= 0 && name < size)
-                m_waiting.replace(name, sizeof otherName - 1, otherName);
+                m_waiting[name] = '-';
         }
         m_passOn = size;
     }
 }
 
-DisplayWithoutXInput::DisplayWithoutXInput(const QString& realDisplay)
-    : m_realSocket(socketPath(realDisplay.section(u':', 1).section(u'.', 0, 0))) {
+DisplayWithoutExtension::DisplayWithoutExtension(const QString& realDisplay, QByteArray extension)
+    : m_realSocket(socketPath(realDisplay.section(u':', 1).section(u'.', 0, 0))),
+      m_extension(std::move(extension)) {
     constexpr int firstNumber = 400;
     constexpr int lastNumber = 999;
     for (m_number = firstNumber; !take(m_number); ++m_number)
@@ -154,7 +152,7 @@ DisplayWithoutXInput::DisplayWithoutXInput(const QString& realDisplay)
     m_accepting = std::thread([this] { accept(); });
 }
 
-DisplayWithoutXInput::~DisplayWithoutXInput() {
+DisplayWithoutExtension::~DisplayWithoutExtension() {
     ::shutdown(m_listener, SHUT_RDWR);
     m_accepting.join();
     ::close(m_listener);
@@ -170,7 +168,7 @@ DisplayWithoutXInput::~DisplayWithoutXInput() {
     }
 }
 
-bool DisplayWithoutXInput::take(int number) {
+bool DisplayWithoutExtension::take(int number) {
     // As X servers keep a number to themselves.
     const QByteArray lock = lockPath(number);
     const int file = ::open(lock.constData(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0444);
@@ -189,7 +187,7 @@ bool DisplayWithoutXInput::take(int number) {
     return false;
 }
 
-void DisplayWithoutXInput::accept() {
+void DisplayWithoutExtension::accept() {
     for (;;) {
         const int client = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
         if (client < 0)
@@ -198,7 +196,7 @@ void DisplayWithoutXInput::accept() {
     }
 }
 
-void DisplayWithoutXInput::serve(int client) {
+void DisplayWithoutExtension::serve(int client) {
     const int server = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     const sockaddr_un address = addressOf(m_realSocket);
     if (::connect(server, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
@@ -206,14 +204,14 @@ void DisplayWithoutXInput::serve(int client) {
         ::close(client);
         return;
     }
-    m_clients.push_back({client, server, std::thread([client, server] {
-                             XInputHider hider;
+    m_clients.push_back({client, server, std::thread([this, client, server] {
+                             ExtensionHider hider(m_extension);
                              forward(client, server, &hider);
                          }),
                          std::thread([client, server] { forward(server, client, nullptr); })});
 }
 
-void DisplayWithoutXInput::forward(int from, int to, XInputHider* hider) {
+void DisplayWithoutExtension::forward(int from, int to, ExtensionHider* hider) {
     std::vector<int> descriptors;
     for (;;) {
         QByteArray bytes = receive(from, descriptors);
