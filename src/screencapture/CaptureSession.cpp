@@ -178,7 +178,7 @@ CaptureSession::Outcome CaptureSession::loop() {
             if (const auto outcome = handle(*event))
                 return *outcome;
         }
-        if (m_clicked && m_windowGrab->ready(m_clicked->window, Clock::now()))
+        if (m_clicked && !m_model->cancelling() && m_windowGrab->ready(m_clicked->window, Clock::now()))
             if (const auto outcome = takeWindow())
                 return *outcome;
         updateScene();

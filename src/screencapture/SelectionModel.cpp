@@ -121,7 +121,7 @@ SelectionModel::Outcome SelectionModel::buttonPressed(Button button, Point point
     m_pointer = pointer;
     if (button == Button::Secondary)
         m_secondaryDown = true;
-    if (button == Button::Primary && !m_primaryDown) {
+    if (button == Button::Primary && !m_primaryDown && !m_escapeCode) {
         m_primaryDown = true;
         if (m_mode == CaptureMode::Area) {
             m_dragging = true;
@@ -157,7 +157,12 @@ SelectionModel::Outcome SelectionModel::keyPressed(Key key, int code) {
         return Outcome::None; // a repeat, or held since before the capture
     switch (key) {
     case Key::Escape:
-        return Outcome::Cancel;
+        // It cancels when it comes up: the repeats of a key that is held would reach the program below. Until
+        // then nothing can be taken any more.
+        m_escapeCode = code;
+        m_dragging = m_primaryDown = m_moving = false;
+        m_lock.reset();
+        break;
     case Key::Space:
         if (m_dragging)
             m_moving = true;
@@ -178,6 +183,8 @@ SelectionModel::Outcome SelectionModel::keyPressed(Key key, int code) {
 
 SelectionModel::Outcome SelectionModel::keyReleased(Key key, int code) {
     m_keysDown.erase(code);
+    if (code == m_escapeCode)
+        return Outcome::Cancel;
     if (key == Key::Space && m_moving) {
         // What was stopped at an edge stays there: the pointer holds the corner from where it is now.
         m_moving = false;

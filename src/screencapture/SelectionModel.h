@@ -40,6 +40,8 @@ public:
     CaptureMode mode() const { return m_mode; }
     bool dragging() const { return m_dragging; }
     bool moving() const { return m_moving; }
+    /// Whether Escape is down, whose coming up cancels.
+    bool cancelling() const { return m_escapeCode.has_value(); }
     Point pointer() const { return m_pointer; }
     /// Empty while nothing is dragged, and while one of its sides is zero.
     Rect selection() const;
@@ -76,6 +78,7 @@ private:
     bool m_moving = false; // by Space
     Point m_grip;          // from the pointer to the corner it holds
     std::optional<AxisLock> m_lock;
+    std::optional<int> m_escapeCode; // of the key that cancels when it comes up
     int m_shiftCode = 0;
     std::set<int> m_keysDown;
 };

@@ -223,14 +223,37 @@ TEST_F(SelectionModelTest, aClickInWindowModeTakesTheWindow) {
 }
 
 TEST_F(SelectionModelTest, escapeAndTheSecondaryButtonCancelAtAnyTime) {
-    EXPECT_EQ(model.keyPressed(Key::Escape, kEscapeCode), Outcome::Cancel);
+    EXPECT_EQ(model.keyPressed(Key::Escape, kEscapeCode), Outcome::None);
+    EXPECT_EQ(model.keyReleased(Key::Escape, kEscapeCode), Outcome::Cancel);
     SelectionModel dragged(CaptureMode::Area, {{0, 0, 1280, 800}}, {0, 0});
     dragged.buttonPressed(Button::Primary, {10, 10});
     dragged.pointerMoved({50, 50});
     EXPECT_EQ(dragged.buttonPressed(Button::Secondary, {50, 50}), Outcome::None);
     EXPECT_EQ(dragged.buttonReleased(Button::Secondary, {50, 50}), Outcome::Cancel);
     SelectionModel window(CaptureMode::Window, {{0, 0, 1280, 800}}, {0, 0});
-    EXPECT_EQ(window.keyPressed(Key::Escape, kEscapeCode), Outcome::Cancel);
+    window.keyPressed(Key::Escape, kEscapeCode);
+    EXPECT_EQ(window.keyReleased(Key::Escape, kEscapeCode), Outcome::Cancel);
+}
+
+TEST_F(SelectionModelTest, escapeEndsADragAtOnceAndCancelsWhenItComesUp) {
+    press(10, 10);
+    move(60, 50);
+    EXPECT_EQ(model.keyPressed(Key::Escape, kEscapeCode), Outcome::None);
+    EXPECT_FALSE(model.dragging());
+    EXPECT_EQ(model.keyPressed(Key::Escape, kEscapeCode), Outcome::None) << "a repeat";
+    EXPECT_EQ(release(90, 90), Outcome::None) << "it was given up";
+    press(20, 20);
+    EXPECT_FALSE(model.dragging());
+    EXPECT_EQ(release(80, 80), Outcome::None);
+    EXPECT_EQ(model.keyReleased(Key::Escape, kEscapeCode), Outcome::Cancel);
+}
+
+TEST_F(SelectionModelTest, anEscapeHeldSinceBeforeTheCaptureDoesNothingWhenReleased) {
+    model.keyHeldAtStart(kEscapeCode);
+    EXPECT_EQ(model.keyPressed(Key::Escape, kEscapeCode), Outcome::None);
+    EXPECT_EQ(model.keyReleased(Key::Escape, kEscapeCode), Outcome::None);
+    model.keyPressed(Key::Escape, kEscapeCode);
+    EXPECT_EQ(model.keyReleased(Key::Escape, kEscapeCode), Outcome::Cancel);
 }
 
 TEST_F(SelectionModelTest, aButtonHeldSinceBeforeTheCaptureDoesNothingWhenReleased) {
