@@ -3,6 +3,7 @@
 #include "platform/Localized.h"
 #include "platform/desktop/QtTranslation.h"
 
+#include <QApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -65,6 +66,11 @@ QString pictureFilter(const QStringList& mimeTypes) {
     return QStringLiteral("%1 (%2)").arg(localized(QStringLiteral("open.images")), patterns.join(u' '));
 }
 
+/// Whether a dialog waits for the user already. A key that is pressed twice in a row asks for two.
+bool isAnswering() {
+    return QApplication::activeModalWidget() != nullptr;
+}
+
 /// Runs the dialog over the window the user works in.
 std::optional<QUrl> run(QFileDialog& dialog) {
     const QPointer<QWindow> owner = QGuiApplication::focusWindow();
@@ -87,6 +93,8 @@ std::optional<QUrl> run(QFileDialog& dialog) {
 } // namespace
 
 std::optional<QUrl> QtFilePanels::openPicture(const QString& message, const QStringList& mimeTypes) {
+    if (isAnswering())
+        return std::nullopt;
     translateQt();
     QFileDialog dialog(nullptr, message, picturesFolder());
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
@@ -97,6 +105,8 @@ std::optional<QUrl> QtFilePanels::openPicture(const QString& message, const QStr
 }
 
 std::optional<QUrl> QtFilePanels::savePng(const QString& proposedName) {
+    if (isAnswering())
+        return std::nullopt;
     translateQt();
     SavePngDialog dialog(nullptr, localized(QStringLiteral("save.title")), picturesFolder());
     dialog.setAcceptMode(QFileDialog::AcceptSave);

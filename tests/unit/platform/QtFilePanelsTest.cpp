@@ -116,6 +116,19 @@ TEST_F(SavePngTest, onlyPlacesWithAPathAreOffered) {
     answer([&] { EXPECT_EQ(dialog().supportedSchemes(), QStringList{QStringLiteral("file")}); });
 }
 
+TEST_F(SavePngTest, aSecondDialogIsNotPutOnTheFirst) {
+    answer([&] {
+        QTimer patience;
+        patience.setSingleShot(true);
+        patience.callOnTimeout([] { dialog().reject(); });
+        patience.start(1000);
+        EXPECT_FALSE(QtFilePanels().savePng(QStringLiteral("screenshot_2.png")));
+        EXPECT_FALSE(QtFilePanels().openPicture(QStringLiteral("Open"), {QStringLiteral("image/png")}));
+        EXPECT_TRUE(patience.isActive()) << "it had to be answered";
+        EXPECT_TRUE(dialogIsOpen());
+    });
+}
+
 TEST_F(SavePngTest, theNameOfAFolderOpensIt) {
     ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("c.d")));
     EXPECT_EQ(answer([&] {
