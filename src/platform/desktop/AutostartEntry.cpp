@@ -1,5 +1,7 @@
 #include "platform/desktop/AutostartEntry.h"
 
+#include "platform/RegularFile.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -24,8 +26,8 @@ Terminal=false
 )";
 
 std::optional<QByteArray> contents(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? std::optional(file.readAll()) : std::nullopt;
+    QFile file;
+    return openRegularFile(file, path) ? std::optional(file.readAll()) : std::nullopt;
 }
 
 /// The lines of an entry, with the keys of its main group at hand.

@@ -7,6 +7,7 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 namespace framora {
 namespace {
@@ -55,6 +56,15 @@ TEST_F(AutostartEntryTest, isOffWithoutAFileAndMakingItAgainIsAllItTakes) {
     EXPECT_FALSE(entry().isEnabled());
     EXPECT_FALSE(QFile::exists(file()));
     EXPECT_EQ(QFileInfo(file()).dir().entryList(QDir::Files).size(), 0) << "nothing is left beside it";
+}
+
+TEST_F(AutostartEntryTest, aPipeInItsPlaceIsNotWaitedFor) {
+    QDir().mkpath(QFileInfo(file()).path());
+    ASSERT_EQ(mkfifo(QFile::encodeName(file()).constData(), 0600), 0);
+    EXPECT_FALSE(entry().isEnabled());
+    entry().followProgram();
+    EXPECT_TRUE(entry().setEnabled(true));
+    EXPECT_TRUE(entry().isEnabled());
 }
 
 TEST_F(AutostartEntryTest, isValidForThoseWhoReadIt) {
