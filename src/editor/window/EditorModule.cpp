@@ -12,8 +12,9 @@ class WindowEditor final : public Editor {
 public:
     explicit WindowEditor(const EditorServices& services) {
         // Our own compositor paints the picture; the rest of the window needs no graphics driver, whose start
-        // would be most of the window's.
-        QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
+        // would be most of the window's. Qt complains when it is told again.
+        if (QQuickWindow::sceneGraphBackend().isEmpty())
+            QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
         ScreenshotEditorWindow::provide([services] { return services; });
     }
 

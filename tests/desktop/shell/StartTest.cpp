@@ -77,6 +77,22 @@ TEST_F(StartTest, aSecondStartOpensThePreferencesWhenNothingIsOpen) {
     }));
 }
 
+TEST_F(StartTest, openingWindowsAgainComplainsOfNothing) {
+    VirtualDesktop desktop;
+    FramoraDriver driver(desktop);
+    driver.launch();
+    const auto preferences = [&] { return driver.display().windowTitled(QStringLiteral("Preferences")); };
+    for (int time = 0; time < 2; ++time) {
+        ASSERT_TRUE(desktop.start(framoraProgram(), {QStringLiteral("--settings")}).waitForExit());
+        driver.require(QStringLiteral("the preferences"),
+                       [&] { return preferences() && driver.display().activeWindow() == preferences()->id; });
+        driver.display().key({"Escape"});
+        driver.require(QStringLiteral("the preferences going away"), [&] { return !preferences(); });
+    }
+    driver.captureAndEdit(QRect(200, 200, 300, 200));
+    EXPECT_EQ(driver.framora().output(), QByteArray());
+}
+
 TEST_F(StartTest, aDisplayNamedWithItsScreenIsTheSame) {
     VirtualDesktop desktop;
     FramoraDriver driver(desktop);
