@@ -29,8 +29,18 @@ bool isNamedPng(const QString& name) {
     return name.endsWith(u".png", Qt::CaseInsensitive);
 }
 
+/// Why no file can be made at the path, for the user; empty where one can.
+QString hindrance(const QString& path) {
+    const QString folder = QFileInfo(path).absolutePath();
+    const QFileInfo info(folder);
+    if (info.isDir() && info.isWritable())
+        return {};
+    return localized(info.isDir() ? QStringLiteral("save.read.only") : QStringLiteral("save.no.folder"))
+        .arg(QDir::toNativeSeparators(folder));
+}
+
 /// A dialog for a file whose name ends in .png, whatever else the user typed: what "a.b" lacks is added
-/// before the dialog asks about replacing a file.
+/// before the dialog asks about replacing a file. It stays open where no file can be made.
 class SavePngDialog final : public QFileDialog {
 public:
     using QFileDialog::QFileDialog;
@@ -40,7 +50,12 @@ public:
         auto* field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
         const QString chosen = field ? selectedFiles().value(0) : QString();
         const QString typed = field ? field->text() : QString();
-        if (!typed.isEmpty() && !typed.endsWith(u'/') && !isNamedPng(typed) && !QFileInfo(chosen).isDir()) {
+        const bool namesFile = !typed.isEmpty() && !typed.endsWith(u'/') && !QFileInfo(chosen).isDir();
+        if (const QString reason = namesFile ? hindrance(chosen) : QString(); !reason.isEmpty()) {
+            QMessageBox::warning(this, windowTitle(), reason);
+            return;
+        }
+        if (namesFile && !isNamedPng(typed)) {
             // A file that is selected in the list would count before what the field says.
             if (auto* list = findChild<QListView*>(QStringLiteral("listView")))
                 list->selectionModel()->clearSelection();

@@ -19,6 +19,7 @@
 #include <QTimer>
 #include <cstdio>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace framora {
 namespace {
@@ -54,6 +55,43 @@ protected:
 
 class SavePngTest : public FileDialogTest {
 protected:
+    /// Of a user to whom permissions matter, who need not be the one that runs the tests.
+    class OrdinaryRights {
+    public:
+        OrdinaryRights() {
+            if (m_user == 0) {
+                EXPECT_EQ(setresuid(65534, 65534, 0), 0);
+            }
+        }
+        ~OrdinaryRights() {
+            if (m_user == 0) {
+                EXPECT_EQ(setresuid(0, 0, 0), 0);
+            }
+        }
+
+    private:
+        uid_t m_user = geteuid();
+    };
+
+    /// What the dialog says to the name, which it does not take; dismissed at once.
+    static std::string refusal(const QString& name) {
+        std::string said;
+        QTimer::singleShot(0, [&] {
+            if (!question())
+                return;
+            said = question()->text().toStdString();
+            EXPECT_EQ(question()->standardButtons(), QMessageBox::Ok);
+            question()->reject();
+        });
+        typeName(name);
+        pressSave();
+        EXPECT_TRUE(dialogIsOpen());
+        return said;
+    }
+    static std::string text(const QString& key, const QString& path) {
+        return localized(key).arg(path).toStdString();
+    }
+
     static QMessageBox* question() { return qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); }
     static void pressSave() { press(QDialogButtonBox::Save); }
 
@@ -110,6 +148,35 @@ TEST_F(SavePngTest, aFileUnderTheTypedNameIsNotAskedAbout) {
                   pressSave();
               }),
               QStringLiteral("a.b.png"));
+}
+
+TEST_F(SavePngTest, aFolderThatIsNotThereIsRefusedAndTheDialogWaitsForAnother) {
+    touch(QStringLiteral("file"));
+    EXPECT_EQ(answer([&] {
+                  const QString absent = folder.filePath(QStringLiteral("no/such"));
+                  EXPECT_EQ(refusal(absent + QStringLiteral("/a")),
+                            text(QStringLiteral("save.no.folder"), absent));
+                  EXPECT_EQ(refusal(QStringLiteral("no/such/a.png")),
+                            text(QStringLiteral("save.no.folder"), absent));
+                  EXPECT_EQ(refusal(QStringLiteral("file/a.png")),
+                            text(QStringLiteral("save.no.folder"), folder.filePath(QStringLiteral("file"))));
+                  typeName(QStringLiteral("a"));
+                  pressSave();
+              }),
+              QStringLiteral("a.png"));
+}
+
+TEST_F(SavePngTest, aFolderThatMayNotBeWrittenIsRefusedAndNotAskedAboutItsFiles) {
+    touch(QStringLiteral("a.png"));
+    answer([&] {
+        QFile::setPermissions(folder.path(), QFile::Permissions(0x5555));
+        const OrdinaryRights rights;
+        for (const char* name : {"a", "a.png", "b.png"})
+            EXPECT_EQ(refusal(QString::fromLatin1(name)),
+                      text(QStringLiteral("save.read.only"), folder.path()))
+                << name;
+    });
+    QFile::setPermissions(folder.path(), QFile::Permissions(0x7777));
 }
 
 TEST_F(SavePngTest, onlyPlacesWithAPathAreOffered) {
