@@ -103,21 +103,27 @@ int BackgroundBlur::fineMargin(double deviation) {
     return raster::gaussianRadius(fineDeviation(deviation));
 }
 
-std::shared_ptr<const raster::Paint> BackgroundBlur::fine(const Identity& identity,
-                                                          std::shared_ptr<const raster::Paint> paint,
+std::shared_ptr<const raster::Paint> BackgroundBlur::fine(const Identity& identity, const Make& make,
                                                           int margin, const Canvas& canvas,
                                                           double deviation) {
-    if (identity != m_fineIdentity) {
-        m_fineIdentity = identity;
-        m_fineShades = {};
-    }
-    // No map, but what tells one place of the canvas and one blur from another as well as a map does.
-    const raster::ShadeCache::Key key{
-        raster::Homography({canvas.left, canvas.top, canvas.width, canvas.height, deviation, 0, 0, 0, 1}), 0,
-        0, canvas.outputWidth, canvas.outputHeight};
-    raster::ShadeCache* cache = m_fineShades.begin(key) ? &m_fineShades : nullptr;
-    return std::make_shared<raster::FineBlurredPaint>(std::move(paint), margin, fineDeviation(deviation),
-                                                      canvas.pixels(), cache);
+    return m_fine.get({identity, canvas, deviation}, [&] {
+        if (identity != m_fineIdentity) {
+            m_fineIdentity = identity;
+            m_fineShades = {};
+        }
+        // No map, but what tells one place of the canvas and one blur from another as well as a map does.
+        const raster::ShadeCache::Key key{
+            raster::Homography({canvas.left, canvas.top, canvas.width, canvas.height, deviation, 0, 0, 0, 1}),
+            0, 0, canvas.outputWidth, canvas.outputHeight};
+        raster::ShadeCache* cache = m_fineShades.begin(key) ? &m_fineShades : nullptr;
+        return std::make_shared<raster::FineBlurredPaint>(make(), margin, fineDeviation(deviation),
+                                                          canvas.pixels(), cache);
+    });
+}
+
+void BackgroundBlur::clearFine() {
+    m_fine = KeptPaint<FineKey>{2};
+    m_fineShades = {};
 }
 
 } // namespace framora

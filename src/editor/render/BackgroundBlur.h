@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/model/ScreenshotStyleConfig.h"
+#include "editor/render/KeptPaint.h"
 #include "editor/render/raster/BlurGrid.h"
 #include "editor/render/raster/FineBlurredPaint.h"
 
@@ -37,6 +38,7 @@ public:
         /// Of a colour or a gradient.
         static Identity ofColors(const ScreenshotStyleConfig& config);
     };
+    using Make = std::function<std::shared_ptr<const raster::Paint>()>;
     using Reduce = std::function<raster::BlurGrid(const raster::BlurAxis&, const raster::BlurAxis&)>;
 
     /// The deviation in pixels of a radius in points; 0 where nothing is blurred. Radii beyond all proportion
@@ -52,11 +54,13 @@ public:
     std::shared_ptr<const raster::Paint> wide(const Identity& identity, const Reduce& reduce,
                                               const Canvas& canvas, double deviation, bool isOpaque);
 
-    /// `paint`, whose pixel (margin, margin) is the output's first, blurred. Deviations that would take too
-    /// long are cut: those of canvases far beyond any output.
-    std::shared_ptr<const raster::Paint> fine(const Identity& identity,
-                                              std::shared_ptr<const raster::Paint> paint, int margin,
+    /// The paint that `make` makes, whose pixel (margin, margin) is the output's first, blurred. Deviations
+    /// that would take too long are cut: those of canvases far beyond any output. From the second time on the
+    /// paint is the same object as long as all of it is the same.
+    std::shared_ptr<const raster::Paint> fine(const Identity& identity, const Make& make, int margin,
                                               const Canvas& canvas, double deviation);
+    /// Lets go of what fine() keeps: a paint that it was given may not outlive what it reads.
+    void clearFine();
 
 private:
     struct Kept {
@@ -71,7 +75,14 @@ private:
         std::shared_ptr<const raster::Paint> paint; ///< Of `blurred` on `canvas`.
     };
     std::optional<Kept> m_kept;
-    Identity m_fineIdentity;
+    struct FineKey {
+        Identity identity;
+        Canvas canvas;
+        double deviation = 0;
+        bool operator==(const FineKey&) const = default;
+    };
+    KeptPaint<FineKey> m_fine{2};
+    Identity m_fineIdentity; ///< Of the shades.
     raster::ShadeCache m_fineShades;
 };
 

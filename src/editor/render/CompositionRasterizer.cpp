@@ -6,7 +6,6 @@
 #include "editor/render/MockupLayers.h"
 #include "editor/render/NoiseOverlayModifier.h"
 #include "editor/render/RasterView.h"
-#include "editor/render/SceneLayer.h"
 #include "editor/render/raster/AdjustedPaint.h"
 #include "editor/render/raster/HugePages.h"
 #include "editor/render/raster/ParallelFor.h"
@@ -164,6 +163,8 @@ CompositionRasterizer::Prepared& CompositionRasterizer::prepared(Slot slot, cons
     Prepared& kept = m_prepared[slot];
     if (kept.pyramid && kept.key == image.cacheKey())
         return kept;
+    if (slot == backgroundSlot)
+        m_blur.clearFine();
     kept = {};
     kept.key = image.cacheKey();
     // Opaque pictures are as the kernels want them already; a copy of a large one would be felt.
@@ -188,26 +189,17 @@ std::shared_ptr<const raster::Paint> CompositionRasterizer::picturePaint(Slot sl
         return nullptr;
     const PaintPlace place{size.width(), size.height(), placement, viewport.pixelSize.width(),
                            viewport.pixelSize.height()};
-    const bool isSame = picture.paint && picture.place == place;
-    if (isSame && picture.hasComeTwice)
-        return picture.paint;
-    picture.paint =
-        std::make_shared<raster::PicturePaint>(picture.pyramid, place.width, place.height, placement,
-                                               place.outputWidth, place.outputHeight, &picture.shades);
-    picture.place = place;
-    picture.hasComeTwice = isSame;
-    return picture.paint;
+    return picture.paint.get(place, [&] {
+        return std::make_shared<raster::PicturePaint>(picture.pyramid, place.width, place.height, placement,
+                                                      place.outputWidth, place.outputHeight, &picture.shades);
+    });
 }
 
 std::shared_ptr<const raster::Paint> CompositionRasterizer::coloredPaint(const ScreenshotStyleConfig& config,
                                                                          QSizeF size,
                                                                          const Homography& toCanvas) {
-    auto identity = BackgroundBlur::Identity::ofColors(config);
-    if (m_colors.identity != identity || m_colors.width != size.width() || m_colors.height != size.height() ||
-        m_colors.toCanvas != toCanvas)
-        m_colors = {std::move(identity), size.width(), size.height(), toCanvas,
-                    makeColoredPaint(config, size, toCanvas)};
-    return m_colors.paint;
+    const ColorsKey key{BackgroundBlur::Identity::ofColors(config), size.width(), size.height(), toCanvas};
+    return m_colors.get(key, [&] { return makeColoredPaint(config, size, toCanvas); });
 }
 
 bool CompositionRasterizer::isBackgroundNew(const Composition& composition) const {
@@ -230,9 +222,11 @@ void CompositionRasterizer::appendBackground(std::vector<Layer>& layers, const C
         BackgroundBlur::deviation(config.gradientConfig.blurAmount, viewport.pixelsPerPoint);
     switch (config.backgroundType) {
     case BackgroundType::transparent:
-        if (!composition.isRendering)
-            layer.paint = CheckerboardView{}.paint(
-                Homography::translation(size.width() / 2, size.height() / 2) * reverse);
+        if (!composition.isRendering) {
+            const Homography toCorner =
+                Homography::translation(size.width() / 2, size.height() / 2) * reverse;
+            layer.paint = m_checkerboard.get(toCorner, [&] { return CheckerboardView{}.paint(toCorner); });
+        }
         break;
     case BackgroundType::color:
     case BackgroundType::gradient:
@@ -285,15 +279,17 @@ std::shared_ptr<const raster::Paint> CompositionRasterizer::blurredBackground(co
         }
         // What lies beyond the output is blurred into it.
         const int margin = BackgroundBlur::fineMargin(deviation);
-        raster::Placement placement = onViewport({}, {}, viewport);
-        placement.move(margin, margin);
-        auto sharp = std::make_shared<raster::PicturePaint>(
-            picture.pyramid, size.width(), size.height(), placement, viewport.pixelSize.width() + 2 * margin,
-            viewport.pixelSize.height() + 2 * margin);
-        return m_blur.fine({{}, image.cacheKey()}, std::move(sharp), margin, canvas, deviation);
+        const auto sharp = [&] {
+            raster::Placement placement = onViewport({}, {}, viewport);
+            placement.move(margin, margin);
+            return std::make_shared<raster::PicturePaint>(picture.pyramid, size.width(), size.height(),
+                                                          placement, viewport.pixelSize.width() + 2 * margin,
+                                                          viewport.pixelSize.height() + 2 * margin);
+        };
+        return m_blur.fine({{}, image.cacheKey()}, sharp, margin, canvas, deviation);
     }
-    const auto adjusted = [&](const Homography& toCanvas) -> std::shared_ptr<const raster::Paint> {
-        auto paint = makeColoredPaint(config, size, toCanvas);
+    const auto adjusted =
+        [&](std::shared_ptr<const raster::Paint> paint) -> std::shared_ptr<const raster::Paint> {
         const ColorAdjustmentsModifier modifier = adjustments(config);
         if (!modifier.isActive())
             return paint;
@@ -301,14 +297,16 @@ std::shared_ptr<const raster::Paint> CompositionRasterizer::blurredBackground(co
             std::move(paint),
             raster::Layer::Adjustment{float(modifier.saturation), float(modifier.brightness)});
     };
-    const auto plain = adjusted(onViewport({}, {}, viewport).toLocal());
+    const auto plain = coloredPaint(config, size, onViewport({}, {}, viewport).toLocal());
     if (!BackgroundBlur::isWide(canvas, deviation))
-        return m_blur.fine(BackgroundBlur::Identity::ofColors(config), plain, 0, canvas, deviation);
+        return m_blur.fine(
+            BackgroundBlur::Identity::ofColors(config), [&] { return adjusted(plain); }, 0, canvas,
+            deviation);
     const auto reduce = [&](const raster::BlurAxis& columns, const raster::BlurAxis& rows) {
         const Homography toCanvas =
             Homography::scaling(size.width() / columns.samples(), size.height() / rows.samples()) *
             Homography::translation(-columns.samples() / 2.0, -rows.samples() / 2.0);
-        return raster::BlurGrid::reduced(*adjusted(toCanvas), columns, rows);
+        return raster::BlurGrid::reduced(*adjusted(makeColoredPaint(config, size, toCanvas)), columns, rows);
     };
     return m_blur.wide(BackgroundBlur::Identity::ofColors(config), reduce, canvas, deviation,
                        plain->isOpaque());
@@ -320,7 +318,7 @@ void CompositionRasterizer::appendScene(std::vector<Layer>& layers, const Compos
     const raster::Placement placement = onViewport({}, {}, viewport);
     if (!isSize(size) || !placement.toOutput.isFinite())
         return;
-    if (auto layer = sceneLayer(composition.config, size, placement, viewport.pixelSize))
+    if (auto layer = m_scene.layer(composition.config, size, placement, viewport.pixelSize))
         layers.push_back(std::move(*layer));
 }
 

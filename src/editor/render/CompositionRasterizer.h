@@ -2,7 +2,9 @@
 
 #include "editor/render/BackgroundBlur.h"
 #include "editor/render/Composition.h"
+#include "editor/render/KeptPaint.h"
 #include "editor/render/LivePicture.h"
+#include "editor/render/SceneLayer.h"
 #include "editor/render/TextLayers.h"
 #include "editor/render/raster/Compositor.h"
 #include "editor/render/raster/PicturePyramid.h"
@@ -78,18 +80,15 @@ private:
         QImage pixels;
         std::shared_ptr<const raster::PicturePyramid> pyramid;
         raster::ShadeCache shades;
-        std::shared_ptr<const raster::Paint> paint; ///< Of the last frame.
-        PaintPlace place;
-        /// That a paint keeps its colours shows when its place comes for the second time.
-        bool hasComeTwice = false;
+        KeptPaint<PaintPlace> paint{2};
     };
-    /// A background of colours, and what it was made of.
-    struct KeptColors {
+    /// What a background of colours is made of.
+    struct ColorsKey {
         BackgroundBlur::Identity identity;
         double width = 0;
         double height = 0;
         raster::Homography toCanvas;
-        std::shared_ptr<const raster::Paint> paint;
+        bool operator==(const ColorsKey&) const = default;
     };
     enum Slot { screenshotSlot, backgroundSlot, slotCount };
 
@@ -109,8 +108,8 @@ private:
     /// A `color` or `gradient` background, not adjusted; null for none.
     std::shared_ptr<const raster::Paint> coloredPaint(const ScreenshotStyleConfig& config, QSizeF size,
                                                       const raster::Homography& toCanvas);
-    static void appendScene(std::vector<raster::Layer>& layers, const Composition& composition,
-                            const Viewport& viewport);
+    void appendScene(std::vector<raster::Layer>& layers, const Composition& composition,
+                     const Viewport& viewport);
     void appendTexts(std::vector<raster::Layer>& layers, const Composition& composition,
                      const Viewport& viewport);
     /// The screenshot itself, and where it goes.
@@ -121,8 +120,10 @@ private:
     Screenshot screenshot(const Composition& composition, const Viewport& viewport);
 
     std::array<Prepared, slotCount> m_prepared;
-    KeptColors m_colors;
+    KeptPaint<ColorsKey> m_colors;
+    KeptPaint<raster::Homography> m_checkerboard;
     bool m_isCanvasOpaque = false;
+    SceneLayer m_scene;
     TextLayers m_texts;
     BackgroundBlur m_blur;
 };

@@ -19,15 +19,23 @@ std::vector<raster::Float4> tint(const QList<Color>& colors) {
 
 } // namespace
 
-std::optional<raster::Layer> sceneLayer(const ScreenshotStyleConfig& config, QSizeF size,
-                                        const raster::Placement& placement, QSize output) {
-    const double opacity = config.shadowSceneOpacity / 100;
+std::optional<raster::Layer> SceneLayer::layer(const ScreenshotStyleConfig& config, QSizeF size,
+                                               const raster::Placement& placement, QSize output) {
+    const double opacity = std::min(config.shadowSceneOpacity / 100, 1.0);
     if (!config.selectedShadowScene || !(opacity > 0))
         return std::nullopt;
     raster::Layer layer{{size.width(), size.height(), 0}, {}, placement, nullptr, {}, {}};
-    layer.paint = std::make_shared<raster::ScenePaint>(
-        raster::ScenePaint::Look{tint(config.selectedShadowScene->colors), std::min(opacity, 1.0)},
-        size.width(), size.height(), placement.toLocal(), output.width(), output.height());
+    const Key key{config.selectedShadowScene->colors,
+                  opacity,
+                  size.width(),
+                  size.height(),
+                  placement.toLocal(),
+                  output};
+    layer.paint = m_paint.get(key, [&key] {
+        return std::make_shared<raster::ScenePaint>(raster::ScenePaint::Look{tint(key.colors), key.opacity},
+                                                    key.width, key.height, key.toCanvas, key.output.width(),
+                                                    key.output.height());
+    });
     layer.sharesEdge = true; // the canvas's
     if (config.shadowSceneMode == ShadowSceneMode::overlay)
         layer.blend = raster::Layer::Blend::overlay;

@@ -23,6 +23,7 @@ namespace {
 
 using raster::AlphaPlane;
 using raster::MixBuffer;
+using raster::MixBufferPaint;
 
 constexpr double blurRadius = 8;
 constexpr double shadowRadius = 2;
@@ -192,7 +193,7 @@ bool isDrawable(const TextOverlay& overlay) {
            std::isfinite(overlay.position.x) && std::isfinite(overlay.position.y);
 }
 
-std::shared_ptr<const MixBuffer> textPixels(const TextOverlay& overlay, const TextLayers::Place& place) {
+std::shared_ptr<const MixBufferPaint> textPaint(const TextOverlay& overlay, const TextLayers::Place& place) {
     if (!isDrawable(overlay) || !qobject_cast<QGuiApplication*>(QCoreApplication::instance()))
         return nullptr;
     const double blur = overlay.isBlurred ? blurRadius * place.pixelsPerPoint : 0;
@@ -233,7 +234,7 @@ std::shared_ptr<const MixBuffer> textPixels(const TextOverlay& overlay, const Te
                        });
         raster::blendOver(out, above.data(), share(opacity), above.size());
     });
-    return pixels;
+    return std::make_shared<MixBufferPaint>(std::move(pixels));
 }
 
 } // namespace
@@ -245,17 +246,16 @@ std::vector<raster::Layer> TextLayers::layers(const QList<TextOverlay>& overlays
         const auto kept = std::find_if(m_drawn.begin(), m_drawn.end(), [&](const Drawn& drawn) {
             return drawn.overlay == overlay && drawn.place == place;
         });
-        drawnNow.push_back(
-            {overlay, place, kept != m_drawn.end() ? kept->pixels : textPixels(overlay, place)});
-        const std::shared_ptr<const MixBuffer>& pixels = drawnNow.back().pixels;
-        if (!pixels)
+        drawnNow.push_back({overlay, place, kept != m_drawn.end() ? kept->paint : textPaint(overlay, place)});
+        const auto& paint = drawnNow.back().paint;
+        if (!paint)
             continue;
-        const raster::TileRect& area = pixels->area();
+        const raster::TileRect& area = paint->area();
         raster::Layer& layer = layers.emplace_back();
         layer.shape = {double(area.width), double(area.height), 0};
         layer.placement.toOutput =
             raster::Homography::translation(area.x + area.width / 2.0, area.y + area.height / 2.0);
-        layer.paint = std::make_shared<raster::MixBufferPaint>(pixels);
+        layer.paint = paint;
     }
     m_drawn = std::move(drawnNow);
     return layers;

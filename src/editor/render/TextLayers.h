@@ -31,7 +31,7 @@ private:
     struct Drawn {
         TextOverlay overlay;
         Place place;
-        std::shared_ptr<const raster::MixBuffer> pixels; ///< Null when nothing shows.
+        std::shared_ptr<const raster::MixBufferPaint> paint; ///< Null when nothing shows.
     };
     std::vector<Drawn> m_drawn;
 };

@@ -119,5 +119,22 @@ TEST(Checkerboard, SharesAPixelByArea) {
     EXPECT_FLOAT_EQ(row[2][1], 0);
 }
 
+TEST(Checkerboard, MixesWhatItShades) {
+    for (const double scale : {1.0, 0.5, 1 / 0.55, 1 / 3.7, 20.0}) {
+        const CheckerboardPaint paint(
+            12, Homography::scaling(scale, scale) * Homography::translation(-7.3, 11.8), 1.0f, 0.9f);
+        const TileRect tile{-20, -9, 61, 70};
+        std::vector<MixPixel> mixed(tile.area());
+        paint.mix(tile, mixed.data());
+        std::vector<Float4> row(std::size_t(tile.width));
+        for (int y = 0; y < tile.height; ++y) {
+            paint.shade(tile.x, tile.y + y, tile.width, row.data());
+            for (int x = 0; x < tile.width; ++x)
+                ASSERT_EQ(mixed[std::size_t(y * tile.width + x)], toMix(row[std::size_t(x)]))
+                    << scale << ": " << x << "," << y;
+        }
+    }
+}
+
 } // namespace
 } // namespace framora::raster

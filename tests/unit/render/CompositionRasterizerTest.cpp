@@ -318,6 +318,18 @@ public:
     LivePicture live;
 };
 
+ShadowScene sceneOf(const QList<Color>& colors) {
+    return {QUuid::createUuid(), QStringLiteral("Scene"), colors, false};
+}
+
+TextOverlay textAt(Point position) {
+    TextOverlay overlay;
+    overlay.text = QStringLiteral("Text");
+    overlay.fontSize = 40;
+    overlay.position = position;
+    return overlay;
+}
+
 TEST(LivePicture, ShowsWhatIsDrawnFromNothingWhateverTheFramesBeforeIt) {
     Composition composition = compositionOf(noisePicture(220, 130), {}, false);
     composition.loadedBackgroundImage = noisePicture(60, 70);
@@ -338,6 +350,14 @@ TEST(LivePicture, ShowsWhatIsDrawnFromNothingWhateverTheFramesBeforeIt) {
         [&](double part) {
             style.shadowSceneMode = part > 0.5 ? ShadowSceneMode::overlay : ShadowSceneMode::underlay;
         },
+        [&](double part) { style.shadowSceneOpacity = 20 + part * 50; },
+        [&](double part) {
+            style.selectedShadowScene = sceneOf({{part, 0, 1, 1}, {0, 1, part, 1}});
+        },
+        [&](double part) {
+            style.textOverlays = {textAt({60, 40})};
+            style.textOverlays[0].opacity = 1 - part;
+        },
     };
     for (const auto type : {BackgroundType::image, BackgroundType::gradient, BackgroundType::color,
                             BackgroundType::transparent})
@@ -347,12 +367,27 @@ TEST(LivePicture, ShowsWhatIsDrawnFromNothingWhateverTheFramesBeforeIt) {
                 composition.dragOffset = {};
                 style.backgroundType = type;
                 style.mockupStyle = mockup;
+                if (mockup == MockupStyle::glassEffect) {
+                    style.gradientConfig.blurAmount = 3;
+                    style.selectedShadowScene = sceneOf({{1, 0, 0, 1}, {0, 0, 1, 1}});
+                    style.textOverlays = {textAt({60, 40})};
+                }
                 // Each step twice: what comes again is drawn from what is kept.
                 for (const double part : {0.0, 0.0, 0.2, 0.2, 0.2, 0.9, 0.2}) {
                     gestures[gesture](part);
                     ASSERT_TRUE(frames.areExact(composition)) << int(type) << " " << gesture << " " << part;
                 }
             }
+    // A background that comes back after another one, which took its memory.
+    style = {};
+    style.backgroundType = BackgroundType::image;
+    const QImage first = noisePicture(60, 70);
+    for (const bool isFirst : {true, true, true, false, true, true}) {
+        composition.loadedBackgroundImage = isFirst ? first : flatPicture(60, 70);
+        style.gradientConfig.blurAmount = isFirst ? 3 : 30;
+        ASSERT_TRUE(frames.areExact(composition));
+        composition.dragOffset.width += 20;
+    }
     // Other pictures in the same place.
     for (int i = 0; i < 3; ++i) {
         composition.image = noisePicture(220, 130 + i % 2);
@@ -398,6 +433,55 @@ TEST(LivePicture, DrawsNothingAgainThatDidNotChange) {
     EXPECT_EQ(live.view().size(), QSize(10, 10));
     ASSERT_FALSE(rasterizer.drawInto(live, composition, {QSize(0, 10), 1, QPointF(5, 5)}));
     EXPECT_TRUE(live.isNull());
+}
+
+TEST(LivePicture, LeavesWhateverLiesAroundTheScreenshotAsItIsWhileThatIsDragged) {
+    using Style = ScreenshotStyleConfig;
+    const auto showScene = [](Style& style, ShadowSceneMode mode) {
+        style.selectedShadowScene = sceneOf({{1, 0, 0, 1}, {0, 0, 1, 1}});
+        style.shadowSceneMode = mode;
+    };
+    const std::vector<std::pair<const char*, std::function<void(Style&)>>> surroundings = {
+        {"transparent", [](Style& style) { style.backgroundType = BackgroundType::transparent; }},
+        {"colour", [](Style& style) { style.backgroundType = BackgroundType::color; }},
+        {"picture", [](Style& style) { style.backgroundType = BackgroundType::image; }},
+        {"little blur", [](Style& style) { style.gradientConfig.blurAmount = 4; }},
+        {"picture, little blur",
+         [](Style& style) {
+             style.backgroundType = BackgroundType::image;
+             style.gradientConfig.blurAmount = 4;
+         }},
+        {"scene under", [&](Style& style) { showScene(style, ShadowSceneMode::underlay); }},
+        {"scene over", [&](Style& style) { showScene(style, ShadowSceneMode::overlay); }},
+        {"text",
+         [](Style& style) {
+             style.textOverlays = {textAt({100, 60})};
+         }},
+    };
+    const CompositionRasterizer::Viewport viewport{QSize(900, 700), 0.5, QPointF(450, 350)};
+    const QRect all(0, 0, 900, 700);
+    for (const auto& [name, choose] : surroundings) {
+        SCOPED_TRACE(name);
+        Style style;
+        style.backgroundType = BackgroundType::gradient;
+        style.padding = 200;
+        choose(style);
+        Composition composition = compositionOf(noisePicture(1200, 800), style, false);
+        composition.loadedBackgroundImage = noisePicture(300, 200);
+        CompositionRasterizer rasterizer;
+        LivePicture live;
+        const auto draw = [&] { ASSERT_TRUE(rasterizer.drawInto(live, composition, viewport)); };
+        draw();
+        draw(); // with what is kept from now on
+        draw();
+        EXPECT_FALSE(live.hasChanged(all));
+        // The screenshot takes 600 x 400 in the middle.
+        composition.dragOffset = {20, 10};
+        draw();
+        EXPECT_TRUE(live.hasChanged(QRect(260, 200, 380, 300)));
+        EXPECT_FALSE(live.hasChanged(QRect(60, 60, 60, 580)));
+        EXPECT_TRUE(areEqual(live.view(), CompositionRasterizer().draw(composition, viewport)));
+    }
 }
 
 /// Green, with memory for so many tiles only.

@@ -13,9 +13,16 @@ public:
         : m_squareSize(squareSize), m_toLocal(toLocal), m_firstGrey(firstGrey), m_secondGrey(secondGrey) {}
 
     void shade(int x, int y, int count, Float4* out) const override;
+    void mix(const TileRect& tile, MixPixel* out) const override;
     bool isOpaque() const override { return true; }
 
 private:
+    /// How much more of the first grey than of the second one is in a column or a row of pixels, -1...1.
+    double columnSign(int x) const;
+    double rowSign(int y) const;
+    /// The colour of the pixel where they meet.
+    Float4 color(double columnSign, double rowSign) const;
+
     double m_squareSize;
     Homography m_toLocal;
     float m_firstGrey;

@@ -28,6 +28,7 @@ class MixBufferPaint : public Paint {
 public:
     explicit MixBufferPaint(std::shared_ptr<const MixBuffer> buffer) : m_buffer(std::move(buffer)) {}
 
+    const TileRect& area() const { return m_buffer->area(); }
     void shade(int x, int y, int count, Float4* out) const override;
     void mix(const TileRect& tile, MixPixel* out) const override;
     bool isOpaque() const override { return false; }
