@@ -28,7 +28,7 @@ Pressable {
     }
     background: RoundedBox {
         radius: Theme.radius
-        color: control.pressed ? Theme.pressedFill
+        color: control.down ? Theme.pressedFill
              : control.hovered && control.enabled ? Theme.hoverFill
              : control.raised ? Theme.card
              : control.bordered ? Theme.fill : "transparent"

@@ -24,6 +24,9 @@ T.ComboBox {
     currentIndex: options.findIndex(option => option.value === value)
     leftPadding: 12
     rightPadding: 32
+    // A held key comes as presses and releases, and each release would open or close the list.
+    Keys.onPressed: event => event.accepted = event.key === Qt.Key_Space && event.isAutoRepeat
+    Keys.onReleased: event => event.accepted = event.key === Qt.Key_Space && event.isAutoRepeat
     Accessible.role: Accessible.ComboBox
     Accessible.name: text
     onActivated: index => {

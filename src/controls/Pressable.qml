@@ -3,7 +3,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Framora.Controls
 
-/// A button of any look. Space, Return and a screen reader press it, and a key that is held down does so once; `help`
+/// A button of any look. The pointer, Space, Return and a screen reader press it; `help`
 /// and its keys show below it, or above.
 T.AbstractButton {
     id: control
@@ -16,14 +16,9 @@ T.AbstractButton {
     focusPolicy: Qt.TabFocus
     Accessible.role: Accessible.Button
     Accessible.onPressAction: control.clicked()
-    Keys.onPressed: event => {
-        const isReturn = event.key === Qt.Key_Return || event.key === Qt.Key_Enter;
-        if (isReturn && !event.isAutoRepeat)
-            control.clicked();
-        event.accepted = isReturn || (event.key === Qt.Key_Space && event.isAutoRepeat);
-    }
-    // A held key comes as presses and releases, and each release of Space would be a click.
-    Keys.onReleased: event => event.accepted = event.key === Qt.Key_Space && event.isAutoRepeat
+    Keys.forwardTo: ReleaseKeys { id: keys; button: control }
+    // Shown as pressed by Return too.
+    down: keys.returnIsDown ? true : undefined
 
     HoverHandler { id: hover }
     Loader {
@@ -33,7 +28,7 @@ T.AbstractButton {
             y: control.helpAbove ? -implicitHeight - 6 : control.height + 6
             text: control.help
             shortcut: control.shortcut
-            visible: !control.pressed
+            visible: !control.down
         }
     }
 }

@@ -45,10 +45,10 @@ Pressable {
     }
     background: RoundedBox {
         radius: Theme.radius
-        color: control.primary ? (control.pressed ? Qt.darker(Theme.accent, 1.18)
+        color: control.primary ? (control.down ? Qt.darker(Theme.accent, 1.18)
                                   : control.hovered ? Qt.darker(Theme.accent, 1.07) : Theme.accent)
-                               : control.raised && !control.hovered && !control.pressed
-                                 ? Theme.card : Theme.stateFill(control.hovered, control.pressed)
+                               : control.raised && !control.hovered && !control.down
+                                 ? Theme.card : Theme.stateFill(control.hovered, control.down)
         outline: control.raised && !control.primary && !Theme.dark ? Theme.outline : "transparent"
         Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
         FocusRing { shown: control.visualFocus }

@@ -105,6 +105,9 @@ Item {
                 number.done();
             }
             onActiveFocusChanged: if (!activeFocus) number.close(true)
+            // The key that opened it may still be down.
+            Keys.onReturnPressed: event => event.accepted = event.isAutoRepeat
+            Keys.onEnterPressed: event => event.accepted = event.isAutoRepeat
             // Escape belongs to the window otherwise.
             Keys.onShortcutOverride: event => event.accepted = event.key === Qt.Key_Escape
             Keys.onEscapePressed: {

@@ -136,7 +136,8 @@ Item {
             case Qt.Key_Return:
             case Qt.Key_Enter:
             case Qt.Key_F2:
-                control.startTyping("");
+                if (!event.isAutoRepeat)
+                    control.startTyping("");
                 return control.showValue;
             }
             if (!control.showValue || !/^[-0-9.,]$/.test(event.text))

@@ -7,8 +7,10 @@
 #include "editor/render/ScreenshotRenderer.h"
 #include "platform/Clock.h"
 #include "platform/FilePanels.h"
+#include "platform/Localized.h"
 #include "platform/MainQueue.h"
 
+#include <QPointer>
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -337,17 +339,32 @@ void ScreenshotEditorViewModel::saveImage() {
     // choice still counts.
     const auto exportPng = m_services.exportPng;
     const auto showToast = m_services.showToast;
+    const StyleHistory::State saved = state();
+    const QPointer<ScreenshotEditorViewModel> self(this);
     const auto seconds = static_cast<long long>(std::floor(m_services.clock.secondsSince1970()));
     const auto url = m_services.filePanels.savePng(QStringLiteral("screenshot_%1.png").arg(seconds));
     if (!url)
         return;
     const QByteArray png = exportPng(*composition);
     // A failed write leaves what was there; it is not reported.
-    if (!png.isEmpty())
-        writeFileAtomically(url->toLocalFile(), png);
+    if (!png.isEmpty() && writeFileAtomically(url->toLocalFile(), png).isEmpty() && self)
+        self->m_savedState = saved;
     // Follows any confirmed panel, whether a file was written or not.
     if (showToast)
         showToast(QStringLiteral("Saved"), QStringLiteral("checkmark.circle.fill"), true);
+}
+
+bool ScreenshotEditorViewModel::mayLeave() {
+    if (!canUndo() || (m_savedState && StyleHistory::looksEqual(*m_savedState, state())))
+        return true;
+    const double now = m_services.clock.secondsSince1970();
+    const double last = std::exchange(m_lastAttemptToLeave, now);
+    if (now >= last && now - last <= secondsToLeave)
+        return true;
+    if (m_services.showToast)
+        m_services.showToast(localized(QStringLiteral("leave.again")),
+                             QStringLiteral("exclamationmark.triangle.fill"), false);
+    return false;
 }
 
 void ScreenshotEditorViewModel::mergeWallpapers(const std::vector<Wallpaper>& wallpapers) {

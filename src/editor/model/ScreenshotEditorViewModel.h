@@ -190,6 +190,11 @@ public:
     /// The picture at twice its point size; null when there is nothing to draw.
     QImage renderFinalImage() const;
     Q_INVOKABLE void saveImage();
+    /// Whether a key that is easily pressed once too often may close the editor: while undo would have
+    /// something to take back that was not saved, only the second time within `secondsToLeave`, of which a
+    /// toast tells.
+    Q_INVOKABLE bool mayLeave();
+    static constexpr double secondsToLeave = 3;
     void mergeWallpapers(const std::vector<Wallpaper>& wallpapers);
 
 Q_SIGNALS:
@@ -260,7 +265,9 @@ private:
     QVariant m_currentRedactStart;
     QVariant m_currentRedactEnd;
     StyleHistory m_history;
-    bool m_followsFit = false; ///< The zoom in force is the one that fits.
+    std::optional<StyleHistory::State> m_savedState;
+    double m_lastAttemptToLeave = -secondsToLeave; ///< By the clock.
+    bool m_followsFit = false;                     ///< The zoom in force is the one that fits.
     std::unique_ptr<WorkItem> m_pendingFit;
     std::unique_ptr<WorkItem> m_pendingRefit; ///< After a resize, unless the zoom changes before.
 };

@@ -1,6 +1,5 @@
 // qmllint disable unqualified
 import QtQuick
-import QtQuick.Templates as T
 import Framora.Controls
 import Framora.Editor
 
@@ -25,23 +24,15 @@ ChoiceGroup {
         Repeater {
             id: swatches
             model: choices.colors
-            delegate: T.RadioButton {
+            delegate: GroupedChoice {
                 id: swatch
                 required property string modelData
-                required property int index
+                group: choices
                 objectName: choices.objectName + "." + index
                 width: (grid.width - 7 * grid.spacing) / 8
                 height: width
-                hoverEnabled: true
-                focusPolicy: choices.stop === index ? Qt.TabFocus : Qt.NoFocus
                 Accessible.name: (choices.label + " " + modelData).trim()
-                checked: choices.current === index
-                Accessible.onToggleAction: swatch.clicked()
-                Accessible.onPressAction: swatch.clicked()
-                onActiveFocusChanged: if (activeFocus) choices.entered(index)
                 onClicked: choices.bridge.setColor(modelData)
-                Keys.onReturnPressed: event => { if (!event.isAutoRepeat) swatch.clicked(); }
-                Keys.onEnterPressed: event => { if (!event.isAutoRepeat) swatch.clicked(); }
                 background: Item {
                     GradientSwatch {
                         anchors.fill: parent
@@ -55,11 +46,11 @@ ChoiceGroup {
                         radius: width / 2
                         color: "transparent"
                         outlineWidth: 2
-                        outline: choices.current === swatch.index ? Theme.accent : Theme.outline
-                        visible: choices.current === swatch.index || swatch.hovered
+                        outline: swatch.chosen ? Theme.accent : Theme.outline
+                        visible: swatch.chosen || swatch.hovered
                     }
                     FocusRing {
-                        gap: choices.current === swatch.index ? 3 : 1
+                        gap: swatch.chosen ? 3 : 1
                         radius: width / 2
                         shown: swatch.visualFocus
                     }

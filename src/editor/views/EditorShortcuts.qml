@@ -8,6 +8,34 @@ Item {
     required property EditorSession session
     signal cancelled
 
+    /// What ends the window waits for the key to be let go: its repeats would fall on whatever is beneath.
+    property var ending: null
+    function keyReleased(key: int): void {
+        switch (key) {
+        // The key itself may still be down when its modifier comes up.
+        case Qt.Key_Control:
+        case Qt.Key_Shift:
+        case Qt.Key_Alt:
+        case Qt.Key_AltGr:
+        case Qt.Key_Meta:
+            break;
+        default:
+            end();
+        }
+    }
+    function closeWindow(): void {
+        session.close();
+    }
+    function copyPicture(): void {
+        session.triggerToolbarItem("CopyItem");
+    }
+    function end(): void {
+        const action = ending;
+        ending = null;
+        if (action)
+            action();
+    }
+
     readonly property ScreenshotEditorViewModel viewModel: session.viewModel
     /// A text field keeps the usual keys to itself.
     readonly property bool editingText: Window.activeFocusItem instanceof TextInput
@@ -30,21 +58,31 @@ Item {
         }
     }
 
-    Shortcut { sequence: "Escape"; enabled: !shortcuts.editingText; onActivated: shortcuts.cancelled() }
-    Shortcut { id: closeKeys; sequence: "Ctrl+W"; autoRepeat: false; onActivated: shortcuts.session.close() }
+    Shortcut {
+        sequence: "Escape"
+        autoRepeat: false
+        enabled: !shortcuts.editingText
+        onActivated: shortcuts.cancelled()
+    }
+    Shortcut {
+        id: closeKeys
+        sequence: "Ctrl+W"
+        autoRepeat: false
+        onActivated: shortcuts.ending = shortcuts.closeWindow
+    }
 
     Shortcut {
         id: copyKeys
         sequence: "Ctrl+C"
         autoRepeat: false
         enabled: !shortcuts.editingText
-        onActivated: shortcuts.session.triggerToolbarItem("CopyItem")
+        onActivated: shortcuts.ending = shortcuts.copyPicture
     }
     Shortcut {
         sequence: "Ctrl+Ins"
         autoRepeat: false
         enabled: copyKeys.enabled
-        onActivated: shortcuts.session.triggerToolbarItem("CopyItem")
+        onActivated: shortcuts.ending = shortcuts.copyPicture
     }
     Shortcut {
         id: saveKeys

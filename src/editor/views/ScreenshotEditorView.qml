@@ -15,7 +15,8 @@ Item {
     readonly property ScreenshotEditorViewModel viewModel: session.viewModel
     readonly property real sidebarSpace: sidebar.x + sidebar.width
 
-    /// One thing at a time: what is being dragged, the colour panel, what is being typed, the window.
+    /// One thing at a time: what is being dragged, the colour panel, what is being typed, the window. Edits are not lost by
+    /// one press too many.
     function leave(): void {
         if (detail.cancelDrag())
             return;
@@ -23,8 +24,8 @@ Item {
             session.colorPanel.close();
         else if (shortcuts.editingText)
             detail.forceActiveFocus(Qt.OtherFocusReason);
-        else
-            session.close();
+        else if (viewModel.mayLeave())
+            shortcuts.ending = shortcuts.closeWindow;
     }
 
     focus: true
@@ -36,11 +37,22 @@ Item {
         event.accepted = true;
     }
     Keys.onReleased: event => {
-        if (event.key === Qt.Key_Space && !event.isAutoRepeat)
+        if (event.isAutoRepeat)
+            return;
+        if (event.key === Qt.Key_Space)
             detail.panKeyHeld = false;
+        shortcuts.keyReleased(event.key);
     }
-    Keys.onEscapePressed: leave()
-    Window.onActiveChanged: if (!Window.active) detail.panKeyHeld = false
+    Keys.onEscapePressed: event => {
+        if (!event.isAutoRepeat)
+            leave();
+    }
+    Window.onActiveChanged: {
+        if (Window.active)
+            return;
+        detail.panKeyHeld = false;
+        shortcuts.end();
+    }
     // What had the keys may be gone, a panel for one.
     Window.onActiveFocusItemChanged: {
         if (Window.active && (!Window.activeFocusItem || Window.activeFocusItem === Window.contentItem))

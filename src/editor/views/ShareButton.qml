@@ -50,9 +50,9 @@ Item {
         enabled: control.available
         Accessible.description: control.available ? "" : control.hint
         onClicked: {
-            const byKeys = visualFocus;
+            menu.byKeys = visualFocus;
             menu.open();
-            menu.currentIndex = byKeys ? 0 : -1;
+            menu.currentIndex = menu.byKeys ? 0 : -1;
         }
     }
     // A disabled button knows nothing of the pointer.
@@ -68,6 +68,10 @@ Item {
     }
     T.Menu {
         id: menu
+
+        property bool byKeys: false
+
+        onClosed: if (byKeys) button.forceActiveFocus(Qt.TabFocusReason)
         y: button.height + 4
         implicitWidth: contentItem.implicitWidth + leftPadding + rightPadding
         implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding

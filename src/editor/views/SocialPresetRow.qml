@@ -1,29 +1,17 @@
 // qmllint disable deferred-property-id
 import QtQuick
-import QtQuick.Templates as T
 import Framora.Controls
 
-/// One export size: its platform's symbol, its name, ratio and size in pixels.
-T.RadioButton {
+/// One export size: its platform's symbol, its name, ratio and size in pixels; its number is that of the catalogue.
+GroupedChoice {
     id: control
 
     required property var modelData
     required property string platform
-    required property int index ///< In the catalogue.
-    required property ChoiceGroup group
-    readonly property bool chosen: group.current === index
 
     implicitHeight: 32
-    hoverEnabled: true
-    focusPolicy: group.stop === index ? Qt.TabFocus : Qt.NoFocus
-    checked: chosen
-    Accessible.onToggleAction: control.clicked()
-    Accessible.onPressAction: control.clicked()
     Accessible.name: platform + " " + modelData.name
     Accessible.description: modelData.ratio + ", " + size.text
-    onActiveFocusChanged: if (activeFocus) group.entered(index)
-    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
-    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
 
     contentItem: Item {
         SymbolIcon {

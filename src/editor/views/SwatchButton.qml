@@ -1,31 +1,19 @@
 // qmllint disable deferred-property-id
 import QtQuick
-import QtQuick.Templates as T
 import Framora.Controls
 import Framora.Editor
 
 /// A preset's colours to choose from, a member of a group; a ring marks the chosen one.
-T.RadioButton {
+GroupedChoice {
     id: control
 
-    required property int index
-    required property ChoiceGroup group
     required property var colors
     property double angle: 135
     property string caption: ""
-    readonly property bool chosen: group.current === index
 
     implicitWidth: 48
     implicitHeight: 44 + (caption !== "" ? 20 : 0)
-    hoverEnabled: true
-    focusPolicy: group.stop === index ? Qt.TabFocus : Qt.NoFocus
-    checked: chosen
-    Accessible.onToggleAction: control.clicked()
-    Accessible.onPressAction: control.clicked()
     Accessible.name: caption !== "" ? caption : text
-    onActiveFocusChanged: if (activeFocus) group.entered(index)
-    Keys.onReturnPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
-    Keys.onEnterPressed: event => { if (!event.isAutoRepeat) control.clicked(); }
 
     contentItem: Item {
         Text {

@@ -37,7 +37,7 @@ Pressable {
             width: parent.width
             height: 44
             radius: 9
-            color: Theme.stateFill(control.hovered, control.pressed)
+            color: Theme.stateFill(control.hovered, control.down)
             Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
         }
         FocusRing { anchors.fill: tile; radius: 12; shown: control.visualFocus }

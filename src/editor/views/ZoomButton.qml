@@ -30,7 +30,7 @@ Pressable {
     }
     background: RoundedBox {
         radius: height / 2
-        color: control.pressed ? Theme.pressedFill : control.hovered ? Theme.card : Theme.surface
+        color: control.down ? Theme.pressedFill : control.hovered ? Theme.card : Theme.surface
         outline: Theme.hairline
         Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
         FocusRing { radius: parent.height / 2 + 3; shown: control.visualFocus }

@@ -12,6 +12,8 @@ T.Popup {
     required property string message
     signal dismissed
 
+    property Item opener: null ///< Has the keys again afterwards.
+
     parent: T.Overlay.overlay
     anchors.centerIn: parent
     width: 340
@@ -21,7 +23,11 @@ T.Popup {
     focus: true
     closePolicy: T.Popup.CloseOnEscape
     visible: shown
-    onClosed: dismissed()
+    onAboutToShow: opener = parent.Window.activeFocusItem
+    onClosed: {
+        dismissed();
+        opener?.forceActiveFocus(Qt.TabFocusReason);
+    }
     onOpened: ok.forceActiveFocus(Qt.TabFocusReason)
 
     T.Overlay.modal: Rectangle { color: "#70000000" }
@@ -70,8 +76,6 @@ T.Popup {
             primary: true
             text: "OK"
             onClicked: alert.dismissed()
-            Keys.onReturnPressed: alert.dismissed()
-            Keys.onEnterPressed: alert.dismissed()
         }
     }
 }

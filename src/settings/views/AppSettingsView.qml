@@ -16,8 +16,15 @@ Item {
     implicitWidth: 748
     implicitHeight: 648
     focus: true
-    // What is being recorded, or open, takes the key before it comes here.
-    Keys.onEscapePressed: session.close()
+    // What is being recorded, or open, takes the key before it comes here. The window goes when the key is let go, whose
+    // repeats would fall on whatever is beneath.
+    Keys.onEscapePressed: event => leaving = leaving || !event.isAutoRepeat
+    Keys.onReleased: event => {
+        if (leaving && event.key === Qt.Key_Escape && !event.isAutoRepeat)
+            session.close();
+    }
+    Window.onActiveChanged: leaving = false
+    property bool leaving: false
 
     Binding { target: Theme; property: "dark"; value: root.dark }
     Binding { target: Theme; property: "accent"; value: root.accent }

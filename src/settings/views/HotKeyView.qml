@@ -1,11 +1,11 @@
 // qmllint disable unqualified
 import QtQuick
-import QtQuick.Templates as T
 import Framora.Controls
 import Framora.Settings
 
-/// A shortcut as a row of key caps. A click starts the recording of another one.
-T.AbstractButton {
+/// A shortcut as a row of key caps. A click starts the recording of another one, and so do the
+/// keys when they are let go: one that is still down would be recorded.
+Pressable {
     id: row
 
     required property ShortcutRecorder recorder
@@ -27,32 +27,12 @@ T.AbstractButton {
 
     implicitHeight: 72
     padding: 12
-    hoverEnabled: true
     // A click brings the keys here too: the next thing one does is to type.
     focusPolicy: Qt.StrongFocus
-    Accessible.role: Accessible.Button
     Accessible.name: text
     Accessible.description: isActive && caps.length === 0 ? "Enter a key combination"
                                                           : caps.join(" ")
     onClicked: recorder.start()
-    // Return and Space begin it when they are let go: a key that is still down comes again and would be recorded.
-    Keys.onPressed: event => {
-        const isReturn = event.key === Qt.Key_Return || event.key === Qt.Key_Enter;
-        if (isReturn)
-            returnIsDown = true;
-        event.accepted = isReturn || (event.key === Qt.Key_Space && event.isAutoRepeat);
-    }
-    Keys.onReleased: event => {
-        const isReturn = event.key === Qt.Key_Return || event.key === Qt.Key_Enter;
-        const begins = isReturn && returnIsDown && !event.isAutoRepeat;
-        event.accepted = begins || (event.key === Qt.Key_Space && event.isAutoRepeat);
-        if (begins) {
-            returnIsDown = false;
-            recorder.start();
-        }
-    }
-    onActiveFocusChanged: returnIsDown = false
-    property bool returnIsDown: false
 
     background: Item {
         // Where to click, on a ground that the row's own border does not show on.

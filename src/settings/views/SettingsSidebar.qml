@@ -1,6 +1,5 @@
 // qmllint disable unqualified
 import QtQuick
-import QtQuick.Templates as T
 import Framora.Controls
 import Framora.Settings
 
@@ -20,7 +19,7 @@ Rectangle {
 
         Repeater {
             model: sidebar.session.tabs
-            delegate: T.RadioButton {
+            delegate: ChoiceButton {
                 id: entry
 
                 required property var modelData
@@ -30,7 +29,6 @@ Rectangle {
                 objectName: "tab." + modelData.name
                 width: parent.width
                 height: 36
-                hoverEnabled: true
                 focusPolicy: Qt.TabFocus
                 text: modelData.label
                 checked: current
@@ -43,8 +41,6 @@ Rectangle {
                 }
                 Keys.onUpPressed: nextItemInFocusChain(false).forceActiveFocus(Qt.BacktabFocusReason)
                 Keys.onDownPressed: nextItemInFocusChain(true).forceActiveFocus(Qt.TabFocusReason)
-                Keys.onReturnPressed: clicked()
-                Keys.onEnterPressed: clicked()
 
                 contentItem: Item {
                     SymbolIcon {

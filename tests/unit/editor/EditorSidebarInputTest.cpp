@@ -39,13 +39,16 @@ public:
     void click(const char* name) { QTest::mouseClick(&window(), Qt::LeftButton, {}, centreOf(name)); }
     /// As a desktop tells of a key that stays down: pairs of a release and a press.
     void holdKey(Qt::Key key, const QString& text, int repeats = 4) {
+        pressAndHold(key, text, repeats);
+        QTest::keyRelease(&window(), key);
+    }
+    void pressAndHold(Qt::Key key, const QString& text, int repeats = 4) {
         QTest::keyPress(&window(), key);
         for (int i = 0; i < repeats; ++i)
             for (const auto type : {QEvent::KeyRelease, QEvent::KeyPress}) {
                 QKeyEvent repeat(type, key, {}, text, true);
                 QCoreApplication::sendEvent(&window(), &repeat);
             }
-        QTest::keyRelease(&window(), key);
     }
 };
 
@@ -61,6 +64,111 @@ TEST_F(EditorSidebarInput, AKeyThatIsHeldPressesAButtonOnce) {
     EXPECT_EQ(model().config().padding, 40);
     holdKey(Qt::Key_Space, QStringLiteral(" "));
     EXPECT_EQ(model().config().padding, 30);
+}
+
+TEST_F(EditorSidebarInput, ReturnPressesAButtonWhenItIsLetGo) {
+    openAppearance();
+    const double before = model().config().padding;
+    model().set(QStringLiteral("padding"), before + 10);
+    item("undo")->forceActiveFocus(Qt::TabFocusReason);
+    pressAndHold(Qt::Key_Return, QStringLiteral("\r"));
+    EXPECT_EQ(model().config().padding, before + 10) << "what it opened would get the repeats";
+    EXPECT_TRUE(item("undo")->property("down").toBool());
+    item("redo")->forceActiveFocus(Qt::TabFocusReason);
+    QTest::keyRelease(&window(), Qt::Key_Return);
+    EXPECT_EQ(model().config().padding, before + 10) << "it was not pressed where it is let go";
+    EXPECT_FALSE(item("undo")->property("down").toBool());
+}
+
+TEST_F(EditorSidebarInput, AKeyThatIsHeldChoosesAnExportSizeOnce) {
+    openAppearance();
+    session().setProperty("selectedTab", 2);
+    QTest::qWait(50);
+    QQuickItem* row = item("socialPreset.0");
+    ASSERT_NE(row, nullptr);
+    row->forceActiveFocus(Qt::TabFocusReason);
+    for (const auto& [key, text] :
+         {std::pair(Qt::Key_Space, QStringLiteral(" ")), std::pair(Qt::Key_Return, QStringLiteral("\r"))}) {
+        holdKey(key, text, 4);
+        EXPECT_EQ(model().socialPresetIndex(), 0);
+        model().undo();
+        EXPECT_EQ(model().socialPresetIndex(), -1);
+        EXPECT_FALSE(model().canUndo());
+    }
+}
+
+TEST_F(EditorSidebarInput, ReturnOpensANumberAndTakesItOnce) {
+    openAppearance();
+    item("borderRadius.slider")->forceActiveFocus(Qt::TabFocusReason);
+    holdKey(Qt::Key_Return, QStringLiteral("\r"), 3);
+    EXPECT_TRUE(window().activeFocusItem()->inherits("QQuickTextInput"));
+    holdKey(Qt::Key_Return, QStringLiteral("\r"), 4);
+    EXPECT_FALSE(window().activeFocusItem()->inherits("QQuickTextInput"));
+}
+
+TEST_F(EditorSidebarInput, AHeldEscapeEndsOneThing) {
+    openAppearance();
+    model().set(QStringLiteral("mockupStyle"), QStringLiteral("border"));
+    session().colorPanel()->open(QStringLiteral("borderColor"));
+    ASSERT_TRUE(session().colorPanel()->isOpen());
+    holdKey(Qt::Key_Escape, QString());
+    ASSERT_NE(editor.editorWindow(), nullptr);
+    EXPECT_FALSE(session().colorPanel()->isOpen());
+}
+
+TEST_F(EditorSidebarInput, EscapeLosesNoEditsAtOnce) {
+    openAppearance();
+    model().set(QStringLiteral("padding"), 33.0);
+    key(Qt::Key_Escape);
+    ASSERT_NE(editor.editorWindow(), nullptr);
+    EXPECT_EQ(frontToast(),
+              QStringLiteral("Press Esc again to discard your edits|exclamationmark.triangle.fill|0"));
+    queue.advance(ScreenshotEditorViewModel::secondsToLeave + 0.1);
+    key(Qt::Key_Escape);
+    ASSERT_NE(editor.editorWindow(), nullptr) << "the first was long ago";
+    key(Qt::Key_Escape);
+    EXPECT_EQ(editor.editorWindow(), nullptr);
+}
+
+TEST_F(EditorSidebarInput, WhatEndsTheWindowWaitsForTheKey) {
+    struct Ending {
+        Qt::Key key;
+        Qt::KeyboardModifiers modifiers;
+        int copies;
+    };
+    for (const auto& [pressed, modifiers, copies] : {Ending{Qt::Key_C, Qt::ControlModifier, 1},
+                                                     {Qt::Key_Insert, Qt::ControlModifier, 1},
+                                                     {Qt::Key_W, Qt::ControlModifier, 0},
+                                                     {Qt::Key_Escape, {}, 0}}) {
+        SCOPED_TRACE(pressed);
+        openAppearance();
+        const auto before = pasteboard.written.size();
+        QTest::keyPress(&window(), pressed, modifiers);
+        queue.advance(0.2);
+        ASSERT_NE(editor.editorWindow(), nullptr) << "the repeats would fall on what is beneath";
+        QTest::keyRelease(&window(), Qt::Key_Control);
+        queue.advance(0.2);
+        ASSERT_NE(editor.editorWindow(), nullptr) << "the key itself is still down";
+        EXPECT_EQ(pasteboard.written.size(), before);
+        QTest::keyRelease(&window(), pressed);
+        queue.advance(0.2);
+        EXPECT_EQ(editor.editorWindow(), nullptr);
+        EXPECT_EQ(pasteboard.written.size(), before + copies);
+        serveDeletions();
+    }
+}
+
+TEST_F(EditorSidebarInput, TheShareMenuGivesTheKeysBack) {
+    openAppearance();
+    queue.runPending();
+    item("share")->forceActiveFocus(Qt::TabFocusReason);
+    key(Qt::Key_Return);
+    QTest::qWait(250);
+    ASSERT_NE(window().activeFocusItem(), item("share"));
+    key(Qt::Key_Escape);
+    QTest::qWait(250);
+    ASSERT_NE(editor.editorWindow(), nullptr);
+    EXPECT_EQ(window().activeFocusItem(), item("share"));
 }
 
 TEST_F(EditorSidebarInput, AKeyThatIsHeldOpensTheColorPanelOnce) {

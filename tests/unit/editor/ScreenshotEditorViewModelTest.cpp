@@ -465,6 +465,33 @@ TEST_F(ViewModel, SavesThePictureAsItWasWhenTheUserAskedForIt) {
     EXPECT_NE(model->renderFinalImage().size(), asked.size());
 }
 
+TEST_F(ViewModel, MayBeLeftAtOnceWhileNoEditWouldBeLost) {
+    const auto model = makeModel(picture(60, 40));
+    EXPECT_TRUE(model->mayLeave());
+    const auto edit = [&](double padding) {
+        change(*model, [&](auto& config) { config.padding = padding; });
+    };
+    edit(33);
+    EXPECT_FALSE(model->mayLeave());
+    EXPECT_EQ(toasts.size(), 1);
+    model->undo();
+    EXPECT_TRUE(model->mayLeave());
+    toasts.clear();
+    queue.advance(ScreenshotEditorViewModel::secondsToLeave + 1);
+
+    edit(34);
+    panels.answer = QUrl::fromLocalFile(files.filePath(QStringLiteral("no/such/folder/out.png")));
+    model->saveImage();
+    EXPECT_FALSE(model->mayLeave()) << "nothing was saved";
+    queue.advance(ScreenshotEditorViewModel::secondsToLeave + 1);
+    panels.answer = QUrl::fromLocalFile(files.filePath(QStringLiteral("out.png")));
+    model->saveImage();
+    EXPECT_TRUE(model->mayLeave());
+    edit(35);
+    EXPECT_FALSE(model->mayLeave());
+    EXPECT_TRUE(model->mayLeave()) << "said twice";
+}
+
 TEST_F(ViewModel, ACancelledSaveShowsNothing) {
     makeModel(picture(60, 40))->saveImage();
     EXPECT_EQ(panels.saveCount, 1);

@@ -39,6 +39,15 @@ protected:
                 return *part;
         qFatal("%s has no ground with its radius", row);
     }
+    /// Pressed, and as a desktop tells that it stays down: pairs of a release and a press.
+    void hold(Qt::Key key, const QString& text) {
+        QTest::keyPress(&window.view(), key);
+        for (int i = 0; i < 3; ++i)
+            for (const auto type : {QEvent::KeyRelease, QEvent::KeyPress}) {
+                QKeyEvent repeat(type, key, {}, text, true);
+                QCoreApplication::sendEvent(&window.view(), &repeat);
+            }
+    }
     void press(Qt::Key key) { QTest::keyClick(&window.view(), key); }
 
     SettingsPlatform platform;
@@ -169,14 +178,39 @@ TEST_F(SettingsFormView, aKeyThatIsHeldTurnsASwitchOnce) {
     QQuickItem& toggle = item("copyToClipboard.switch");
     const bool before = toggle.property("checked").toBool();
     toggle.forceActiveFocus(Qt::TabFocusReason);
-    QTest::keyPress(&window.view(), Qt::Key_Space);
-    for (int i = 0; i < 3; ++i)
-        for (const auto type : {QEvent::KeyRelease, QEvent::KeyPress}) {
-            QKeyEvent repeat(type, Qt::Key_Space, {}, QStringLiteral(" "), true);
-            QCoreApplication::sendEvent(&window.view(), &repeat);
-        }
+    hold(Qt::Key_Space, QStringLiteral(" "));
     QTest::keyRelease(&window.view(), Qt::Key_Space);
     EXPECT_NE(toggle.property("checked").toBool(), before);
+}
+
+TEST_F(SettingsFormView, aKeyThatIsHeldOpensAListOnce) {
+    QQuickItem& list = item("captureSound");
+    const auto isOpen = [&] {
+        return list.property("popup").value<QObject*>()->property("visible").toBool();
+    };
+    list.forceActiveFocus(Qt::TabFocusReason);
+    hold(Qt::Key_Space, QStringLiteral(" "));
+    EXPECT_FALSE(isOpen());
+    QTest::keyRelease(&window.view(), Qt::Key_Space);
+    EXPECT_TRUE(isOpen());
+}
+
+TEST_F(SettingsFormView, aHeldEscapeEndsTheRecordingAlone) {
+    record("hotKey.row");
+    ASSERT_EQ(platform.keys.recordings.size(), 1u);
+    platform.keys.pressHere({53, 0});
+    ASSERT_TRUE(platform.keys.recordings.empty());
+    // The rest of the same long press.
+    for (const auto type : {QEvent::KeyRelease, QEvent::KeyPress}) {
+        QKeyEvent repeat(type, Qt::Key_Escape, {}, QString(), true);
+        QCoreApplication::sendEvent(&window.view(), &repeat);
+    }
+    QTest::keyRelease(&window.view(), Qt::Key_Escape);
+    EXPECT_TRUE(window.view().isVisible());
+    hold(Qt::Key_Escape, QString());
+    EXPECT_TRUE(window.view().isVisible()) << "the repeats would fall on what is beneath";
+    QTest::keyRelease(&window.view(), Qt::Key_Escape);
+    EXPECT_FALSE(window.view().isVisible());
 }
 
 } // namespace
