@@ -249,6 +249,9 @@ void X11Pasteboard::writePng(const QByteArray& png) {
     QGuiApplication::clipboard()->setMimeData(data.release());
     // The server has to have seen it before our own connection asks for the count.
     syncWithServer();
+    // Qt takes it as of the last event that it knows, and is refused where somebody took it after that.
+    if (connectionOfQt() && !isOwnedByQt(m_clipboard))
+        leaveWithClipboardKeeper(png);
 }
 
 } // namespace framora

@@ -63,6 +63,21 @@ TEST_F(PasteboardTest, theCountHasMovedWhenWritingReturns) {
     EXPECT_EQ(desktop().clipboardImage().size(), QSize(40, 30));
 }
 
+TEST_F(PasteboardTest, takesTheClipboardFromOneWhoTookItAfterTheLastEventThatQtKnows) {
+    // A picture is drawn before it is offered; meanwhile no event is taken.
+    shell.ask(QStringLiteral("write 20 10"), QStringLiteral("wrote"));
+    const QString go = desktop().scratchPath() + QStringLiteral("/go");
+    shell.ask(QStringLiteral("busy-write %1 40 30").arg(go), QStringLiteral("busy"));
+    desktop().setClipboard("one", QStringLiteral("text/plain"));
+    QFile file(go);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.close();
+    const QStringList words = shell.next(QStringLiteral("wrote")).split(u' ');
+    ASSERT_EQ(words.size(), 3);
+    EXPECT_GT(words[2].toLongLong(), words[1].toLongLong());
+    EXPECT_EQ(desktop().clipboardImage().size(), QSize(40, 30));
+}
+
 TEST_F(PasteboardTest, readsAnotherProgramsPictureWithItsPixelRatio) {
     desktop().setClipboard(pngOf({64, 48}), pngType);
     EXPECT_EQ(read(), "image 64 x 48 at 1");

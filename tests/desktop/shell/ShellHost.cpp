@@ -5,6 +5,7 @@
 //   read                   the clipboard's picture
 //   busy-read FILE         the same, but without serving the event loop from now until FILE exists
 //   write W H              offers a picture of that size; prints the count before and after
+//   busy-write FILE W H    the same, but without serving the event loop from now until FILE exists
 //   window TITLE           opens a window with a text field
 //   text                   what the field holds
 //   close                  closes the window
@@ -70,12 +71,15 @@ public:
             {QStringLiteral("read"), [&] { read(); }},
             {QStringLiteral("busy-read"),
              [&] {
-                 say("busy");
-                 while (!QFile::exists(argument))
-                     QThread::msleep(2);
+                 beBusyUntil(argument);
                  read();
              }},
             {QStringLiteral("write"), [&] { write(argument.toInt(), words.value(2).toInt()); }},
+            {QStringLiteral("busy-write"),
+             [&] {
+                 beBusyUntil(argument);
+                 write(words.value(2).toInt(), words.value(3).toInt());
+             }},
             {QStringLiteral("window"), [&] { openWindow(argument); }},
             {QStringLiteral("text"), [&] { say("text %s", qPrintable(m_field->text())); }},
             {QStringLiteral("close"), [&] { m_field.reset(); }},
@@ -113,9 +117,7 @@ public:
              }},
             {QStringLiteral("busy-quit"),
              [&] {
-                 say("busy");
-                 while (!QFile::exists(argument))
-                     QThread::msleep(2);
+                 beBusyUntil(argument);
                  m_application.terminate();
              }},
             {QStringLiteral("quit"), [&] { m_application.terminate(); }},
@@ -127,6 +129,12 @@ public:
     }
 
 private:
+    static void beBusyUntil(const QString& file) {
+        say("busy");
+        while (!QFile::exists(file))
+            QThread::msleep(2);
+    }
+
     long long count() { return m_pasteboard.changeCount(); }
 
     void read() {
