@@ -176,6 +176,27 @@ std::optional<std::uint16_t> evdevFromVirtualKey(std::uint16_t virtualCode) {
     return key ? std::optional(key->evdev) : std::nullopt;
 }
 
+bool isForWriting(std::uint16_t virtualCode) {
+    const auto key = evdevFromVirtualKey(virtualCode);
+    if (!key)
+        return false;
+    switch (*key) {
+    case KEY_SYSRQ:
+    case KEY_SCROLLLOCK:
+    case KEY_PAUSE:
+    case KEY_INSERT:
+    case KEY_COMPOSE:
+    case KEY_NUMLOCK:
+    case KEY_VOLUMEUP:
+    case KEY_VOLUMEDOWN:
+    case KEY_MUTE:
+        return false;
+    default:
+        return !(*key >= KEY_F1 && *key <= KEY_F10) && *key != KEY_F11 && *key != KEY_F12 &&
+               !(*key >= KEY_F13 && *key <= KEY_F24);
+    }
+}
+
 const char* virtualKeyName(std::uint16_t virtualCode) {
     const VirtualKey* key = find(&VirtualKey::virtualCode, virtualCode);
     return key ? key->name : nullptr;

@@ -18,6 +18,9 @@ std::span<const VirtualKey> virtualKeys();
 
 std::optional<std::uint16_t> virtualKeyFromEvdev(std::uint16_t evdev);
 std::optional<std::uint16_t> evdevFromVirtualKey(std::uint16_t virtualCode);
+/// Whether a key is one of those that writing and moving about take: not a function key, Print, Pause and
+/// what else does little on its own, nor a code that no key has.
+bool isForWriting(std::uint16_t virtualCode);
 /// The key's name; null for a code that no key has.
 const char* virtualKeyName(std::uint16_t virtualCode);
 

@@ -4,6 +4,8 @@
 #include "platform/LoginItem.h"
 #include "platform/Notifications.h"
 #include "platform/Permissions.h"
+#include "settings/KeyNames.h"
+#include "settings/ShortcutConflict.h"
 
 #include <algorithm>
 #include <cmath>
@@ -14,18 +16,6 @@ namespace {
 QString text(CaptureSound sound) {
     const auto raw = rawValue(sound);
     return QString::fromLatin1(raw.data(), qsizetype(raw.size()));
-}
-
-QString text(ShortcutConflict conflict) {
-    switch (conflict) {
-    case ShortcutConflict::none:
-        break;
-    case ShortcutConflict::otherCapture:
-        return localized(QStringLiteral("shortcut.conflict.other.capture"));
-    case ShortcutConflict::otherProgram:
-        return localized(QStringLiteral("shortcut.conflict.other.program"));
-    }
-    return {};
 }
 
 } // namespace
@@ -149,10 +139,8 @@ void SettingsForm::setStartsAtLogin(bool starts) {
 }
 
 void SettingsForm::findConflicts() {
-    const auto area =
-        findConflict(m_settings.hotkey, m_settings.tabCaptureHotkey, m_services.desktopShortcuts);
-    const auto window =
-        findConflict(m_settings.tabCaptureHotkey, m_settings.hotkey, m_services.desktopShortcuts);
+    const QString area = conflictText(m_settings.hotkey, m_settings.tabCaptureHotkey);
+    const QString window = conflictText(m_settings.tabCaptureHotkey, m_settings.hotkey);
     if (area == m_hotKeyConflict && window == m_tabCaptureHotKeyConflict)
         return;
     m_hotKeyConflict = area;
@@ -160,12 +148,21 @@ void SettingsForm::findConflicts() {
     Q_EMIT conflictsChanged();
 }
 
-QString SettingsForm::hotKeyConflict() const {
-    return text(m_hotKeyConflict);
-}
-
-QString SettingsForm::tabCaptureHotKeyConflict() const {
-    return text(m_tabCaptureHotKeyConflict);
+QString SettingsForm::conflictText(const HotkeyConfiguration& shortcut,
+                                   const HotkeyConfiguration& otherCapture) const {
+    switch (findConflict(shortcut, otherCapture, m_services.desktopShortcuts)) {
+    case ShortcutConflict::none:
+        break;
+    case ShortcutConflict::otherCapture:
+        return localized(QStringLiteral("shortcut.conflict.other.capture"));
+    case ShortcutConflict::otherProgram:
+        return localized(QStringLiteral("shortcut.conflict.other.program"));
+    case ShortcutConflict::bareKey:
+        // Named: a row without a key cap may stand above.
+        return localized(QStringLiteral("shortcut.conflict.bare.key"))
+            .arg(keyName(shortcut.keyCode, m_services.keyboardLayout));
+    }
+    return {};
 }
 
 void SettingsForm::setShowAccessibilityAlert(bool show) {

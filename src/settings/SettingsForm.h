@@ -4,7 +4,6 @@
 #include "settings/Settings.h"
 #include "settings/SettingsServices.h"
 #include "settings/ShortcutBinding.h"
-#include "settings/ShortcutConflict.h"
 #include "settings/ShortcutRecorder.h"
 
 #include <QObject>
@@ -78,8 +77,8 @@ public:
     ShortcutBinding* tabCaptureHotKeyBinding() { return &m_tabCaptureHotKeyBinding; }
     /// Whether either shortcut is being recorded.
     bool isRecording() const { return m_hotKey.isSettingHotKey() || m_tabCaptureHotKey.isSettingHotKey(); }
-    QString hotKeyConflict() const;
-    QString tabCaptureHotKeyConflict() const;
+    QString hotKeyConflict() const { return m_hotKeyConflict; }
+    QString tabCaptureHotKeyConflict() const { return m_tabCaptureHotKeyConflict; }
     PermissionsMonitor* permissions() { return m_permissionsMonitor.get(); }
     bool showAccessibilityAlert() const { return m_showAccessibilityAlert; }
     void setShowAccessibilityAlert(bool show);
@@ -93,6 +92,8 @@ Q_SIGNALS:
 private:
     void change(Settings settings);
     void findConflicts();
+    /// Why `shortcut` may not do what it says, for the user; empty where nothing speaks against it.
+    QString conflictText(const HotkeyConfiguration& shortcut, const HotkeyConfiguration& otherCapture) const;
     void joinRecorders();
 
     SettingsServices m_services;
@@ -101,8 +102,8 @@ private:
     ShortcutRecorder m_tabCaptureHotKey;
     ShortcutBinding m_hotKeyBinding;
     ShortcutBinding m_tabCaptureHotKeyBinding;
-    ShortcutConflict m_hotKeyConflict = ShortcutConflict::none;
-    ShortcutConflict m_tabCaptureHotKeyConflict = ShortcutConflict::none;
+    QString m_hotKeyConflict;
+    QString m_tabCaptureHotKeyConflict;
     std::unique_ptr<PermissionsMonitor> m_permissionsMonitor;
     bool m_startsAtLogin = false;
     bool m_showAccessibilityAlert = false;

@@ -2,6 +2,7 @@
 
 #include "platform/DesktopShortcuts.h"
 #include "platform/KeyMonitors.h"
+#include "platform/VirtualKeyCodes.h"
 #include "settings/HotkeyConfiguration.h"
 
 namespace framora {
@@ -12,8 +13,10 @@ ShortcutConflict findConflict(const HotkeyConfiguration& shortcut, const HotkeyC
     if (shortcut.keyCode == otherCapture.keyCode &&
         modifiers == (otherCapture.modifiers & KeyModifier::shortcutMask))
         return ShortcutConflict::otherCapture;
-    return desktop.isTaken(shortcut.keyCode, modifiers) ? ShortcutConflict::otherProgram
-                                                        : ShortcutConflict::none;
+    if (desktop.isTaken(shortcut.keyCode, modifiers))
+        return ShortcutConflict::otherProgram;
+    return modifiers == 0 && isForWriting(shortcut.keyCode) ? ShortcutConflict::bareKey
+                                                            : ShortcutConflict::none;
 }
 
 } // namespace framora

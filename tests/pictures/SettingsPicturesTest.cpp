@@ -107,6 +107,17 @@ TEST_F(SettingsPictures, OfARecordingAndOfAConflict) {
     });
 }
 
+TEST_F(SettingsPictures, OfAKeyOnItsOwn) {
+    platform.permissions.trusted = true;
+    platform.permissions.recording = true;
+    platform.layout.texts[0] = QStringLiteral("a");
+    Settings settings;
+    settings.hotkey = {0, 0};
+    settings.tabCaptureHotkey = {17, 0};
+    settings.save(platform.defaults, platform.notifications);
+    inBothAppearances([this] { save("shortcuts-bare-key"); });
+}
+
 TEST_F(SettingsPictures, OfThePermissions) {
     inBothAppearances([this] {
         platform.permissions = {};

@@ -180,6 +180,16 @@ TEST(VirtualKeyCodes, aCodeThatNoKeyHasGivesNothing) {
     EXPECT_EQ(virtualKeyName(0xffff), nullptr);
 }
 
+TEST(VirtualKeyCodes, writingTakesAllKeysButThoseThatDoLittleOnTheirOwn) {
+    std::set<std::string> others{"Print",    "Scroll Lock", "Pause",     "Insert",     "Menu",
+                                 "Num Lock", "Mute",        "Volume Up", "Volume Down"};
+    for (int number = 1; number <= 20; ++number)
+        others.insert("F" + std::to_string(number));
+    for (const auto& key : virtualKeys())
+        EXPECT_EQ(isForWriting(key.virtualCode), !others.contains(key.name)) << key.name;
+    EXPECT_FALSE(isForWriting(52)) << "no key has this code";
+}
+
 TEST(VirtualKeyCodes, namesAreThoseOfAUsKeyboard) {
     EXPECT_STREQ(virtualKeyName(21), "4");
     EXPECT_STREQ(virtualKeyName(17), "T");

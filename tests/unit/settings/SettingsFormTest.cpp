@@ -1,8 +1,10 @@
 #include "settings/SettingsForm.h"
 
 #include "platform/Localized.h"
+#include "platform/VirtualKeyCodes.h"
 #include "support/SettingsPlatform.h"
 
+#include <QSignalSpy>
 #include <gtest/gtest.h>
 #include <limits>
 #include <tuple>
@@ -207,6 +209,34 @@ TEST_F(SettingsFormTest, aShortcutThatTheDesktopHasIsToldAndLookedForAgainWhenTh
     platform.notifications.post(notifications::applicationDidBecomeActive);
     EXPECT_EQ(form().hotKeyConflict(), QString());
     EXPECT_NE(form().tabCaptureHotKeyConflict(), QString());
+}
+
+TEST_F(SettingsFormTest, aKeyForWritingOnItsOwnIsTakenAndWarnedAbout) {
+    platform.layout.texts = {{0, QStringLiteral("a")}, {1, QStringLiteral("s")}};
+    const QString text = localized(QStringLiteral("shortcut.conflict.bare.key"));
+    const QSignalSpy told(&form(), &SettingsForm::conflictsChanged);
+    form().hotKey()->start();
+    platform.keys.pressHere({0, capsLock});
+    EXPECT_EQ(stored().hotkey, (HotkeyConfiguration{0, 0})) << "warned about, not refused";
+    EXPECT_EQ(form().hotKeyConflict(), text.arg(QStringLiteral("A"))) << "its row shows no cap";
+    EXPECT_EQ(form().tabCaptureHotKeyConflict(), QString());
+    form().hotKey()->start();
+    platform.keys.pressHere({1, 0});
+    EXPECT_EQ(form().hotKeyConflict(), text.arg(QStringLiteral("S")));
+    EXPECT_EQ(told.count(), 2);
+    form().hotKey()->start();
+    platform.keys.pressHere({1, option});
+    EXPECT_EQ(form().hotKeyConflict(), QString());
+}
+
+TEST_F(SettingsFormTest, aFunctionKeyOrPrintOnItsOwnIsNoReasonForAWarning) {
+    const std::uint16_t print = virtualKeyFromEvdev(99).value();
+    for (const std::uint16_t keyCode : {std::uint16_t(122), std::uint16_t(90), print}) {
+        form().hotKey()->start();
+        platform.keys.pressHere({keyCode, 0});
+        EXPECT_EQ(stored().hotkey.keyCode, keyCode);
+        EXPECT_EQ(form().hotKeyConflict(), QString()) << keyCode;
+    }
 }
 
 TEST_F(SettingsFormTest, bitsOutsideTheShortcutMaskMakeNoDifferenceForAConflict) {
