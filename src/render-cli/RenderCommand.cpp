@@ -10,6 +10,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
+#include <new>
 
 namespace framora {
 namespace {
@@ -69,12 +70,13 @@ int RenderCommand::render(const Arguments& arguments) {
     QImage background;
     const ScreenshotStyleConfig& style = arguments.style;
     if (style.backgroundType == BackgroundType::image && style.backgroundImageURL) {
-        background = BackgroundDecoder::decode(*style.backgroundImageURL);
-        if (background.isNull()) {
-            say(QStringLiteral("backgroundImageURL: '%1' is not a picture or video that can be read")
-                    .arg(style.backgroundImageURL->toLocalFile()));
+        const LoadedPicture loaded = BackgroundDecoder::load(*style.backgroundImageURL);
+        if (!loaded) {
+            say(QStringLiteral("backgroundImageURL: '%1': %2")
+                    .arg(style.backgroundImageURL->toLocalFile(), loaded.error));
             return badUsage;
         }
+        background = loaded.image;
     }
 
     if (!arguments.outputFolder.isEmpty()) {

@@ -5,9 +5,14 @@
 #include "editor/render/PictureFile.h"
 
 #include <QFile>
+#include <new>
 
 namespace framora {
 namespace {
+
+QString nameOf(const QString& input) {
+    return input == u"-" ? QStringLiteral("standard input") : input;
+}
 
 LoadedPicture readInput(const QString& input) {
     if (input != u"-")
@@ -33,8 +38,8 @@ QString writeOutput(const QString& output, const QByteArray& png) {
 RenderJob::RenderJob(const Arguments& arguments, QImage background)
     : m_arguments(arguments), m_background(std::move(background)) {}
 
-QString RenderJob::run(const QString& input, const QString& output) const {
-    const QString inputName = input == u"-" ? QStringLiteral("standard input") : input;
+QString RenderJob::run(const QString& input, const QString& output) const try {
+    const QString inputName = nameOf(input);
     LoadedPicture picture = readInput(input);
     if (!picture)
         return QStringLiteral("%1: %2").arg(inputName, picture.error);
@@ -84,6 +89,8 @@ QString RenderJob::run(const QString& input, const QString& output) const {
     if (!problem.isEmpty())
         return cannotBeWritten(problem);
     return {};
+} catch (const std::bad_alloc&) {
+    return QStringLiteral("%1: not enough memory for the picture").arg(nameOf(input));
 }
 
 } // namespace framora

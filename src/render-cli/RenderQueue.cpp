@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -47,8 +48,16 @@ int RenderQueue::run(int count, const Job& job, const Report& report,
     };
     {
         std::vector<std::jthread> helpers;
-        for (int i = 1, helpersNeeded = running; i < helpersNeeded; ++i)
-            helpers.emplace_back(work);
+        const int helpersNeeded = running - 1;
+        try {
+            while (int(helpers.size()) < helpersNeeded)
+                helpers.emplace_back(work);
+        } catch (const std::system_error&) {
+            // No more threads: by those that there are.
+            const std::lock_guard lock(mutex);
+            running -= helpersNeeded - int(helpers.size());
+            share(running);
+        }
         work();
     }
     raster::setParallelThreadLimit(0);

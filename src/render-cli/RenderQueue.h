@@ -9,7 +9,7 @@ namespace framora {
 /// Runs one job a picture, some of them at once, without more threads than there are processors in all.
 class RenderQueue {
 public:
-    /// Gives one line on failure. Called from several threads.
+    /// Gives one line on failure, and throws nothing. Called from several threads.
     using Job = std::function<QString(int index)>;
     /// How many are done now, and the failure of the one that just ended. Called from one thread at a time.
     using Report = std::function<void(int done, const QString& error)>;

@@ -3,7 +3,6 @@
 #include "editor/render/DecoderProcess.h"
 #include "editor/render/IsoMediaSize.h"
 #include "editor/render/PictureCompleteness.h"
-#include "editor/render/PictureFile.h"
 #include "editor/render/SrgbPicture.h"
 #include "editor/render/StillFormat.h"
 #include "editor/render/WebpReduction.h"
@@ -14,6 +13,8 @@
 #include <QFileInfo>
 #include <QMutex>
 #include <QMutexLocker>
+#include <cerrno>
+#include <new>
 #include <utility>
 
 namespace framora {
@@ -44,28 +45,41 @@ bool isWebp(QFile& file) {
     return qstrcmp(stillFormat(file.peek(startBytes)), "webp") == 0;
 }
 
+LoadedPicture orUnreadable(QImage image) {
+    if (image.isNull())
+        return {.image = QImage(), .error = QStringLiteral("not a picture or video that can be read")};
+    return {.image = std::move(image), .error = QString()};
+}
+
 /// Not by the reader for all kinds, which cannot be stopped within a picture of this one.
-QImage decodeWebp(QFile& file, const std::stop_token& stop) {
+LoadedPicture decodeWebp(QFile& file, const std::stop_token& stop) {
     const QByteArray encoded = file.size() <= maximumPictureBytes ? file.readAll() : QByteArray();
     DecodingWatch watch({.stop = stop});
     if (isCutOff(encoded))
-        return {};
-    if (auto image = reducedWebp(encoded, 1, watch))
-        return srgbPicture(std::move(*image));
-    return loadPicture(encoded, {.stop = stop}).image;
+        return orUnreadable({});
+    errno = 0;
+    if (auto image = reducedWebp(encoded, 1, watch)) {
+        if (image->isNull() && errno == ENOMEM)
+            throw std::bad_alloc();
+        return orUnreadable(srgbPicture(std::move(*image)));
+    }
+    return loadPicture(encoded, {.stop = stop});
 }
 
-QImage decodeFile(const QUrl& url, const std::stop_token& stop) {
+LoadedPicture decodeFile(const QUrl& url, const std::stop_token& stop) try {
     QFile file;
     if (!openRegularFile(file, url.toLocalFile()))
-        return {};
+        return orUnreadable({});
+    const auto byProcess = [&](const QString& decoder) {
+        return orUnreadable(decodeInProcess(decoder, file.handle(), {.stop = stop}));
+    };
     if (BackgroundDecoder::isVideo(url))
-        return decodeInProcess(QStringLiteral("framora-video-still"), file.handle(), {.stop = stop});
+        return byProcess(QStringLiteral("framora-video-still"));
     if (isHeif(file.handle()))
-        return decodeInProcess(QStringLiteral("framora-heif"), file.handle(), {.stop = stop});
-    if (isWebp(file))
-        return decodeWebp(file, stop);
-    return loadPicture(file, {.stop = stop}).image;
+        return byProcess(QStringLiteral("framora-heif"));
+    return isWebp(file) ? decodeWebp(file, stop) : loadPicture(file, {.stop = stop});
+} catch (const std::bad_alloc&) {
+    return {.image = QImage(), .error = QStringLiteral("not enough memory for the picture")};
 }
 
 } // namespace
@@ -76,12 +90,16 @@ bool BackgroundDecoder::isVideo(const QUrl& url) {
 }
 
 QImage BackgroundDecoder::decode(const QUrl& url, const std::stop_token& stop) {
+    return load(url, stop).image;
+}
+
+LoadedPicture BackgroundDecoder::load(const QUrl& url, const std::stop_token& stop) {
     if (!url.isLocalFile() || stop.stop_requested())
-        return {};
+        return orUnreadable({});
     const KeptPicture taken = takeKept(url);
     // A file system may take its time to say: not while the main thread may wait for the lock.
     if (!taken.image.isNull() && taken.modified == modificationTime(url))
-        return taken.image;
+        return {.image = taken.image, .error = QString()};
     return decodeFile(url, stop);
 }
 

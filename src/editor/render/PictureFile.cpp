@@ -13,8 +13,10 @@
 #include <QFileInfo>
 #include <QImageReader>
 #include <QSaveFile>
+#include <cerrno>
 #include <cstdlib>
 #include <mutex>
+#include <new>
 
 namespace framora {
 namespace {
@@ -35,27 +37,36 @@ void raiseDecoderLimit() {
 }
 
 /// The reader's own picture beforehand, in large pages: most of what a decoder waits for is its memory. Null
-/// for formats that are small or whose reader may not take it.
+/// for formats that are small or whose reader may not take it. Throws std::bad_alloc.
 QImage roomFor(const QImageReader& reader, QSize size) {
     if (reader.format() != "jpeg" && reader.format() != "png")
         return {};
     const QImage::Format format = reader.imageFormat();
-    QImage image = format == QImage::Format_Invalid ? QImage() : QImage(size, format);
-    if (!image.isNull())
-        raster::adviseHugePages(image.bits(), std::size_t(image.sizeInBytes()));
+    if (format == QImage::Format_Invalid || size.isEmpty())
+        return {};
+    QImage image(size, format);
+    if (image.isNull())
+        throw std::bad_alloc();
+    raster::adviseHugePages(image.bits(), std::size_t(image.sizeInBytes()));
     return image;
 }
 
 /// A picture all of whose pixels are about to be written. In large pages where it is large: half of what
-/// writing it takes is fresh memory.
+/// writing it takes is fresh memory. Throws std::bad_alloc.
 QImage unwrittenPicture(int width, int height) {
     constexpr QImage::Format format = QImage::Format_ARGB32_Premultiplied;
     constexpr std::size_t largeBytes = 8 << 20;
     const std::size_t rowBytes = std::size_t(width) * sizeof(QRgb);
-    if (rowBytes * std::size_t(height) < largeBytes)
-        return QImage(width, height, format);
-    auto* const pixels = static_cast<uchar*>(raster::allocateHugePages(rowBytes * std::size_t(height)));
-    return pixels ? QImage(pixels, width, height, qsizetype(rowBytes), format, std::free, pixels) : QImage();
+    QImage image;
+    if (rowBytes * std::size_t(height) < largeBytes) {
+        image = QImage(width, height, format);
+    } else if (void* const pixels = raster::allocateHugePages(rowBytes * std::size_t(height))) {
+        image = QImage(static_cast<uchar*>(pixels), width, height, qsizetype(rowBytes), format, std::free,
+                       pixels);
+    }
+    if (image.isNull())
+        throw std::bad_alloc();
+    return image;
 }
 
 /// A PNG of the usual kind, several times faster than by the reader for all kinds. Null for everything that
@@ -66,8 +77,6 @@ QImage readPlainPng(const QByteArray& encoded, DecodingWatch& watch) {
     if (!png || !isWithinBounds({png->width, png->height}))
         return {};
     QImage image = unwrittenPicture(png->width, png->height);
-    if (image.isNull())
-        return {};
     constexpr int rowsAtOnce = 64;
     const bool decoded = raster::decodePlainPng(
         *png,
@@ -77,18 +86,29 @@ QImage readPlainPng(const QByteArray& encoded, DecodingWatch& watch) {
 }
 
 QString decodingError(const QImageReader& reader) {
-    switch (reader.error()) {
-    case QImageReader::UnsupportedFormatError:
-        return QStringLiteral("not a picture that can be read");
-    case QImageReader::InvalidDataError:
-    default:
-        return QStringLiteral("the picture is damaged or cut off");
+    return reader.error() == QImageReader::UnsupportedFormatError
+               ? QStringLiteral("not a picture that can be read")
+               : QStringLiteral("the picture is damaged or cut off");
+}
+
+/// For what a decoder has refused since `errno` was cleared. They do not tell a lack of memory from damage,
+/// but what they take it from does. Throws std::bad_alloc.
+LoadedPicture refusal(const QString& error) {
+    if (errno == ENOMEM)
+        throw std::bad_alloc();
+    return failure(error);
+}
+
+/// `load()`, with an error where memory is short.
+template <typename Load> LoadedPicture orNoMemory(const Load& load) {
+    try {
+        return load();
+    } catch (const std::bad_alloc&) {
+        return failure(QStringLiteral("not enough memory for the picture"));
     }
 }
 
-} // namespace
-
-LoadedPicture loadPicture(const QByteArray& encoded, const DecodingBounds& bounds) {
+LoadedPicture decoded(const QByteArray& encoded, const DecodingBounds& bounds) {
     if (encoded.isEmpty())
         return failure(QStringLiteral("the file is empty"));
     const char* format = stillFormat(encoded);
@@ -100,13 +120,14 @@ LoadedPicture loadPicture(const QByteArray& encoded, const DecodingBounds& bound
         return {.image = image, .error = QString()};
     }
     raiseDecoderLimit();
+    errno = 0;
     const bool isJpeg = qstrcmp(format, "jpeg") == 0;
     WatchedBytes bytes(encoded, watch, isJpeg ? jpegPieceBytes : encoded.size());
     QImageReader reader(&bytes, format);
     reader.setAutoDetectImageFormat(false);
     reader.setAutoTransform(true);
     if (!reader.canRead())
-        return failure(QStringLiteral("not a picture that can be read"));
+        return refusal(QStringLiteral("not a picture that can be read"));
     const QSize claimed = reader.size();
     if (claimed.isValid() && !isWithinBounds(claimed))
         return failure(QStringLiteral("the picture claims %1 x %2 pixels, more than can be drawn")
@@ -120,14 +141,20 @@ LoadedPicture loadPicture(const QByteArray& encoded, const DecodingBounds& bound
     if (watch.isOver())
         return failure(QStringLiteral("decoding the picture takes too long"));
     if (!isRead)
-        return failure(decodingError(reader));
+        return refusal(decodingError(reader));
     if (!isWithinBounds(image.size()))
         return failure(QStringLiteral("the picture has more pixels than can be drawn"));
     image = srgbPicture(std::move(image));
     if (image.isNull())
-        return failure(QStringLiteral("not enough memory for the picture"));
+        throw std::bad_alloc();
     image.setDevicePixelRatio(storedPixelRatio(encoded));
     return {.image = image, .error = QString()};
+}
+
+} // namespace
+
+LoadedPicture loadPicture(const QByteArray& encoded, const DecodingBounds& bounds) {
+    return orNoMemory([&] { return decoded(encoded, bounds); });
 }
 
 LoadedPicture loadPicture(const QString& path) {
@@ -143,20 +170,22 @@ LoadedPicture loadPicture(const QString& path) {
 }
 
 LoadedPicture loadPicture(QIODevice& device, const DecodingBounds& bounds) {
-    constexpr qint64 pieceBytes = 1 << 20;
-    QByteArray encoded;
-    while (!bounds.stop.stop_requested()) {
-        const QByteArray piece = device.read(pieceBytes);
-        if (piece.isEmpty())
-            break;
-        encoded += piece;
-        if (encoded.size() > maximumPictureBytes)
-            return failure(QStringLiteral("the file is larger than any picture that can be drawn"));
-    }
-    const auto* file = qobject_cast<QFileDevice*>(&device);
-    if (file && file->error() != QFileDevice::NoError)
-        return failure(QStringLiteral("cannot be read: %1").arg(device.errorString()));
-    return loadPicture(encoded, bounds);
+    return orNoMemory([&] {
+        constexpr qint64 pieceBytes = 1 << 20;
+        QByteArray encoded;
+        while (!bounds.stop.stop_requested()) {
+            const QByteArray piece = device.read(pieceBytes);
+            if (piece.isEmpty())
+                break;
+            encoded += piece;
+            if (encoded.size() > maximumPictureBytes)
+                return failure(QStringLiteral("the file is larger than any picture that can be drawn"));
+        }
+        const auto* file = qobject_cast<QFileDevice*>(&device);
+        if (file && file->error() != QFileDevice::NoError)
+            return failure(QStringLiteral("cannot be read: %1").arg(device.errorString()));
+        return decoded(encoded, bounds);
+    });
 }
 
 QByteArray encodePng(const QImage& image, double dotsPerInch, raster::PngSpeed speed) {

@@ -23,7 +23,8 @@ struct LoadedPicture {
 inline constexpr qint64 maximumPictureBytes = qint64(1) << 28;
 
 /// Reads a PNG, JPEG, WebP, TIFF, GIF or BMP file. A missing or cut-off file, absurd dimensions, what takes
-/// longer than the bounds and what is no picture each give an error and no image. From any thread.
+/// longer than the bounds, what finds no memory and what is no picture each give an error and no image. From
+/// any thread.
 LoadedPicture loadPicture(const QString& path);
 LoadedPicture loadPicture(QIODevice& openDevice, const DecodingBounds& bounds = {});
 LoadedPicture loadPicture(const QByteArray& encoded, const DecodingBounds& bounds = {});

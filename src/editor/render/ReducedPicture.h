@@ -14,13 +14,15 @@ namespace framora {
 class ReducedPicture {
 public:
     /// Reads the header of the open PNG, JPEG, WebP or TIFF file, which outlives this. The decoded picture
-    /// may be smaller than the file's, but fills `box` in one direction if the file's does.
+    /// may be smaller than the file's, but fills `box` in one direction if the file's does. Throws
+    /// std::bad_alloc.
     ReducedPicture(QFile& file, QSize box);
 
     /// An upper bound for the memory that decode() holds at once, the result included; 0 when the file is no
     /// picture or larger than any that can be drawn.
     qint64 bytesNeeded() const { return m_bytesNeeded; }
     /// Upright, ARGB32_Premultiplied in sRGB; null when the file is damaged or cut off or the bounds are met.
+    /// May throw std::bad_alloc.
     QImage decode(const DecodingBounds& bounds = {});
 
 private:

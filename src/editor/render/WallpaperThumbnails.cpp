@@ -15,8 +15,10 @@
 #include <chrono>
 #include <deque>
 #include <mutex>
+#include <new>
 #include <numeric>
 #include <optional>
+#include <system_error>
 #include <thread>
 
 namespace framora {
@@ -106,7 +108,7 @@ public:
 
     /// On each of the threads; returns when nothing is left to begin.
     void run() {
-        while (!m_stop.stop_requested() && (runOnePutOff() || runNext() || awaitOnePutOff())) {
+        while (!m_stop.stop_requested() && runOne()) {
         }
     }
 
@@ -117,6 +119,15 @@ private:
         std::size_t index;
         qint64 bytes;
     };
+
+    /// False when nothing is left.
+    bool runOne() {
+        try {
+            return runOnePutOff() || runNext() || awaitOnePutOff();
+        } catch (const std::bad_alloc&) {
+            return true; // one that finds no memory is no wallpaper: it is behind us
+        }
+    }
 
     bool runNext() {
         const std::size_t next = m_next++;
@@ -209,8 +220,12 @@ std::vector<Wallpaper> makeWallpapers(const std::vector<WallpaperCandidate>& can
     {
         const std::size_t processors = std::max(1u, std::thread::hardware_concurrency());
         std::vector<std::jthread> threads;
-        for (std::size_t i = 0; i < std::min(processors, candidates.size()); ++i)
-            threads.emplace_back(work);
+        try {
+            for (std::size_t i = 0; i < std::min(processors, candidates.size()); ++i)
+                threads.emplace_back(work);
+        } catch (const std::system_error&) {
+            // No more threads: by those that there are.
+        }
     }
     std::vector<QImage> thumbnails = thumbnailWork.take();
     std::vector<Wallpaper> wallpapers;
