@@ -122,14 +122,16 @@ void unmap(void* mapping) {
     munmap(owned->memory, owned->bytes);
 }
 
-/// The picture in the memory file, whose pages become the image's own.
+/// The picture in the memory file, whose pages become the image's own. What the decoder may have left running
+/// can write into them still, but not take them away.
 QImage takePicture(int descriptor) {
     struct stat status {};
+    if (fcntl(descriptor, F_ADD_SEALS, F_SEAL_SHRINK) != 0)
+        return {};
     if (fstat(descriptor, &status) != 0 || status.st_size < off_t(DecodedPicture::pixelsOffset))
         return {};
     const auto fileBytes = std::size_t(status.st_size);
-    void* memory =
-        mmap(nullptr, fileBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_POPULATE, descriptor, 0);
+    void* memory = mmap(nullptr, fileBytes, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_POPULATE, descriptor, 0);
     if (memory == MAP_FAILED)
         return {};
     auto mapping = std::make_unique<Mapping>(Mapping{memory, fileBytes});
@@ -147,9 +149,12 @@ QImage takePicture(int descriptor) {
 
     auto* bytes = static_cast<uchar*>(memory);
     const QByteArray profile(reinterpret_cast<const char*>(bytes + pixelsEnd), picture.profileBytes);
-    QImage image(
-        bytes + DecodedPicture::pixelsOffset, picture.width, picture.height, qsizetype(picture.width) * 4,
-        picture.hasAlpha ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32, unmap, mapping.get());
+    // Opaque pixels are the same in both formats. The one is not copied any more, the other is converted with
+    // less.
+    const QImage::Format format =
+        picture.hasAlpha || profile.isEmpty() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
+    QImage image(bytes + DecodedPicture::pixelsOffset, picture.width, picture.height,
+                 qsizetype(picture.width) * 4, format, unmap, mapping.get());
     if (image.isNull())
         return {};
     unmapUnused.dismiss();
@@ -164,7 +169,7 @@ QImage takePicture(int descriptor) {
 QImage decodeInProcess(const QString& decoder, int fileDescriptor, const DecoderOrder& order) {
     // Above the standard streams, which may be closed here: the decoder's are made of these.
     const int input = fcntl(fileDescriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    const int made = memfd_create("framora-picture", MFD_CLOEXEC);
+    const int made = memfd_create("framora-picture", MFD_CLOEXEC | MFD_ALLOW_SEALING);
     const int output = made < 0 ? -1 : fcntl(made, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
     const auto closeAll = qScopeGuard([=] {
         for (const int descriptor : {input, made, output})

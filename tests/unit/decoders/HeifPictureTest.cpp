@@ -1,7 +1,17 @@
+#include "editor/render/DecoderProcess.h"
+#include "editor/render/decoders/DecodedPicture.h"
 #include "unit/decoders/DecoderTest.h"
 
 #include <QColorSpace>
+#include <QCoreApplication>
+#include <QDir>
+#include <QTest>
 #include <QThread>
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <string>
 
 namespace framora {
 namespace {
@@ -100,6 +110,52 @@ TEST_F(HeifPicture, CodedAsAv1IsReadToo) {
 
 TEST_F(HeifPicture, OfOddSizeKeepsIt) {
     EXPECT_EQ(decode(write("odd.heic", heifFile(fourQuarters(67, 45)))).size(), QSize(67, 45));
+}
+
+/// The line of this process's memory map that holds the address.
+std::string mappingOf(const void* address) {
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) {
+        std::uintptr_t first = 0;
+        std::uintptr_t end = 0;
+        if (std::sscanf(line.c_str(), "%" SCNxPTR "-%" SCNxPTR, &first, &end) == 2 &&
+            first <= std::uintptr_t(address) && std::uintptr_t(address) < end)
+            return line;
+    }
+    return {};
+}
+
+TEST_F(HeifPicture, LiesWhereItsDecoderHasWrittenIt) {
+    for (const bool hasAlpha : {false, true}) {
+        SCOPED_TRACE(hasAlpha);
+        const QImage image = decode(write(
+            "a.heic", heifFile(flat(QColor(200, 100, 50, hasAlpha ? 128 : 255)), {.hasAlpha = hasAlpha})));
+        ASSERT_FALSE(image.isNull());
+        const std::string mapping = mappingOf(image.constBits());
+        EXPECT_NE(mapping.find("memfd:framora-picture"), std::string::npos) << mapping;
+        EXPECT_NE(mapping.find(" rw-s "), std::string::npos) << "not copied when it is touched: " << mapping;
+    }
+}
+
+TEST_F(HeifPicture, CannotBeTakenAwayByWhatIsLeftOfItsDecoder) {
+    // A decoder that leaves a process behind, which has the picture's memory still.
+    QByteArray written(DecodedPicture::pixelsOffset + DecodedPicture::pixelBytes(64, 48), '\xff');
+    const DecodedPicture header{DecodedPicture::finished, 64, 48, 0, 0};
+    std::memcpy(written.data(), &header, sizeof header);
+    write("picture", written);
+    const QString decoder = write("decoder", R"sh(#!/bin/sh
+cd "$(dirname "$0")" && cat picture
+(while [ ! -e go ]; do sleep 0.01; done; truncate -s 0 /proc/self/fd/1; touch gone) &
+)sh");
+    ASSERT_TRUE(QFile::setPermissions(decoder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QFile file(path("picture"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QDir programs(QCoreApplication::applicationDirPath());
+    const QImage image = decodeInProcess(programs.relativeFilePath(decoder), file.handle());
+    write("go", "");
+    ASSERT_FALSE(image.isNull());
+    ASSERT_TRUE(QTest::qWaitFor([this] { return QFile::exists(path("gone")); }));
+    EXPECT_EQ(image.pixel(63, 47), 0xffffffffu);
 }
 
 TEST_F(HeifPicture, IsDecodedOnAnyThread) {
