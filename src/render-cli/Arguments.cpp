@@ -217,7 +217,8 @@ Dresses screenshots as the Framora editor does and writes PNG files of 144 dpi. 
 standard input or output.
 
   -o OUT.png             where the picture of a single image goes
-  --output-dir DIR       where the pictures of many go, each under its image's name with .png; made when missing
+  --output-dir DIR       where the pictures of many go, each under its image's name with .png; made when missing;
+                         it may not be where one of the images would be replaced
   --set FIELD=VALUE      change the style; may repeat, later ones win
   --text JSON            add a text overlay, an object with any of
                          %1
@@ -244,7 +245,8 @@ Values
                          a JSON list
   none                   for every selected... field and backgroundImageURL: no selection
 As in the editor, a gradient preset brings its colours along, a magic preset takes the place of the other
-selections, the custom colour and the background image, and a background image that of the colour selections.
+selections, the custom colour and the background image, a custom colour that is not clear that of the selections
+and the background image, and a background image that of the colour selections.
 
 Exit status: 0 all written; 1 some image failed, the others are written; 2 bad usage, nothing is written.
 )")

@@ -9,6 +9,11 @@ namespace framora {
 OutputNames outputNames(const QStringList& images, const QString& folder) {
     OutputNames names;
     QHash<QString, QString> owners;
+    QHash<QString, QString> files; // where each image really lies
+    for (const QString& image : images)
+        if (image != u"-")
+            files.insert(QFileInfo(image).canonicalFilePath(), image);
+    files.remove(QString()); // what is missing
     for (const QString& image : images) {
         const QString base = image == u"-" ? QStringLiteral("stdin") : QFileInfo(image).completeBaseName();
         // A name such as ".png" has nothing before its extension.
@@ -19,7 +24,15 @@ OutputNames outputNames(const QStringList& images, const QString& folder) {
             return names;
         }
         owners.insert(name, image);
-        names.paths << QDir(folder).filePath(name);
+        const QString path = QDir(folder).filePath(name);
+        if (const auto file = files.constFind(QFileInfo(path).canonicalFilePath());
+            file != files.constEnd()) {
+            names.error =
+                QStringLiteral("'%1' would be replaced by a picture; choose another folder than '%2'")
+                    .arg(*file, folder);
+            return names;
+        }
+        names.paths << path;
     }
     return names;
 }

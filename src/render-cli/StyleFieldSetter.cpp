@@ -66,6 +66,11 @@ void StyleFieldSetter::applySelectionRules(const QString& field) {
         m_style.selectedSolidColor.reset();
         m_style.backgroundImageURL.reset();
         m_style.customColor = Color::clear();
+    } else if (field == u"customColor" && m_style.customColor.alpha != 0.0) {
+        m_style.selectedMagicPreset.reset();
+        m_style.selectedGradient.reset();
+        m_style.selectedSolidColor.reset();
+        m_style.backgroundImageURL.reset();
     } else if (field == u"backgroundImageURL" && m_style.backgroundImageURL) {
         m_style.selectedMagicPreset.reset();
         m_style.selectedGradient.reset();

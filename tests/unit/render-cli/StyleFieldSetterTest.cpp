@@ -161,6 +161,30 @@ TEST_F(StyleFieldSetterTest, ABackgroundImageTakesThePlaceOfTheColourSelections)
     EXPECT_EQ(style.backgroundImageURL, QUrl::fromLocalFile(path));
 }
 
+TEST_F(StyleFieldSetterTest, ACustomColourTakesThePlaceOfTheSelectionsUnlessItIsClear) {
+    const auto selectAll = [this] {
+        style.selectedMagicPreset = PresetCatalogues::magicPresets()[2];
+        style.selectedGradient = GradientPreset();
+        style.selectedSolidColor = SolidColor();
+        style.backgroundImageURL = QUrl("file:///x.png");
+    };
+    for (const auto& [field, value] : {std::pair("customColor", "ff0000"), {"customColor.red", "0.5"}}) {
+        SCOPED_TRACE(field);
+        selectAll();
+        expectSet(field, value);
+        EXPECT_EQ(style.selectedMagicPreset, std::nullopt);
+        EXPECT_EQ(style.selectedGradient, std::nullopt);
+        EXPECT_EQ(style.selectedSolidColor, std::nullopt);
+        EXPECT_EQ(style.backgroundImageURL, std::nullopt);
+    }
+    selectAll();
+    expectSet("customColor", "00ff0000");
+    EXPECT_NE(style.selectedMagicPreset, std::nullopt);
+    EXPECT_NE(style.selectedGradient, std::nullopt);
+    EXPECT_NE(style.selectedSolidColor, std::nullopt);
+    EXPECT_NE(style.backgroundImageURL, std::nullopt);
+}
+
 TEST_F(StyleFieldSetterTest, SelectionsMadeOfColours) {
     expectSet("selectedGradient", "ff0000,00f,#0000ff@-90.5");
     ASSERT_TRUE(style.selectedGradient);
