@@ -2,6 +2,7 @@
 #include "screencapture/Arguments.h"
 #include "screencapture/BusRoutes.h"
 #include "screencapture/CaptureSession.h"
+#include "screencapture/PictureHandover.h"
 #include "screencapture/SingleInstance.h"
 #include "screencapture/XConnection.h"
 #include "screencapture/wayland/CaptureLock.h"
@@ -64,11 +65,12 @@ int captureOnX(const XConnection& connection, CaptureMode mode) {
                                      static_cast<std::ptrdiff_t>(picture.part.x) * 4,
                                  picture.part.width, picture.part.height,
                                  static_cast<std::ptrdiff_t>(picture.image->strideBytes())};
-    auto png =
+    const auto png =
         raster::encodePng(view, raster::pixelsPerMetre(72 * session.pixelRatio()), raster::PngSpeed::fastest);
     if (png.empty())
         return failed("the picture is too large for the memory there is");
-    return leaveOnXClipboard(std::move(png), [&picture] { picture.image->abandon(); })
+    // A server that is full, or no process to leave behind: the program has a connection already.
+    return leaveOnXClipboard(png, [&picture] { picture.image->abandon(); }) || handToProgram(png)
                ? Done
                : failed("the clipboard cannot be taken");
 }

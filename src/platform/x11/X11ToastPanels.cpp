@@ -44,6 +44,9 @@ void X11ToastPanels::restore() {
 
 std::unique_ptr<ToastPanel> X11ToastPanels::makePanel(const Screen& screen, bool ignoresMouse,
                                                       std::unique_ptr<ToastContent> content) {
+    // One that was refused by a full server is tried again.
+    if (m_connection && !m_connection->isValid() && m_connection->panels().empty())
+        m_connection.reset();
     if (!m_connection) {
         m_connection = std::make_unique<X11ToastConnection>();
         const auto followScreens = [this] { follow(); };

@@ -8,6 +8,7 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <gtest/gtest.h>
+#include <xcb/xcb.h>
 
 namespace framora {
 namespace {
@@ -164,6 +165,25 @@ TEST_F(ClipboardPathTest, aToolThatIsKilledLeavesNothingOnScreen) {
     m_driver.waitForOverlay();
     display().key({"Escape"});
     m_driver.waitForNoOverlay();
+}
+
+TEST_F(ClipboardPathTest, aPictureThatTheToolCannotOfferIsOfferedByTheProgram) {
+    m_driver.launch();
+    m_driver.pressAreaShortcut();
+    m_driver.waitForOverlay();
+    // The server takes nobody else: what the tool would leave behind cannot reach it.
+    std::vector<xcb_connection_t*> others;
+    do
+        others.push_back(xcb_connect(m_desktop.displayName().toUtf8().constData(), nullptr));
+    while (!xcb_connection_has_error(others.back()));
+    const std::uint32_t before = display().selectionOwner("CLIPBOARD");
+    m_driver.selectArea(QRect(300, 300, 120, 80));
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return display().selectionOwner("CLIPBOARD") != before; }));
+    for (xcb_connection_t* each : others)
+        xcb_disconnect(each);
+    EXPECT_EQ(m_desktop.clipboardImage().size(), QSize(120, 80));
+    // Nor was there a place for its toast's connection; the next has one.
+    m_driver.capture(QRect(200, 200, 300, 200));
 }
 
 TEST_F(ClipboardPathTest, aToolThatCannotBeLaunchedIsTold) {
