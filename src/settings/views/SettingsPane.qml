@@ -35,6 +35,12 @@ Flickable {
         }
     }
 
+    // A pane whose last section in view ends with the window would look complete.
+    Timer {
+        id: arrival
+        interval: 1200
+        running: true
+    }
     Column {
         id: column
         x: (pane.width - width) / 2
@@ -45,11 +51,13 @@ Flickable {
     T.ScrollBar.vertical: T.ScrollBar {
         id: bar
         padding: 3
+        implicitWidth: 12
         contentItem: RoundedBox {
+            objectName: "pane.bar"
             implicitWidth: 6
             radius: 3
             color: Theme.tertiaryText
-            opacity: bar.size < 1 && (bar.active || bar.hovered) ? 0.6 : 0
+            opacity: bar.size < 1 && (bar.active || bar.hovered || arrival.running) ? 0.6 : 0
             Behavior on opacity { NumberAnimation { duration: Theme.motion } }
         }
     }

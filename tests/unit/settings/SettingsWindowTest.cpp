@@ -85,6 +85,24 @@ TEST_F(SettingsWindowTest, theSidebarLeadsToTheVersionAndBackToWhatIsStoredNow) 
     EXPECT_EQ(text("volume.percent"), QStringLiteral("25%"));
 }
 
+TEST_F(SettingsWindowTest, theScrollBarShowsForAMomentThatAPageGoesOnBelow) {
+    open();
+    const auto shows = [this] {
+        const QQuickItem* bar = find("pane.bar");
+        return bar && bar->opacity() > 0.5 && bar->width() > 3 && bar->height() > 20;
+    };
+    const auto isGone = [this] {
+        const QQuickItem* bar = find("pane.bar");
+        return bar && bar->opacity() == 0;
+    };
+    EXPECT_TRUE(QTest::qWaitFor(shows));
+    EXPECT_TRUE(QTest::qWaitFor(isGone));
+    click("tab.about");
+    EXPECT_FALSE(QTest::qWaitFor(shows, 100)) << "all of it is in view";
+    click("tab.settings");
+    EXPECT_TRUE(QTest::qWaitFor(shows));
+}
+
 TEST_F(SettingsWindowTest, everySwitchTurnsItsSetting) {
     open();
     click("showDockIcon.switch");
