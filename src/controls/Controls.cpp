@@ -1,5 +1,7 @@
 #include "controls/Controls.h"
 
+#include "platform/Appearance.h"
+
 #include <QQmlEngine>
 
 // Made by the module's build; without a plugin nobody else refers to them.
@@ -20,6 +22,20 @@ void registerControls(QQmlEngine& engine) {
     }();
     Q_UNUSED(registered)
     engine.addImportPath(QStringLiteral("qrc:/framora/qml"));
+}
+
+QVariantMap lookOf(const Appearance& appearance) {
+    return {{QStringLiteral("dark"), appearance.isDark()},
+            {QStringLiteral("accent"), appearance.accentColor()},
+            {QStringLiteral("reducedMotion"), appearance.prefersReducedMotion()}};
+}
+
+void showLook(QObject* root, const Appearance& appearance) {
+    if (!root)
+        return;
+    const QVariantMap look = lookOf(appearance);
+    for (auto entry = look.begin(); entry != look.end(); ++entry)
+        root->setProperty(qPrintable(entry.key()), entry.value());
 }
 
 } // namespace framora

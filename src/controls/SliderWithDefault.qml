@@ -20,8 +20,6 @@ Item {
     property string unit: ""
     property int decimals: 0
     property bool resettable: true
-    /// Shows the reset button at the default too, as one that has nothing to do.
-    property bool resetAlwaysShows: false
     /// The user wants another value; many in a row while the slider is held.
     signal moved(double value)
     /// Around everything that one hold of the slider moves.
@@ -310,9 +308,9 @@ Item {
         anchors.verticalCenter: parent.verticalCenter
         width: control.resettable ? 24 : 0
         height: 24
-        visible: control.resettable && (control.resetAlwaysShows || opacity > 0)
+        visible: control.resettable && opacity > 0
         enabled: !control.isDefault
-        opacity: !control.isDefault ? (control.enabled ? 1 : 0.4) : control.resetAlwaysShows ? 0.4 : 0
+        opacity: control.enabled && !control.isDefault ? 1 : 0
         symbol: "arrow.counterclockwise"
         symbolSize: 11
         tint: hovered ? Theme.text : Theme.tertiaryText
@@ -320,7 +318,7 @@ Item {
         help: "Reset"
         onClicked: {
             // The button goes, and the keys with it.
-            if (visualFocus && !control.resetAlwaysShows)
+            if (visualFocus)
                 slider.forceActiveFocus(Qt.TabFocusReason);
             control.reset();
         }

@@ -14,8 +14,9 @@ QtObject {
     readonly property color hairline: dark ? "#33353a" : "#dfe0e5"
     readonly property color outline: dark ? "#3d4046" : "#d2d4da"
     readonly property color text: dark ? "#f2f3f5" : "#1a1b1e"
-    readonly property color secondaryText: dark ? "#acafb7" : "#565962"
-    readonly property color tertiaryText: dark ? "#8f929b" : "#70737d"
+    // Small texts: both stand out at 4.5 : 1 at least from whatever they stand on.
+    readonly property color secondaryText: dark ? "#b6b9c1" : "#565962"
+    readonly property color tertiaryText: dark ? "#a3a6af" : "#656872"
     readonly property color fill: dark ? "#33353b" : "#ebecf0"
     readonly property color hoverFill: dark ? "#3b3e44" : "#e0e2e7"
     readonly property color pressedFill: dark ? "#45484f" : "#d4d6dd"

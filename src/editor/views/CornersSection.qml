@@ -10,19 +10,13 @@ Section {
 
     title: Strings.localized("corners")
 
-    Item {
+    CaptionedRow {
         width: parent.width
-        height: 32
+        label: "Style"
 
-        Label {
-            anchors.verticalCenter: parent.verticalCenter
-            width: Theme.captionWidth
-            text: "Style"
-        }
         SegmentedPicker {
             objectName: "borderStyle"
-            x: Theme.captionWidth
-            width: parent.width - x
+            width: parent.width
             label: "Style"
             options: [
                 { value: "sharp", label: "Sharp" },

@@ -3,18 +3,17 @@ import QtQuick
 import Framora.Controls
 import Framora.Editor
 
-/// The window's one header: its own buttons, the view's commands, and the toolbar. Everything else of it moves the
-/// window; a double click maximises it.
-Item {
+/// The editor's header: the window's own buttons, the view's commands, and the toolbar.
+WindowHeader {
     id: header
 
     required property EditorSession session
     required property EditorShortcuts shortcuts
-    /// How far the sidebar reaches at the moment.
-    required property real sidebarSpace
 
     readonly property ScreenshotEditorViewModel viewModel: session.viewModel
     readonly property bool compact: width - Math.max(sidebarSpace, windowCluster.width) < 700
+
+    onZoomRequested: session.zoomWindow()
 
     // Sets groups apart where there is room.
     component Gap: Item {
@@ -23,25 +22,6 @@ Item {
         height: 1
     }
 
-    Rectangle {
-        x: header.sidebarSpace
-        width: parent.width - x
-        height: parent.height
-        color: Theme.ground
-    }
-
-    MouseArea {
-        property point pressedAt
-
-        anchors.fill: parent
-        onPressed: mouse => pressedAt = Qt.point(mouse.x, mouse.y)
-        onPositionChanged: mouse => {
-            // The window manager takes the pointer over; no release comes back.
-            if (Math.abs(mouse.x - pressedAt.x) + Math.abs(mouse.y - pressedAt.y) > 6)
-                header.Window.window.startSystemMove();
-        }
-        onDoubleClicked: header.session.zoomWindow()
-    }
     Row {
         id: windowCluster
         x: 12
@@ -76,14 +56,11 @@ Item {
             onClicked: header.session.zoomWindow()
         }
     }
-    IconButton {
+    SidebarToggle {
         id: sidebarToggle
-        objectName: "sidebar.toggle"
         x: Math.max(header.sidebarSpace - width - 16, windowCluster.x + windowCluster.width + 8)
         anchors.verticalCenter: parent.verticalCenter
-        symbol: "sidebar.left"
-        contentItem: SidebarIcon { color: sidebarToggle.tint }
-        help: Strings.localized(header.session.sidebarVisible ? "sidebar.hide" : "sidebar.show")
+        shown: header.session.sidebarVisible
         onClicked: header.session.sidebarVisible = !header.session.sidebarVisible
     }
     Row {

@@ -30,17 +30,12 @@ Section {
         unit: "%"
         value: section.viewModel.config.imageScale
     }
-    Item {
+    CaptionedRow {
         width: parent.width
-        height: 32
-        Label {
-            anchors.verticalCenter: parent.verticalCenter
-            width: Theme.captionWidth
-            text: Strings.localized("position")
-        }
+        label: Strings.localized("position")
+
         Text {
             objectName: "position.text"
-            x: Theme.captionWidth
             anchors.verticalCenter: parent.verticalCenter
             text: Math.round(section.offset.width) + ", " + Math.round(section.offset.height)
             color: Theme.tertiaryText

@@ -4,13 +4,10 @@ import Framora.Controls
 import Framora.Editor
 
 /// The root of an editor window: the sidebar's controls beside the live preview, under one header.
-Item {
+ThemedView {
     id: root
 
     required property EditorSession session
-    property bool dark: false
-    property color accent: "#3d6df2"
-    property bool reducedMotion: false
 
     readonly property ScreenshotEditorViewModel viewModel: session.viewModel
     readonly property real sidebarSpace: sidebar.x + sidebar.width
@@ -58,10 +55,6 @@ Item {
         if (Window.active && (!Window.activeFocusItem || Window.activeFocusItem === Window.contentItem))
             root.forceActiveFocus(Qt.OtherFocusReason);
     }
-
-    Binding { target: Theme; property: "dark"; value: root.dark }
-    Binding { target: Theme; property: "accent"; value: root.accent }
-    Binding { target: Theme; property: "reducedMotion"; value: root.reducedMotion }
 
     // The room there is, as fitting counts it: with the sidebar, without the header.
     Binding {

@@ -21,17 +21,11 @@ Section {
         defaultValue: 1
         value: section.viewModel.config.scale
     }
-    Item {
+    CaptionedRow {
         width: parent.width
-        height: 32
+        label: Strings.localized("rotation")
 
-        Label {
-            anchors.verticalCenter: parent.verticalCenter
-            width: Theme.captionWidth
-            text: Strings.localized("rotation")
-        }
         Row {
-            x: Theme.captionWidth
             spacing: 4
             IconButton {
                 objectName: "rotation.left"
@@ -74,7 +68,6 @@ Section {
         label: Strings.localized("rotation.x")
         range: [-90, 90]
         defaultValue: 0
-        resetAlwaysShows: true
         value: section.viewModel.config.rotationX
     }
     StyleSlider {
@@ -84,7 +77,6 @@ Section {
         label: Strings.localized("rotation.y")
         range: [-90, 90]
         defaultValue: 0
-        resetAlwaysShows: true
         value: section.viewModel.config.rotationY
     }
 }

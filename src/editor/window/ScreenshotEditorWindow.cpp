@@ -1,5 +1,6 @@
 #include "editor/window/ScreenshotEditorWindow.h"
 
+#include "controls/Controls.h"
 #include "editor/model/RandomSource.h"
 #include "editor/model/ScreenshotEditorViewModel.h"
 #include "editor/render/ComposedPng.h"
@@ -10,7 +11,6 @@
 #include "editor/views/EditorViews.h"
 #include "editor/window/EditorToolbar.h"
 #include "feedback/ToastManager.h"
-#include "platform/Appearance.h"
 #include "platform/Application.h"
 #include "platform/Localized.h"
 #include "platform/MainQueue.h"
@@ -59,7 +59,10 @@ ScreenshotEditorWindow::ScreenshotEditorWindow(Services services)
     };
     observe(notifications::editorMiniaturize, [this] { handleMiniaturize(); });
     observe(notifications::editorZoomWindow, [this] { handleZoomWindow(); });
-    observe(notifications::appearanceChanged, [this] { applyAppearance(); });
+    observe(notifications::appearanceChanged, [this] {
+        if (m_editorWindow)
+            showLook(m_editorWindow->rootObject(), m_services.appearance);
+    });
     WallpaperCache::provide(
         {m_services.backgroundQueue, m_services.desktopPictures, WallpaperFolders::inHome(QDir::homePath())});
 }
@@ -118,11 +121,9 @@ void ScreenshotEditorWindow::open(const QImage& image) {
     auto* component = new QQmlComponent(window.engine(), source, &window);
 
     m_session = makeSession(image, [&texture] { return texture.get(); });
-    QObject* root = component->createWithInitialProperties(
-        {{QStringLiteral("session"), QVariant::fromValue(m_session.get())},
-         {QStringLiteral("dark"), m_services.appearance.isDark()},
-         {QStringLiteral("accent"), m_services.appearance.accentColor()},
-         {QStringLiteral("reducedMotion"), m_services.appearance.prefersReducedMotion()}});
+    QVariantMap properties = lookOf(m_services.appearance);
+    properties.insert(QStringLiteral("session"), QVariant::fromValue(m_session.get()));
+    QObject* root = component->createWithInitialProperties(properties);
     if (!root)
         qFatal("ScreenshotEditorWindow: %s", qPrintable(component->errorString()));
     window.setContent(source, component, root);
@@ -247,15 +248,6 @@ void ScreenshotEditorWindow::loadWallpapers() {
         model->mergeWallpapers(WallpaperCache::shared().wallpapers());
         model->setLoadingWallpapers(false);
     });
-}
-
-void ScreenshotEditorWindow::applyAppearance() {
-    if (!m_editorWindow || !m_editorWindow->rootObject())
-        return;
-    QObject& root = *m_editorWindow->rootObject();
-    root.setProperty("dark", m_services.appearance.isDark());
-    root.setProperty("accent", m_services.appearance.accentColor());
-    root.setProperty("reducedMotion", m_services.appearance.prefersReducedMotion());
 }
 
 void ScreenshotEditorWindow::copy(const QImage& image) {

@@ -86,7 +86,6 @@ private:
     void handleMiniaturize();
     void handleZoomWindow();
     void finishClosing(bool orderOut);
-    void applyAppearance();
     /// Asks the desktop for its ways to share; the session hears of them.
     void querySharing();
     void queryColorPicker();

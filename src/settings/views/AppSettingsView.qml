@@ -5,13 +5,10 @@ import Framora.Settings
 
 /// The root of the settings window: the two entries of the sidebar, and beside them the pane of the one that is
 /// chosen.
-Item {
+ThemedView {
     id: root
 
     required property SettingsSession session
-    property bool dark: false
-    property color accent: "#3d6df2"
-    property bool reducedMotion: false
 
     implicitWidth: 748
     implicitHeight: 648
@@ -25,10 +22,6 @@ Item {
     }
     Window.onActiveChanged: leaving = false
     property bool leaving: false
-
-    Binding { target: Theme; property: "dark"; value: root.dark }
-    Binding { target: Theme; property: "accent"; value: root.accent }
-    Binding { target: Theme; property: "reducedMotion"; value: root.reducedMotion }
 
     Rectangle {
         anchors.fill: parent

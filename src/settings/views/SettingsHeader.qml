@@ -3,32 +3,14 @@ import QtQuick
 import Framora.Controls
 import Framora.Settings
 
-/// The window's one header: its close button and the pane's title. Everything else of it moves the window.
-Item {
+/// The settings' header: the window's close button and the pane's title.
+WindowHeader {
     id: header
 
     required property SettingsSession session
-    /// How far the sidebar reaches at the moment.
-    required property real sidebarSpace
 
-    Rectangle {
-        x: header.sidebarSpace
-        width: parent.width - x
-        height: parent.height
-        color: Theme.ground
-    }
-    MouseArea {
-        property point pressedAt
+    onZoomRequested: session.zoomWindow()
 
-        anchors.fill: parent
-        onPressed: mouse => pressedAt = Qt.point(mouse.x, mouse.y)
-        onPositionChanged: mouse => {
-            // The window manager takes the pointer over; no release comes back.
-            if (Math.abs(mouse.x - pressedAt.x) + Math.abs(mouse.y - pressedAt.y) > 6)
-                header.Window.window.startSystemMove();
-        }
-        onDoubleClicked: header.session.zoomWindow()
-    }
     IconButton {
         id: close
         objectName: "window.close"
@@ -40,14 +22,11 @@ Item {
         tint: Theme.secondaryText
         onClicked: header.session.close()
     }
-    IconButton {
+    SidebarToggle {
         id: toggle
-        objectName: "sidebar.toggle"
         x: Math.max(header.sidebarSpace - width - 12, close.x + close.width + 4)
         anchors.verticalCenter: parent.verticalCenter
-        symbol: "sidebar.left"
-        contentItem: SidebarIcon { color: toggle.tint }
-        help: Strings.localized(header.session.sidebarVisible ? "sidebar.hide" : "sidebar.show")
+        shown: header.session.sidebarVisible
         tint: Theme.secondaryText
         onClicked: header.session.sidebarVisible = !header.session.sidebarVisible
     }

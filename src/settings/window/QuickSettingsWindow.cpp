@@ -1,6 +1,6 @@
 #include "settings/window/QuickSettingsWindow.h"
 
-#include "platform/Appearance.h"
+#include "controls/Controls.h"
 #include "platform/MainQueue.h"
 #include "platform/Notifications.h"
 #include "settings/views/SettingsSession.h"
@@ -43,8 +43,8 @@ QuickSettingsWindow::QuickSettingsWindow(const SettingsServices& services, std::
             [this] { m_view->setTitle(m_session->navigationTitle()); });
     window.installEventFilter(this);
     loadContent();
-    m_appearanceObserver =
-        m_services.notifications.observe(notifications::appearanceChanged, [this] { applyAppearance(); });
+    m_appearanceObserver = m_services.notifications.observe(
+        notifications::appearanceChanged, [this] { showLook(m_view->rootObject(), m_services.appearance); });
 }
 
 QuickSettingsWindow::~QuickSettingsWindow() {
@@ -58,11 +58,9 @@ void QuickSettingsWindow::loadContent() {
     registerSettingsViews(*m_view->engine());
     const QUrl source(QStringLiteral("qrc:/framora/qml/Framora/Settings/AppSettingsView.qml"));
     auto* component = new QQmlComponent(m_view->engine(), source, m_view.get());
-    QObject* root = component->createWithInitialProperties(
-        {{QStringLiteral("session"), QVariant::fromValue(m_session.get())},
-         {QStringLiteral("dark"), m_services.appearance.isDark()},
-         {QStringLiteral("accent"), m_services.appearance.accentColor()},
-         {QStringLiteral("reducedMotion"), m_services.appearance.prefersReducedMotion()}});
+    QVariantMap properties = lookOf(m_services.appearance);
+    properties.insert(QStringLiteral("session"), QVariant::fromValue(m_session.get()));
+    QObject* root = component->createWithInitialProperties(properties);
     if (!root)
         qFatal("QuickSettingsWindow: %s", qPrintable(component->errorString()));
     // The root view sizes the window.
@@ -89,15 +87,6 @@ void QuickSettingsWindow::makeKeyAndOrderFront() {
     m_view->raise();
     m_view->requestActivate();
     m_services.orderedFront(*m_view);
-}
-
-void QuickSettingsWindow::applyAppearance() {
-    QObject* root = m_view->rootObject();
-    if (!root)
-        return;
-    root->setProperty("dark", m_services.appearance.isDark());
-    root->setProperty("accent", m_services.appearance.accentColor());
-    root->setProperty("reducedMotion", m_services.appearance.prefersReducedMotion());
 }
 
 bool QuickSettingsWindow::eventFilter(QObject* watched, QEvent* event) {

@@ -33,7 +33,6 @@ protected:
 
 private:
     void loadContent();
-    void applyAppearance();
 
     SettingsServices m_services;
     std::function<void()> m_onWillClose;
