@@ -71,7 +71,8 @@ X11Pasteboard::X11Pasteboard(X11Connection& connection, DecodePicture decodePict
             xcb_xfixes_query_version_reply(connection, xcb_xfixes_query_version(connection, 4, 0), nullptr));
         m_xfixesFirstEvent = xfixes->first_event;
         xcb_xfixes_select_selection_input(connection, m_window, m_clipboard,
-                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER);
+                                          XCB_XFIXES_SELECTION_EVENT_MASK_SET_SELECTION_OWNER |
+                                              XCB_XFIXES_SELECTION_EVENT_MASK_SELECTION_CLIENT_CLOSE);
     }
     connection.addEventHandler([this](const xcb_generic_event_t& event) { handleEvent(event); });
     connection.flush();
@@ -100,9 +101,15 @@ void X11Pasteboard::handleEvent(const xcb_generic_event_t& event) {
     const auto type = event.response_type & 0x7F;
     if (m_xfixesFirstEvent && type == m_xfixesFirstEvent + XCB_XFIXES_SELECTION_NOTIFY) {
         const auto& notify = reinterpret_cast<const xcb_xfixes_selection_notify_event_t&>(event);
-        // An owner that only gives the clipboard up brings nothing new.
-        if (notify.selection == m_clipboard && notify.owner != XCB_NONE)
+        if (notify.selection != m_clipboard)
+            return;
+        if (notify.subtype == XCB_XFIXES_SELECTION_EVENT_SELECTION_CLIENT_CLOSE) {
+            m_ownerIsGone = m_ownerIsAsked;
+        } else if (notify.owner != XCB_NONE) {
+            // An owner that only gives the clipboard up brings nothing new.
             ++m_changeCount;
+            m_ownerIsAsked = false;
+        }
     } else if (type == XCB_SELECTION_NOTIFY) {
         const auto& notify = reinterpret_cast<const xcb_selection_notify_event_t&>(event);
         if (answersRequest(notify)) {
@@ -150,7 +157,7 @@ bool X11Pasteboard::waitUntil(const bool& done, int milliseconds) {
     const QDeadlineTimer timer(milliseconds);
     while (!done) {
         const auto left = static_cast<int>(timer.remainingTime());
-        if (left <= 0 || !m_connection.isValid())
+        if (left <= 0 || m_ownerIsGone || !m_connection.isValid())
             return false;
         m_connection.waitForEvents(left);
     }
@@ -193,7 +200,8 @@ QByteArray X11Pasteboard::readTarget(xcb_atom_t target) {
                         "");
     m_connection.processEvents(true);
 
-    m_answered = m_refused = false;
+    m_answered = m_refused = m_ownerIsGone = false;
+    m_ownerIsAsked = true;
     m_requestTime = m_serverTime;
     m_requestTarget = target;
     xcb_convert_selection(m_connection, m_window, m_clipboard, target, m_property, m_requestTime);

@@ -35,7 +35,8 @@ private:
     bool answersRequest(const xcb_selection_notify_event_t& notify) const;
     /// A late answer to the present question must not pass for one to the next.
     void giveUpRequest();
-    /// Serves the connection until `done`. False after `milliseconds`, or when the server has gone.
+    /// Serves the connection until `done`. False after `milliseconds`, or when the owner or the server has
+    /// gone.
     bool waitUntil(const bool& done, int milliseconds);
     /// The property the owner wrote, which it is then told to be rid of. Sets `type`.
     QByteArray takeProperty(xcb_atom_t& type);
@@ -61,6 +62,8 @@ private:
     bool m_answered = false;
     bool m_refused = false;
     bool m_newChunk = false;
+    bool m_ownerIsAsked = false; ///< Nobody has taken the clipboard since it was asked.
+    bool m_ownerIsGone = false;  ///< The owner that was asked answers no more.
 };
 
 } // namespace framora

@@ -157,6 +157,23 @@ TEST_F(PasteboardTest, anOwnerThatDoesNotAnswerIsGivenUp) {
     EXPECT_TRUE(QByteArray::fromStdString(answer).startsWith("image none")) << answer;
 }
 
+TEST_F(PasteboardTest, anOwnerThatDiesWhileItIsAskedIsNotWaitedFor) {
+    desktop().setClipboard(pngOf({64, 48}), pngType);
+    qint64 owner = 0;
+    for (const qint64 pid : desktop().processes())
+        if (ChildProcess::nameOf(pid) == QStringLiteral("xclip"))
+            owner = pid;
+    ASSERT_NE(owner, 0);
+    // It has been asked once the question stands in its queue, which it does not read.
+    ASSERT_EQ(::kill(static_cast<pid_t>(owner), SIGSTOP), 0);
+    shell.tell(QStringLiteral("read"));
+    EXPECT_TRUE(shell.next(QStringLiteral("image"), 300).isEmpty());
+    ::kill(static_cast<pid_t>(owner), SIGKILL);
+    const QString answer = shell.next(QStringLiteral("image none in "));
+    ASSERT_FALSE(answer.isEmpty());
+    EXPECT_LT(answer.section(u' ', 3, 3).toInt(), 4000) << "far less than an owner's patience";
+}
+
 TEST_F(PasteboardTest, anOwnerThatDiesLeavesNothingToRead) {
     desktop().setClipboard(pngOf({64, 48}), pngType);
     for (const qint64 pid : desktop().processes())
