@@ -13,8 +13,9 @@
 namespace framora {
 
 /// Key-down events on X11. Other programs' keys come as raw events of the master keyboard, which nothing has
-/// to be grabbed for; their modifiers come from XKB's state, whose changes the server reports in order with
-/// the keys. This program's own keys are seen before a window gets them.
+/// to be grabbed for, and which are told once, however long a key is held; their modifiers come from XKB's
+/// state, whose changes the server reports in order with the keys. This program's own keys are seen before a
+/// window gets them.
 class X11KeyMonitors final : public KeyMonitors {
 public:
     X11KeyMonitors(X11Connection& connection, CommandGate& gate);
