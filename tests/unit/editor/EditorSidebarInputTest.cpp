@@ -323,6 +323,36 @@ TEST_F(EditorSidebarInput, EverySliderShowsItsValueInItsForm) {
     }
 }
 
+TEST_F(EditorSidebarInput, EveryRowShowsItsResetWhereItCanResetSomethingAndElseNone) {
+    openAppearance();
+    for (const auto& [tab, field] : {std::pair(0, "borderRadius"), std::pair(0, "rotationX"),
+                                     std::pair(0, "rotationY"), std::pair(2, "padding")}) {
+        session().setProperty("selectedTab", tab);
+        QTest::qWait(20);
+        QQuickItem* reset = item((std::string(field) + ".reset").c_str());
+        EXPECT_TRUE(!reset || !reset->isVisible()) << field;
+        const auto shows = [&, name = std::string(field) + ".reset"] {
+            const QQuickItem* shown = item(name.c_str());
+            return shown && shown->isVisible() && shown->opacity() == 1;
+        };
+        model().set(QLatin1String(field), 5.0);
+        EXPECT_TRUE(QTest::qWaitFor(shows)) << field;
+        model().undo();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !shows(); })) << field;
+    }
+    // A row that has no say has nothing to reset either.
+    model().set(QStringLiteral("backgroundType"), QStringLiteral("gradient"));
+    model().set(QStringLiteral("gradientConfig.angle"), 45.0);
+    session().setProperty("selectedTab", 1);
+    const auto angleResets = [this] {
+        const QQuickItem* reset = item("gradientConfig.angle.reset");
+        return reset && reset->isVisible();
+    };
+    EXPECT_TRUE(QTest::qWaitFor(angleResets));
+    model().set(QStringLiteral("gradientConfig.style"), QStringLiteral("radial"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !angleResets(); }));
+}
+
 TEST_F(EditorSidebarInput, TheHeadersCommandsSayWhatTheyDo) {
     openAppearance();
     EXPECT_EQ(item("zoom.in")->property("help").toString(), QStringLiteral("Zoom In"));
