@@ -18,15 +18,34 @@ struct Slice {
     int viewFrom, viewTo;
 };
 
-/// Along one axis from outside of the canvas to its other outside: reach, end, middle, end, reach.
-std::array<Slice, 5> slicesOf(int first, int length, int reach) {
+/// A stretch of an axis in whole pixels that goes as far as the canvas.
+struct Extent {
+    int first, length;
+    int underFirst, underLast; ///< Pixels at its ends that the canvas covers in part.
+};
+
+Extent extentOf(double from, double to) {
+    // A pixel of which the canvas covers less is the hairline's, which would else look twice as thick.
+    constexpr double least = 0.125;
+    constexpr double nothing = 1e-3; // as rounding makes it
+    const int first = int(std::floor(from + least));
+    const int last = int(std::ceil(to - least));
+    const bool hasRoom = last - first > 2;
+    return {first, last - first, hasRoom && from - first > nothing, hasRoom && last - to > nothing};
+}
+
+/// Along one axis from outside of the canvas to its other outside: reach, end, middle, end, reach. What is
+/// outside goes on under the pixels that are covered in part: they must not show the ground through.
+std::array<Slice, 5> slicesOf(const Extent& extent, int reach) {
+    const auto [first, length, underFirst, underLast] = extent;
     const int end = std::min(reach, (length - 1) / 2);
     const int hole = 2 * reach + 1;
-    return {{{0, reach, first - reach, first},
-             {reach, reach + end, first, first + end},
-             {2 * reach, 2 * reach + 1, first + end, first + length - end},
-             {reach + hole - end, reach + hole, first + length - end, first + length},
-             {reach + hole, 2 * reach + hole, first + length, first + length + reach}}};
+    const int last = first + length;
+    return {{{0, reach + underFirst, first - reach, first + underFirst},
+             {reach + underFirst, reach + end, first + underFirst, first + end},
+             {2 * reach, 2 * reach + 1, first + end, last - end},
+             {reach + hole - end, reach + hole - underLast, last - end, last - underLast},
+             {reach + hole - underLast, 2 * reach + hole, last - underLast, last + reach}}};
 }
 
 } // namespace
@@ -56,10 +75,11 @@ QImage CanvasEdge::picture(int reach, double ratio, bool dark) {
     const int width = std::max(1, int(std::lround(ratio)));
     const QRect hole(reach, reach, 2 * reach + 1, 2 * reach + 1);
     const QRect ring = hole.adjusted(-width, -width, width, width);
+    const QRect clear = hole.adjusted(1, 1, -1, -1);
     const double share = hairline.alphaF();
     for (int y = ring.top(); y <= ring.bottom(); ++y)
         for (int x = ring.left(); x <= ring.right(); ++x) {
-            if (hole.contains(x, y))
+            if (clear.contains(x, y))
                 continue;
             const double under = qAlpha(image.pixel(x, y)) / 255.0;
             const int alpha = int(std::lround((share + under * (1 - share)) * 255));
@@ -86,7 +106,7 @@ void CanvasEdge::makeParts(QQuickWindow& window, int reach, double ratio, bool d
     }
 }
 
-void CanvasEdge::place(QQuickWindow& window, const QRect& canvas, QSize view, double ratio, bool dark) {
+void CanvasEdge::place(QQuickWindow& window, const QRectF& canvas, QSize view, double ratio, bool dark) {
     const int reachPixels = int(std::lround(farthest * ratio));
     if (ratio != m_ratio || dark != m_dark || !firstChild())
         makeParts(window, reachPixels, ratio, dark);
@@ -97,9 +117,14 @@ void CanvasEdge::place(QQuickWindow& window, const QRect& canvas, QSize view, do
     m_ratio = ratio;
     m_dark = dark;
 
-    const auto columns = slicesOf(canvas.x(), canvas.width(), reachPixels);
-    const auto rows = slicesOf(canvas.y(), canvas.height(), reachPixels);
-    const bool shown = !canvas.isEmpty() && !canvas.contains(QRect({0, 0}, view));
+    const Extent across = extentOf(canvas.left(), canvas.right());
+    const Extent down = extentOf(canvas.top(), canvas.bottom());
+    const auto columns = slicesOf(across, reachPixels);
+    const auto rows = slicesOf(down, reachPixels);
+    const QRect covered =
+        QRect(across.first, down.first, across.length, down.length)
+            .adjusted(across.underFirst, down.underFirst, -across.underLast, -down.underLast);
+    const bool shown = !covered.isEmpty() && !covered.contains(QRect({0, 0}, view));
     std::size_t next = 0;
     const auto put = [&](const Slice& column, const Slice& row) {
         QSGImageNode& part = *m_parts[next++];

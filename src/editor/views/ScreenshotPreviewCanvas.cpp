@@ -133,15 +133,6 @@ QRectF ScreenshotPreviewCanvas::canvasPlace() const {
     return place;
 }
 
-QRect ScreenshotPreviewCanvas::canvasPixels() const {
-    const QRectF place = canvasPlace();
-    // What the canvas covers a little of belongs to it, but for what rounding makes of nothing.
-    constexpr double nothing = 1e-3;
-    const QPoint topLeft(int(std::floor(place.left() + nothing)), int(std::floor(place.top() + nothing)));
-    return {topLeft, QSize(int(std::ceil(place.right() - nothing)) - topLeft.x(),
-                           int(std::ceil(place.bottom() - nothing)) - topLeft.y())};
-}
-
 QRect ScreenshotPreviewCanvas::opaquePixels() const {
     if (!m_rasterizer.isCanvasOpaque())
         return {};
@@ -169,7 +160,7 @@ QSGNode* ScreenshotPreviewCanvas::updatePaintNode(QSGNode* node, UpdatePaintNode
     }
     const double ratio = window()->effectiveDevicePixelRatio();
     static_cast<CanvasEdge*>(node->firstChild())
-        ->place(*window(), canvasPixels(), m_frame.rect().size(), ratio, m_isDark);
+        ->place(*window(), canvasPlace(), m_frame.rect().size(), ratio, m_isDark);
     static_cast<CanvasFrame*>(node->lastChild())->show(*window(), m_frame, opaquePixels(), ratio);
     return node;
 }

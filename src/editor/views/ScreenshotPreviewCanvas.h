@@ -120,9 +120,7 @@ private:
     QPointF centrePixel() const;
     /// Where the canvas lies, in device pixels of the view.
     QRectF canvasPlace() const;
-    /// The device pixels of the view that it covers.
-    QRect canvasPixels() const;
-    /// Those that it covers wholly and nothing shines through, in the frame.
+    /// The pixels that it covers wholly and nothing shines through, in the frame.
     QRect opaquePixels() const;
 
     QImage m_image;
