@@ -230,7 +230,9 @@ TEST(PngReader, LeavesOtherKindsToOthers) {
         EXPECT_TRUE(isPlain({.beforeData = {{type, {1, 2, 3}}}})) << type;
     EXPECT_TRUE(isPlain({.beforeData = {{"gAMA", {0, 0, 1, 1}}, {"sRGB", {0}}}})) << "sRGB says it all";
     EXPECT_TRUE(isPlain({.beforeData = {{"gAMA", {0, 0, 0xb1, 0x8f}}}})) << "what is written for sRGB";
-    EXPECT_FALSE(isPlain({.beforeData = {{"gAMA", {0, 0, 0xb1, 0x90}}}}));
+    EXPECT_TRUE(isPlain({.beforeData = {{"gAMA", {0, 0, 0xb1, 0x8e}}}})) << "rounded";
+    EXPECT_FALSE(isPlain({.beforeData = {{"gAMA", {0, 0, 0xc3, 0x50}}}}));
+    EXPECT_FALSE(isPlain({.beforeData = {{"gAMA", {0, 0xb1, 0x8f, 0}}}}));
     EXPECT_FALSE(isPlain({.betweenData = {{"tEXt", {1}}}})) << "the data must be in one piece";
     EXPECT_FALSE(plainPng({}));
     EXPECT_FALSE(plainPng(Bytes{'G', 'I', 'F', '8', '9', 'a', 0, 0, 0, 0, 0}));

@@ -3,6 +3,7 @@
 #include "editor/render/BackgroundDecoder.h"
 #include "editor/render/ImageResampler.h"
 #include "support/MediaFiles.h"
+#include "support/PngChunks.h"
 #include "unit/render/MemoryLimit.h"
 #include "unit/wallpapers/WallpaperFixture.h"
 
@@ -131,6 +132,25 @@ TEST_F(WallpaperThumbnail, OfAWideGamutPictureKeepsItsColours) {
         EXPECT_GT(expected.red(), 205) << name;
         EXPECT_NEAR(found.red(), expected.red(), 2) << name;
         EXPECT_NEAR(found.green(), expected.green(), 2) << name;
+    }
+}
+
+TEST_F(WallpaperThumbnail, OfAPngThatSaysSrgbByItsGammaHasTheColoursOfOneWithout) {
+    const QByteArray srgb =
+        pngChunk("gAMA", {45455}) + pngChunk("cHRM", {31270, 32900, 64000, 33000, 30000, 60000, 15000, 6000});
+    for (const QImage::Format kind : {QImage::Format_RGB32, QImage::Format_Indexed8, QImage::Format_RGBX64}) {
+        const QString bare = path(QStringLiteral("bare.png"));
+        ASSERT_TRUE(scene(1000, 600).convertToFormat(kind).save(bare));
+        QFile file(bare);
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        const QByteArray bytes = file.readAll();
+        const QString same = write(QStringLiteral("same.png"), withChunks(bytes, srgb));
+        const QString linear =
+            write(QStringLiteral("linear.png"), withChunks(bytes, pngChunk("gAMA", {100000})));
+        EXPECT_EQ(thumbnail(same), thumbnail(bare)) << kind;
+        EXPECT_EQ(BackgroundDecoder::decode(url(same)), BackgroundDecoder::decode(url(bare))) << kind;
+        EXPECT_NE(thumbnail(linear), thumbnail(bare)) << kind;
+        EXPECT_NE(BackgroundDecoder::decode(url(linear)), BackgroundDecoder::decode(url(bare))) << kind;
     }
 }
 

@@ -4,6 +4,7 @@
 #include "editor/render/raster/PngUnfilter.h"
 
 #include <algorithm>
+#include <array>
 #include <condition_variable>
 #include <isa-l.h>
 #include <limits>
@@ -22,11 +23,13 @@ using Span = std::span<const std::uint8_t>;
 
 constexpr std::uint8_t signature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
 
-// What programs write for sRGB into gAMA and cHRM, with sRGB itself or instead of it.
-constexpr std::uint8_t srgbGamma[] = {0x00, 0x00, 0xb1, 0x8f};
-constexpr std::uint8_t srgbPrimaries[] = {0,    0,    0x7a, 0x26, 0,    0,    0x80, 0x84, 0,    0,   0xfa,
-                                          0,    0,    0,    0x80, 0xe8, 0,    0,    0x75, 0x30, 0,   0,
-                                          0xea, 0x60, 0,    0,    0x3a, 0x98, 0,    0,    0x17, 0x70};
+// What programs write for sRGB into gAMA and cHRM, with sRGB itself or instead of it, in 100000ths; some of
+// them rounded on the way.
+constexpr std::array<std::uint32_t, 1> srgbGamma = {45455};
+constexpr std::array<std::uint32_t, 8> srgbPrimaries = {31270, 32900, 64000, 33000,
+                                                        30000, 60000, 15000, 6000};
+constexpr std::uint32_t gammaRounding = 50;
+constexpr std::uint32_t primariesRounding = 5;
 
 // So many bytes of rows are decompressed at a time: they stay in the second-level cache.
 constexpr std::size_t bandBytes = 256 << 10;
@@ -43,6 +46,17 @@ struct Chunk {
     std::string_view type;
     Span content;
 };
+
+/// Whether a chunk holds these numbers, give or take `rounding`.
+template <std::size_t count>
+bool holds(const Chunk& chunk, const std::array<std::uint32_t, count>& numbers, std::uint32_t rounding) {
+    if (chunk.content.size() != 4 * count)
+        return false;
+    for (std::size_t i = 0; i < count; ++i)
+        if (read32(chunk.content.data() + 4 * i) + rounding - numbers[i] > 2 * rounding)
+            return false;
+    return true;
+}
 
 /// Takes the next chunk off the front of `rest`. Nothing when it is cut off or its checksum is wrong.
 std::optional<Chunk> takeChunk(Span& rest) {
@@ -150,9 +164,8 @@ std::optional<PlainPng> plainPng(std::span<const std::uint8_t> file) {
         }
         dataHasEnded = !png.data.empty();
         isSrgb = isSrgb || type == "sRGB"sv;
-        hasOtherColours = hasOtherColours ||
-                          (type == "gAMA"sv && !std::ranges::equal(chunk->content, srgbGamma)) ||
-                          (type == "cHRM"sv && !std::ranges::equal(chunk->content, srgbPrimaries));
+        hasOtherColours = hasOtherColours || (type == "gAMA"sv && !holds(*chunk, srgbGamma, gammaRounding)) ||
+                          (type == "cHRM"sv && !holds(*chunk, srgbPrimaries, primariesRounding));
         // What changes the pixels' meaning, and whatever a reader must know.
         const bool isCritical = type[0] >= 'A' && type[0] <= 'Z';
         if (isCritical || type == "tRNS"sv || type == "iCCP"sv || type == "cICP"sv || type == "eXIf"sv)
