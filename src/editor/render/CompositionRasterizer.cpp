@@ -109,11 +109,13 @@ std::vector<Layer> CompositionRasterizer::layers(const Composition& composition,
         return layers;
     std::vector<Layer> scene;
     std::vector<Layer> texts;
-    Screenshot picture;
+    GlassEffectModifier::Prepared mockup;
     const auto prepareBackground = [&] { appendBackground(layers, composition, viewport); };
     const auto prepareOthers = [&] {
         appendTexts(texts, composition, viewport);
-        picture = screenshot(composition, viewport);
+        if (Screenshot picture = screenshot(composition, viewport); picture.paint)
+            mockup = prepareMockup(pointSize(composition.image), composition.config,
+                                   std::move(picture.paint), picture.placement, viewport.pixelSize);
         appendScene(scene, composition, viewport);
     };
     // Text is drawn by one thread alone, here, where its fonts are kept: beside a background that takes long.
@@ -126,9 +128,7 @@ std::vector<Layer> CompositionRasterizer::layers(const Composition& composition,
     const bool isSceneOver = composition.config.shadowSceneMode == ShadowSceneMode::overlay;
     if (!isSceneOver)
         std::ranges::move(scene, std::back_inserter(layers));
-    if (picture.paint)
-        appendMockup(layers, pointSize(composition.image), composition.config, std::move(picture.paint),
-                     picture.placement, viewport.pixelSize);
+    std::move(mockup).appendTo(layers);
     if (isSceneOver)
         std::ranges::move(scene, std::back_inserter(layers));
     std::ranges::move(texts, std::back_inserter(layers));

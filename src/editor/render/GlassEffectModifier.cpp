@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <numbers>
 
 namespace framora {
@@ -108,12 +109,19 @@ GlassPaint::Look polished(double frame, double veil) {
 
 } // namespace
 
-void GlassEffectModifier::append(std::vector<Layer>& layers, const Card& card, QSize output) const {
+void GlassEffectModifier::Prepared::appendTo(std::vector<Layer>& under) && {
+    if (backdrop)
+        backdrop->fill(under);
+    std::ranges::move(layers, std::back_inserter(under));
+}
+
+GlassEffectModifier::Prepared GlassEffectModifier::prepare(const Card& card, QSize output) const {
+    Prepared prepared;
     const RoundedRect shape{card.size.width(), card.size.height(), cornerRadius};
     const std::vector<Vec2> outline = shape.outline(card.placement);
     if (outline.empty() || output.isEmpty() || !card.placement.toLocal().isFinite() ||
         std::isnan(cornerRadius))
-        return;
+        return prepared;
     const Material made = properties(material);
     const auto seen = float(opacity > 0 ? std::min(opacity, 1.0) : 0);
 
@@ -135,10 +143,7 @@ void GlassEffectModifier::append(std::vector<Layer>& layers, const Card& card, Q
     const Scale scale = pixelsPerPoint(shape, card.placement.toOutput);
     const double deviation = std::clamp(made.blurRadius * scale.middle, leastDeviation, largestDeviation);
     const double reach = (card.hidden ? reachBelow(look, frame) : look.bend) * scale.most;
-    const auto backdrop =
-        GlassBackdrop::create(*window, deviation, int(std::min(std::ceil(reach), farthest)));
-    if (backdrop)
-        backdrop->fill(layers);
+    prepared.backdrop = GlassBackdrop::create(*window, deviation, int(std::min(std::ceil(reach), farthest)));
 
     const Placement dropped = moved(card.placement, 0, shadowOffset);
     const double margin = 2 * raster::ShadowPaint::reach * shadowRadius;
@@ -148,26 +153,27 @@ void GlassEffectModifier::append(std::vector<Layer>& layers, const Card& card, Q
                  std::make_shared<raster::ShadowPaint>(shape, shadowRadius, shadowOpacity, dropped),
                  {},
                  {}};
-    layers.push_back(std::move(shadow));
+    prepared.layers.push_back(std::move(shadow));
 
     Layer pane{shape, {}, card.placement, nullptr, {}, {}, seen};
-    if (backdrop) {
-        pane.paint = std::make_shared<GlassPaint>(backdrop, window, shape, card.placement, look);
+    if (prepared.backdrop) {
+        pane.paint = std::make_shared<GlassPaint>(prepared.backdrop, window, shape, card.placement, look);
         pane.blend = Layer::Blend::replace;
     } else {
         pane.paint = std::make_shared<raster::SolidPaint>(look.veil);
     }
-    layers.push_back(std::move(pane));
+    prepared.layers.push_back(std::move(pane));
 
     const RoundedRect inner{shape.width - hairlineWidth, shape.height - hairlineWidth,
                             std::max(0.0, shape.radius - hairlineWidth / 2)};
     const bool isThick = inner.width > 0 && inner.height > 0;
-    layers.push_back({shape,
-                      isThick ? std::optional(inner) : std::nullopt,
-                      card.placement,
-                      hairlinePaint(shape, card.placement),
-                      {},
-                      {}});
+    prepared.layers.push_back({shape,
+                               isThick ? std::optional(inner) : std::nullopt,
+                               card.placement,
+                               hairlinePaint(shape, card.placement),
+                               {},
+                               {}});
+    return prepared;
 }
 
 } // namespace framora

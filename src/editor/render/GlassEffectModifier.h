@@ -1,9 +1,11 @@
 #pragma once
 
 #include "editor/render/raster/Compositor.h"
+#include "editor/render/raster/GlassBackdrop.h"
 
 #include <QSize>
 #include <QSizeF>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -36,10 +38,20 @@ struct GlassEffectModifier {
         raster::Placement placement;
         std::optional<raster::RoundedRect> hidden;
     };
-    /// Adds the card to `layers`, which it is seen over; its content is to follow. `output` is the whole
-    /// picture in pixels. A card of no size adds nothing, nor does one whose numbers are not finite; when
-    /// memory is short it is a plain veil.
-    void append(std::vector<raster::Layer>& layers, const Card& card, QSize output) const;
+    /// Layers that are ready but for what glass among them shows of the layers under them.
+    struct Prepared {
+        std::vector<raster::Layer> layers;
+        std::shared_ptr<raster::GlassBackdrop> backdrop; ///< To be filled with those. Null for no glass.
+        /// Lays them over `under`.
+        void appendTo(std::vector<raster::Layer>& under) &&;
+    };
+    /// The card; its content is to follow. `output` is the whole picture in pixels. A card of no size is
+    /// nothing, nor is one whose numbers are not finite; when memory is short it is a plain veil.
+    Prepared prepare(const Card& card, QSize output) const;
+    /// Lays the card over `layers`.
+    void append(std::vector<raster::Layer>& layers, const Card& card, QSize output) const {
+        prepare(card, output).appendTo(layers);
+    }
 };
 
 } // namespace framora

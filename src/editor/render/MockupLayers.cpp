@@ -1,7 +1,6 @@
 #include "editor/render/MockupLayers.h"
 
 #include "editor/render/Composition.h"
-#include "editor/render/GlassEffectModifier.h"
 #include "editor/render/RasterColor.h"
 #include "editor/render/raster/SolidPaint.h"
 
@@ -25,8 +24,9 @@ RoundedRect card(QSizeF imageSize, double padding, double radius) {
 }
 
 /// The card of glass around the screenshot. What an opaque picture covers of it is never seen.
-void appendGlass(std::vector<Layer>& layers, QSizeF imageSize, const ScreenshotStyleConfig& config,
-                 const raster::Paint& picture, const raster::Placement& placement, QSize output) {
+GlassEffectModifier::Prepared prepareGlass(QSizeF imageSize, const ScreenshotStyleConfig& config,
+                                           const raster::Paint& picture, const raster::Placement& placement,
+                                           QSize output) {
     const double padding = mockupPadding(config);
     const GlassEffectModifier glass{GlassMaterial::clear, config.borderRadius + padding};
     GlassEffectModifier::Card around;
@@ -34,7 +34,7 @@ void appendGlass(std::vector<Layer>& layers, QSizeF imageSize, const ScreenshotS
     around.placement = placement;
     if (picture.isOpaque())
         around.hidden = card(imageSize, 0, config.borderRadius);
-    glass.append(layers, around, output);
+    return glass.prepare(around, output);
 }
 
 } // namespace
@@ -64,9 +64,13 @@ std::optional<raster::Placement> screenshotPlacement(QSizeF imageSize, const Scr
     return placement;
 }
 
-void appendMockup(std::vector<Layer>& layers, QSizeF imageSize, const ScreenshotStyleConfig& config,
-                  std::shared_ptr<const raster::Paint> picture, const raster::Placement& placement,
-                  QSize output) {
+GlassEffectModifier::Prepared prepareMockup(QSizeF imageSize, const ScreenshotStyleConfig& config,
+                                            std::shared_ptr<const raster::Paint> picture,
+                                            const raster::Placement& placement, QSize output) {
+    GlassEffectModifier::Prepared mockup;
+    if (config.showMockup && config.mockupStyle == MockupStyle::glassEffect)
+        mockup = prepareGlass(imageSize, config, *picture, placement, output);
+    std::vector<Layer>& layers = mockup.layers;
     const double padding = mockupPadding(config);
     if (config.showMockup && config.mockupStyle == MockupStyle::border)
         layers.push_back({card(imageSize, padding, config.borderRadius + padding / 2),
@@ -75,10 +79,9 @@ void appendMockup(std::vector<Layer>& layers, QSizeF imageSize, const Screenshot
                           std::make_shared<raster::SolidPaint>(rasterColor(config.borderColor)),
                           {},
                           {}});
-    if (config.showMockup && config.mockupStyle == MockupStyle::glassEffect)
-        appendGlass(layers, imageSize, config, *picture, placement, output);
     const double radius = config.showMockup ? config.borderRadius : 0;
     layers.push_back({card(imageSize, 0, radius), {}, placement, std::move(picture), {}, {}});
+    return mockup;
 }
 
 } // namespace framora

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/model/ScreenshotStyleConfig.h"
+#include "editor/render/GlassEffectModifier.h"
 #include "editor/render/raster/Compositor.h"
 
 #include <QSize>
@@ -15,11 +16,11 @@ namespace framora {
 /// The style's offset is not in it.
 std::optional<raster::Placement> screenshotPlacement(QSizeF imageSize, const ScreenshotStyleConfig& config);
 
-/// Adds the screenshot of `imageSize` points, painted with `picture`, and what frames it to the layers that
-/// it lies on; these are seen through a frame of glass. `placement` maps its points to pixels of the output,
-/// whose size is `output`.
-void appendMockup(std::vector<raster::Layer>& layers, QSizeF imageSize, const ScreenshotStyleConfig& config,
-                  std::shared_ptr<const raster::Paint> picture, const raster::Placement& placement,
-                  QSize output);
+/// The screenshot of `imageSize` points, painted with `picture`, and what frames it; the layers that it is to
+/// lie on are seen through a frame of glass. `placement` maps its points to pixels of the output, whose size
+/// is `output`.
+GlassEffectModifier::Prepared prepareMockup(QSizeF imageSize, const ScreenshotStyleConfig& config,
+                                            std::shared_ptr<const raster::Paint> picture,
+                                            const raster::Placement& placement, QSize output);
 
 } // namespace framora

@@ -64,6 +64,14 @@ TEST(MixKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
                  [&](auto& p) { plain::blendOverlay(p.data(), over.data(), even, count); });
             same([&](auto& p) { blendInstead(p.data(), over.data(), coverage.data(), count); },
                  [&](auto& p) { plain::blendInstead(p.data(), over.data(), coverage.data(), count); });
+            std::vector<MixPixel> blacks = over;
+            for (MixPixel& pixel : blacks)
+                pixel = {{0, 0, 0, pixel.channel[3]}};
+            std::vector<MixPixel> offsets;
+            for (int i = 0; i < 8; ++i)
+                offsets.push_back({{0, 0, 0, std::int16_t(int(random() % 95u) - 47)}});
+            same([&](auto& p) { ditherAlphas(blacks.data(), offsets.data(), count, p.data()); },
+                 [&](auto& p) { plain::ditherAlphas(blacks.data(), offsets.data(), count, p.data()); });
             std::vector<std::uint32_t> fast(count + 1, 0x12345678u);
             std::vector<std::uint32_t> slow = fast;
             packPixels(over.data(), count, fast.data());

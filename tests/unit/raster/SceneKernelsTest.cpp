@@ -2,6 +2,7 @@
 
 #include "editor/render/raster/Dither.h"
 #include "editor/render/raster/MixKernels.h"
+#include "editor/render/raster/PixelBuffer.h"
 #include "unit/raster/EachTarget.h"
 
 #include <algorithm>
@@ -106,6 +107,47 @@ TEST(SceneKernels, AreTheirPlainTwinsOnEveryVectorUnit) {
                 plain::paintScene(scene.row(), RandomScene::opacity, width, slow.data());
                 EXPECT_EQ(fast, slow);
             }
+        }
+    });
+}
+
+TEST(SceneKernels, DrawWhatTheyOverlay) {
+    forEachTarget([](const char* target) {
+        std::mt19937 random(14);
+        for (std::size_t width = 1; width < 130; ++width) {
+            const int height = 1 + int(width % 17);
+            const RandomScene scene(random, width, height, true);
+            const std::size_t stride = width + 3;
+            for (const bool isOpaque : {false, true})
+                for (const Storing storing : {Storing::cached, Storing::streamed}) {
+                    SCOPED_TRACE(testing::Message() << target << ", " << width << " x " << height);
+                    const auto under = randomPixels(random, stride * std::size_t(height), isOpaque);
+                    auto mixed = under;
+                    overlayScene(scene.rows(), height, RandomScene::opacity, width, mixed.data(),
+                                 std::ptrdiff_t(stride));
+                    PixelBuffer fast = PixelBuffer::create(int(width) + 1, height); // the last one must stay
+                    PixelBuffer slow = PixelBuffer::create(int(width) + 1, height);
+                    const auto rowsOf = [&](PixelBuffer& buffer) {
+                        for (int y = 0; y < height; ++y)
+                            buffer.mutableView().row(y)[width] = 0x12345678u;
+                        MutablePixelView rows = buffer.mutableView();
+                        rows.width = int(width);
+                        return rows;
+                    };
+                    drawScene(scene.rows(), RandomScene::opacity, under.data(), std::ptrdiff_t(stride),
+                              rowsOf(fast), storing);
+                    flushPixels();
+                    plain::drawScene(scene.rows(), RandomScene::opacity, under.data(), std::ptrdiff_t(stride),
+                                     rowsOf(slow));
+                    for (int y = 0; y < height; ++y) {
+                        std::vector<std::uint32_t> expected(width + 1, 0x12345678u);
+                        packPixels(mixed.data() + stride * std::size_t(y), width, expected.data());
+                        const std::uint32_t* row = fast.view().row(y);
+                        ASSERT_EQ(std::vector<std::uint32_t>(row, row + width + 1), expected) << "row " << y;
+                        row = slow.view().row(y);
+                        ASSERT_EQ(std::vector<std::uint32_t>(row, row + width + 1), expected) << "row " << y;
+                    }
+                }
         }
     });
 }

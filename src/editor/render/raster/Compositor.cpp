@@ -112,11 +112,15 @@ void blendWhole(const Layer& layer, MixPixel* under, const MixPixel* shaded, con
         blendOver(under, shaded, even, count);
 }
 
+/// Whether what a layer covers whole is its paint in overlay mode and nothing else.
+bool isPlainOverlay(const Layer& layer) {
+    return layer.blend == Layer::Blend::overlay && layer.opacity == 1 && !layer.adjustment && !layer.noise;
+}
+
 /// Mixes pixels that a layer covers whole and whose rows are `stride` apart, if its paint can do that at
 /// once.
 bool blendAtOnce(const Layer& layer, const TileRect& block, MixPixel* under, std::ptrdiff_t stride) {
-    return layer.blend == Layer::Blend::overlay && layer.opacity == 1 && !layer.adjustment && !layer.noise &&
-           layer.paint->overlay(block, under, stride);
+    return isPlainOverlay(layer) && layer.paint->overlay(block, under, stride);
 }
 
 /// Mixes a layer onto row y. What it covers whole is mixed as such, and what it does not touch stays as it
@@ -240,12 +244,10 @@ const Layer* soleLayer(const std::vector<Layer>& layers, std::size_t first, cons
                                                                                          : &layers[first];
 }
 
-/// Mixes a tile into scratch.mixed, from the first layer that is seen on. False when no layer touches it;
-/// then nothing is written.
-bool mixTile(const std::vector<Layer>& layers, const TileRect& tile, std::size_t first, Scratch& scratch) {
+/// Mixes the layers [first, end) onto a tile, into scratch.mixed; the first one is seen.
+void mixLayers(const std::vector<Layer>& layers, const TileRect& tile, std::size_t first, std::size_t end,
+               Scratch& scratch) {
     const std::vector<Share>& shares = scratch.shares;
-    if (first == layers.size())
-        return false;
     if (shares[first].kind == Share::whole && shares[first].touched.width == tile.width &&
         layers[first].opacity == 1) {
         mixLayer(layers[first], tile, scratch.mixed.data());
@@ -253,10 +255,30 @@ bool mixTile(const std::vector<Layer>& layers, const TileRect& tile, std::size_t
     } else {
         std::fill_n(scratch.mixed.data(), tile.area(), MixPixel{});
     }
-    for (std::size_t i = first; i < layers.size(); ++i)
+    for (std::size_t i = first; i < end; ++i)
         if (shares[i].kind != Share::none)
             blendLayer(layers[i], i, shares[i], tile, scratch);
+}
+
+/// Mixes a tile into scratch.mixed, from the first layer that is seen on. False when no layer touches it;
+/// then nothing is written.
+bool mixTile(const std::vector<Layer>& layers, const TileRect& tile, std::size_t first, Scratch& scratch) {
+    if (first == layers.size())
+        return false;
+    mixLayers(layers, tile, first, layers.size(), scratch);
     return true;
+}
+
+/// The layer that is the last one on a tile and lies over all of it in overlay mode; the layers' number for
+/// none. Not the first one that is seen.
+std::size_t overlayOnTop(const std::vector<Layer>& layers, std::size_t first, const TileRect& tile,
+                         const std::vector<Share>& shares) {
+    std::size_t top = layers.size() - 1;
+    while (top > first && shares[top].kind == Share::none)
+        --top;
+    const Layer& layer = layers[top];
+    const bool isWhole = shares[top].kind == Share::whole && shares[top].touched.width == tile.width;
+    return top > first && isWhole && isPlainOverlay(layer) ? top : layers.size();
 }
 
 /// The layers' shapes, ready to be asked for their rows.
@@ -326,21 +348,26 @@ void drawBand(MutablePixelView out, const TileRect& band, const TileAxis& column
         const std::size_t first = firstSeen(layers, tile, scratch);
         if (drawn && !drawn->take(tile.x, tile.y, contentOf(*drawn, layers, first, scratch)))
             continue;
+        const MutablePixelView target{reinterpret_cast<std::byte*>(out.row(0) + x), tile.width, tile.height,
+                                      out.stride};
+        if (first == layers.size()) {
+            for (int y = 0; y < tile.height; ++y)
+                std::memset(target.row(y), 0, std::size_t(tile.width) * sizeof(std::uint32_t));
+            continue;
+        }
         if (const Layer* sole = soleLayer(layers, first, tile, scratch.shares);
-            sole && !sole->adjustment && !sole->noise) {
-            const MutablePixelView target{reinterpret_cast<std::byte*>(out.row(0) + x), tile.width,
-                                          tile.height, out.stride};
-            if (sole->paint->draw(tile, target, storing))
+            sole && !sole->adjustment && !sole->noise && sole->paint->draw(tile, target, storing))
+            continue;
+        const std::size_t top = overlayOnTop(layers, first, tile, scratch.shares);
+        mixLayers(layers, tile, first, top, scratch);
+        if (top < layers.size()) {
+            if (layers[top].paint->drawOverlaid(tile, scratch.mixed.data(), tile.width, target, storing))
                 continue;
+            blendLayer(layers[top], top, scratch.shares[top], tile, scratch);
         }
-        const bool isDrawn = mixTile(layers, tile, first, scratch);
-        for (int y = 0; y < tile.height; ++y) {
-            std::uint32_t* row = out.row(y) + tile.x;
-            if (isDrawn)
-                pack(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width, std::size_t(tile.width), row);
-            else
-                std::memset(row, 0, std::size_t(tile.width) * sizeof *row);
-        }
+        for (int y = 0; y < tile.height; ++y)
+            pack(scratch.mixed.data() + std::ptrdiff_t(y) * tile.width, std::size_t(tile.width),
+                 target.row(y));
     }
 }
 

@@ -1,6 +1,7 @@
 #include "editor/render/raster/MixKernels.h"
 
 #include "editor/render/raster/AlphaBytes.h"
+#include "editor/render/raster/Dither.h"
 
 #include <algorithm>
 #include <cstring>
@@ -36,6 +37,9 @@ void blendOverlayEvenly(MixPixel* under, const MixPixel* above, std::int16_t cov
 void blendInsteadCovered(MixPixel* under, const MixPixel* above, const MixPixel* coverage,
                          std::size_t count) {
     plain::blendInstead(under, above, coverage, count);
+}
+void ditherAllAlphas(const MixPixel* blacks, const MixPixel* offsets, std::size_t count, MixPixel* out) {
+    plain::ditherAlphas(blacks, offsets, count, out);
 }
 void packAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
     plain::packPixels(pixels, count, out);
@@ -156,6 +160,17 @@ void blendInsteadCovered(MixPixel* under, const MixPixel* above, const MixPixel*
     });
 }
 
+void ditherAllAlphas(const MixPixel* blacks, const MixPixel* offsets, std::size_t count, MixPixel* out) {
+    static_assert(HWY_MAX_BYTES / sizeof(MixPixel) <= Dither::period);
+    const Vector zero = hn::Zero(lanes);
+    forEachVector(count, [&](std::size_t i, std::size_t n) HWY_ATTR {
+        const Vector alpha = load(blacks + i, n); // and no colour
+        const Vector moved = hn::SaturatedAdd(alpha, load(offsets + i % Dither::period, n));
+        const Vector valid = hn::Min(hn::Max(moved, zero), hn::Set(lanes, mixOne));
+        store(hn::IfThenElseZero(hn::Gt(alpha, zero), valid), out + i, n);
+    });
+}
+
 HWY_INLINE auto packed(Vector pixels) {
     const hn::Rebind<std::uint8_t, Lanes> bytes;
     return hn::DemoteTo(bytes, hn::ShiftRight<7>(hn::SaturatedAdd(pixels, hn::Set(lanes, mixStep / 2))));
@@ -236,6 +251,7 @@ HWY_EXPORT(blendOverlayCovered);
 HWY_EXPORT(blendOverEvenly);
 HWY_EXPORT(blendOverlayEvenly);
 HWY_EXPORT(blendInsteadCovered);
+HWY_EXPORT(ditherAllAlphas);
 HWY_EXPORT(packAll);
 HWY_EXPORT(streamAll);
 
@@ -261,6 +277,10 @@ void blendOverlay(MixPixel* under, const MixPixel* over, std::int16_t coverage, 
 
 void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count) {
     HWY_DYNAMIC_DISPATCH(blendInsteadCovered)(under, over, coverage, count);
+}
+
+void ditherAlphas(const MixPixel* blacks, const MixPixel* offsets, std::size_t count, MixPixel* out) {
+    HWY_DYNAMIC_DISPATCH(ditherAllAlphas)(blacks, offsets, count, out);
 }
 
 void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {

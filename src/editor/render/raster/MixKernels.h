@@ -22,6 +22,9 @@ void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverag
 void blendOverlay(MixPixel* under, const MixPixel* over, std::int16_t coverage, std::size_t count);
 /// `over` in the place of `under`, where it covers.
 void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
+/// Dithers black pixels: adds the alphas of `offsets`, of which there are Dither::period that repeat. What is
+/// transparent stays so.
+void ditherAlphas(const MixPixel* blacks, const MixPixel* offsets, std::size_t count, MixPixel* out);
 /// Rounds to pixels of a picture.
 void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out);
 /// The same past the caches, for pictures too large for them. flushPixels() ends a thread's run of calls.
@@ -35,6 +38,7 @@ void blendOver(MixPixel* under, const MixPixel* over, std::int16_t coverage, std
 void blendOverlay(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
 void blendOverlay(MixPixel* under, const MixPixel* over, std::int16_t coverage, std::size_t count);
 void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverage, std::size_t count);
+void ditherAlphas(const MixPixel* blacks, const MixPixel* offsets, std::size_t count, MixPixel* out);
 void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out);
 } // namespace plain
 

@@ -1,3 +1,4 @@
+#include "editor/render/raster/Dither.h"
 #include "editor/render/raster/FixedPoint.h"
 #include "editor/render/raster/MixKernels.h"
 
@@ -70,6 +71,14 @@ void blendInstead(MixPixel* under, const MixPixel* over, const MixPixel* coverag
                 std::int16_t(covered(over[i].channel[c], part) +
                              mulFixed(under[i].channel[c], std::int16_t(coverageOne - part)));
         }
+}
+
+void ditherAlphas(const MixPixel* blacks, const MixPixel* offsets, std::size_t count, MixPixel* out) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::int16_t alpha = blacks[i].channel[3];
+        const std::int16_t moved = addSaturated(alpha, offsets[i % Dither::period].channel[3]);
+        out[i] = {{0, 0, 0, alpha > 0 ? std::clamp(moved, std::int16_t(0), one) : std::int16_t(0)}};
+    }
 }
 
 void packPixels(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {

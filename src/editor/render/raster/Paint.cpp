@@ -21,6 +21,10 @@ bool Paint::overlay(const TileRect&, MixPixel*, std::ptrdiff_t) const {
     return false;
 }
 
+bool Paint::drawOverlaid(const TileRect&, const MixPixel*, std::ptrdiff_t, MutablePixelView, Storing) const {
+    return false;
+}
+
 bool Paint::draw(const TileRect&, MutablePixelView, Storing) const {
     return false;
 }

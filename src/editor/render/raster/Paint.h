@@ -25,6 +25,10 @@ public:
     /// step of 255. False, and nothing is done, for a paint that cannot do both at once, and so always.
     /// Called from many threads.
     virtual bool overlay(const TileRect& tile, MixPixel* under, std::ptrdiff_t stride) const;
+    /// What overlay() makes of such a block, rounded as draw() does it; the block stays as it is. False, and
+    /// nothing is done, as for both. Called from many threads.
+    virtual bool drawOverlaid(const TileRect& tile, const MixPixel* under, std::ptrdiff_t stride,
+                              MutablePixelView out, Storing storing) const;
     /// What mix() gives, rounded to the pixels of a picture that are the block; as packPixels() and
     /// streamPixels() do it. False, and nothing is done, where a paint cannot do both at once, and so always.
     /// Called from many threads.

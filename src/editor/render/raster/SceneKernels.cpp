@@ -24,6 +24,10 @@ void overlaySceneRows(const SceneRow* rows, int height, std::int16_t opacity, st
                       MixPixel* under, std::ptrdiff_t stride) {
     plain::overlayScene(rows, height, opacity, width, under, stride);
 }
+void drawSceneRows(const SceneRow* rows, std::int16_t opacity, const MixPixel* under, std::ptrdiff_t stride,
+                   MutablePixelView out, Storing) {
+    plain::drawScene(rows, opacity, under, stride, out);
+}
 
 #else
 
@@ -113,14 +117,16 @@ void paintSceneRow(const SceneRow& told, std::int16_t opacity, std::size_t count
     plain::paintScene(rest, opacity, count - i, out + i);
 }
 
+HWY_INLINE Vector overlaidAny(Vector pixels, Vector lifted) {
+    return HWY_LIKELY(areOpaque(pixels)) ? overlaidOpaque(pixels, lifted) : overlaid(pixels, lifted);
+}
+
 /// Mixes a strip from column x on, from top to bottom. Mostly there is either nothing of the stripes or
 /// nothing else for many rows, and then less is to be done for the same bytes.
 HWY_INLINE void overlayStrip(const SceneRow* rows, int height, std::int16_t opacity, std::size_t x,
                              MixPixel* under, std::ptrdiff_t stride) {
-    const auto overlay = [](MixPixel* to, Vector lifted) HWY_ATTR {
-        const Vector pixels = load(to);
-        store(HWY_LIKELY(areOpaque(pixels)) ? overlaidOpaque(pixels, lifted) : overlaid(pixels, lifted), to);
-    };
+    const auto overlay = [](MixPixel* to, Vector lifted)
+                             HWY_ATTR { store(overlaidAny(load(to), lifted), to); };
     const Vector share = hn::Set(lanes, opacity);
     const Vector whole = hn::Set(lanes, coverageOne);
     const Vector white = hn::MulFixedPoint15(whole, share);
@@ -167,6 +173,65 @@ void overlaySceneRows(const SceneRow* rows, int height, std::int16_t opacity, st
     }
 }
 
+/// Calls put(i, pixels) for each vector of a row of whole strips, mixed.
+template <typename Put>
+HWY_INLINE void forEachOverlaid(const SceneRow& told, std::int16_t opacity, const MixPixel* under,
+                                std::size_t width, const Put& put) {
+    const SceneRow row = told; // by value: nothing that is written could be a part of it
+    const Vector share = hn::Set(lanes, opacity);
+    const Vector whole = hn::Set(lanes, coverageOne);
+    const Vector white = hn::MulFixedPoint15(whole, share);
+    for (std::size_t x = 0; x < width; x += strip) {
+        if (row.alike[x] == 0)
+            for (std::size_t i = 0; i < strip; i += vectorPixels)
+                put(x + i, overlaidAny(load(under + x + i), lift(load(row.tint + x + i), load(row.dither + i),
+                                                                 loadEach(row.stripes + x + i), share)));
+        else if (row.stripes[x] != 0)
+            for (std::size_t i = 0; i < strip; i += vectorPixels)
+                put(x + i, overlaidAny(load(under + x + i), white));
+        else
+            for (std::size_t i = 0; i < strip; i += vectorPixels) {
+                const Vector tint = hn::SaturatedAdd(load(row.tint + x + i), load(row.dither + i));
+                put(x + i, overlaidAny(load(under + x + i), hn::MulFixedPoint15(tint, whole)));
+            }
+    }
+}
+
+HWY_INLINE auto packed(Vector pixels) {
+    const hn::Rebind<std::uint8_t, Lanes> bytes;
+    return hn::DemoteTo(bytes, hn::ShiftRight<7>(hn::SaturatedAdd(pixels, hn::Set(lanes, mixStep / 2))));
+}
+
+void drawSceneRows(const SceneRow* rows, std::int16_t opacity, const MixPixel* under, std::ptrdiff_t stride,
+                   MutablePixelView out, Storing storing) {
+    const hn::Rebind<std::uint8_t, Lanes> bytes;
+    const auto whole = std::size_t(out.width) / strip * strip;
+    const auto rest = std::size_t(out.width) - whole;
+    for (int y = 0; y < out.height; ++y, under += stride) {
+        auto* const to = reinterpret_cast<std::uint8_t*>(out.row(y));
+        const auto put = [&](std::size_t i, Vector pixels)
+                             HWY_ATTR { hn::StoreU(packed(pixels), bytes, to + i * sizeof(std::uint32_t)); };
+#if HWY_MAX_BYTES < 32
+        (void)storing; // a packed vector would be too short for a store past the caches
+        forEachOverlaid(rows[y], opacity, under, whole, put);
+#else
+        const auto stream = [&](std::size_t i, Vector pixels) HWY_ATTR {
+            hn::Stream(packed(pixels), bytes, to + i * sizeof(std::uint32_t));
+        };
+        if (storing == Storing::streamed)
+            forEachOverlaid(rows[y], opacity, under, whole, stream);
+        else
+            forEachOverlaid(rows[y], opacity, under, whole, put);
+#endif
+        if (rest == 0)
+            continue;
+        const SceneRow last{rows[y].tint + whole, rows[y].stripes + whole, rows[y].dither};
+        const std::ptrdiff_t end = std::ptrdiff_t(whole);
+        plain::drawScene(&last, opacity, under + end, 0,
+                         {out.data + y * out.stride + end * 4, int(rest), 1, out.stride});
+    }
+}
+
 #endif
 
 } // namespace framora::raster::HWY_NAMESPACE
@@ -177,6 +242,7 @@ namespace framora::raster {
 
 HWY_EXPORT(paintSceneRow);
 HWY_EXPORT(overlaySceneRows);
+HWY_EXPORT(drawSceneRows);
 
 void paintScene(const SceneRow& row, std::int16_t opacity, std::size_t count, MixPixel* out) {
     HWY_DYNAMIC_DISPATCH(paintSceneRow)(row, opacity, count, out);
@@ -186,6 +252,11 @@ void overlayScene(const SceneRow* rows, int height, std::int16_t opacity, std::s
                   std::ptrdiff_t stride) {
     HWY_DYNAMIC_DISPATCH(overlaySceneRows)
     (rows, height, opacity, width, under, stride);
+}
+
+void drawScene(const SceneRow* rows, std::int16_t opacity, const MixPixel* under, std::ptrdiff_t stride,
+               MutablePixelView out, Storing storing) {
+    HWY_DYNAMIC_DISPATCH(drawSceneRows)(rows, opacity, under, stride, out, storing);
 }
 
 } // namespace framora::raster

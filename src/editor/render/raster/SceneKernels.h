@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/render/raster/MixTile.h"
+#include "editor/render/raster/PixelView.h"
 
 namespace framora::raster {
 
@@ -17,7 +18,7 @@ struct SceneRow {
     const MixPixel* dither; ///< What is added to the tint; Dither::period entries.
     /// For the `strip` pixels from each one on, in how many rows, from this one on downwards, they have all
     /// the same of the stripes: nothing or nothing else. 0 where they have some of both. Only for
-    /// overlayScene().
+    /// overlayScene() and drawScene().
     const std::uint8_t* alike = nullptr;
 
     static constexpr std::size_t strip = 8;
@@ -30,11 +31,17 @@ void paintScene(const SceneRow& row, std::int16_t opacity, std::size_t count, Mi
 /// The same mixed in overlay mode onto so many rows, which are `stride` pixels apart.
 void overlayScene(const SceneRow* rows, int height, std::int16_t opacity, std::size_t width, MixPixel* under,
                   std::ptrdiff_t stride);
+/// The same as packPixels() and streamPixels() write it: `out` is the rows, and `under` stays as it is. What
+/// is streamed begins on a line of the cache in every row.
+void drawScene(const SceneRow* rows, std::int16_t opacity, const MixPixel* under, std::ptrdiff_t stride,
+               MutablePixelView out, Storing storing);
 
 namespace plain {
 void paintScene(const SceneRow& row, std::int16_t opacity, std::size_t count, MixPixel* out);
 void overlayScene(const SceneRow* rows, int height, std::int16_t opacity, std::size_t width, MixPixel* under,
                   std::ptrdiff_t stride);
+void drawScene(const SceneRow* rows, std::int16_t opacity, const MixPixel* under, std::ptrdiff_t stride,
+               MutablePixelView out);
 } // namespace plain
 
 } // namespace framora::raster

@@ -62,4 +62,15 @@ void overlayScene(const SceneRow* rows, int height, std::int16_t opacity, std::s
         overlayRow(rows[y], opacity, width, under);
 }
 
+void drawScene(const SceneRow* rows, std::int16_t opacity, const MixPixel* under, std::ptrdiff_t stride,
+               MutablePixelView out) {
+    for (int y = 0; y < out.height; ++y, under += stride)
+        for (int x = 0; x < out.width; ++x) {
+            MixPixel pixel = under[x];
+            const SceneRow here{rows[y].tint + x, rows[y].stripes + x, rows[y].dither + x % Dither::period};
+            overlayRow(here, opacity, 1, &pixel);
+            plain::packPixels(&pixel, 1, out.row(y) + x);
+        }
+}
+
 } // namespace framora::raster::plain

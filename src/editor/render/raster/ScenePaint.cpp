@@ -170,4 +170,15 @@ bool ScenePaint::overlay(const TileRect& tile, MixPixel* under, std::ptrdiff_t s
     return true;
 }
 
+bool ScenePaint::drawOverlaid(const TileRect& tile, const MixPixel* under, std::ptrdiff_t stride,
+                              MutablePixelView out, Storing storing) const {
+    // What goes past the caches goes out in whole lines of them.
+    constexpr std::size_t line = 64;
+    if (storing == Storing::streamed &&
+        (reinterpret_cast<std::uintptr_t>(out.data) % line != 0 || std::size_t(out.stride) % line != 0))
+        return false;
+    drawScene(rowsOf(tile).data(), m_white, under, stride, out, storing);
+    return true;
+}
+
 } // namespace framora::raster

@@ -1,6 +1,7 @@
 #include "editor/render/raster/ShadowPaint.h"
 
 #include "editor/render/raster/Dither.h"
+#include "editor/render/raster/MixKernels.h"
 
 #include <algorithm>
 #include <array>
@@ -21,24 +22,16 @@ std::int16_t offsetAt(int x, int y) {
     return std::int16_t(offset - (offset >> 2));
 }
 
-int toMix(float alpha) {
-    return int(alpha * float(mixOne) + 0.5f);
+MixPixel black(float alpha) {
+    return {{0, 0, 0, std::int16_t(alpha * float(mixOne) + 0.5f)}};
 }
 
-MixPixel black(int alpha, int offset) {
-    return {{0, 0, 0, std::int16_t(alpha > 0 ? std::clamp(alpha + offset, 0, mixOne) : 0)}};
-}
-
-using Offsets = std::array<int, std::size_t(Dither::period)>;
-
-/// A row of black(): in whole periods, so that the compiler makes vectors of them.
-void blacken(const int* alphas, const Offsets& offsets, int count, MixPixel* out) {
-    int x = 0;
-    for (; x + Dither::period <= count; x += Dither::period)
-        for (int i = 0; i < Dither::period; ++i)
-            out[x + i] = black(alphas[x + i], offsets[std::size_t(i)]);
-    for (; x < count; ++x)
-        out[x] = black(alphas[x], offsets[std::size_t(x % Dither::period)]);
+/// The offsets of the pixels from (x, y) on, for ditherAlphas().
+std::array<MixPixel, std::size_t(Dither::period)> offsetsFrom(int x, int y) {
+    std::array<MixPixel, std::size_t(Dither::period)> offsets;
+    for (int i = 0; i < Dither::period; ++i)
+        offsets[std::size_t(i)] = {{0, 0, 0, offsetAt(x + i, y)}};
+    return offsets;
 }
 
 } // namespace
@@ -131,11 +124,19 @@ void ShadowPaint::shade(int x, int y, int count, Float4* out) const {
 }
 
 void ShadowPaint::mix(const TileRect& tile, MixPixel* out) const {
+    thread_local std::vector<MixPixel> blacks; // of a row, without the dither
+    blacks.resize(std::size_t(tile.width));
+    const auto ditherRow = [&](int y) {
+        ditherAlphas(blacks.data(), offsetsFrom(tile.x, y).data(), blacks.size(), out);
+        out += tile.width;
+    };
     const bool isUpright = m_toLocal.isAffine() && m_toLocal(0, 1) == 0 && m_toLocal(1, 0) == 0;
     if (!isUpright) {
-        for (int y = tile.y; y < tile.y + tile.height; ++y)
-            for (int x = tile.x; x < tile.x + tile.width; ++x)
-                *out++ = black(toMix(alpha(m_toLocal.map({x + 0.5, y + 0.5}))), offsetAt(x, y));
+        for (int y = tile.y; y < tile.y + tile.height; ++y) {
+            for (int x = 0; x < tile.width; ++x)
+                blacks[std::size_t(x)] = black(alpha(m_toLocal.map({tile.x + x + 0.5, y + 0.5})));
+            ditherRow(y);
+        }
         return;
     }
     const double w = m_toLocal(2, 2);
@@ -146,32 +147,22 @@ void ShadowPaint::mix(const TileRect& tile, MixPixel* out) const {
     columns.clear();
     for (int x = tile.x; x < tile.x + tile.width; ++x)
         columns.push_back(m_columns.place(along(m_toLocal(0, 0), m_toLocal(0, 2), x)));
-    // Along the middle of a straight side, and in the middle of the card, the columns are alike; but for the
-    // dither, which repeats.
+    // Along the middle of a straight side, and in the middle of the card, the columns are alike.
     const auto isMiddle = [](Place place) { return place.index == 0 && place.part == 0; };
-    const bool isAlike = tile.width > Dither::period && std::all_of(columns.begin(), columns.end(), isMiddle);
+    const bool isAlike = std::ranges::all_of(columns, isMiddle);
     Place above{-1, 0};
-    for (int y = tile.y; y < tile.y + tile.height; ++y, out += tile.width) {
+    for (int y = tile.y; y < tile.y + tile.height; ++y) {
         const Place here = m_rows.place(along(m_toLocal(1, 1), m_toLocal(1, 2), y));
-        Offsets offsets;
-        for (int x = 0; x < Dither::period; ++x)
-            offsets[std::size_t(x)] = offsetAt(tile.x + x, y);
-        if (isAlike) {
-            const int middle = toMix(read(columns.front(), here));
-            for (int x = 0; x < Dither::period; ++x)
-                out[x] = black(middle, offsets[std::size_t(x)]);
-            for (int x = Dither::period; x < tile.width; ++x)
-                out[x] = out[x - Dither::period];
-            continue;
+        // Else it is the same as in the row above.
+        if (here.index != above.index || here.part != above.part) {
+            if (isAlike)
+                std::ranges::fill(blacks, black(read(columns.front(), here)));
+            else
+                std::ranges::transform(columns, blacks.begin(),
+                                       [&](Place column) { return black(read(column, here)); });
         }
-        // The same from top to bottom.
-        thread_local std::vector<int> alphas;
-        alphas.resize(columns.size());
-        if (here.index != above.index || here.part != above.part)
-            for (std::size_t x = 0; x < columns.size(); ++x)
-                alphas[x] = toMix(read(columns[x], here));
         above = here;
-        blacken(alphas.data(), offsets, tile.width, out);
+        ditherRow(y);
     }
 }
 
