@@ -71,8 +71,8 @@ std::optional<bool> composePng(const Composition& composition, PngTarget& target
             const raster::PixelView drawn = drawnRows(picture, first, end, room);
             return isOpaque && !raster::areRowsOpaque(drawn) ? raster::PixelView() : drawn;
         };
-        if (raster::writePng({picture.width(), picture.height(), isOpaque, rows}, resolution,
-                             raster::PngSpeed::compact, write))
+        if (raster::writePng({picture.width(), picture.height(), isOpaque, rows, picture.rowTiles()},
+                             resolution, raster::PngSpeed::compact, write))
             return true;
         target.clear();
     }

@@ -43,13 +43,26 @@ void NamelessFile::write(std::span<const std::uint8_t> bytes) {
             continue;
         if (count <= 0)
             m_error = count < 0 ? errno : EIO;
-        bytes = bytes.subspan(std::size_t(std::max<ssize_t>(count, 0)));
+        const auto written = std::size_t(std::max<ssize_t>(count, 0));
+        bytes = bytes.subspan(written);
+        startStoring(written);
     }
+}
+
+void NamelessFile::startStoring(std::size_t written) {
+    constexpr off_t piece = 1 << 20;
+    m_size += off_t(written);
+    if (m_size - m_storing < piece)
+        return;
+    // Whether it succeeds is asked at the end.
+    sync_file_range(m_descriptor, m_storing, m_size - m_storing, SYNC_FILE_RANGE_WRITE);
+    m_storing = m_size;
 }
 
 void NamelessFile::clear() {
     const bool isEmpty = lseek(m_descriptor, 0, SEEK_SET) == 0 && ftruncate(m_descriptor, 0) == 0;
     m_error = isEmpty ? 0 : errno;
+    m_size = m_storing = 0;
 }
 
 QString NamelessFile::error() const {

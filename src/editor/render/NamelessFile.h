@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <sys/types.h>
 
 namespace framora {
 
@@ -25,8 +26,12 @@ public:
     bool commit();
 
 private:
+    void startStoring(std::size_t written);
+
     int m_descriptor = -1;
-    int m_error = 0; ///< errno of the write that failed.
+    int m_error = 0;     ///< errno of the write that failed.
+    off_t m_size = 0;    ///< Written so far,
+    off_t m_storing = 0; ///< and of that what the disk was given already, so that commit() waits for less.
     QByteArray m_folder;
     QByteArray m_name;
 };

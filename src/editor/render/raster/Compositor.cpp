@@ -413,6 +413,10 @@ Compositor::Compositor(int width, int height, std::vector<Layer> layers)
 
 Compositor::~Compositor() = default;
 
+const TileAxis& Compositor::rowTiles() const {
+    return m_shapes->grid.rows;
+}
+
 void Compositor::draw(MutablePixelView rows, int top) const {
     const TileGrid& grid = m_shapes->grid;
     const int bottom = top + rows.height;

@@ -5,6 +5,7 @@
 #include "editor/render/raster/PixelView.h"
 #include "editor/render/raster/Placement.h"
 #include "editor/render/raster/RoundedRect.h"
+#include "editor/render/raster/TileGrid.h"
 
 #include <functional>
 #include <memory>
@@ -78,6 +79,8 @@ public:
     /// Draws the picture's rows from `top` on, as many as `rows` has; it is as wide as the picture. By this
     /// thread alone, but different rows at once by different ones.
     void draw(MutablePixelView rows, int top) const;
+    /// Where draw() is best begun and ended.
+    const TileAxis& rowTiles() const;
     /// Whether every pixel is known to be opaque without drawing it.
     bool isSurelyOpaque() const;
 

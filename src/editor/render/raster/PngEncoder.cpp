@@ -22,14 +22,16 @@ namespace {
 using Bytes = std::vector<std::uint8_t>;
 
 // Rows are filtered and compressed in stripes of about this many bytes, each a chunk of its own, on all
-// threads. The size is fixed so that the file does not depend on how many there are.
+// threads. The size is fixed so that the file does not depend on how many there are. Where rows are drawn
+// for it, a stripe's begin and end cost more than others: those of large pictures are whole tiles.
 constexpr std::size_t stripeBytes = 1 << 20;
+constexpr int stripeRows = 32;
 
 // Pictures up to this many bytes get the better and slower search for matches.
 constexpr std::size_t thoroughBytes = 8u << 20;
 
 // Rows are drawn and filtered about so many bytes of pixels at a time, which stay in the second-level cache,
-// and in whole tiles of the compositor.
+// but at least so many rows.
 constexpr std::size_t bandBytes = 512 << 10;
 constexpr std::size_t bandRows = 32;
 
@@ -95,6 +97,13 @@ bool isSmall(const PngSource& picture, PngRowFormat format) {
     return format.rowBytes(picture.width) * std::size_t(picture.height) <= thoroughBytes;
 }
 
+int stripeHeight(const PngSource& picture, PngRowFormat format) {
+    const int rows = int(std::clamp<std::size_t>(stripeBytes / format.rowBytes(picture.width), 1,
+                                                 std::size_t(picture.height)));
+    return isSmall(picture, format) || rows < stripeRows ? rows
+                                                         : (rows + stripeRows - 1) / stripeRows * stripeRows;
+}
+
 /// What one thread encodes with; its memory is used again for the next stripe.
 struct Workshop {
     explicit Workshop(DeflateEffort effort) : deflater(effort) {}
@@ -146,11 +155,12 @@ std::span<const std::uint8_t> filteredRows(const PngSource& picture, PngRowForma
     const std::size_t rowBytes = format.rowBytes(picture.width);
     const auto filtered = workshop.filteredRoom(std::size_t(endRow - firstRow) * rowBytes);
     PngRowFilter filter(format, picture.width);
-    const std::size_t tiles = bandBytes / (std::size_t(picture.width) * sizeof(std::uint32_t) * bandRows);
-    const int rowsAtOnce = int(bandRows * std::max<std::size_t>(1, tiles));
+    const std::size_t pixelBytes = std::size_t(picture.width) * sizeof(std::uint32_t);
+    const TileAxis tiles = picture.tiles.length > 0 ? picture.tiles : TileAxis{picture.height, stripeRows};
+    const int tilesAtOnce = std::max(1, int(std::max(bandRows, bandBytes / pixelBytes)) / tiles.size);
     std::uint8_t* out = filtered.data();
     for (int y = firstRow > 0 ? firstRow - 1 : 0, end = 0; y < endRow; y = end) {
-        end = std::min((y / rowsAtOnce + 1) * rowsAtOnce, endRow);
+        end = std::min(tiles.start((tiles.indexOf(y) / tilesAtOnce + 1) * tilesAtOnce), endRow);
         PixelView rows = picture.rows(y, end, workshop.room);
         if (rows.isEmpty())
             throw std::bad_alloc();
@@ -165,19 +175,22 @@ std::span<const std::uint8_t> filteredRows(const PngSource& picture, PngRowForma
     return filtered;
 }
 
+/// `room` becomes the chunk.
 Stripe encodeStripe(const PngSource& picture, PngRowFormat format, PngSpeed speed, int firstRow, int endRow,
-                    Workshop& workshop) {
+                    Workshop& workshop, Bytes room) {
     const std::size_t rowBytes = format.rowBytes(picture.width);
-    // The compact stream goes on from the stripe before, so the rows in its window are filtered once more.
+    // A small picture's compact stream goes on from the stripe before, so the rows in its window are filtered
+    // once more. A large one's would be smaller by a thousandth.
     const std::size_t windowRows = (std::size_t(deflate::windowSize) + rowBytes - 1) / rowBytes;
-    const int rowsBefore = speed == PngSpeed::compact ? std::min(firstRow, int(windowRows)) : 0;
+    const bool goesOn = speed == PngSpeed::compact && isSmall(picture, format);
+    const int rowsBefore = goesOn ? std::min(firstRow, int(windowRows)) : 0;
     const std::span<const std::uint8_t> rows =
         filteredRows(picture, format, firstRow - rowsBefore, endRow, workshop);
     const std::size_t begin = std::size_t(rowsBefore) * rowBytes;
     const std::span<const std::uint8_t> filtered = rows.subspan(begin);
     const bool isLast = endRow == picture.height;
 
-    Stripe stripe;
+    Stripe stripe{.chunk = std::move(room)};
     stripe.length = filtered.size();
     stripe.adler = isal_adler32(1, filtered.data(), filtered.size());
     const std::size_t start = startChunk(stripe.chunk, "IDAT");
@@ -269,6 +282,16 @@ class StripeQueue {
 public:
     StripeQueue(std::size_t count, const PngSink& sink) : m_waiting(count), m_sink(sink) {}
 
+    /// Empty bytes, where possible in the memory of a stripe that was handed on: fresh memory takes longer
+    /// than what is written into it.
+    Bytes room() {
+        const std::lock_guard lock(m_mutex);
+        if (m_rooms.empty())
+            return {};
+        Bytes room = std::move(m_rooms.back());
+        m_rooms.pop_back();
+        return room;
+    }
     void add(std::size_t index, Stripe stripe) {
         const std::lock_guard lock(m_mutex);
         m_waiting[index] = std::move(stripe);
@@ -281,7 +304,8 @@ public:
                 finishChunk(next.chunk, startChunk(next.chunk, "IEND"));
             }
             m_sink(next.chunk);
-            next.chunk = {};
+            next.chunk.clear();
+            m_rooms.push_back(std::move(next.chunk));
         }
     }
     bool isComplete() const { return m_next == m_waiting.size(); }
@@ -289,6 +313,7 @@ public:
 private:
     std::mutex m_mutex;
     std::vector<Stripe> m_waiting;
+    std::vector<Bytes> m_rooms;
     std::size_t m_next = 0;
     std::uint32_t m_adler = 1;
     const PngSink& m_sink;
@@ -309,8 +334,7 @@ bool writePng(const PngSource& picture, std::uint32_t pixelsPerMetre, PngSpeed s
     Workshops workshops(isSmall(picture, format) ? DeflateEffort::thorough : DeflateEffort::quick);
     if (speed == PngSpeed::compact)
         format.filtering = chooseFiltering(picture, format, workshops);
-    const int rowsPerStripe = int(std::clamp<std::size_t>(stripeBytes / format.rowBytes(picture.width), 1,
-                                                          std::size_t(picture.height)));
+    const int rowsPerStripe = stripeHeight(picture, format);
     const int count = (picture.height - 1) / rowsPerStripe + 1;
     sink(header(picture, pixelsPerMetre));
     StripeQueue queue(std::size_t(count), sink);
@@ -322,7 +346,8 @@ bool writePng(const PngSource& picture, std::uint32_t pixelsPerMetre, PngSpeed s
         const int endRow = std::min(picture.height - firstRow, rowsPerStripe) + firstRow;
         try {
             std::unique_ptr<Workshop> workshop = workshops.take();
-            queue.add(std::size_t(i), encodeStripe(picture, format, speed, firstRow, endRow, *workshop));
+            queue.add(std::size_t(i),
+                      encodeStripe(picture, format, speed, firstRow, endRow, *workshop, queue.room()));
             workshops.giveBack(std::move(workshop));
         } catch (const std::bad_alloc&) {
             failed = true;

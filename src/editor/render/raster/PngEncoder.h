@@ -1,6 +1,7 @@
 #pragma once
 
 #include "editor/render/raster/PixelBuffer.h"
+#include "editor/render/raster/TileGrid.h"
 
 #include <cstdint>
 #include <functional>
@@ -36,6 +37,7 @@ struct PngSource {
     /// The rows [first, end): a view of them alone, in `room` or elsewhere; empty when that fails. From
     /// several threads at once, each with its own room, which may hold rows of before.
     std::function<PixelView(int first, int end, PixelBuffer& room)> rows;
+    TileAxis tiles = {}; ///< Rows are asked for in whole ones of these, wherever possible.
 };
 /// The same file as of the finished picture. False also where no rows are given.
 bool writePng(const PngSource& source, std::uint32_t pixelsPerMetre, PngSpeed speed, const PngSink& sink);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 
 namespace framora::raster {
 
@@ -16,7 +17,7 @@ struct TileAxis {
     /// The picture's end for count().
     int start(int index) const {
         const int before = lead > 0 ? size - lead : 0;
-        return std::clamp(index * size - before, 0, length);
+        return int(std::clamp<std::int64_t>(std::int64_t(index) * size - before, 0, length));
     }
     bool operator==(const TileAxis&) const = default;
 };
