@@ -158,5 +158,41 @@ TEST(FootprintSampler, MixesBlocksThatSpreadFarOverThePictureInPiecesOfTheSameCo
     }
 }
 
+TEST(FootprintSampler, ReadsNotMuchForAPixelOfAPictureThatIsSeenNearlyFromItsSide) {
+    const PixelBuffer buffer = [] {
+        PixelBuffer checks = PixelBuffer::create(2560, 1600);
+        for (int y = 0; y < 1600; ++y)
+            for (int x = 0; x < 2560; ++x)
+                checks.mutableView().row(y)[x] = (x + y) % 2 ? 0xffffffffu : 0xff000000u;
+        return checks;
+    }();
+    const PicturePyramid pyramid(buffer.view());
+    const Homography centre = Homography::translation(1280, 800);
+    for (const double degrees : {89.5, 89.8, 89.9, 89.97, 89.99, -89.9}) {
+        const Homography toSource =
+            centre * (Homography::scaling(2, 2) * Homography::tiltY(degrees, 2560)).inverse();
+        const FootprintSampler sampler(pyramid, toSource);
+        int farthest = 0;
+        int shown = 0;
+        for (int y = -1760; y < 1760; y += 4)
+            for (int x = -128; x < 128; ++x) {
+                const Vec2 middle{x + 0.5, y + 2.5};
+                const Vec2 source = toSource.map(middle);
+                if (toSource.depth(middle) <= 0 || std::abs(source.x - 1280) > 1100 ||
+                    std::abs(source.y - 800) > 700)
+                    continue;
+                const TileRect block{x & ~7, y, 8, 4};
+                farthest = std::max(farthest, sampler.reach(block));
+                // One grey wherever many checks lie under a pixel.
+                Float4 pixel;
+                sampler.read(block, x, y + 2, 1, &pixel);
+                EXPECT_NEAR(pixel[0], 127.5, 3) << degrees << ": " << x << ", " << y;
+                ++shown;
+            }
+        EXPECT_GT(shown, 500) << degrees;
+        EXPECT_LT(farthest, 150) << degrees;
+    }
+}
+
 } // namespace
 } // namespace framora::raster

@@ -15,6 +15,8 @@ constexpr double longestFootprint = 16;
 // Readings are this far apart at most, in their widths.
 constexpr double widestGap = 0.9;
 constexpr int mostReadings = 12;
+// Readings lie no farther from a footprint's middle, in pixels of the level.
+constexpr double farthestReading = 64;
 // A cubic's variance in squares of its width, about.
 constexpr double variance = 0.25;
 
@@ -104,13 +106,13 @@ std::optional<FootprintSampler::Plan> FootprintSampler::shearedPlan(const TileRe
     if (!corners)
         return std::nullopt;
     Plan plan;
-    chooseLevel(*corners, plan);
+    chooseLevel(*corners, 0, plan);
     if (plan.isCubic)
         plan.sheared = ShearedBlock::make(plan.level, plan.toLevel, block, plan.most);
     return plan.sheared ? std::optional(plan) : std::nullopt;
 }
 
-void FootprintSampler::chooseLevel(const Corners& corners, Plan& plan) const {
+void FootprintSampler::chooseLevel(const Corners& corners, int further, Plan& plan) const {
     double narrowX = 1e12;
     double narrowY = 1e12;
     double largestX = 1;
@@ -130,6 +132,8 @@ void FootprintSampler::chooseLevel(const Corners& corners, Plan& plan) const {
     // Different ones across and down of almost the picture's size would take long to make, and much memory.
     if (std::min(levelX, levelY) < 1)
         levelX = levelY = std::min(levelX, levelY);
+    levelX += further;
+    levelY += further;
     plan.level = m_pyramid.level(levelX, levelY);
     const double scaleX = double(plan.level.width) / m_pyramid.picture().width;
     const double scaleY = double(plan.level.height) / m_pyramid.picture().height;
@@ -143,6 +147,19 @@ void FootprintSampler::chooseLevel(const Corners& corners, Plan& plan) const {
     };
     plan.isCubic = fits(mostX, levelX) && fits(mostY, levelY);
     plan.most = plan.isCubic ? std::min(plan.most, CubicTaps::widthCount - 1) : plan.most + 1;
+}
+
+double FootprintSampler::placeReadings(const Ellipse& aslant, double slant, Plan& plan) const {
+    const double longX = std::sqrt(aslant.xx) * plan.level.width / m_pyramid.picture().width;
+    const double longY = std::sqrt(aslant.yy) * plan.level.height / m_pyramid.picture().height;
+    const int gaps = plan.line.count * plan.line.count - 1;
+    const double gap = std::sqrt(12 * variance / gaps * slant * double(plan.share));
+    const double most = 2 * farthestReading / plan.line.count;
+    plan.line.stepX = int(std::min(longX * gap, most) * FootprintTaps::phases);
+    plan.line.stepY = int(std::min(longY * gap, most) * FootprintTaps::phases);
+    if (aslant.xy < 0)
+        plan.line.stepY = -plan.line.stepY;
+    return std::max(longX, longY) * gap * plan.line.count / 2;
 }
 
 FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
@@ -179,19 +196,15 @@ FootprintSampler::Plan FootprintSampler::plan(const TileRect& block) const {
             std::ceil(std::sqrt(1 + 12 * variance * slant / (widestGap * widestGap))), mostReadings));
     }
 
-    chooseLevel(corners, plan);
-    const double scaleX = double(plan.level.width) / m_pyramid.picture().width;
-    const double scaleY = double(plan.level.height) / m_pyramid.picture().height;
-
+    chooseLevel(corners, 0, plan);
     if (plan.line.count > 1) {
-        const int gaps = plan.line.count * plan.line.count - 1;
-        const double gap =
-            std::sqrt(12 * variance / gaps * slant * double(plan.share)) * FootprintTaps::phases;
-        constexpr double farthest = 1 << 14;
-        plan.line.stepX = int(std::min(std::sqrt(aslant.xx) * scaleX * gap, farthest));
-        plan.line.stepY = int(std::min(std::sqrt(aslant.yy) * scaleY * gap, farthest));
-        if (aslant.xy < 0)
-            plan.line.stepY = -plan.line.stepY;
+        // Where the longest of very different footprints, as in a picture seen nearly from its side, reaches
+        // across all of the level that fits the narrowest, the block takes one that it fits as well.
+        const double reach = placeReadings(aslant, slant, plan);
+        if (reach > farthestReading) {
+            chooseLevel(corners, std::ilogb(reach * reach / (farthestReading * farthestReading)) + 1, plan);
+            placeReadings(aslant, slant, plan);
+        }
     }
     const int longStep = std::max(plan.line.stepX, std::abs(plan.line.stepY));
     plan.reach = plan.line.count * longStep / 2 >> FootprintTaps::phaseBits;

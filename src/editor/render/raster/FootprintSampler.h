@@ -30,6 +30,9 @@ public:
     /// The same for a part of a block, 0...mixOne. Its rows in `out` are `stride` pixels apart.
     void mix(const TileRect& block, const TileRect& part, MixPixel* out, int stride) const;
 
+    /// How far from its place a pixel of the block may read, in pixels of the reduction that is read.
+    int reach(const TileRect& block) const { return plan(block).reach; }
+
     /// Whether footprints differ so much in a block that one rule for all of it would read far too much.
     bool isUneven(const TileRect& block) const;
 
@@ -67,8 +70,12 @@ private:
     std::optional<Corners> shearedCorners(const TileRect& block) const;
     /// The plan for a ShearedBlock where one does.
     std::optional<Plan> shearedPlan(const TileRect& block) const;
-    /// Which reduction fits these footprints, as far as widths answer for them, and with which widths.
-    void chooseLevel(const Corners& corners, Plan& plan) const;
+    /// Which reduction fits these footprints, as far as widths answer for them, or one that is so many steps
+    /// further, and with which widths.
+    void chooseLevel(const Corners& corners, int further, Plan& plan) const;
+    /// Where on the level the readings along a footprint lie. Gives how far the outer ones should, in its
+    /// pixels: no farther than farthestReading do they.
+    double placeReadings(const Ellipse& aslant, double slant, Plan& plan) const;
     /// The footprints [from, end) of row y of a block, which lies at `map` in the level.
     static void project(const Plan& plan, const Homography& map, const TileRect& block, int y, int from,
                         int end, FootprintPlaces& out);
