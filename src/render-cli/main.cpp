@@ -43,11 +43,12 @@ std::FILE* takeErrorStream() {
 #endif
 }
 
-/// Fonts come with a graphical application, which costs start-up time: only where there is a text to draw. It
-/// needs no display.
+/// Fonts come with a graphical application, which costs start-up time: only where there may be a text to
+/// draw, by --text or as a field. It needs no display.
 std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv) {
     const bool drawsText = std::any_of(argv, argv + argc, [](const char* argument) {
-        return std::string_view(argument).starts_with("--text");
+        const std::string_view word(argument);
+        return word.starts_with("--text") || word.find("textOverlays") != word.npos;
     });
     if (!drawsText)
         return std::make_unique<QCoreApplication>(argc, argv);
