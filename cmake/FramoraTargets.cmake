@@ -16,6 +16,36 @@ function(framora_room name)
   target_link_libraries(${name} PUBLIC framora_options ${ROOM_LINK} PRIVATE ${ROOM_PRIVATE_LINK})
 endfunction()
 
+# framora_qml_module(NAME URI ... QML ... SOURCES ... LINK ... [IMPORTS ...]): the static library of one room that is a
+# QML module as well.
+function(framora_qml_module name)
+  cmake_parse_arguments(MODULE "" "URI" "QML;SOURCES;LINK;IMPORTS" ${ARGN})
+  string(REPLACE "." "/" folder ${MODULE_URI})
+  if(MODULE_IMPORTS)
+    list(PREPEND MODULE_IMPORTS IMPORTS)
+  endif()
+  qt_add_qml_module(${name}
+    URI ${MODULE_URI}
+    VERSION 1.0
+    STATIC
+    NO_PLUGIN
+    RESOURCE_PREFIX /framora/qml
+    DEPENDENCIES QtQuick
+    ${MODULE_IMPORTS}
+    OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/qml/${folder}
+    QML_FILES ${MODULE_QML}
+    SOURCES ${MODULE_SOURCES})
+  target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC framora_options ${MODULE_LINK} Qt6::Qml Qt6::Quick)
+
+  # What the QML compiler generates is not held to our warnings.
+  foreach(file IN LISTS MODULE_QML)
+    string(REPLACE ".qml" "_qml.cpp" generated ${file})
+    set_source_files_properties(${CMAKE_CURRENT_BINARY_DIR}/.rcc/qmlcache/${name}_${generated}
+      PROPERTIES COMPILE_OPTIONS -Wno-error\;-w)
+  endforeach()
+endfunction()
+
 # framora_module(NAME SOURCES ... LINK ...): a part that the program loads at its first use.
 function(framora_module name)
   cmake_parse_arguments(MODULE "" "" "SOURCES;LINK" ${ARGN})
