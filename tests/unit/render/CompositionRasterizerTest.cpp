@@ -378,15 +378,18 @@ TEST(LivePicture, ShowsWhatIsDrawnFromNothingWhateverTheFramesBeforeIt) {
                     ASSERT_TRUE(frames.areExact(composition)) << int(type) << " " << gesture << " " << part;
                 }
             }
-    // A background that comes back after another one, which took its memory.
+    // A background that comes back after another one, which took the memory that it was converted to. It is
+    // hidden at first.
     style = {};
     style.backgroundType = BackgroundType::image;
-    const QImage first = noisePicture(60, 70);
-    for (const bool isFirst : {true, true, true, false, true, true}) {
-        composition.loadedBackgroundImage = isFirst ? first : flatPicture(60, 70);
-        style.gradientConfig.blurAmount = isFirst ? 3 : 30;
-        ASSERT_TRUE(frames.areExact(composition));
-        composition.dragOffset.width += 20;
+    style.scale = 2;
+    const QImage first = noisePicture(60, 70).convertToFormat(QImage::Format_ARGB32);
+    const QImage second = flatPicture(60, 70).convertToFormat(QImage::Format_ARGB32);
+    for (const int frame : {0, 1, 2, 3, 4, 5}) {
+        composition.loadedBackgroundImage = frame == 3 ? second : first;
+        style.gradientConfig.blurAmount = frame == 3 ? 30 : 2;
+        composition.dragOffset = {frame < 4 ? 0.0 : 250.0, 0};
+        ASSERT_TRUE(frames.areExact(composition)) << frame;
     }
     // Other pictures in the same place.
     for (int i = 0; i < 3; ++i) {
