@@ -18,7 +18,8 @@ struct DecoderOrder {
 
 /// Runs one of the decoders (framora-heif, framora-video-still) on an open file and waits for its picture,
 /// for some twenty seconds at most. Upright, ARGB32_Premultiplied in sRGB; null when the decoder is missing,
-/// finds no picture, exceeds its bounds or dies. The descriptor stays the caller's. From any thread.
+/// finds no picture, exceeds its bounds or dies. The descriptor stays the caller's. From any thread. Throws
+/// std::bad_alloc.
 /// `order` may ask for less than all of the picture.
 QImage decodeInProcess(const QString& decoder, int fileDescriptor, const DecoderOrder& order = {});
 

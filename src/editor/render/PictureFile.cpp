@@ -145,8 +145,6 @@ LoadedPicture decoded(const QByteArray& encoded, const DecodingBounds& bounds) {
     if (!isWithinBounds(image.size()))
         return failure(QStringLiteral("the picture has more pixels than can be drawn"));
     image = srgbPicture(std::move(image));
-    if (image.isNull())
-        throw std::bad_alloc();
     image.setDevicePixelRatio(storedPixelRatio(encoded));
     return {.image = image, .error = QString()};
 }

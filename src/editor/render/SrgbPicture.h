@@ -4,8 +4,8 @@
 
 namespace framora {
 
-/// The picture in sRGB as ARGB32_Premultiplied, without a colour space of its own; in place where it is not
-/// shared. Null when it is, or when memory is short.
+/// The picture in sRGB as ARGB32_Premultiplied, without a colour space of its own; in place where its pixels
+/// have 32 bits and it is not shared. Null when it is. Throws std::bad_alloc.
 QImage srgbPicture(QImage&& image);
 
 } // namespace framora
