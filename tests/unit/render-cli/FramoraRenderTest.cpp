@@ -1,10 +1,12 @@
 #include "editor/render/PictureFile.h"
 #include "editor/render/ScreenshotRenderer.h"
 #include "render-cli/DefaultStyle.h"
+#include "render-cli/StyleFieldSetter.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QHash>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -134,6 +136,91 @@ TEST_F(FramoraRender, AFieldChangesThePicture) {
     const QImage orange = loadPicture(path("b.png")).image;
     EXPECT_EQ(orange.size(), QSize(2 * 140, 2 * 100));
     EXPECT_EQ(orange.pixel(2, 2), 0xffff8000u);
+}
+
+TEST_F(FramoraRender, EveryFieldThatIsDrawnChangesThePictureAndTheOthersDoNot) {
+    const QStringList framed{"mockupStyle=border", "backgroundType=gradient"};
+    const QStringList coloured{"backgroundType=color"};
+    const QStringList shaded = framed + QStringList{"selectedShadowScene=Name:ffffff,000000"};
+    const QStringList redacted = framed + QStringList{"redactEnabled=true"};
+    struct Case {
+        QString value = "12.5";
+        QStringList base = {}; ///< What shows it; `framed` when empty.
+        bool isDrawn = true;
+        bool inPreview = false;
+    };
+    const Case carried{.value = "12.5", .base = {}, .isDrawn = false};
+    const QHash<QString, Case> cases{
+        {"mockupStyle", {"glassEffect"}},
+        {"showMockup", {"false"}},
+        {"borderColor", {"ffcc00"}},
+        {"borderStyle", {"round", {}, false}}, // the radius says
+        {"imageScale", {"50"}},
+        {"screenshotOffset", {"10,5"}},
+        {"perspective", carried},
+        {"backgroundType", {"color"}},
+        {"selectedMagicPreset", {"3", coloured}},
+        {"selectedShadowScene", {"Name:ffffff,000000"}},
+        {"selectedSolidColor", {"ff0000", coloured}},
+        {"selectedGradient", {"ff0000,0000ff@90", coloured}},
+        {"backgroundImageURL", {"shot.png", {"backgroundType=image"}}},
+        {"customColor", {"ff0000", coloured}},
+        {"gradientConfig.style", {"radial"}},
+        {"gradientConfig.color1", {"abcdef"}},
+        {"gradientConfig.color2", {"abcdef"}},
+        {"gradientConfig.color3", {"abcdef", framed + QStringList{"gradientConfig.useThreeColors=true"}}},
+        {"gradientConfig.useThreeColors", {"true"}},
+        {"gradientConfig.noiseAmount", {"50", {}, true, true}},
+        {"selectedGradientPreset", {"Trench"}},
+        {"backgroundNoise", carried},
+        {"backgroundBlur", carried},
+        {"shadowSceneMode", {"overlay", shaded}},
+        {"shadowSceneOpacity", {"30", shaded}},
+        {"textOverlays", {R"([{"text":"again"}])"}},
+        {"redactEnabled", {"true", framed + QStringList{R"(redactRegions=[{"rect":[1,2,30,40]}])"}, false}},
+        {"redactStyle", {"pixelate", redacted, false}},
+        {"redactRegions", {R"([{"rect":[1,2,30,40]}])", redacted, false}},
+        {"selectedSocialPreset", {"Instagram/Story"}},
+        {"zoom", {"50", {}, false}},
+        {"scale", {"0.5"}},
+    };
+    const auto drawn = [this](const QStringList& settings, bool inPreview) {
+        QStringList words{"shot.png", "-o", "-"};
+        for (const QString& setting : settings)
+            words << "--set" << setting;
+        if (inPreview)
+            words << "--preview";
+        const Outcome outcome = run(words);
+        EXPECT_EQ(outcome.status, 0) << outcome.errors.constData();
+        return outcome.output;
+    };
+    QHash<QStringList, QByteArray> without;
+    for (const QString& field : StyleFieldSetter::fieldNames()) {
+        const Case one = cases.value(field);
+        const QStringList base = one.base.isEmpty() ? framed : one.base;
+        const QStringList key = base + QStringList(one.inPreview ? "--preview" : "");
+        if (!without.contains(key))
+            without.insert(key, drawn(base, one.inPreview));
+        const QByteArray with = drawn(base + QStringList(field + u'=' + one.value), one.inPreview);
+        EXPECT_EQ(with != without.value(key), one.isDrawn) << field.toStdString();
+    }
+}
+
+TEST_F(FramoraRender, ATextIsTheSameByEitherOption) {
+    const QStringList words{"shot.png", "-o", "-"};
+    const QByteArray bare = run(words).output;
+    const QByteArray byText = run(words + QStringList{"--text", R"({"text":"A"})"}).output;
+    EXPECT_NE(byText, bare);
+    EXPECT_EQ(run(words + QStringList{"--set", R"(textOverlays=[{"text":"A"}])"}).output, byText);
+    EXPECT_EQ(run(words + QStringList{R"(--set=textOverlays=[{"text":"A"}])"}).output, byText);
+}
+
+TEST_F(FramoraRender, ItReplacesNoneOfItsImagesInAFolder) {
+    const QByteArray before = read("shot.png");
+    expectOneLine(run({"shot.png", "--output-dir", "."}), 2, "'shot.png' would be replaced");
+    EXPECT_EQ(read("shot.png"), before);
+    EXPECT_EQ(run({"shot.png", "-o", "shot.png"}).status, 0) << "where it is asked for by name";
+    EXPECT_NE(read("shot.png"), before);
 }
 
 TEST_F(FramoraRender, ThePixelRatioComesFromTheFileOrTheOption) {

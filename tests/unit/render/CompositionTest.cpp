@@ -120,6 +120,18 @@ TEST(ScreenshotScale, FitsIntoAPresetAndNeverEnlarges) {
     EXPECT_NEAR(screenshotScale(tall, config), 0.5 * 635.0 / 2560, close);
 }
 
+TEST(ScreenshotScale, IntoAPresetDoesNotMindTheFrame) {
+    ScreenshotStyleConfig config = paddedStyle(80);
+    config.selectedSocialPreset = preset(1200, 675);
+    for (const MockupStyle style : {MockupStyle::border, MockupStyle::glassEffect}) {
+        config.mockupStyle = style;
+        config.mockupBorderSize = 4;
+        EXPECT_NEAR(screenshotScale({2400, 600}, config), 1160.0 / 2560, close);
+        EXPECT_NEAR(screenshotScale({600, 2400}, config), 635.0 / 2560, close);
+        EXPECT_NEAR(screenshotScale({1000, 475}, config), 1, close) << "the room's very size";
+    }
+}
+
 TEST(MockupPadding, IsWhatTheFrameTakes) {
     ScreenshotStyleConfig config;
     config.mockupBorderSize = 4;
