@@ -1,5 +1,6 @@
 #include "editor/render/raster/BlurKernels.h"
 
+#include "editor/render/raster/AlphaBytes.h"
 #include "editor/render/raster/Dither.h"
 
 #include <cstring>
@@ -140,12 +141,10 @@ void sumAllRuns(const MixPixel* sources, const BlurTaps& taps, int index, int co
 }
 
 HWY_INLINE Vector dithered(Vector pixels, Vector pattern) {
-    alignas(16) static constexpr std::uint8_t alphaPattern[16] = {6,  7,  6,  7,  6,  7,  6,  7,
-                                                                  14, 15, 14, 15, 14, 15, 14, 15};
     const hn::Repartition<std::uint8_t, Lanes> bytes;
     const Vector weak = hn::Sub(pattern, hn::ShiftRight<2>(pattern));
     const Vector alpha = hn::BitCast(
-        lanes, hn::TableLookupBytes(hn::BitCast(bytes, pixels), hn::LoadDup128(bytes, alphaPattern)));
+        lanes, hn::TableLookupBytes(hn::BitCast(bytes, pixels), hn::LoadDup128(bytes, alphaBytes)));
     const Vector limit = hn::Min(hn::Max(alpha, hn::Zero(lanes)), hn::Set(lanes, mixOne));
     return hn::Min(hn::Max(hn::SaturatedAdd(pixels, weak), hn::Zero(lanes)), limit);
 }

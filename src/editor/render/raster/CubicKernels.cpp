@@ -1,5 +1,6 @@
 #include "editor/render/raster/CubicKernels.h"
 
+#include "editor/render/raster/AlphaBytes.h"
 #include "editor/render/raster/ResampleKernels.h"
 
 #include <algorithm>
@@ -123,9 +124,7 @@ HWY_INLINE Vector readFour(const std::int16_t* pixels, std::ptrdiff_t stride, co
 
 void interpolate(const SourceBox& box, CubicOrigin origin, const FootprintPlaces& places, std::size_t first,
                  const FootprintLine& line, std::size_t count, MixPixel* out) {
-    alignas(16) static constexpr std::uint8_t ofAlpha[16] = {6,  7,  6,  7,  6,  7,  6,  7,
-                                                             14, 15, 14, 15, 14, 15, 14, 15};
-    const auto alphaPattern = hn::LoadDup128(bytes, ofAlpha);
+    const auto alphaPattern = hn::LoadDup128(bytes, alphaBytes);
     const std::int16_t* weights = CubicTaps::weights();
     const Spread spread = makeSpread();
     const std::ptrdiff_t stride = std::ptrdiff_t(box.width) * 4;

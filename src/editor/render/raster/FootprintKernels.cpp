@@ -1,5 +1,6 @@
 #include "editor/render/raster/FootprintKernels.h"
 
+#include "editor/render/raster/AlphaBytes.h"
 #include "editor/render/raster/ResampleKernels.h"
 
 #undef HWY_TARGET_INCLUDE
@@ -164,8 +165,7 @@ HWY_INLINE hn::Vec<OnePixel> readFootprint(const SourceBox& box, const Footprint
 void readRowFootprints(const SourceBox& box, const FootprintPlaces& places, std::size_t first,
                        const FootprintLine& line, std::size_t count, MixPixel* out) {
     const hn::Repartition<std::uint8_t, OnePixel> bytes;
-    alignas(16) static constexpr std::uint8_t ofAlpha[8] = {6, 7, 6, 7, 6, 7, 6, 7};
-    const auto alphaPattern = hn::Load(bytes, ofAlpha);
+    const auto alphaPattern = hn::Load(bytes, alphaBytes);
     const auto weight = hn::Set(onePixel, line.weight());
     for (std::size_t i = 0; i < count; ++i) {
         auto total = hn::Zero(onePixel);
