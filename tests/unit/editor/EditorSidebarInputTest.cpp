@@ -163,12 +163,10 @@ TEST_F(EditorSidebarInput, TheShareMenuGivesTheKeysBack) {
     queue.runPending();
     item("share")->forceActiveFocus(Qt::TabFocusReason);
     key(Qt::Key_Return);
-    QTest::qWait(250);
-    ASSERT_NE(window().activeFocusItem(), item("share"));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return window().activeFocusItem() != item("share"); }));
     key(Qt::Key_Escape);
-    QTest::qWait(250);
     ASSERT_NE(editor.editorWindow(), nullptr);
-    EXPECT_EQ(window().activeFocusItem(), item("share"));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return window().activeFocusItem() == item("share"); }));
 }
 
 TEST_F(EditorSidebarInput, AKeyThatIsHeldOpensTheColorPanelOnce) {
