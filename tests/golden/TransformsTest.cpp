@@ -129,6 +129,10 @@ TEST_F(Transforms, ASocialLayoutFitsWhatIsLargerThanItself) {
     m_golden.style.padding = 200.0;
     m_golden.style.imageScale = 150.0;
     expectMatch("social-fit");
+    // The frame is not counted in how large it may be.
+    m_golden.style.mockupStyle = MockupStyle::border;
+    m_golden.style.mockupBorderSize = 8.0;
+    expectMatch("social-fit-framed");
 }
 
 } // namespace
