@@ -61,10 +61,6 @@ void reduce(const BlurTaps& columnTaps, const BlurTaps& rowTaps, int sourceWidth
     });
 }
 
-} // namespace
-
-namespace {
-
 /// A block of a paint. The edge of the canvas, which goes on without end, is taken as it is, not dithered.
 void paintBlock(const Paint& paint, const TileRect& tile, int width, int height, MixPixel* out) {
     paint.mix(tile, out);

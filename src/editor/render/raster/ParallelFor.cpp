@@ -143,10 +143,6 @@ private:
     bool m_started = false;
 };
 
-} // namespace
-
-namespace {
-
 Pool& pool() {
     static const std::shared_ptr<Pool> shared = std::make_shared<Pool>();
     return *shared;
