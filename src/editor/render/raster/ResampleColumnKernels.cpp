@@ -6,7 +6,7 @@
 #include <cstring>
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "editor/render/raster/ResampleKernels.cpp"
+#define HWY_TARGET_INCLUDE "editor/render/raster/ResampleColumnKernels.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
@@ -15,12 +15,6 @@ namespace framora::raster::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR || HWY_HAVE_SCALABLE
 
 // No vectors, or none of a known size: the plain kernels.
-void widenAll(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
-    plain::widenRow(pixels, count, out);
-}
-void weighAllRows(PixelView picture, int column, const FixedTaps& taps, int index, const MixBlock& out) {
-    plain::weighRows(picture, column, taps, index, out);
-}
 void weighAllColumns(const MixBlock& source, const FixedTaps& taps, int index, Alpha alpha,
                      const MixBlock& out) {
     plain::weighColumns(source, taps, index, alpha, out);
@@ -50,114 +44,6 @@ HWY_INLINE void storePixels(Vector pixels, MixPixel* to) {
 HWY_INLINE Vector leastOpaque() {
     alignas(16) static constexpr std::int16_t least[8] = {0, 0, 0, filterOne, 0, 0, 0, filterOne};
     return hn::LoadDup128(lanes, least);
-}
-
-HWY_INLINE Vector widened(const std::uint32_t* pixels) {
-    const hn::Rebind<std::uint8_t, Lanes> bytes;
-    return hn::ShiftLeft<sourceShift>(
-        hn::PromoteTo(lanes, hn::LoadU(bytes, reinterpret_cast<const std::uint8_t*>(pixels))));
-}
-
-void widenAll(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
-    const std::size_t step = hn::Lanes(lanes) / 4;
-    std::size_t i = 0;
-    for (; i + step <= count; i += step)
-        hn::StoreU(widened(pixels + i), lanes, reinterpret_cast<std::int16_t*>(out + i));
-    // The last vector again, from where it ends with the row.
-    if (i == count)
-        return;
-    if (count >= step)
-        hn::StoreU(widened(pixels + count - step), lanes,
-                   reinterpret_cast<std::int16_t*>(out + count - step));
-    else
-        plain::widenRow(pixels, count, out);
-}
-
-/// `vectors` vectors of each output: any number of taps.
-template <int vectors>
-HWY_INLINE void weighStrip(PixelView picture, int column, const FixedTaps& taps, int index,
-                           const MixBlock& out, int x) {
-    const std::size_t step = hn::Lanes(lanes) / 4;
-    for (int y = 0; y < out.height; ++y) {
-        const std::int16_t* weights = taps.weights(index + y);
-        Vector sums[vectors];
-        for (Vector& sum : sums)
-            sum = hn::Zero(lanes);
-        for (int tap = 0; tap < taps.taps(); ++tap) {
-            const int row = std::min(taps.start(index + y) + tap, picture.height - 1);
-            const std::uint32_t* from = picture.row(row) + column + x;
-            const Vector weight = hn::Set(lanes, weights[tap]);
-            for (int i = 0; i < vectors; ++i)
-                sums[i] =
-                    hn::Add(sums[i], hn::MulFixedPoint15(widened(from + std::size_t(i) * step), weight));
-        }
-        for (int i = 0; i < vectors; ++i)
-            storePixels(sums[i], out.row(y) + x + std::size_t(i) * step);
-    }
-}
-
-/// The same of four taps: each row of the picture is read once for all the outputs that it is in.
-template <int vectors>
-HWY_INLINE void weighStripOfFour(PixelView picture, int column, const FixedTaps& taps, int index,
-                                 const MixBlock& out, int x) {
-    const std::size_t step = hn::Lanes(lanes) / 4;
-    struct Strip {
-        Vector part[vectors];
-    };
-    const auto read = [&](int row) HWY_ATTR {
-        const std::uint32_t* from = picture.row(std::min(row, picture.height - 1)) + column + x;
-        Strip strip;
-        for (int i = 0; i < vectors; ++i)
-            strip.part[i] = widened(from + std::size_t(i) * step);
-        return strip;
-    };
-    int next = taps.start(index);
-    Strip a = read(next++);
-    Strip b = read(next++);
-    Strip c = read(next++);
-    Strip d = read(next++);
-    MixPixel* to = out.first + x;
-    for (int y = 0; y < out.height; ++y, to += out.stride) {
-        for (const int end = taps.start(index + y) + 4; next < end; ++next) {
-            a = b;
-            b = c;
-            c = d;
-            d = read(next);
-        }
-        const std::int16_t* weights = taps.weights(index + y);
-        const Vector first = hn::Set(lanes, weights[0]);
-        const Vector second = hn::Set(lanes, weights[1]);
-        const Vector third = hn::Set(lanes, weights[2]);
-        const Vector fourth = hn::Set(lanes, weights[3]);
-        for (int i = 0; i < vectors; ++i) {
-            const Vector upper =
-                hn::Add(hn::MulFixedPoint15(a.part[i], first), hn::MulFixedPoint15(b.part[i], second));
-            const Vector lower =
-                hn::Add(hn::MulFixedPoint15(c.part[i], third), hn::MulFixedPoint15(d.part[i], fourth));
-            storePixels(hn::Add(upper, lower), to + std::size_t(i) * step);
-        }
-    }
-}
-
-void weighAllRows(PixelView picture, int column, const FixedTaps& taps, int index, const MixBlock& out) {
-    const int step = int(hn::Lanes(lanes) / 4);
-    if (out.width < step) {
-        plain::weighRows(picture, column, taps, index, out);
-        return;
-    }
-    const bool isOfFour = taps.taps() == 4;
-    const auto weighTwo = isOfFour ? weighStripOfFour<2> : weighStrip<2>;
-    const auto weighOne = isOfFour ? weighStripOfFour<1> : weighStrip<1>;
-    int x = 0;
-    for (; x + 2 * step <= out.width; x += 2 * step)
-        weighTwo(picture, column, taps, index, out, x);
-    if (x + step <= out.width) {
-        weighOne(picture, column, taps, index, out, x);
-        x += step;
-    }
-    // The last vector overlaps the one before.
-    if (x < out.width)
-        weighOne(picture, column, taps, index, out, out.width - step);
 }
 
 /// Writes sums as pixels being mixed.
@@ -212,14 +98,9 @@ template <Alpha alpha> struct MixWriter {
 template <Storing storing> struct PackWriter {
     MutablePixelView out;
 
-    static constexpr hn::Repartition<std::uint8_t, Lanes> bytes{};
     static constexpr int shift = sourceShift - 2;
+    static constexpr int half = 1 << (shift - 1);
 
-    /// Sums of valid channels, and half a step of them.
-    static HWY_INLINE Vector raised(Vector sums) {
-        const Vector valid = hn::Min(hn::Max(sums, leastOpaque()), hn::Set(lanes, std::int16_t(filterOne)));
-        return hn::Add(valid, hn::Set(lanes, std::int16_t(1 << (shift - 1))));
-    }
     template <typename Tag> static HWY_INLINE void store(hn::Vec<Tag> pixels, Tag tag, std::uint32_t* to) {
         if constexpr (storing == Storing::streamed && HWY_MAX_BYTES >= 32)
             hn::Stream(pixels, tag, reinterpret_cast<std::uint8_t*>(to));
@@ -227,7 +108,9 @@ template <Storing storing> struct PackWriter {
             hn::StoreU(pixels, tag, reinterpret_cast<std::uint8_t*>(to));
     }
     static HWY_INLINE auto packed(Vector sums) {
-        return hn::DemoteTo(hn::Rebind<std::uint8_t, Lanes>(), hn::ShiftRight<shift>(raised(sums)));
+        const hn::Rebind<std::uint8_t, Lanes> bytes;
+        const Vector raised = hn::Add(hn::Max(sums, leastOpaque()), hn::Set(lanes, std::int16_t(half)));
+        return hn::DemoteTo(bytes, hn::ShiftRight<shift>(raised));
     }
     static HWY_INLINE void write(Vector sums, std::uint32_t* to) {
         store(packed(sums), hn::Rebind<std::uint8_t, Lanes>(), to);
@@ -237,14 +120,20 @@ template <Storing storing> struct PackWriter {
         hn::Store(packed(sums), hn::Rebind<std::uint8_t, Lanes>(), reinterpret_cast<std::uint8_t*>(part));
         std::memcpy(to, part, std::size_t(count) * sizeof *to);
     }
-    static HWY_INLINE void writeInTurn(Vector evenSums, Vector oddSums, std::uint32_t* to) {
-        // Each pair of bytes holds a channel of an even pixel and the same of the odd one behind it.
-        const Vector even = hn::ShiftRight<shift>(raised(evenSums));
-        const Vector odd = hn::ShiftLeft<8>(hn::ShiftRight<shift>(raised(oddSums)));
+    static HWY_INLINE void writeInTurn(Vector even, Vector odd, std::uint32_t* to) {
+        // Sums end at the largest number: a channel that would be above 255 has eight bits set, and each has
+        // two more above them.
+        const auto raised = [](Vector sums) HWY_ATTR {
+            constexpr int room = 32767 - ((256 << shift) - 1);
+            return hn::SaturatedAdd(hn::Max(sums, leastOpaque()), hn::Set(lanes, std::int16_t(room + half)));
+        };
+        // Each pair of bytes becomes a channel of an even pixel and the same of the odd one behind it.
+        const hn::Repartition<std::uint8_t, Lanes> bytes;
+        const auto low = hn::BitCast(bytes, hn::ShiftRight<shift>(raised(even)));
+        const auto high = hn::BitCast(bytes, hn::ShiftLeft<8 - shift>(raised(odd)));
         alignas(16) static constexpr std::uint8_t order[16] = {0, 2,  4,  6,  1, 3,  5,  7,
                                                                8, 10, 12, 14, 9, 11, 13, 15};
-        store(hn::TableLookupBytes(hn::BitCast(bytes, hn::Or(even, odd)), hn::LoadDup128(bytes, order)),
-              bytes, to);
+        store(hn::TableLookupBytes(hn::OddEven(high, low), hn::LoadDup128(bytes, order)), bytes, to);
     }
 };
 
@@ -516,18 +405,8 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace framora::raster {
 
-HWY_EXPORT(widenAll);
-HWY_EXPORT(weighAllRows);
 HWY_EXPORT(weighAllColumns);
 HWY_EXPORT(packAllColumns);
-
-void widenRow(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
-    HWY_DYNAMIC_DISPATCH(widenAll)(pixels, count, out);
-}
-
-void weighRows(PixelView picture, int column, const FixedTaps& taps, int index, const MixBlock& out) {
-    HWY_DYNAMIC_DISPATCH(weighAllRows)(picture, column, taps, index, out);
-}
 
 void weighColumns(const MixBlock& source, const FixedTaps& taps, int index, Alpha alpha,
                   const MixBlock& out) {

@@ -1,0 +1,166 @@
+#include "editor/render/raster/ResampleKernels.h"
+
+#include <algorithm>
+#include <hwy/cache_control.h>
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "editor/render/raster/ResampleRowKernels.cpp"
+#include <hwy/foreach_target.h>
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace framora::raster::HWY_NAMESPACE {
+#if HWY_TARGET == HWY_SCALAR || HWY_HAVE_SCALABLE
+
+// No vectors, or none of a known size: the plain kernels.
+void widenAll(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
+    plain::widenRow(pixels, count, out);
+}
+void weighAllRows(PixelView picture, int column, const FixedTaps& taps, int index, const MixBlock& out) {
+    plain::weighRows(picture, column, taps, index, out);
+}
+
+#else
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Lanes = hn::CappedTag<std::int16_t, 32>;
+using Vector = hn::Vec<Lanes>;
+constexpr Lanes lanes;
+
+HWY_INLINE void storePixels(Vector pixels, MixPixel* to) {
+    hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(to));
+}
+
+HWY_INLINE Vector widened(const std::uint32_t* pixels) {
+    const hn::Rebind<std::uint8_t, Lanes> bytes;
+    return hn::ShiftLeft<sourceShift>(
+        hn::PromoteTo(lanes, hn::LoadU(bytes, reinterpret_cast<const std::uint8_t*>(pixels))));
+}
+
+void widenAll(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
+    const std::size_t step = hn::Lanes(lanes) / 4;
+    std::size_t i = 0;
+    for (; i + step <= count; i += step)
+        storePixels(widened(pixels + i), out + i);
+    // The last vector again, from where it ends with the row.
+    if (i == count)
+        return;
+    if (count >= step)
+        storePixels(widened(pixels + count - step), out + (count - step));
+    else
+        plain::widenRow(pixels, count, out);
+}
+
+/// As many vectors of each output, from its pixel x on; with any number of taps.
+template <int vectors>
+HWY_INLINE void weighStrip(PixelView picture, int column, const FixedTaps& taps, int index,
+                           const MixBlock& out, int x) {
+    const std::size_t step = hn::Lanes(lanes) / 4;
+    for (int y = 0; y < out.height; ++y) {
+        const std::int16_t* weights = taps.weights(index + y);
+        Vector sums[vectors];
+        for (Vector& sum : sums)
+            sum = hn::Zero(lanes);
+        for (int tap = 0; tap < taps.taps(); ++tap) {
+            const int row = std::min(taps.start(index + y) + tap, picture.height - 1);
+            const std::uint32_t* from = picture.row(row) + column + x;
+            const Vector weight = hn::Set(lanes, weights[tap]);
+            for (int i = 0; i < vectors; ++i)
+                sums[i] =
+                    hn::Add(sums[i], hn::MulFixedPoint15(widened(from + std::size_t(i) * step), weight));
+        }
+        for (int i = 0; i < vectors; ++i)
+            storePixels(sums[i], out.row(y) + x + std::size_t(i) * step);
+    }
+}
+
+/// The same of four taps: each row of the picture is read once for all the outputs that it is in.
+template <int vectors>
+HWY_INLINE void weighStripOfFour(PixelView picture, int column, const FixedTaps& taps, int index,
+                                 const MixBlock& out, int x) {
+    const std::size_t step = hn::Lanes(lanes) / 4;
+    struct Strip {
+        Vector part[vectors];
+    };
+    const auto read = [&](int row) HWY_ATTR {
+        const std::uint32_t* from = picture.row(std::min(row, picture.height - 1)) + column + x;
+        // The block to the right is next; of few pixels a row the processor does not guess that.
+        hwy::Prefetch(from + out.width);
+        Strip strip;
+        for (int i = 0; i < vectors; ++i)
+            strip.part[i] = widened(from + std::size_t(i) * step);
+        return strip;
+    };
+    const std::int64_t* starts = taps.starts() + index;
+    const std::int16_t* weights = taps.weights(index);
+    int next = int(starts[0]);
+    Strip a = read(next++);
+    Strip b = read(next++);
+    Strip c = read(next++);
+    Strip d = read(next++);
+    MixPixel* to = out.first + x;
+    const std::size_t stride = out.stride;
+    for (int y = 0, height = out.height; y < height; ++y, to += stride, weights += 4) {
+        for (; next < int(starts[y]) + 4; ++next) {
+            a = b;
+            b = c;
+            c = d;
+            d = read(next);
+        }
+        const Vector first = hn::Set(lanes, weights[0]);
+        const Vector second = hn::Set(lanes, weights[1]);
+        const Vector third = hn::Set(lanes, weights[2]);
+        const Vector fourth = hn::Set(lanes, weights[3]);
+        for (int i = 0; i < vectors; ++i) {
+            const Vector upper =
+                hn::Add(hn::MulFixedPoint15(a.part[i], first), hn::MulFixedPoint15(b.part[i], second));
+            const Vector lower =
+                hn::Add(hn::MulFixedPoint15(c.part[i], third), hn::MulFixedPoint15(d.part[i], fourth));
+            storePixels(hn::Add(upper, lower), to + std::size_t(i) * step);
+        }
+    }
+}
+
+void weighAllRows(PixelView picture, int column, const FixedTaps& taps, int index, const MixBlock& out) {
+    const int step = int(hn::Lanes(lanes) / 4);
+    if (out.width < step) {
+        plain::weighRows(picture, column, taps, index, out);
+        return;
+    }
+    const bool isOfFour = taps.taps() == 4;
+    const auto weighTwo = isOfFour ? weighStripOfFour<2> : weighStrip<2>;
+    const auto weighOne = isOfFour ? weighStripOfFour<1> : weighStrip<1>;
+    int x = 0;
+    for (; x + 2 * step <= out.width; x += 2 * step)
+        weighTwo(picture, column, taps, index, out, x);
+    if (x + step <= out.width) {
+        weighOne(picture, column, taps, index, out, x);
+        x += step;
+    }
+    // The last vector overlaps the one before.
+    if (x < out.width)
+        weighOne(picture, column, taps, index, out, out.width - step);
+}
+
+#endif
+
+} // namespace framora::raster::HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace framora::raster {
+
+HWY_EXPORT(widenAll);
+HWY_EXPORT(weighAllRows);
+
+void widenRow(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
+    HWY_DYNAMIC_DISPATCH(widenAll)(pixels, count, out);
+}
+
+void weighRows(PixelView picture, int column, const FixedTaps& taps, int index, const MixBlock& out) {
+    HWY_DYNAMIC_DISPATCH(weighAllRows)(picture, column, taps, index, out);
+}
+
+} // namespace framora::raster
+#endif
