@@ -77,7 +77,7 @@ public:
     int width() const { return m_width; }
     int height() const { return m_height; }
     /// Draws the picture's rows from `top` on, as many as `rows` has; it is as wide as the picture. By this
-    /// thread alone, but different rows at once by different ones.
+    /// thread alone, but at once by several ones, also the same rows unless a layer's paint has a ShadeCache.
     void draw(MutablePixelView rows, int top) const;
     /// Where draw() is best begun and ended.
     const TileAxis& rowTiles() const;
