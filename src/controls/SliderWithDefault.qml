@@ -20,6 +20,8 @@ Item {
     property string unit: ""
     property int decimals: 0
     property bool resettable: true
+    /// Shows the reset button at the default too, as one that has nothing to do.
+    property bool resetAlwaysShows: false
     /// The user wants another value; many in a row while the slider is held.
     signal moved(double value)
     /// Around everything that one hold of the slider moves.
@@ -310,7 +312,7 @@ Item {
         height: 24
         visible: control.resettable && opacity > 0
         enabled: !control.isDefault
-        opacity: control.enabled && !control.isDefault ? 1 : 0
+        opacity: control.enabled && !control.isDefault ? 1 : control.resetAlwaysShows ? 0.55 : 0
         symbol: "arrow.counterclockwise"
         symbolSize: 11
         tint: hovered ? Theme.text : Theme.tertiaryText

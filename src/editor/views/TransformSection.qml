@@ -68,6 +68,7 @@ Section {
         label: Strings.localized("rotation.x")
         range: [-90, 90]
         defaultValue: 0
+        resetAlwaysShows: true
         value: section.viewModel.config.rotationX
     }
     StyleSlider {
@@ -77,6 +78,7 @@ Section {
         label: Strings.localized("rotation.y")
         range: [-90, 90]
         defaultValue: 0
+        resetAlwaysShows: true
         value: section.viewModel.config.rotationY
     }
 }
