@@ -114,8 +114,8 @@ std::vector<Layer> CompositionRasterizer::layers(const Composition& composition,
     const auto prepareOthers = [&] {
         appendTexts(texts, composition, viewport);
         if (Screenshot picture = screenshot(composition, viewport); picture.paint)
-            mockup = prepareMockup(pointSize(composition.image), composition.config,
-                                   std::move(picture.paint), picture.placement, viewport.pixelSize);
+            mockup = prepareMockup(pointSize(composition.image), composition.config, std::move(picture.paint),
+                                   picture.placement, viewport.pixelSize);
         appendScene(scene, composition, viewport);
     };
     // Text is drawn by one thread alone, here, where its fonts are kept: beside a background that takes long.
