@@ -9,5 +9,7 @@ T.RadioButton {
     hoverEnabled: true
     Accessible.onToggleAction: control.clicked()
     Accessible.onPressAction: control.clicked()
-    Keys.forwardTo: ReleaseKeys { button: control }
+    Keys.forwardTo: ReleaseKeys { id: keys; button: control }
+    // Shown as pressed by Return too.
+    down: keys.returnIsDown ? true : undefined
 }

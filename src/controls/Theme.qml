@@ -14,7 +14,8 @@ QtObject {
     readonly property color hairline: dark ? "#33353a" : "#dfe0e5"
     readonly property color outline: dark ? "#3d4046" : "#d2d4da"
     readonly property color text: dark ? "#f2f3f5" : "#1a1b1e"
-    // Small texts: both stand out at 4.5 : 1 at least from whatever they stand on.
+    // Small texts: both stand out at 4.5 : 1 at least from what they stand on, the third not from what is
+    // pointed at or pressed.
     readonly property color secondaryText: dark ? "#b6b9c1" : "#565962"
     readonly property color tertiaryText: dark ? "#a3a6af" : "#656872"
     readonly property color fill: dark ? "#33353b" : "#ebecf0"

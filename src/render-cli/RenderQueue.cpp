@@ -3,8 +3,8 @@
 #include "editor/render/raster/ParallelFor.h"
 
 #include <algorithm>
+#include <exception>
 #include <mutex>
-#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -52,7 +52,7 @@ int RenderQueue::run(int count, const Job& job, const Report& report,
         try {
             while (int(helpers.size()) < helpersNeeded)
                 helpers.emplace_back(work);
-        } catch (const std::system_error&) {
+        } catch (const std::exception&) {
             // No more threads: by those that there are.
             const std::lock_guard lock(mutex);
             running -= helpersNeeded - int(helpers.size());

@@ -38,6 +38,9 @@ SettingsForm::SettingsForm(const SettingsServices& services, QObject* parent)
     // The desktop's shortcuts may have been changed meanwhile, in its own settings.
     m_activation = m_services.notifications.observe(notifications::applicationDidBecomeActive,
                                                     [this] { findConflicts(); });
+    // A key may have another name now.
+    m_layoutChange =
+        m_services.notifications.observe(notifications::keyboardLayoutChanged, [this] { findConflicts(); });
 }
 
 SettingsForm::~SettingsForm() = default;

@@ -108,6 +108,7 @@ private:
     bool m_startsAtLogin = false;
     bool m_showAccessibilityAlert = false;
     NotificationCenter::Token m_activation;
+    NotificationCenter::Token m_layoutChange;
 };
 
 } // namespace framora

@@ -71,6 +71,7 @@ void ScreenshotEditorViewModel::storeConfig(const ScreenshotStyleConfig& config)
 
 void ScreenshotEditorViewModel::apply(const StyleHistory::State& next, const QString& field) {
     m_history.record(state(), next, field, m_services.clock.secondsSince1970());
+    m_lastAttemptToLeave = -secondsToLeave; // What was said did not count this edit.
     // Highlight first: whoever is told of the new style finds both.
     setSelectedWallpaperURL(next.selectedWallpaperURL);
     storeConfig(next.config);

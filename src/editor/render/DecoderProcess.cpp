@@ -14,6 +14,7 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <new>
 #include <poll.h>
 #include <spawn.h>
 #include <sys/mman.h>
@@ -132,6 +133,8 @@ QImage takePicture(int descriptor) {
         return {};
     const auto fileBytes = std::size_t(status.st_size);
     void* memory = mmap(nullptr, fileBytes, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_POPULATE, descriptor, 0);
+    if (memory == MAP_FAILED && errno == ENOMEM)
+        throw std::bad_alloc();
     if (memory == MAP_FAILED)
         return {};
     auto mapping = std::make_unique<Mapping>(Mapping{memory, fileBytes});

@@ -14,11 +14,11 @@
 #include <atomic>
 #include <chrono>
 #include <deque>
+#include <exception>
 #include <mutex>
 #include <new>
 #include <numeric>
 #include <optional>
-#include <system_error>
 #include <thread>
 
 namespace framora {
@@ -211,8 +211,7 @@ QImage thumbnailOf(const QImage& picture) {
 std::vector<Wallpaper> makeWallpapers(const std::vector<WallpaperCandidate>& candidates,
                                       const std::stop_token& stop) {
     ThumbnailWork thumbnailWork(candidates, stop);
-    const auto work = [&thumbnailWork] {
-        lowerThreadPriority();
+    const auto makeThem = [&thumbnailWork] {
         // One picture a thread: the threads that draw the editor's frames are not for this.
         const raster::SerialScope serial;
         thumbnailWork.run();
@@ -222,9 +221,14 @@ std::vector<Wallpaper> makeWallpapers(const std::vector<WallpaperCandidate>& can
         std::vector<std::jthread> threads;
         try {
             for (std::size_t i = 0; i < std::min(processors, candidates.size()); ++i)
-                threads.emplace_back(work);
-        } catch (const std::system_error&) {
+                threads.emplace_back([&makeThem] {
+                    lowerThreadPriority();
+                    makeThem();
+                });
+        } catch (const std::exception&) {
             // No more threads: by those that there are.
+            if (threads.empty())
+                makeThem();
         }
     }
     std::vector<QImage> thumbnails = thumbnailWork.take();

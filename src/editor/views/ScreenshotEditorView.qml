@@ -12,8 +12,8 @@ ThemedView {
     readonly property ScreenshotEditorViewModel viewModel: session.viewModel
     readonly property real sidebarSpace: sidebar.x + sidebar.width
 
-    /// One thing at a time: what is being dragged, the colour panel, what is being typed, the window. Edits are not lost by
-    /// one press too many.
+    /// One thing at a time: what is being dragged, the colour panel, what is being typed, the window. Edits are
+    /// not lost by one press too many.
     function leave(): void {
         if (detail.cancelDrag())
             return;

@@ -49,14 +49,14 @@ GroupedChoice {
             anchors.rightMargin: 8
             anchors.verticalCenter: parent.verticalCenter
             text: control.modelData.width + " × " + control.modelData.height
-            color: Theme.tertiaryText
+            color: control.down ? Theme.secondaryText : Theme.tertiaryText
             font.family: Theme.monospacedFamily
             font.pixelSize: 11
         }
     }
     background: RoundedBox {
         radius: 6
-        color: control.pressed ? Theme.pressedFill
+        color: control.down ? Theme.pressedFill
              : control.chosen ? Theme.accentTint
              : control.hovered ? Theme.fill : "transparent"
         Behavior on color { ColorAnimation { duration: Theme.shortMotion } }

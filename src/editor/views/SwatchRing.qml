@@ -16,7 +16,7 @@ Item {
         radius: 12
         color: "transparent"
         outlineWidth: 2
-        outline: ring.chosen ? Theme.accent : ring.control.pressed ? Theme.tertiaryText : Theme.outline
+        outline: ring.chosen ? Theme.accent : ring.control.down ? Theme.tertiaryText : Theme.outline
         visible: ring.chosen || ring.control.hovered
     }
     RoundedBox {

@@ -29,14 +29,22 @@ bool isNamedPng(const QString& name) {
     return name.endsWith(u".png", Qt::CaseInsensitive);
 }
 
-/// Why no file can be made at the path, for the user; empty where one can.
+/// Why no file can be written at the path, for the user; empty where one can. A link stands for what it leads
+/// to.
 QString hindrance(const QString& path) {
-    const QString folder = QFileInfo(path).absolutePath();
-    const QFileInfo info(folder);
-    if (info.isDir() && info.isWritable())
-        return {};
-    return localized(info.isDir() ? QStringLiteral("save.read.only") : QStringLiteral("save.no.folder"))
-        .arg(QDir::toNativeSeparators(folder));
+    const QFileInfo named(path);
+    const QFileInfo file(named.exists() ? named.canonicalFilePath() : named.absoluteFilePath());
+    const QFileInfo folder(file.absolutePath());
+    const auto because = [](const QString& reason, const QFileInfo& of) {
+        return localized(reason).arg(QDir::toNativeSeparators(of.filePath()));
+    };
+    if (!folder.isDir())
+        return because(QStringLiteral("save.no.folder"), folder);
+    if (!folder.isWritable())
+        return because(QStringLiteral("save.read.only"), folder);
+    if (file.exists() && !file.isWritable())
+        return because(QStringLiteral("save.protected"), file);
+    return {};
 }
 
 /// A dialog for a file whose name ends in .png, whatever else the user typed: what "a.b" lacks is added
@@ -51,7 +59,8 @@ public:
         const QString chosen = field ? selectedFiles().value(0) : QString();
         const QString typed = field ? field->text() : QString();
         const bool namesFile = !typed.isEmpty() && !typed.endsWith(u'/') && !QFileInfo(chosen).isDir();
-        if (const QString reason = namesFile ? hindrance(chosen) : QString(); !reason.isEmpty()) {
+        const QString path = isNamedPng(chosen) ? chosen : chosen + QStringLiteral(".png");
+        if (const QString reason = namesFile ? hindrance(path) : QString(); !reason.isEmpty()) {
             QMessageBox::warning(this, windowTitle(), reason);
             return;
         }

@@ -13,8 +13,8 @@ ThemedView {
     implicitWidth: 748
     implicitHeight: 648
     focus: true
-    // What is being recorded, or open, takes the key before it comes here. The window goes when the key is let go, whose
-    // repeats would fall on whatever is beneath.
+    // What is being recorded, or open, takes the key before it comes here. The window goes when the key is let
+    // go: its repeats would fall on whatever is beneath.
     Keys.onEscapePressed: event => leaving = leaving || !event.isAutoRepeat
     Keys.onReleased: event => {
         if (leaving && event.key === Qt.Key_Escape && !event.isAutoRepeat)

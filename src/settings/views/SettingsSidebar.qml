@@ -65,7 +65,7 @@ Rectangle {
                 background: RoundedBox {
                     radius: Theme.radius
                     color: entry.current ? Theme.accentTint
-                         : entry.pressed ? Theme.pressedFill : entry.hovered ? Theme.hoverFill : "transparent"
+                         : entry.down ? Theme.pressedFill : entry.hovered ? Theme.hoverFill : "transparent"
                     FocusRing { shown: entry.visualFocus }
                 }
             }

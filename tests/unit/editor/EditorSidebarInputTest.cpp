@@ -158,6 +158,15 @@ TEST_F(EditorSidebarInput, WhatEndsTheWindowWaitsForTheKey) {
     }
 }
 
+TEST_F(EditorSidebarInput, WhatEndsTheWindowDoesSoAlsoWhereAnotherTakesTheKeyAway) {
+    openAppearance();
+    QTest::keyPress(&window(), Qt::Key_W, Qt::ControlModifier);
+    QWindow other;
+    other.show();
+    other.requestActivate();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return editor.editorWindow() == nullptr; }));
+}
+
 TEST_F(EditorSidebarInput, TheShareMenuGivesTheKeysBack) {
     openAppearance();
     queue.runPending();

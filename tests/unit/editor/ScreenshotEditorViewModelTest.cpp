@@ -490,6 +490,8 @@ TEST_F(ViewModel, MayBeLeftAtOnceWhileNoEditWouldBeLost) {
     edit(35);
     EXPECT_FALSE(model->mayLeave());
     EXPECT_TRUE(model->mayLeave()) << "said twice";
+    edit(36);
+    EXPECT_FALSE(model->mayLeave()) << "nothing was said of this edit";
 }
 
 TEST_F(ViewModel, ACancelledSaveShowsNothing) {

@@ -179,6 +179,32 @@ TEST_F(SavePngTest, aFolderThatMayNotBeWrittenIsRefusedAndNotAskedAboutItsFiles)
     QFile::setPermissions(folder.path(), QFile::Permissions(0x7777));
 }
 
+TEST_F(SavePngTest, aFileThatMayNotBeReplacedIsRefusedAndALinkStandsForItsTarget) {
+    touch(QStringLiteral("a.png"));
+    QDir(folder.path()).mkdir(QStringLiteral("closed"));
+    const QString closed = folder.filePath(QStringLiteral("closed"));
+    touch(QStringLiteral("closed/kept.png"));
+    touch(QStringLiteral("target.png"));
+    QFile::link(folder.filePath(QStringLiteral("target.png")), closed + QStringLiteral("/out.png"));
+    QFile::link(closed + QStringLiteral("/kept.png"), folder.filePath(QStringLiteral("in.png")));
+    QFile::setPermissions(folder.path(), QFile::Permissions(0x7777));
+    QFile::setPermissions(folder.filePath(QStringLiteral("target.png")), QFile::Permissions(0x6666));
+    QFile::setPermissions(folder.filePath(QStringLiteral("a.png")), QFile::Permissions(0x4444));
+    QFile::setPermissions(closed, QFile::Permissions(0x5555));
+    EXPECT_EQ(answer([&] {
+                  const OrdinaryRights rights;
+                  EXPECT_EQ(refusal(QStringLiteral("a")),
+                            text(QStringLiteral("save.protected"), folder.filePath(QStringLiteral("a.png"))));
+                  EXPECT_EQ(refusal(QStringLiteral("in.png")),
+                            text(QStringLiteral("save.read.only"), closed));
+                  typeName(QStringLiteral("closed/out.png"));
+                  QTimer::singleShot(0, [] { question()->button(QMessageBox::Yes)->click(); });
+                  pressSave();
+              }),
+              QStringLiteral("closed/out.png"));
+    QFile::setPermissions(closed, QFile::Permissions(0x7777));
+}
+
 TEST_F(SavePngTest, onlyPlacesWithAPathAreOffered) {
     answer([&] { EXPECT_EQ(dialog().supportedSchemes(), QStringList{QStringLiteral("file")}); });
 }

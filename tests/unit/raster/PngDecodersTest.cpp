@@ -128,9 +128,9 @@ TEST(PngDecoders, LibpngReadsEveryWidthAndKind) {
 }
 
 TEST(PngDecoders, LibpngReadsHeightsAroundTheStripes) {
-    // Rows of 8193 bytes: a stripe of a megabyte has 127 of them.
+    // Rows of 8193 bytes: a stripe of a megabyte has 127 of them, in a picture of over 8 of them 128.
     for (const PngSpeed speed : {PngSpeed::compact, PngSpeed::fastest})
-        for (const int height : {126, 127, 128, 254, 255}) {
+        for (const int height : {126, 127, 128, 254, 255, 1023, 1024, 1025, 1151, 1152, 1153}) {
             const QImage image = makePicture(Kind::magnified, 2731, height);
             ASSERT_EQ(difference(decodedByLibpng(encoded(image, speed)), expectedRgba(image)), 0) << height;
         }

@@ -23,7 +23,8 @@ using Bytes = std::vector<std::uint8_t>;
 
 // Rows are filtered and compressed in stripes of about this many bytes, each a chunk of its own, on all
 // threads. The size is fixed so that the file does not depend on how many there are. Where rows are drawn
-// for it, a stripe's begin and end cost more than others: those of large pictures are whole tiles.
+// for it, a stripe's begin and end cost more than others: those of large pictures are of so many rows as
+// tiles have.
 constexpr std::size_t stripeBytes = 1 << 20;
 constexpr int stripeRows = 32;
 
