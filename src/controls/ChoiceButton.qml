@@ -10,6 +10,5 @@ T.RadioButton {
     Accessible.onToggleAction: control.clicked()
     Accessible.onPressAction: control.clicked()
     Keys.forwardTo: ReleaseKeys { id: keys; button: control }
-    // Shown as pressed by Return too.
-    down: keys.returnIsDown ? true : undefined
+    down: keys.heldKey ? true : undefined
 }

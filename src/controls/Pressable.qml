@@ -17,8 +17,7 @@ T.AbstractButton {
     Accessible.role: Accessible.Button
     Accessible.onPressAction: control.clicked()
     Keys.forwardTo: ReleaseKeys { id: keys; button: control }
-    // Shown as pressed by Return too.
-    down: keys.returnIsDown ? true : undefined
+    down: keys.heldKey ? true : undefined
 
     HoverHandler { id: hover }
     Loader {

@@ -2,37 +2,49 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// What the keys do to a button, for its `Keys.forwardTo`: Return and Enter click it as Space does, once and when they
-/// are let go. A click that opens or ends something would hand the repeats of a key still down to whatever comes next.
+/// What the keys do to a button, for its `Keys.forwardTo`: Return, Enter and Space click it once, when they are let go. A
+/// click that opens or ends something would hand the repeats of a key still down to whatever comes next.
 Item {
     id: keys
 
     required property T.AbstractButton button
-    property bool returnIsDown: false
+    /// The key that was pressed here and is still down; 0 without one.
+    property int heldKey: 0
 
-    function isReturn(event: var): bool {
-        return event.key === Qt.Key_Return || event.key === Qt.Key_Enter;
+    function isMine(event: var): bool {
+        return event.key === Qt.Key_Return || event.key === Qt.Key_Enter || event.key === Qt.Key_Space;
     }
-    // Each release among a held key's repeats would be a click of the button's own.
-    function isRepeatedSpace(event: var): bool {
-        return event.key === Qt.Key_Space && event.isAutoRepeat;
+    function click(): void {
+        heldKey = 0;
+        button.clicked();
     }
 
     Keys.onPressed: event => {
-        if (isReturn(event) && !event.isAutoRepeat)
-            returnIsDown = true;
-        event.accepted = isReturn(event) || isRepeatedSpace(event);
+        event.accepted = isMine(event);
+        if (event.key === heldKey)
+            settled.stop();
+        else if (event.accepted && !event.isAutoRepeat)
+            heldKey = event.key;
     }
     Keys.onReleased: event => {
-        const clicks = isReturn(event) && returnIsDown && !event.isAutoRepeat;
-        event.accepted = isReturn(event) || isRepeatedSpace(event);
-        if (!clicks)
+        event.accepted = isMine(event);
+        if (event.isAutoRepeat || !heldKey || event.key !== heldKey)
             return;
-        returnIsDown = false;
-        button.clicked();
+        if (settled.interval > 0)
+            settled.restart();
+        else
+            click();
+    }
+    Timer {
+        id: settled
+        interval: Theme.keySettling
+        onTriggered: keys.click()
     }
     Connections {
         target: keys.button
-        function onActiveFocusChanged(): void { keys.returnIsDown = false; }
+        function onActiveFocusChanged(): void {
+            keys.heldKey = 0;
+            settled.stop();
+        }
     }
 }

@@ -1,4 +1,5 @@
 import QtQuick
+import Framora.Controls
 import Framora.Editor
 
 /// What the keyboard commands, and the keys as help texts show them.
@@ -20,8 +21,15 @@ Item {
         case Qt.Key_Meta:
             break;
         default:
-            end();
+            if (settled.interval > 0)
+                settled.restart();
+            else
+                end();
         }
+    }
+    function endAtRelease(action: var): void {
+        ending = action;
+        settled.stop();
     }
     function closeWindow(): void {
         session.close();
@@ -58,17 +66,27 @@ Item {
         }
     }
 
+    Timer {
+        id: settled
+        interval: Theme.keySettling
+        onTriggered: shortcuts.end()
+    }
     Shortcut {
         sequence: "Escape"
         autoRepeat: false
         enabled: !shortcuts.editingText
-        onActivated: shortcuts.cancelled()
+        onActivated: {
+            if (shortcuts.ending)
+                settled.stop();
+            else
+                shortcuts.cancelled();
+        }
     }
     Shortcut {
         id: closeKeys
         sequence: "Ctrl+W"
         autoRepeat: false
-        onActivated: shortcuts.ending = shortcuts.closeWindow
+        onActivated: shortcuts.endAtRelease(shortcuts.closeWindow)
     }
 
     Shortcut {
@@ -76,13 +94,13 @@ Item {
         sequence: "Ctrl+C"
         autoRepeat: false
         enabled: !shortcuts.editingText
-        onActivated: shortcuts.ending = shortcuts.copyPicture
+        onActivated: shortcuts.endAtRelease(shortcuts.copyPicture)
     }
     Shortcut {
         sequence: "Ctrl+Ins"
         autoRepeat: false
         enabled: copyKeys.enabled
-        onActivated: shortcuts.ending = shortcuts.copyPicture
+        onActivated: shortcuts.endAtRelease(shortcuts.copyPicture)
     }
     Shortcut {
         id: saveKeys

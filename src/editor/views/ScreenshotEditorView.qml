@@ -22,7 +22,7 @@ ThemedView {
         else if (shortcuts.editingText)
             detail.forceActiveFocus(Qt.OtherFocusReason);
         else if (viewModel.mayLeave())
-            shortcuts.ending = shortcuts.closeWindow;
+            shortcuts.endAtRelease(shortcuts.closeWindow);
     }
 
     focus: true

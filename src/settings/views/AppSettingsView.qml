@@ -15,12 +15,27 @@ ThemedView {
     focus: true
     // What is being recorded, or open, takes the key before it comes here. The window goes when the key is let
     // go: its repeats would fall on whatever is beneath.
-    Keys.onEscapePressed: event => leaving = leaving || !event.isAutoRepeat
+    Keys.onEscapePressed: event => {
+        leaving = leaving || !event.isAutoRepeat;
+        settled.stop();
+    }
     Keys.onReleased: event => {
-        if (leaving && event.key === Qt.Key_Escape && !event.isAutoRepeat)
+        if (!leaving || event.key !== Qt.Key_Escape || event.isAutoRepeat)
+            return;
+        if (settled.interval > 0)
+            settled.restart();
+        else
             session.close();
     }
-    Window.onActiveChanged: leaving = false
+    Timer {
+        id: settled
+        interval: Theme.keySettling
+        onTriggered: root.session.close()
+    }
+    Window.onActiveChanged: {
+        leaving = false;
+        settled.stop();
+    }
     property bool leaving: false
 
     Rectangle {
