@@ -35,6 +35,11 @@ MixBlock SeparableSampler::weighDown(const FixedTaps::Span& columns, int row, in
     return block;
 }
 
+int SeparableSampler::rowsAtOnce(const FixedTaps::Span& columns) {
+    constexpr int held = 24 << 10;
+    return std::max(1, held / int(sizeof(MixPixel)) / std::max(1, columns.end - columns.first));
+}
+
 void SeparableSampler::mix(const TileRect& tile, MixPixel* out) const {
     // What lies beyond the kernels' ends is shaded too, though no layer shows it.
     struct Part {
@@ -53,8 +58,12 @@ void SeparableSampler::mix(const TileRect& tile, MixPixel* out) const {
     const auto width = std::size_t(tile.width);
     const MixBlock block{out + std::size_t(rows.before) * width + columns.before, width, columns.count,
                          rows.count};
-    weighColumns(weighDown(m_fixedColumns.span(columns.first, columns.count), rows.first, rows.count),
-                 m_fixedColumns, columns.first, m_alpha, block);
+    const FixedTaps::Span span = m_fixedColumns.span(columns.first, columns.count);
+    for (int y = 0, most = rowsAtOnce(span); y < rows.count; y += most) {
+        const int count = std::min(most, rows.count - y);
+        weighColumns(weighDown(span, rows.first + y, count), m_fixedColumns, columns.first, m_alpha,
+                     MixBlock{block.row(y), width, columns.count, count});
+    }
     for (int y = 0; y < rows.count; ++y) {
         MixPixel* const row = block.row(y);
         std::fill_n(row - columns.before, columns.before, row[0]);
@@ -75,8 +84,12 @@ bool SeparableSampler::draw(const TileRect& tile, MutablePixelView out, Storing 
     if (m_alpha != Alpha::opaque || column < 0 || column + tile.width > m_fixedColumns.count() || row < 0 ||
         row + tile.height > m_fixedRows.count())
         return false;
-    packColumns(weighDown(m_fixedColumns.span(column, tile.width), row, tile.height), m_fixedColumns, column,
-                out, storing);
+    const FixedTaps::Span span = m_fixedColumns.span(column, tile.width);
+    for (int y = 0, most = rowsAtOnce(span); y < tile.height; y += most) {
+        const int count = std::min(most, tile.height - y);
+        const MutablePixelView rows{out.data + y * out.stride, out.width, count, out.stride};
+        packColumns(weighDown(span, row + y, count), m_fixedColumns, column, rows, storing);
+    }
     return true;
 }
 

@@ -33,6 +33,9 @@ public:
     bool draw(const TileRect& tile, MutablePixelView out, Storing storing) const;
 
 private:
+    /// So many rows of what lies between the two kernels as the nearest cache holds: of a picture that is
+    /// made much smaller a tile reads long rows.
+    static int rowsAtOnce(const FixedTaps::Span& columns);
     /// The first half of a block: its columns are still to be made of the rows. Those `rows` of them that are
     /// inside the axis, from `row` on.
     MixBlock weighDown(const FixedTaps::Span& columns, int row, int rows) const;
