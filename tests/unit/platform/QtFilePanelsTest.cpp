@@ -191,12 +191,18 @@ TEST_F(SavePngTest, aFileThatMayNotBeReplacedIsRefusedAndALinkStandsForItsTarget
     QFile::setPermissions(folder.filePath(QStringLiteral("target.png")), QFile::Permissions(0x6666));
     QFile::setPermissions(folder.filePath(QStringLiteral("a.png")), QFile::Permissions(0x4444));
     QFile::setPermissions(closed, QFile::Permissions(0x5555));
+    // A dialog each: what one refused may be selected in it.
+    answer([&] {
+        const OrdinaryRights rights;
+        EXPECT_EQ(refusal(QStringLiteral("a")),
+                  text(QStringLiteral("save.protected"), folder.filePath(QStringLiteral("a.png"))));
+    });
+    answer([&] {
+        const OrdinaryRights rights;
+        EXPECT_EQ(refusal(QStringLiteral("in.png")), text(QStringLiteral("save.read.only"), closed));
+    });
     EXPECT_EQ(answer([&] {
                   const OrdinaryRights rights;
-                  EXPECT_EQ(refusal(QStringLiteral("a")),
-                            text(QStringLiteral("save.protected"), folder.filePath(QStringLiteral("a.png"))));
-                  EXPECT_EQ(refusal(QStringLiteral("in.png")),
-                            text(QStringLiteral("save.read.only"), closed));
                   typeName(QStringLiteral("closed/out.png"));
                   QTimer::singleShot(0, [] { question()->button(QMessageBox::Yes)->click(); });
                   pressSave();
