@@ -38,6 +38,15 @@ protected:
     std::string read(int timeoutMs = 10000) {
         return shell.ask(QStringLiteral("read"), QStringLiteral("image"), timeoutMs).toStdString();
     }
+    /// A picture whose owner does not answer; its process, or 0 where there is none.
+    pid_t offerAndStop() {
+        desktop().setClipboard(pngOf({64, 48}), pngType);
+        for (const qint64 process : desktop().processes())
+            if (const auto owner = static_cast<pid_t>(process);
+                ChildProcess::nameOf(process) == QStringLiteral("xclip") && ::kill(owner, SIGSTOP) == 0)
+                return owner;
+        return 0;
+    }
 
     ShellDesktop shell;
 };
@@ -145,30 +154,20 @@ TEST_F(PasteboardTest, givesNoPictureForTextGarbageAndAnEmptyClipboard) {
 }
 
 TEST_F(PasteboardTest, anOwnerThatDoesNotAnswerIsGivenUp) {
-    desktop().setClipboard(pngOf({64, 48}), pngType);
-    qint64 owner = 0;
-    for (const qint64 pid : desktop().processes())
-        if (ChildProcess::nameOf(pid) == QStringLiteral("xclip"))
-            owner = pid;
+    const pid_t owner = offerAndStop();
     ASSERT_NE(owner, 0);
-    ASSERT_EQ(::kill(static_cast<pid_t>(owner), SIGSTOP), 0);
     const std::string answer = read(20000);
-    ::kill(static_cast<pid_t>(owner), SIGCONT);
+    ::kill(owner, SIGCONT);
     EXPECT_TRUE(QByteArray::fromStdString(answer).startsWith("image none")) << answer;
 }
 
 TEST_F(PasteboardTest, anOwnerThatDiesWhileItIsAskedIsNotWaitedFor) {
-    desktop().setClipboard(pngOf({64, 48}), pngType);
-    qint64 owner = 0;
-    for (const qint64 pid : desktop().processes())
-        if (ChildProcess::nameOf(pid) == QStringLiteral("xclip"))
-            owner = pid;
-    ASSERT_NE(owner, 0);
     // It has been asked once the question stands in its queue, which it does not read.
-    ASSERT_EQ(::kill(static_cast<pid_t>(owner), SIGSTOP), 0);
+    const pid_t owner = offerAndStop();
+    ASSERT_NE(owner, 0);
     shell.tell(QStringLiteral("read"));
     EXPECT_TRUE(shell.next(QStringLiteral("image"), 300).isEmpty());
-    ::kill(static_cast<pid_t>(owner), SIGKILL);
+    ::kill(owner, SIGKILL);
     const QString answer = shell.next(QStringLiteral("image none in "));
     ASSERT_FALSE(answer.isEmpty());
     EXPECT_LT(answer.section(u' ', 3, 3).toInt(), 4000) << "far less than an owner's patience";
