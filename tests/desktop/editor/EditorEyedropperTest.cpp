@@ -111,10 +111,10 @@ TEST_F(Eyedropper, AHeldKeyCountsOnceAndAtItsRelease) {
     tabTo(QStringLiteral("colorPanel.eyedropper.button"));
     display().moveTo(single);
     display().keyDown("Return");
-    ASSERT_TRUE(waitForLoupe());
-    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return !loupe(); }, held)) << "this one only began it";
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return loupe().has_value(); }, held));
     display().keyUp("Return");
-    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return !loupe(); }, 200));
+    ASSERT_TRUE(waitForLoupe());
+    EXPECT_FALSE(VirtualDesktop::waitFor([&] { return !loupe(); }, 200)) << "this one only began it";
     EXPECT_EQ(field("borderColor"), QString());
     display().keyDown("Return");
     EXPECT_FALSE(VirtualDesktop::waitFor([&] { return !loupe(); }, held));
