@@ -40,6 +40,15 @@ QString wrapped(const QStringList& names) {
     return lines.join(QStringLiteral("\n  "));
 }
 
+/// A line for each field that takes one name of a few.
+QString choiceLines() {
+    constexpr int column = 22;
+    QStringList lines;
+    for (const auto& [field, names] : StyleFieldSetter::choices())
+        lines << QStringLiteral("  %1 %2").arg(field.leftJustified(column), names.join(QStringLiteral(", ")));
+    return lines.join(u'\n');
+}
+
 /// Reads the words one by one into the arguments; stops at the first that is wrong.
 class ArgumentReader {
 public:
@@ -232,6 +241,7 @@ Fields start at the style of a new editor:
   %2
 
 Values
+%3
   switches               true or false
   colours                RGB, RRGGBB or AARRGGBB in hexadecimal, with or without #
   screenshotOffset       WIDTH,HEIGHT
@@ -250,7 +260,8 @@ and the background image, and a background image that of the colour selections.
 
 Exit status: 0 all written; 1 some image failed, the others are written; 2 bad usage, nothing is written.
 )")
-        .arg(textOverlayMembers().join(QStringLiteral(", ")), wrapped(StyleFieldSetter::fieldNames()));
+        .arg(textOverlayMembers().join(QStringLiteral(", ")), wrapped(StyleFieldSetter::fieldNames()),
+             choiceLines());
 }
 
 } // namespace framora

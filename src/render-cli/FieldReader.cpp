@@ -23,11 +23,16 @@ ReadField orWrong(const auto& value, const QString& text, const QString& wanted)
 
 const QString colorWanted = QStringLiteral("a colour of 3, 6 or 8 hexadecimal digits");
 
-template <class E> ReadField readEnum(const QString& text) {
+template <class E> QStringList namesOf() {
     QStringList names;
     for (const E value : allCases<E>())
         names << rawValue(value);
-    return orWrong(fromRawValue<E>(text), text, QStringLiteral("one of ") + names.join(QStringLiteral(", ")));
+    return names;
+}
+
+template <class E> ReadField readEnum(const QString& text) {
+    return orWrong(fromRawValue<E>(text), text,
+                   QStringLiteral("one of ") + namesOf<E>().join(QStringLiteral(", ")));
 }
 
 /// The entry whose name, or whose position from 1, is the text.
@@ -134,26 +139,29 @@ template <class Value, ReadField (*read)(const QString&)> ReadField readOptional
 struct TypeReader {
     QMetaType type;
     ReadField (*read)(const QString&);
+    QStringList (*names)(); ///< Null where the values have none.
 };
 
 template <class Value> constexpr TypeReader reader(ReadField (*read)(const QString&)) {
-    return {QMetaType::fromType<Value>(), read};
+    return {QMetaType::fromType<Value>(), read, nullptr};
 }
 
-} // namespace
+template <class E> constexpr TypeReader enumReader() {
+    return {QMetaType::fromType<E>(), readEnum<E>, namesOf<E>};
+}
 
-ReadField readField(QMetaType type, const QString& text) {
+const TypeReader* readerOf(QMetaType type) {
     static const TypeReader readers[] = {
         reader<double>(readNumber),
         reader<bool>(readSwitch),
         reader<Color>(readColor),
         reader<Size>(readSize),
-        reader<MockupStyle>(readEnum<MockupStyle>),
-        reader<BorderStyle>(readEnum<BorderStyle>),
-        reader<BackgroundType>(readEnum<BackgroundType>),
-        reader<GradientStyle>(readEnum<GradientStyle>),
-        reader<ShadowSceneMode>(readEnum<ShadowSceneMode>),
-        reader<RedactStyle>(readEnum<RedactStyle>),
+        enumReader<MockupStyle>(),
+        enumReader<BorderStyle>(),
+        enumReader<BackgroundType>(),
+        enumReader<GradientStyle>(),
+        enumReader<ShadowSceneMode>(),
+        enumReader<RedactStyle>(),
         reader<std::optional<MagicPreset>>(readOptional<MagicPreset, readMagicPreset>),
         reader<std::optional<SimpleGradientPreset>>(readOptional<SimpleGradientPreset, readGradientPreset>),
         reader<std::optional<SocialMediaPreset>>(readOptional<SocialMediaPreset, readSocialPreset>),
@@ -166,9 +174,22 @@ ReadField readField(QMetaType type, const QString& text) {
     };
     for (const TypeReader& known : readers)
         if (known.type == type)
-            return known.read(text);
+            return &known;
+    return nullptr;
+}
+
+} // namespace
+
+ReadField readField(QMetaType type, const QString& text) {
+    if (const TypeReader* const known = readerOf(type))
+        return known->read(text);
     return {.value = QVariant(),
             .error = QStringLiteral("is set by its parts, as in gradientConfig.angle=90")};
+}
+
+QStringList namedValues(QMetaType type) {
+    const TypeReader* const known = readerOf(type);
+    return known && known->names ? known->names() : QStringList();
 }
 
 } // namespace framora

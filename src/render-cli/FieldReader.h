@@ -2,6 +2,7 @@
 
 #include <QMetaType>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 namespace framora {
@@ -16,5 +17,8 @@ struct ReadField {
 /// found by name or by position from 1, and "none" is no selection. Checks that a background image is a file
 /// that exists.
 ReadField readField(QMetaType type, const QString& text);
+
+/// The values of a type that has a name for each of them; none of any other type.
+QStringList namedValues(QMetaType type);
 
 } // namespace framora

@@ -14,6 +14,22 @@ QStringList propertyNames(const QMetaObject& record) {
     return names;
 }
 
+/// Calls `take` with the name and the type of each field, those of the gradient in its place.
+void forEachField(const auto& take) {
+    const QMetaObject& style = ScreenshotStyleConfig::staticMetaObject;
+    const QMetaObject& gradient = SimpleGradientConfig::staticMetaObject;
+    for (int i = 0; i < style.propertyCount(); ++i) {
+        const QString name = QString::fromLatin1(style.property(i).name());
+        if (name != u"gradientConfig") {
+            take(name, style.property(i).metaType());
+            continue;
+        }
+        for (int part = 0; part < gradient.propertyCount(); ++part)
+            take(name + u'.' + QLatin1String(gradient.property(part).name()),
+                 gradient.property(part).metaType());
+    }
+}
+
 /// Sets `path` from position `depth` on in the record at `gadget`.
 QString setIn(const QMetaObject& record, void* gadget, const QStringList& path, qsizetype depth,
               const QString& text) {
@@ -82,15 +98,17 @@ void StyleFieldSetter::applySelectionRules(const QString& field) {
 
 QStringList StyleFieldSetter::fieldNames() {
     QStringList names;
-    for (const QString& name : propertyNames(ScreenshotStyleConfig::staticMetaObject)) {
-        if (name != u"gradientConfig") {
-            names << name;
-            continue;
-        }
-        for (const QString& part : propertyNames(SimpleGradientConfig::staticMetaObject))
-            names << name + u'.' + part;
-    }
+    forEachField([&](const QString& name, QMetaType) { names << name; });
     return names;
+}
+
+QList<std::pair<QString, QStringList>> StyleFieldSetter::choices() {
+    QList<std::pair<QString, QStringList>> all;
+    forEachField([&](const QString& name, QMetaType type) {
+        if (const QStringList names = namedValues(type); !names.isEmpty())
+            all.append({name, names});
+    });
+    return all;
 }
 
 } // namespace framora

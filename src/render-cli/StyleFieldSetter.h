@@ -3,6 +3,7 @@
 #include "editor/model/ScreenshotStyleConfig.h"
 
 #include <QStringList>
+#include <utility>
 
 namespace framora {
 
@@ -17,6 +18,9 @@ public:
 
     /// Every name that `set` takes, with the parts of the gradient, in the record's order.
     static QStringList fieldNames();
+
+    /// Fields that take one name of a few, each with the names.
+    static QList<std::pair<QString, QStringList>> choices();
 
 private:
     void applySelectionRules(const QString& field);

@@ -112,6 +112,11 @@ TEST(Arguments, TheHelpNamesEveryFieldAndOption) {
          {"--set", "--text", "--pixel-ratio", "--preview", "--jobs", "--quiet", "--output-dir",
           "gradientConfig.angle", "screenshotOffset", "isBlurred", "selectedShadowScene"})
         EXPECT_TRUE(help.contains(QString::fromLatin1(word))) << word;
+    // Nobody guesses names.
+    for (const char* line :
+         {"mockupStyle            defaultStyle, glassEffect, border", "gradientConfig.style   linear, radial",
+          "backgroundType         transparent, color, gradient, image"})
+        EXPECT_TRUE(help.contains(QString::fromLatin1(line))) << line;
     for (const QString& line : help.split(u'\n'))
         EXPECT_LE(line.size(), 120) << line.toStdString();
     EXPECT_FALSE(help.contains(u'%'));
