@@ -1,5 +1,6 @@
 #include "screencapture/CaptureSession.h"
 
+#include "screencapture/EndSignals.h"
 #include "screencapture/ReadySignal.h"
 #include "screencapture/XConnection.h"
 
@@ -267,10 +268,14 @@ std::optional<CaptureSession::Outcome> CaptureSession::takeWindow() {
     m_picture = m_windowGrab->take(m_windows, *m_clicked, *m_frozen->image());
     m_clicked.reset();
     // A window that is gone and showed no pixel: the user can still pick another.
-    return m_picture ? std::optional(Outcome::Captured) : std::nullopt;
+    if (!m_picture)
+        return std::nullopt;
+    ignoreEndSignals();
+    return Outcome::Captured;
 }
 
 CaptureSession::Outcome CaptureSession::takeArea() {
+    ignoreEndSignals();
     auto image = m_frozen->takeImage();
     const Rect part = m_model->selection().intersected({0, 0, image->width(), image->height()});
     endOnScreen();

@@ -1,5 +1,7 @@
 #include "screencapture/DetachedClipboard.h"
 
+#include "screencapture/EndSignals.h"
+
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -29,6 +31,7 @@ int leaveTheParent(int report) {
         dup2(nothing, standard);
     // The tool's connection among them, which would go on being the one open capture.
     closefrom(kReport + 1);
+    obeyEndSignals();
     signal(SIGPIPE, SIG_IGN);
     signal(SIGHUP, SIG_IGN);
     return kReport;

@@ -1,6 +1,7 @@
 #include "screencapture/portal/KwinWindowRoute.h"
 
 #include "editor/render/raster/PngEncoder.h"
+#include "screencapture/EndSignals.h"
 #include "screencapture/ReadySignal.h"
 #include "screencapture/portal/KwinScreenshots.h"
 
@@ -86,6 +87,7 @@ CaptureResult KwinWindowRoute::run(CaptureMode) {
     const auto image = picture.take();
     if (!image)
         return CaptureResult::failed("KWin's picture cannot be read");
+    ignoreEndSignals();
     announceReady();
     const double ratio = picture.shape().scale > 0 ? picture.shape().scale : 1;
     Rect part{0, 0, image->width(), image->height()};

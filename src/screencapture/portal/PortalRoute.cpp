@@ -1,6 +1,7 @@
 #include "screencapture/portal/PortalRoute.h"
 
 #include "editor/render/raster/PngEncoder.h"
+#include "screencapture/EndSignals.h"
 #include "screencapture/ReadySignal.h"
 #include "screencapture/portal/HandedFile.h"
 #include "screencapture/portal/PictureRatio.h"
@@ -44,6 +45,7 @@ CaptureResult PortalRoute::run(CaptureMode mode) {
     CaptureResult result = ask({true, mode, m_options.parentWindow, activationToken()}, uri);
     if (result.outcome != CaptureResult::Outcome::Captured)
         return result;
+    ignoreEndSignals();
     const auto path = pathOfFileUri(uri);
     if (!path)
         return CaptureResult::failed("the desktop's picture is no file of this machine");

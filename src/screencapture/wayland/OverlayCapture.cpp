@@ -1,6 +1,7 @@
 #include "screencapture/wayland/OverlayCapture.h"
 
 #include "editor/render/raster/PngEncoder.h"
+#include "screencapture/EndSignals.h"
 #include "screencapture/ReadySignal.h"
 #include "screencapture/wayland/PictureCut.h"
 #include "screencapture/wayland/WaylandConnection.h"
@@ -56,6 +57,8 @@ CaptureResult OverlayCapture::run(CaptureMode mode) {
     auto ended = begin(mode);
     if (!ended)
         ended = loop();
+    if (!ended)
+        ignoreEndSignals();
     endOnScreen();
     return ended ? std::move(*ended) : taken();
 }

@@ -15,6 +15,24 @@ DesktopOptions ofSize(QSize size) {
     return options;
 }
 
+constexpr QSize kLarge{3840, 2160};
+
+/// A wallpaper of `kLarge` that takes its time to become a PNG file.
+QImage showNoise(CaptureDesktop& capture) {
+    QImage noise(kLarge, QImage::Format_RGB32);
+    QRandomGenerator random(3);
+    for (int y = 0; y < noise.height(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(noise.scanLine(y));
+        for (int x = 0; x < noise.width(); ++x)
+            row[x] = 0xff000000U | random.generate();
+    }
+    capture.display().setWallpaper(noise);
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] {
+        return capture.display().pixelAt({3000, 2000}) == noise.pixelColor(3000, 2000);
+    }));
+    return noise;
+}
+
 class CaptureLifetimeTest : public testing::Test {
 protected:
     void dragOne(CaptureDesktop& capture) {
@@ -52,18 +70,8 @@ TEST_F(CaptureLifetimeTest, theServerProcessIsSmallAndHoldsNoFileOfItsParents) {
 }
 
 TEST_F(CaptureLifetimeTest, aLargePictureArrivesWholeInParts) {
-    CaptureDesktop capture(ofSize({3840, 2160}));
-    QImage noise(3840, 2160, QImage::Format_RGB32);
-    QRandomGenerator random(3);
-    for (int y = 0; y < noise.height(); ++y) {
-        auto* row = reinterpret_cast<QRgb*>(noise.scanLine(y));
-        for (int x = 0; x < noise.width(); ++x)
-            row[x] = 0xff000000U | random.generate();
-    }
-    capture.display().setWallpaper(noise);
-    ASSERT_TRUE(VirtualDesktop::waitFor([&] {
-        return capture.display().pixelAt({3000, 2000}) == noise.pixelColor(3000, 2000);
-    }));
+    CaptureDesktop capture(ofSize(kLarge));
+    const QImage noise = showNoise(capture);
     ChildProcess* tool = capture.open(kArea);
     ASSERT_TRUE(tool);
     capture.display().drag({0, 0}, {3839, 2159});
@@ -94,6 +102,32 @@ TEST_F(CaptureLifetimeTest, aKilledToolLeavesNothingOnScreen) {
     }
     // Pointer and keyboard are free again: the next capture works.
     dragOne(capture);
+}
+
+TEST_F(CaptureLifetimeTest, aToolThatIsToldToEndKeepsWhatTheUserHasChosen) {
+    CaptureDesktop capture(ofSize(kLarge));
+    const QImage noise = showNoise(capture);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+        const QByteArray before = capture.fillClipboard();
+        ChildProcess* tool = capture.open(kArea);
+        ASSERT_TRUE(tool);
+        capture.display().drag({0, 0}, {3839, 2159});
+        // The overlay goes first, then the picture is encoded.
+        ASSERT_TRUE(VirtualDesktop::waitFor([&] { return !capture.overlayIsUp(); }));
+        ASSERT_TRUE(tool->isRunning());
+        ::kill(static_cast<pid_t>(tool->pid()), signal);
+        EXPECT_EQ(CaptureDesktop::exitCodeOf(*tool), 0) << signal;
+        EXPECT_NE(capture.desktop().clipboard(), before);
+    }
+    EXPECT_TRUE(samePixels(capture.desktop().clipboardImage(), noise));
+    // The process that is left behind is a user's like any other again.
+    const auto serves = [](qint64 pid) {
+        return ChildProcess::nameOf(pid).startsWith(QStringLiteral("framora-screenc"));
+    };
+    for (const qint64 pid : capture.desktop().processes())
+        if (serves(pid))
+            ::kill(static_cast<pid_t>(pid), SIGTERM);
+    EXPECT_TRUE(VirtualDesktop::waitFor([&] { return capture.toolProcesses() == 0; }));
 }
 
 TEST_F(CaptureLifetimeTest, aRefusedGrabEndsCleanly) {

@@ -4,6 +4,7 @@
 #include "desktop/support/ScriptedSeat.h"
 #include "desktop/wayland/odd/OddCapture.h"
 
+#include <csignal>
 #include <fcntl.h>
 #include <linux/input-event-codes.h>
 #include <unistd.h>
@@ -65,6 +66,21 @@ TEST(OddCompositorTest, itEndsWithTheCompositorWheneverThatDies) {
         EXPECT_TRUE(odd.endsWith(3, "the compositor is gone", 5000));
         EXPECT_FALSE(odd.descriptors.isReady());
     }
+}
+
+TEST(OddCompositorTest, toldToEndOnceTheUserHasChosenTheToolKeepsThePicture) {
+    CompositorScript script;
+    script.outputs[0].mode = {3840, 2160};
+    OddCapture odd(script);
+    ChildProcess* const tool = odd.open();
+    ASSERT_TRUE(tool);
+    odd.drag({0, 0}, {3840, 2160});
+    // The overlay goes first, then the picture is encoded.
+    ASSERT_TRUE(DesktopSession::waitFor([&] { return !odd.overlayOn(QStringLiteral("ONE")); }));
+    ASSERT_TRUE(tool->isRunning());
+    ::kill(static_cast<pid_t>(tool->pid()), SIGTERM);
+    EXPECT_TRUE(odd.endsWith(0));
+    EXPECT_TRUE(samePixels(odd.clipboard(), odd.compositor.picture()));
 }
 
 TEST(OddCompositorTest, aSocketThatNobodyListensAtIsNoSession) {
