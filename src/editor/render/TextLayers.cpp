@@ -41,8 +41,10 @@ struct Layout {
 
 Layout layout(const TextOverlay& overlay) {
     Layout result;
-    // The program's own family: the desktop's would differ from one place to the next.
-    result.font.setFamilies({QStringLiteral("Inter"), QStringLiteral("sans-serif")});
+    // The program's own family: the desktop's would differ from one place to the next. Emoji before other
+    // fonts, some of which have outlines of a few.
+    result.font.setFamilies(
+        {QStringLiteral("Inter"), QStringLiteral("Noto Color Emoji"), QStringLiteral("sans-serif")});
     result.font.setPixelSize(layoutSize);
     result.font.setWeight(overlay.fontWeight);
     result.font.setHintingPreference(QFont::PreferNoHinting);

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
+#include <utility>
 #include <vector>
 
 namespace framora {
@@ -69,6 +70,16 @@ TEST(TextLayers, AreAlikeAtEveryScale) {
     EXPECT_NEAR(two.amount / one.amount, 4, 0.1);
     EXPECT_NEAR(two.x / 2, one.x, 0.3);
     EXPECT_NEAR(two.y / 2, one.y, 0.6) << "baselines stand on whole pixels";
+}
+
+TEST(TextLayers, ShowEastAsianLettersAndEmojiInTheirColors) {
+    // What no font has is the same box for every letter.
+    for (const auto& [one, other] :
+         {std::pair{u"\u65e5", u"\u672c"}, {u"\u3042", u"\u3044"}, {u"\ud55c", u"\uad6d"}})
+        EXPECT_NE(drawn({text(QString::fromUtf16(one))}), drawn({text(QString::fromUtf16(other))}));
+    // A text font may have it too, as an outline in the text's red.
+    const auto yellow = [](QRgb pixel) { return qGreen(pixel) > 150 && qBlue(pixel) < 100 ? 1.0 : 0.0; };
+    EXPECT_GT(weighed(drawn({text(QString::fromUtf16(u"\U0001f600"))}), yellow).amount, 300);
 }
 
 TEST(TextLayers, GrowHeavierWithTheirWeight) {
