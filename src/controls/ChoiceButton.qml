@@ -9,6 +9,6 @@ T.RadioButton {
     hoverEnabled: true
     Accessible.onToggleAction: control.clicked()
     Accessible.onPressAction: control.clicked()
-    Keys.forwardTo: ReleaseKeys { id: keys; button: control }
+    Keys.forwardTo: ReleaseKeys { id: keys; button: control; onStruck: control.clicked() }
     down: keys.heldKey ? true : undefined
 }

@@ -10,7 +10,6 @@ T.ToolTip {
     property string shortcut: ""
 
     x: Math.round((parent.width - implicitWidth) / 2)
-    y: parent.height + 6
     margins: 8
     delay: 500
     closePolicy: T.Popup.CloseOnEscape | T.Popup.CloseOnPressOutsideParent | T.Popup.CloseOnReleaseOutsideParent
@@ -22,6 +21,7 @@ T.ToolTip {
     implicitHeight: contentItem.implicitHeight + topPadding + bottomPadding
 
     contentItem: Row {
+        objectName: "help"
         spacing: 8
         Text {
             text: tip.text

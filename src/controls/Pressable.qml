@@ -1,4 +1,3 @@
-// qmllint disable unqualified
 import QtQuick
 import QtQuick.Templates as T
 import Framora.Controls
@@ -16,18 +15,14 @@ T.AbstractButton {
     focusPolicy: Qt.TabFocus
     Accessible.role: Accessible.Button
     Accessible.onPressAction: control.clicked()
-    Keys.forwardTo: ReleaseKeys { id: keys; button: control }
+    Keys.forwardTo: ReleaseKeys { id: keys; button: control; onStruck: control.clicked() }
     down: keys.heldKey ? true : undefined
 
-    HoverHandler { id: hover }
-    Loader {
-        active: (hover.hovered || control.visualFocus) && control.help !== ""
-        sourceComponent: HelpTip {
-            parent: control
-            y: control.helpAbove ? -implicitHeight - 6 : control.height + 6
-            text: control.help
-            shortcut: control.shortcut
-            visible: !control.down
-        }
+    HelpArea {
+        help: control.help
+        shortcut: control.shortcut
+        above: control.helpAbove
+        hasKeys: control.visualFocus
+        pressed: control.down
     }
 }

@@ -2,21 +2,22 @@
 import QtQuick
 import QtQuick.Templates as T
 
-/// What the keys do to a button, for its `Keys.forwardTo`: Return, Enter and Space click it once, when they are let go. A
-/// click that opens or ends something would hand the repeats of a key still down to whatever comes next.
+/// What the keys do to a button, for its `Keys.forwardTo`: Return, Enter and Space strike it once, when they are let go. One
+/// that opens or ends something would hand the repeats of a key still down to whatever comes next.
 Item {
     id: keys
 
     required property T.AbstractButton button
     /// The key that was pressed here and is still down; 0 without one.
     property int heldKey: 0
+    signal struck
 
     function isMine(event: var): bool {
         return event.key === Qt.Key_Return || event.key === Qt.Key_Enter || event.key === Qt.Key_Space;
     }
-    function click(): void {
+    function strike(): void {
         heldKey = 0;
-        button.clicked();
+        struck();
     }
 
     Keys.onPressed: event => {
@@ -33,12 +34,12 @@ Item {
         if (settled.interval > 0)
             settled.restart();
         else
-            click();
+            strike();
     }
     Timer {
         id: settled
         interval: Theme.keySettling
-        onTriggered: keys.click()
+        onTriggered: keys.strike()
     }
     Connections {
         target: keys.button

@@ -117,6 +117,7 @@ Item {
         Repeater {
             id: segments
             model: picker.options
+            // Two types, since to a screen reader a radio button remains one whatever its `Accessible.role`.
             delegate: picker.tabs ? tab : radio
         }
     }

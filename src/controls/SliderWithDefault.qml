@@ -89,12 +89,12 @@ Item {
                 control.moveTo(SliderValueText.fit(value, from, to, control.step));
         }
         // While the pointer holds the handle, the keys are the hold's: undo would pull the value from under it.
-        Keys.onShortcutOverride: event => event.accepted = mouse.pressed
+        Keys.onShortcutOverride: event => event.accepted = hold.pressed
         Keys.onPressed: event => {
-            if (mouse.pressed) {
+            if (hold.pressed) {
                 event.accepted = true;
                 if (event.key === Qt.Key_Escape)
-                    mouse.takeBack();
+                    hold.takeBack();
                 return;
             }
             event.accepted = keyPressed(event);
@@ -146,25 +146,6 @@ Item {
             return true;
         }
 
-        onActiveFocusChanged: if (!activeFocus) secondPress.finish()
-        // Its panel may go before that.
-        Component.onDestruction: secondPress.finish()
-        /// Runs while a click may still become a double click.
-        Timer {
-            id: secondPress
-
-            readonly property var hints: Qt.styleHints
-
-            function finish(): void {
-                if (running)
-                    control.editFinished();
-                stop();
-            }
-
-            interval: hints.mouseDoubleClickInterval
-            onTriggered: control.editFinished()
-        }
-
         background: Item {
             RoundedBox {
                 y: 8
@@ -195,7 +176,7 @@ Item {
                 height: 4
                 radius: 1
                 color: Theme.tertiaryText
-                opacity: control.resettable && (mouse.containsMouse || mouse.pressed) ? 0.9 : 0
+                opacity: control.resettable && (hold.containsMouse || hold.pressed) ? 0.9 : 0
                 Behavior on opacity { NumberAnimation { duration: Theme.shortMotion } }
             }
         }
@@ -205,83 +186,21 @@ Item {
             width: 16
             height: 16
             radius: 8
-            color: !control.enabled ? Theme.disabledKnob : mouse.pressed ? Qt.darker(Theme.knob, 1.06) : Theme.knob
+            color: !control.enabled ? Theme.disabledKnob : hold.pressed ? Qt.darker(Theme.knob, 1.06) : Theme.knob
             outlineWidth: 1
-            outline: mouse.containsMouse || mouse.pressed ? Theme.accent : Theme.knobOutline
+            outline: hold.containsMouse || hold.pressed ? Theme.accent : Theme.knobOutline
             FocusRing { radius: 11; shown: slider.visualFocus }
         }
-        // A press beside the handle brings it there at once, one on the handle keeps it under the pointer as it is,
-        // and the wheel scrolls what the slider stands in.
-        MouseArea {
-            id: mouse
-
-            property real grabOffset: 0
-            property real pressedAt: 0
-            property bool follows: false
-            property bool isHeld: false ///< Until the release, or until Escape takes the hold back.
-            property double valueBefore: 0
-
-            function pointTo(x: real): void {
-                const part = Math.max(0, Math.min(1, (x - grabOffset - 8) / (width - 16)));
-                control.moveTo(SliderValueText.fit(control.from + part * (control.to - control.from), control.from,
-                                                   control.to, control.step));
-            }
-
-            /// The value is again what it was before the hold.
-            function takeBack(): void {
-                if (!isHeld)
-                    return;
-                control.moveTo(valueBefore);
-                letGo();
-            }
-            function letGo(): void {
-                if (isHeld)
-                    control.editFinished();
-                isHeld = false;
-                follows = false;
-            }
-
+        SliderHold {
+            id: hold
             anchors.fill: parent
-            hoverEnabled: true
-            preventStealing: true
-            onPressed: event => {
-                slider.forceActiveFocus(Qt.MouseFocusReason);
-                // A double click on the track is one edit: what its first click did is no place to go back to.
-                if (secondPress.running && Math.abs(event.x - pressedAt) <= 5) {
-                    secondPress.stop();
-                } else {
-                    secondPress.finish();
-                    valueBefore = control.value;
-                    control.editStarted();
-                }
-                isHeld = true;
-                const offset = event.x - slider.handle.x - 8;
-                follows = Math.abs(offset) > 9;
-                grabOffset = follows ? 0 : offset;
-                pressedAt = event.x;
-                if (follows)
-                    pointTo(event.x);
-            }
-            onPositionChanged: event => {
-                // A shaking hand is no drag: a double click on the handle must not move it.
-                follows = isHeld && (follows || Math.abs(event.x - pressedAt) > 2);
-                if (follows)
-                    pointTo(event.x);
-            }
-            onReleased: event => {
-                if (isHeld && Math.abs(event.x - pressedAt) <= 2) {
-                    isHeld = false;
-                    follows = false;
-                    secondPress.restart();
-                } else {
-                    letGo();
-                }
-            }
-            onCanceled: letGo()
-            onDoubleClicked: {
-                follows = false;
-                control.reset();
-            }
+            slider: slider
+            value: control.value
+            step: control.step
+            onMoved: value => control.moveTo(value)
+            onEditStarted: control.editStarted()
+            onEditFinished: control.editFinished()
+            onDoubleClicked: control.reset()
         }
     }
     SliderNumber {

@@ -16,7 +16,7 @@ QtObject {
     readonly property color text: dark ? "#f2f3f5" : "#1a1b1e"
     /// In ms. X tells of each repeat of a held key by a release and a press, and the toolkit takes some of these
     /// releases for real ones: the press that follows in this time tells them apart.
-    readonly property int keySettling: Qt.platform.pluginName === "xcb" ? 20 : 0
+    property int keySettling: Qt.platform.pluginName === "xcb" ? 20 : 0
     // Small texts: both stand out at 4.5 : 1 at least from what they stand on, the third not from what is
     // pointed at or pressed.
     readonly property color secondaryText: dark ? "#b6b9c1" : "#565962"

@@ -12,4 +12,6 @@ Item {
     Binding { target: Theme; property: "dark"; value: root.dark }
     Binding { target: Theme; property: "accent"; value: root.accent }
     Binding { target: Theme; property: "reducedMotion"; value: root.reducedMotion }
+
+    HoverHandler { onPointChanged: Pointer.position = point.scenePosition }
 }

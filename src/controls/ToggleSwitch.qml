@@ -13,9 +13,15 @@ T.Switch {
     opacity: enabled ? 1 : 0.4
     Accessible.role: Accessible.CheckBox
     Accessible.name: text
-    // A held key comes as presses and releases, and each release would switch.
-    Keys.onPressed: event => event.accepted = event.key === Qt.Key_Space && event.isAutoRepeat
-    Keys.onReleased: event => event.accepted = event.key === Qt.Key_Space && event.isAutoRepeat
+    Keys.forwardTo: ReleaseKeys {
+        id: keys
+        button: control
+        onStruck: {
+            control.toggle();
+            control.toggled();
+        }
+    }
+    down: keys.heldKey ? true : undefined
 
     indicator: RoundedBox {
         width: 40
@@ -27,7 +33,7 @@ T.Switch {
 
         RoundedBox {
             // Wider while it is held, towards the other side.
-            readonly property real stretch: control.pressed ? 3 : 0
+            readonly property real stretch: control.down ? 3 : 0
             x: control.checked ? 18 - stretch : 2
             y: 2
             width: 20 + stretch

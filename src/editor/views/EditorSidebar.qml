@@ -46,60 +46,25 @@ Rectangle {
     }
     // The panel scrolls away under this line.
     Rectangle {
-        anchors.bottom: flickable.top
+        anchors.bottom: pane.top
         width: parent.width - 1
         height: 1
         color: Theme.hairline
-        opacity: flickable.contentY > 0 ? 1 : 0
+        opacity: pane.contentY > 0 ? 1 : 0
         Behavior on opacity { NumberAnimation { duration: Theme.shortMotion } }
     }
-    Flickable {
-        id: flickable
-
-        /// Brings what the keyboard has reached into view, with room around it.
-        function reveal(item: Item): void {
-            let above = item;
-            while (above && above !== panel.item)
-                above = above.parent;
-            if (!above || height <= 0)
-                return;
-            const top = item.mapToItem(contentItem, 0, 0).y;
-            const room = Math.min(24, Math.max(0, (height - item.height) / 2));
-            const wanted = Math.max(top + item.height + room - height, Math.min(contentY, top - room));
-            scrollTo.to = Math.max(0, Math.min(contentHeight - height, wanted));
-            if (scrollTo.to !== contentY)
-                scrollTo.restart();
-        }
-
+    ScrollPane {
+        id: pane
         objectName: "sidebar.scroll"
         anchors.top: tabs.bottom
         anchors.topMargin: 12
         anchors.bottom: parent.bottom
         width: parent.width - 1
-        clip: true
-        contentWidth: width
         contentHeight: panel.implicitHeight + 28
-        boundsBehavior: Flickable.StopAtBounds
-        interactive: contentHeight > height
 
         Ground {
-            width: flickable.width
-            height: Math.max(flickable.height, flickable.contentHeight)
-        }
-        NumberAnimation {
-            id: scrollTo
-            target: flickable
-            property: "contentY"
-            duration: Theme.motion
-            easing.type: Easing.OutCubic
-        }
-        Connections {
-            target: sidebar.Window.window
-            function onActiveFocusItemChanged(): void {
-                const item = sidebar.Window.window.activeFocusItem;
-                if (item)
-                    flickable.reveal(item);
-            }
+            width: pane.width
+            height: Math.max(pane.height, pane.contentHeight)
         }
         Loader {
             id: panel
@@ -107,10 +72,7 @@ Rectangle {
             y: 4
             width: sidebar.width - 32
             sourceComponent: [appearance, background, layout][sidebar.session.selectedTab]
-            onLoaded: {
-                scrollTo.stop();
-                flickable.contentY = 0;
-            }
+            onLoaded: pane.restart()
         }
         Component {
             id: appearance
@@ -129,18 +91,4 @@ Rectangle {
             LayoutPanel { viewModel: sidebar.session.viewModel }
         }
     }
-    // Where the panel stands, while it is longer than its room.
-    RoundedBox {
-        visible: flickable.interactive
-        anchors.right: parent.right
-        anchors.rightMargin: 4
-        y: flickable.y + flickable.visibleArea.yPosition * flickable.height
-        width: 4
-        height: flickable.visibleArea.heightRatio * flickable.height
-        radius: 2
-        color: Theme.tertiaryText
-        opacity: flickable.moving || scrollTo.running || hover.hovered ? 0.5 : 0
-        Behavior on opacity { NumberAnimation { duration: Theme.motion } }
-    }
-    HoverHandler { id: hover }
 }

@@ -1,4 +1,3 @@
-// qmllint disable unqualified
 import QtQuick
 import Framora.Controls
 import Framora.Editor
@@ -26,13 +25,5 @@ Item {
         onClicked: control.bridge.pickFromScreen()
     }
     // A disabled button knows nothing of the pointer.
-    HoverHandler { id: hover }
-    Loader {
-        active: hover.hovered && !control.bridge.canPickFromScreen
-        sourceComponent: HelpTip {
-            parent: control
-            text: control.hint
-            visible: true
-        }
-    }
+    HelpArea { help: control.bridge.canPickFromScreen ? "" : control.hint }
 }

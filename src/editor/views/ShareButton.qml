@@ -56,16 +56,7 @@ Item {
         }
     }
     // A disabled button knows nothing of the pointer.
-    HoverHandler { id: hover }
-    Loader {
-        active: hover.hovered && !control.available
-        sourceComponent: HelpTip {
-            parent: control
-            text: control.hint
-            visible: true
-            Component.onCompleted: contentItem.objectName = "share.hint"
-        }
-    }
+    HelpArea { help: control.available ? "" : control.hint }
     T.Menu {
         id: menu
 

@@ -103,7 +103,7 @@ TEST_F(EditorSharing, WhereThePortalCannotTheItemSaysWhyAndDoesNothing) {
     display().moveTo(place(QStringLiteral("share")).center() - QPoint(2, 2));
     display().moveTo(place(QStringLiteral("share")).center());
     EXPECT_TRUE(VirtualDesktop::waitFor(
-        [&] { return ask(QStringLiteral("where share.hint"), QStringLiteral("at ")) != u"nowhere"; }));
+        [&] { return ask(QStringLiteral("where help"), QStringLiteral("at ")) != u"nowhere"; }));
     click("share");
     letPass();
     EXPECT_EQ(ask(QStringLiteral("where share.openWith"), QStringLiteral("at ")), QStringLiteral("nowhere"));

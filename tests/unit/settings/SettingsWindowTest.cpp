@@ -21,6 +21,7 @@ namespace {
 
 class SettingsWindowTest : public testing::Test {
 protected:
+    SettingsWindowTest() { platform.appearance.reducedMotion = true; } // what scrolls is there at once
     void open() {
         window = std::make_unique<QuickSettingsWindow>(platform.services(), [this] {
             ++closings;
