@@ -7,10 +7,20 @@ Item {
     id: shortcuts
 
     required property EditorSession session
-    signal cancelled
+    /// What Escape does.
+    required property var leave
 
+    /// What a key that is still down has done: it does so once, also where the toolkit takes its repeats for presses.
+    property var held: null
     /// What ends the window waits for the key to be let go: its repeats would fall on whatever is beneath.
     property var ending: null
+    function once(action: var): void {
+        settled.stop();
+        if (ending || held === action)
+            return;
+        held = action;
+        action();
+    }
     function keyReleased(key: int): void {
         switch (key) {
         // The key itself may still be down when its modifier comes up.
@@ -24,24 +34,26 @@ Item {
             if (settled.interval > 0)
                 settled.restart();
             else
-                end();
+                letGo();
         }
     }
-    function endAtRelease(action: var): void {
-        ending = action;
-        settled.stop();
-    }
-    function closeWindow(): void {
-        session.close();
-    }
-    function copyPicture(): void {
-        session.triggerToolbarItem("CopyItem");
-    }
-    function end(): void {
+    /// No key is down, or the window is no longer told.
+    function letGo(): void {
         const action = ending;
+        settled.stop();
+        held = null;
         ending = null;
         if (action)
             action();
+    }
+    function copyAtRelease(): void {
+        ending = () => session.triggerToolbarItem("CopyItem");
+    }
+    function closeAtRelease(): void {
+        ending = () => session.close();
+    }
+    function save(): void {
+        session.triggerToolbarItem("SaveItem");
     }
 
     readonly property ScreenshotEditorViewModel viewModel: session.viewModel
@@ -69,24 +81,19 @@ Item {
     Timer {
         id: settled
         interval: Theme.keySettling
-        onTriggered: shortcuts.end()
+        onTriggered: shortcuts.letGo()
     }
     Shortcut {
         sequence: "Escape"
         autoRepeat: false
         enabled: !shortcuts.editingText
-        onActivated: {
-            if (shortcuts.ending)
-                settled.stop();
-            else
-                shortcuts.cancelled();
-        }
+        onActivated: shortcuts.once(shortcuts.leave)
     }
     Shortcut {
         id: closeKeys
         sequence: "Ctrl+W"
         autoRepeat: false
-        onActivated: shortcuts.endAtRelease(shortcuts.closeWindow)
+        onActivated: shortcuts.once(shortcuts.closeAtRelease)
     }
 
     Shortcut {
@@ -94,19 +101,19 @@ Item {
         sequence: "Ctrl+C"
         autoRepeat: false
         enabled: !shortcuts.editingText
-        onActivated: shortcuts.endAtRelease(shortcuts.copyPicture)
+        onActivated: shortcuts.once(shortcuts.copyAtRelease)
     }
     Shortcut {
         sequence: "Ctrl+Ins"
         autoRepeat: false
         enabled: copyKeys.enabled
-        onActivated: shortcuts.endAtRelease(shortcuts.copyPicture)
+        onActivated: shortcuts.once(shortcuts.copyAtRelease)
     }
     Shortcut {
         id: saveKeys
         sequence: "Ctrl+S"
         autoRepeat: false
-        onActivated: shortcuts.session.triggerToolbarItem("SaveItem")
+        onActivated: shortcuts.once(shortcuts.save)
     }
 
     // Not in the middle of a drag, which would go on from another place.

@@ -22,7 +22,7 @@ ThemedView {
         else if (shortcuts.editingText)
             detail.forceActiveFocus(Qt.OtherFocusReason);
         else if (viewModel.mayLeave())
-            shortcuts.endAtRelease(shortcuts.closeWindow);
+            shortcuts.closeAtRelease();
     }
 
     focus: true
@@ -42,13 +42,13 @@ ThemedView {
     }
     Keys.onEscapePressed: event => {
         if (!event.isAutoRepeat)
-            leave();
+            shortcuts.once(shortcuts.leave);
     }
     Window.onActiveChanged: {
         if (Window.active)
             return;
         detail.panKeyHeld = false;
-        shortcuts.end();
+        shortcuts.letGo();
     }
     // What had the keys may be gone, a panel for one.
     Window.onActiveFocusItemChanged: {
@@ -179,6 +179,6 @@ ThemedView {
     EditorShortcuts {
         id: shortcuts
         session: root.session
-        onCancelled: root.leave()
+        leave: root.leave
     }
 }

@@ -3,6 +3,7 @@
 #include "editor/model/ScreenshotEditorViewModel.h"
 #include "unit/controls/ShownItems.h"
 
+#include <QQmlComponent>
 #include <QTest>
 
 namespace framora {
@@ -114,6 +115,50 @@ TEST_F(EditorSidebarInput, AHeldEscapeEndsOneThing) {
     holdKey(Qt::Key_Escape, QString());
     ASSERT_NE(editor.editorWindow(), nullptr);
     EXPECT_FALSE(session().colorPanel()->isOpen());
+}
+
+TEST_F(EditorSidebarInput, ARepeatTakenForAPressEndsNothingMore) {
+    openAppearance();
+    QQmlComponent settling(window().engine());
+    settling.setData("import QtQuick\nimport Framora.Controls\n"
+                     "QtObject { Component.onCompleted: Theme.keySettling = 150 }",
+                     {});
+    const std::unique_ptr<QObject> set(settling.create()); // As where releases come amid the repeats.
+    ASSERT_NE(set, nullptr) << settling.errorString().toStdString();
+    model().set(QStringLiteral("mockupStyle"), QStringLiteral("border"));
+    session().colorPanel()->open(QStringLiteral("borderColor"));
+    QTest::keyPress(&window(), Qt::Key_Escape);
+    for (int i = 0; i < 4; ++i) {
+        QTest::keyRelease(&window(), Qt::Key_Escape);
+        QTest::keyPress(&window(), Qt::Key_Escape);
+    }
+    QTest::keyRelease(&window(), Qt::Key_Escape);
+    EXPECT_FALSE(session().colorPanel()->isOpen());
+    QTest::qWait(300);
+    EXPECT_TRUE(frontToast().isEmpty()) << "the key did one thing";
+    ASSERT_NE(editor.editorWindow(), nullptr);
+    key(Qt::Key_Escape);
+    EXPECT_FALSE(frontToast().isEmpty()) << "it was let go since";
+}
+
+TEST_F(EditorSidebarInput, OnlyAPointerThatMovesAsksForHelp) {
+    openAppearance();
+    const auto helps = [this] { return item("help") && item("help")->isVisible(); };
+    // The button slides away, and another one comes below the pointer.
+    const QPoint place = centreOf("sidebar.toggle");
+    QTest::mouseMove(&window(), place - QPoint(0, 200));
+    QTest::mouseMove(&window(), place);
+    EXPECT_TRUE(QTest::qWaitFor(helps)) << "it came by itself";
+    QTest::mouseClick(&window(), Qt::LeftButton, {}, place);
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        for (const char* other : {"undo", "redo", "zoom.in", "zoom.out", "reset.disposition", "share"})
+            if (item(other)->property("hovered").toBool())
+                return true;
+        return false;
+    }));
+    EXPECT_FALSE(QTest::qWaitFor(helps, 900));
+    QTest::mouseMove(&window(), place + QPoint(3, 3));
+    EXPECT_TRUE(QTest::qWaitFor(helps));
 }
 
 TEST_F(EditorSidebarInput, EscapeLosesNoEditsAtOnce) {
