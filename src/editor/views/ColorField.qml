@@ -39,21 +39,10 @@ T.Control {
         FocusRing { shown: field.visualFocus }
     }
     contentItem: Item {
-        MouseArea {
-            function pick(mouse: var): void {
-                field.bridge.setHsv(field.bridge.hue, mouse.x / width, 1 - mouse.y / height);
-            }
-
-            anchors.fill: parent
-            preventStealing: true
-            onPressed: mouse => {
-                field.forceActiveFocus(Qt.MouseFocusReason);
-                field.bridge.beginEdit();
-                pick(mouse);
-            }
-            onPositionChanged: mouse => pick(mouse)
-            onReleased: field.bridge.endEdit()
-            onCanceled: field.bridge.endEdit()
+        ColorDragArea {
+            bridge: field.bridge
+            control: field
+            onPicked: (x, y) => field.bridge.setHsv(field.bridge.hue, x / width, 1 - y / height)
         }
         ColorHandle {
             x: field.bridge.saturation * parent.width - 8

@@ -49,20 +49,9 @@ T.Slider {
         color: Qt.hsva(slider.bridge.hue, 1, 1, 1)
         FocusRing { radius: 11; shown: slider.visualFocus }
     }
-    MouseArea {
-        function pick(mouse: var): void {
-            slider.turn(Math.max(0, Math.min(1, (mouse.x - 8) / (width - 16))) * 360);
-        }
-
-        anchors.fill: parent
-        preventStealing: true
-        onPressed: mouse => {
-            slider.forceActiveFocus(Qt.MouseFocusReason);
-            slider.bridge.beginEdit();
-            pick(mouse);
-        }
-        onPositionChanged: mouse => pick(mouse)
-        onReleased: slider.bridge.endEdit()
-        onCanceled: slider.bridge.endEdit()
+    ColorDragArea {
+        bridge: slider.bridge
+        control: slider
+        onPicked: x => slider.turn(Math.max(0, Math.min(1, (x - 8) / (width - 16))) * 360)
     }
 }

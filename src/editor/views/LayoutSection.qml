@@ -8,6 +8,9 @@ Section {
 
     required property ScreenshotEditorViewModel viewModel
     readonly property var offset: viewModel.config.screenshotOffset
+    /// How far a drag that is under way has come.
+    readonly property size drag: Qt.size(viewModel.offset.width - viewModel.lastOffset.width,
+                                         viewModel.offset.height - viewModel.lastOffset.height)
 
     title: Strings.localized("layout")
 
@@ -37,7 +40,8 @@ Section {
         Text {
             objectName: "position.text"
             anchors.verticalCenter: parent.verticalCenter
-            text: Math.round(section.offset.width) + ", " + Math.round(section.offset.height)
+            text: Math.round(section.offset.width + section.drag.width) + ", "
+                  + Math.round(section.offset.height + section.drag.height)
             color: Theme.tertiaryText
             font.family: Theme.monospacedFamily
             font.pixelSize: 11

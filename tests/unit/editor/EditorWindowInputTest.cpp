@@ -121,6 +121,30 @@ TEST_F(EditorInput, EscapePutsADragBackAndClosesTheWindowOnlyAfterThat) {
     EXPECT_EQ(editor.editorWindow(), nullptr);
 }
 
+TEST_F(EditorInput, ThePositionShownFollowsADrag) {
+    open();
+    session().setProperty("selectedTab", 2);
+    const auto shows = [this](const char* position) {
+        const QQuickItem* text = itemNamed(window().contentItem(), QStringLiteral("position.text"));
+        return text && text->property("text").toString() == QLatin1String(position);
+    };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shows("0, 0"); }));
+    for (const auto& [start, moved, released] :
+         {std::tuple(QPoint(0, 0), "30, 20", "40, 20"), {QPoint(40, 20), "70, 40", "80, 40"}}) {
+        QTest::mousePress(&window(), Qt::LeftButton, {}, middle() + start);
+        QTest::mouseMove(&window(), middle() + start + QPoint(30, 20));
+        EXPECT_TRUE(shows(moved));
+        QTest::mouseMove(&window(), middle() + start + QPoint(40, 20));
+        QTest::mouseRelease(&window(), Qt::LeftButton, {}, middle() + start + QPoint(40, 20));
+        EXPECT_TRUE(shows(released));
+    }
+    QTest::mousePress(&window(), Qt::LeftButton, {}, middle());
+    QTest::mouseMove(&window(), middle() + QPoint(-9, 0));
+    EXPECT_TRUE(shows("71, 40"));
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(shows("80, 40"));
+}
+
 TEST_F(EditorInput, TheSpaceBarHeldTurnsADragIntoAPan) {
     open();
     model().zoomTo(300);
