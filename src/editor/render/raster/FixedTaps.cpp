@@ -1,5 +1,7 @@
 #include "editor/render/raster/FixedTaps.h"
 
+#include "editor/render/raster/ResampleKernels.h"
+
 #include <algorithm>
 
 namespace framora::raster {
@@ -41,6 +43,7 @@ FixedTaps::FixedTaps(const ResampleKernel& kernel, int first, int end) : m_first
         roundWeights(taps, m_weights.data() + i * std::size_t(m_taps) + (taps.first - m_starts[i]));
         if (i > 0 && m_starts[i] - m_starts[i - 1] > 1)
             m_isDense = false;
+        m_reach = std::max(m_reach, int(m_starts[i] - m_starts[i - std::min<std::size_t>(i, 7)]));
     }
     m_isDense = m_isDense && m_taps <= mostDenseTaps;
     if (m_isDense && m_taps == 4)
@@ -74,9 +77,10 @@ void FixedTaps::spreadWeights() {
     const std::size_t count = m_starts.size();
     const auto taps = std::size_t(m_taps);
     const auto spreadOne = [](std::int16_t weight) { return MixPixel{{weight, weight, weight, weight}}; };
-    if (m_isDense) {
+    m_isByTaps = m_isDense || m_reach <= mostSortableReach();
+    if (m_isByTaps) {
         m_tapStride = count + 8; // a last vector may read beyond the last output
-        m_spread.assign(m_tapStride * taps, MixPixel{});
+        m_spread.assign(m_tapStride * ((taps + together - 1) / together * together), MixPixel{});
         for (std::size_t i = 0; i < count; ++i)
             for (std::size_t tap = 0; tap < taps; ++tap)
                 m_spread[tap * m_tapStride + i] = spreadOne(m_weights[i * taps + tap]);

@@ -15,6 +15,8 @@ public:
     static constexpr int one = 1 << 14;
     /// With more, the taps of one output fill a vector by themselves.
     static constexpr int mostDenseTaps = 8;
+    /// Held by taps, their number is filled up to a multiple of this.
+    static constexpr std::size_t together = 4;
 
     FixedTaps() = default;
     /// For the outputs [first, end).
@@ -25,6 +27,8 @@ public:
     int taps() const { return m_taps; }
     /// Whether there are few taps and every output starts at most one source behind the one before.
     bool isDense() const { return m_isDense; }
+    /// How far at most an output starts behind the seventh one before it: across a vector of eight.
+    int reach() const { return m_reach; }
     /// The outputs [doubledFirst, doubledEnd), counted from firstOutput(), where every second one has the
     /// same four weights and starts one source further on: a picture of twice the size, but for its edges.
     int doubledFirst() const { return m_doubledFirst; }
@@ -49,12 +53,14 @@ public:
     const std::int16_t* weights(int index) const {
         return m_weights.data() + std::size_t(index) * std::size_t(m_taps);
     }
-    /// Four times each, one output after the other: taps() pixels an output when dense, else padded with
-    /// zeros to paddedTaps().
+    /// Whether spread() holds the first taps of all outputs, then all second ones and so on, and some of
+    /// weight zero; else one output after the other, each padded with zeros to paddedTaps().
+    bool isByTaps() const { return m_isByTaps; }
+    /// The weights four times each.
     const MixPixel* spread(int index) const {
-        return m_spread.data() + std::size_t(index) * std::size_t(m_isDense ? 1 : paddedTaps());
+        return m_spread.data() + std::size_t(index) * std::size_t(m_isByTaps ? 1 : paddedTaps());
     }
-    /// Between the taps of one output in spread(), when dense.
+    /// Between the taps of one output in spread(), when they are held by taps.
     std::size_t tapStride() const { return m_tapStride; }
     int paddedTaps() const { return (m_taps + 7) / 8 * 8; }
 
@@ -72,7 +78,9 @@ private:
     int m_halvedFirst = 0;
     int m_halvedEnd = 0;
     int m_taps = 0;
+    int m_reach = 0;
     bool m_isDense = true;
+    bool m_isByTaps = true;
     std::size_t m_tapStride = 0;
     std::vector<std::int64_t> m_starts;
     std::vector<std::int16_t> m_weights;

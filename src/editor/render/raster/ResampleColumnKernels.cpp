@@ -1,14 +1,13 @@
 #include "editor/render/raster/ResampleKernels.h"
 
-#include "editor/render/raster/AlphaBytes.h"
-
 #include <algorithm>
-#include <cstring>
 
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "editor/render/raster/ResampleColumnKernels.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+
+#include "editor/render/raster/ResampleWriters-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
@@ -23,119 +22,11 @@ void packAllColumns(const MixBlock& source, const FixedTaps& taps, int index, Mu
                     Storing /*storing*/) {
     plain::packColumns(source, taps, index, out);
 }
+int mostSortable() {
+    return 0;
+}
 
 #else
-
-namespace hn = hwy::HWY_NAMESPACE;
-
-using Lanes = hn::CappedTag<std::int16_t, 32>;
-using Vector = hn::Vec<Lanes>;
-constexpr Lanes lanes;
-
-HWY_INLINE Vector loadPixels(const MixPixel* from) {
-    return hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(from));
-}
-
-HWY_INLINE void storePixels(Vector pixels, MixPixel* to) {
-    hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(to));
-}
-
-/// The least that a valid sum of opaque pixels is: alpha is one.
-HWY_INLINE Vector leastOpaque() {
-    alignas(16) static constexpr std::int16_t least[8] = {0, 0, 0, filterOne, 0, 0, 0, filterOne};
-    return hn::LoadDup128(lanes, least);
-}
-
-/// Writes sums as pixels being mixed.
-template <Alpha alpha> struct MixWriter {
-    MixBlock out;
-
-    /// Valid pixels of these sums, 0...mixOne.
-    static HWY_INLINE Vector clamped(Vector sums) {
-        const Vector one = hn::Set(lanes, std::int16_t(filterOne));
-        if constexpr (alpha == Alpha::opaque) {
-            return hn::ShiftLeft<2>(hn::Min(hn::Max(sums, leastOpaque()), one));
-        } else {
-            const hn::Repartition<std::uint8_t, Lanes> bytes;
-            const auto positive = hn::Max(sums, hn::Zero(lanes));
-            const auto limit = hn::BitCast(
-                lanes, hn::TableLookupBytes(hn::BitCast(bytes, positive), hn::LoadDup128(bytes, alphaBytes)));
-            return hn::ShiftLeft<2>(hn::Min(positive, hn::Min(limit, one)));
-        }
-    }
-    /// A vector, or the first `count` pixels of it.
-    static HWY_INLINE void write(Vector sums, MixPixel* to) { storePixels(clamped(sums), to); }
-    static HWY_INLINE void writeFirst(Vector sums, MixPixel* to, int count) {
-        alignas(64) std::int16_t part[32];
-        hn::Store(clamped(sums), lanes, part);
-        std::memcpy(to, part, std::size_t(count) * sizeof *to);
-    }
-    /// The pixels of both vectors in turn.
-    static HWY_INLINE void writeInTurn(Vector evenSums, Vector oddSums, MixPixel* to) {
-        const hn::Repartition<std::uint64_t, Lanes> words;
-        const auto even = hn::BitCast(words, clamped(evenSums));
-        const auto odd = hn::BitCast(words, clamped(oddSums));
-        auto* pixels = reinterpret_cast<std::uint64_t*>(to);
-#if HWY_MAX_BYTES == 64
-        alignas(64) static constexpr std::uint64_t lower[8] = {0, 0, 1, 1, 2, 2, 3, 3};
-        alignas(64) static constexpr std::uint64_t upper[8] = {4, 4, 5, 5, 6, 6, 7, 7};
-        constexpr std::uint64_t all = ~std::uint64_t(0);
-        alignas(64) static constexpr std::uint64_t everySecond[8] = {0, all, 0, all, 0, all, 0, all};
-        const auto isOdd = hn::MaskFromVec(hn::Load(words, everySecond));
-        const auto sorted = [&](const std::uint64_t* pattern) HWY_ATTR {
-            const auto order = hn::SetTableIndices(words, pattern);
-            return hn::IfThenElse(isOdd, hn::TableLookupLanes(odd, order), hn::TableLookupLanes(even, order));
-        };
-        hn::StoreU(sorted(lower), words, pixels);
-        hn::StoreU(sorted(upper), words, pixels + 8);
-#else
-        hn::StoreInterleaved2(even, odd, words, pixels);
-#endif
-    }
-};
-
-/// Rounds sums of opaque pixels to those of a picture. Streamed rows start where a line of the cache does.
-template <Storing storing> struct PackWriter {
-    MutablePixelView out;
-
-    static constexpr int shift = sourceShift - 2;
-    static constexpr int half = 1 << (shift - 1);
-
-    template <typename Tag> static HWY_INLINE void store(hn::Vec<Tag> pixels, Tag tag, std::uint32_t* to) {
-        if constexpr (storing == Storing::streamed && HWY_MAX_BYTES >= 32)
-            hn::Stream(pixels, tag, reinterpret_cast<std::uint8_t*>(to));
-        else
-            hn::StoreU(pixels, tag, reinterpret_cast<std::uint8_t*>(to));
-    }
-    static HWY_INLINE auto packed(Vector sums) {
-        const hn::Rebind<std::uint8_t, Lanes> bytes;
-        const Vector raised = hn::Add(hn::Max(sums, leastOpaque()), hn::Set(lanes, std::int16_t(half)));
-        return hn::DemoteTo(bytes, hn::ShiftRight<shift>(raised));
-    }
-    static HWY_INLINE void write(Vector sums, std::uint32_t* to) {
-        store(packed(sums), hn::Rebind<std::uint8_t, Lanes>(), to);
-    }
-    static HWY_INLINE void writeFirst(Vector sums, std::uint32_t* to, int count) {
-        alignas(32) std::uint32_t part[8];
-        hn::Store(packed(sums), hn::Rebind<std::uint8_t, Lanes>(), reinterpret_cast<std::uint8_t*>(part));
-        std::memcpy(to, part, std::size_t(count) * sizeof *to);
-    }
-    static HWY_INLINE void writeInTurn(Vector even, Vector odd, std::uint32_t* to) {
-        // Sums end at the largest number: a channel that would be above 255 has eight bits set, and each has
-        // two more above them.
-        const auto raised = [](Vector sums) HWY_ATTR {
-            constexpr int room = 32767 - ((256 << shift) - 1);
-            return hn::SaturatedAdd(hn::Max(sums, leastOpaque()), hn::Set(lanes, std::int16_t(room + half)));
-        };
-        // Each pair of bytes becomes a channel of an even pixel and the same of the odd one behind it.
-        const hn::Repartition<std::uint8_t, Lanes> bytes;
-        const auto low = hn::BitCast(bytes, hn::ShiftRight<shift>(raised(even)));
-        const auto high = hn::BitCast(bytes, hn::ShiftLeft<8 - shift>(raised(odd)));
-        alignas(16) static constexpr std::uint8_t order[16] = {0, 2,  4,  6,  1, 3,  5,  7,
-                                                               8, 10, 12, 14, 9, 11, 13, 15};
-        store(hn::TableLookupBytes(hn::OddEven(high, low), hn::LoadDup128(bytes, order)), bytes, to);
-    }
-};
 
 /// The sums of a vector of outputs that read neighbouring sources: one load a tap, sorted to the outputs.
 /// `starts` are their sources, the first of which is at `from`. With `fixedTaps` above 0 that many, else
@@ -156,6 +47,41 @@ HWY_INLINE Vector weighedColumns(const MixPixel* from, const std::int64_t* start
     return sum;
 }
 
+#if HWY_MAX_BYTES == 64 && HWY_ARCH_X86
+constexpr int sortable = 22; // out of three vectors
+
+/// The same of outputs further apart: `vectors`, 2 or 3, hold the sources of `together` taps, a divisor of
+/// FixedTaps::together.
+template <int vectors, int together>
+HWY_INLINE Vector weighedNearColumns(const MixPixel* from, const std::int64_t* starts,
+                                     const MixPixel* weights, std::size_t tapStride, int taps) {
+    constexpr int step = 8;
+    const __m512i places = _mm512_sub_epi64(_mm512_loadu_si512(starts), _mm512_set1_epi64(starts[0]));
+    Vector sum = hn::Zero(lanes);
+    for (int tap = 0; tap < taps; tap += together, from += together) {
+        const __m512i first = loadPixels(from).raw;
+        const __m512i second = loadPixels(from + step).raw;
+        for (int i = 0; i < together; ++i, weights += tapStride) {
+            const __m512i order = _mm512_add_epi64(places, _mm512_set1_epi64(i));
+            __m512i sources = _mm512_permutex2var_epi64(first, order, second);
+            if constexpr (vectors == 3)
+                sources = _mm512_mask_permutexvar_epi64(
+                    sources, _mm512_cmpgt_epi64_mask(order, _mm512_set1_epi64(2 * step - 1)), order,
+                    loadPixels(from + 2 * step).raw);
+            sum = hn::Add(sum, hn::MulFixedPoint15(Vector{sources}, loadPixels(weights)));
+        }
+    }
+    return sum;
+}
+
+#else
+constexpr int sortable = 0;
+#endif
+
+int mostSortable() {
+    return sortable;
+}
+
 /// What the functions below are about: of each row of `source`, which starts with what the output `index`
 /// uses first, those of the outputs from `index` on that they are asked for.
 struct Columns {
@@ -166,9 +92,9 @@ struct Columns {
     int start(int x) const { return taps.start(index + x) - taps.start(index); }
 };
 
-/// The outputs [begin, end), each starting at most one source behind the one before.
-template <int fixedTaps, typename Writer>
-HWY_INLINE void weighDenseColumns(const Columns& columns, int begin, int end, const Writer& writer) {
+/// The outputs [begin, end), a vector of sums after the other as `weighed` makes them.
+template <auto weighed, typename Writer>
+HWY_INLINE void weighSortedColumns(const Columns& columns, int begin, int end, const Writer& writer) {
     constexpr int mostLanes = 8;
     const int step = int(hn::Lanes(lanes) / 4);
     const FixedTaps& taps = columns.taps;
@@ -181,17 +107,14 @@ HWY_INLINE void weighDenseColumns(const Columns& columns, int begin, int end, co
         auto* const to = writer.out.row(y);
         int i = begin;
         for (; i + step <= end; i += step)
-            writer.write(
-                weighedColumns<fixedTaps>(origin + starts[i], starts + i, weights + i, stride, tapCount),
-                to + i);
+            writer.write(weighed(origin + starts[i], starts + i, weights + i, stride, tapCount), to + i);
         if (i == end)
             continue;
         alignas(64) std::int64_t lastStarts[mostLanes];
         for (int lane = 0; lane < step; ++lane)
             lastStarts[lane] = starts[std::min(i + lane, end - 1)];
-        writer.writeFirst(
-            weighedColumns<fixedTaps>(origin + starts[i], lastStarts, weights + i, stride, tapCount), to + i,
-            end - i);
+        writer.writeFirst(weighed(origin + starts[i], lastStarts, weights + i, stride, tapCount), to + i,
+                          end - i);
     }
 }
 
@@ -256,15 +179,15 @@ template <typename Writer> void weighFourColumns(const Columns& columns, const W
     const int first = roundedUp(std::clamp(taps.doubledFirst() - columns.index, 0, count), pair);
     const int doubled = std::max(0, std::min(taps.doubledEnd() - columns.index, count) - first) / pair * pair;
     if (doubled == 0) {
-        weighDenseColumns<4>(columns, 0, count, writer);
+        weighSortedColumns<weighedColumns<4>>(columns, 0, count, writer);
         return;
     }
-    weighDenseColumns<4>(columns, 0, first, writer);
+    weighSortedColumns<weighedColumns<4>>(columns, 0, first, writer);
     if (columns.start(first + 1) == columns.start(first))
         weighDoubledColumns<0>(columns, first, doubled, writer);
     else
         weighDoubledColumns<1>(columns, first, doubled, writer);
-    weighDenseColumns<4>(columns, first + doubled, count, writer);
+    weighSortedColumns<weighedColumns<4>>(columns, first + doubled, count, writer);
 }
 
 /// The weighed sources of one output, added up to a vector.
@@ -354,29 +277,46 @@ void weighHalvedColumns(const Columns& columns, int begin, int count, const Writ
     }
 }
 
-/// Outputs that start further from one another.
-template <typename Writer> void weighDistantColumns(const Columns& columns, const Writer& writer) {
+/// The outputs [begin, end), however they lie.
+template <typename Writer>
+void weighOtherColumns(const Columns& columns, int begin, int end, const Writer& writer) {
+    if (!columns.taps.isByTaps())
+        return weighSparseColumns(columns, begin, end, writer);
+#if HWY_MAX_BYTES == 64 && HWY_ARCH_X86
+    const int reach = columns.taps.reach();
+    if (reach > 20)
+        return weighSortedColumns<weighedNearColumns<3, 2>>(columns, begin, end, writer);
+    if (reach > 14)
+        return weighSortedColumns<weighedNearColumns<3, 4>>(columns, begin, end, writer);
+    if (reach > 12)
+        return weighSortedColumns<weighedNearColumns<2, 2>>(columns, begin, end, writer);
+    if (!columns.taps.isDense())
+        return weighSortedColumns<weighedNearColumns<2, 4>>(columns, begin, end, writer);
+#endif
+    weighSortedColumns<weighedColumns<0>>(columns, begin, end, writer);
+}
+
+/// Any number of taps.
+template <typename Writer> void weighAnyColumns(const Columns& columns, const Writer& writer) {
     const FixedTaps& taps = columns.taps;
     const int count = writer.out.width;
     const int step = int(hn::Lanes(lanes) / 4);
     const int first = roundedUp(std::clamp(taps.halvedFirst() - columns.index, 0, count), step);
     const int halved = std::max(0, std::min(taps.halvedEnd() - columns.index, count) - first) / step * step;
     if (halved == 0) {
-        weighSparseColumns(columns, 0, count, writer);
+        weighOtherColumns(columns, 0, count, writer);
         return;
     }
-    weighSparseColumns(columns, 0, first, writer);
+    weighOtherColumns(columns, 0, first, writer);
     weighHalvedColumns(columns, first, halved, writer);
-    weighSparseColumns(columns, first + halved, count, writer);
+    weighOtherColumns(columns, first + halved, count, writer);
 }
 
 template <typename Writer> void writeColumns(const Columns& columns, const Writer& writer) {
     if (columns.taps.isDense() && columns.taps.taps() == 4)
         weighFourColumns(columns, writer);
-    else if (columns.taps.isDense())
-        weighDenseColumns<0>(columns, 0, writer.out.width, writer);
     else
-        weighDistantColumns(columns, writer);
+        weighAnyColumns(columns, writer);
 }
 
 void weighAllColumns(const MixBlock& source, const FixedTaps& taps, int index, Alpha alpha,
@@ -407,6 +347,7 @@ namespace framora::raster {
 
 HWY_EXPORT(weighAllColumns);
 HWY_EXPORT(packAllColumns);
+HWY_EXPORT(mostSortable);
 
 void weighColumns(const MixBlock& source, const FixedTaps& taps, int index, Alpha alpha,
                   const MixBlock& out) {
@@ -416,6 +357,10 @@ void weighColumns(const MixBlock& source, const FixedTaps& taps, int index, Alph
 void packColumns(const MixBlock& source, const FixedTaps& taps, int index, MutablePixelView out,
                  Storing storing) {
     HWY_DYNAMIC_DISPATCH(packAllColumns)(source, taps, index, out, storing);
+}
+
+int mostSortableReach() {
+    return HWY_DYNAMIC_DISPATCH(mostSortable)();
 }
 
 } // namespace framora::raster

@@ -14,7 +14,7 @@ namespace framora::raster {
 inline constexpr int sourceShift = 7;
 inline constexpr int filterOne = 255 << (sourceShift - 2);
 /// Readable pixels that the second half wants behind the last one it uses.
-inline constexpr std::size_t filterSlack = 8;
+inline constexpr std::size_t filterSlack = 16;
 
 /// The channels of a picture's pixels as the kernels read them, 0...255 << sourceShift.
 void widenRow(const std::uint32_t* pixels, std::size_t count, MixPixel* out);
@@ -42,6 +42,8 @@ void weighColumns(const MixBlock& source, const FixedTaps& taps, int index, Alph
 /// The same of opaque pixels, as packPixels() and streamPixels() write them.
 void packColumns(const MixBlock& source, const FixedTaps& taps, int index, MutablePixelView out,
                  Storing storing);
+/// The FixedTaps::reach() up to which this machine's second half wants weights by taps.
+int mostSortableReach();
 
 namespace plain {
 void widenRow(const std::uint32_t* pixels, std::size_t count, MixPixel* out);

@@ -28,6 +28,10 @@ using Lanes = hn::CappedTag<std::int16_t, 32>;
 using Vector = hn::Vec<Lanes>;
 constexpr Lanes lanes;
 
+HWY_INLINE Vector loadPixels(const MixPixel* from) {
+    return hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(from));
+}
+
 HWY_INLINE void storePixels(Vector pixels, MixPixel* to) {
     hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(to));
 }
@@ -75,7 +79,8 @@ HWY_INLINE void weighStrip(PixelView picture, int column, const FixedTaps& taps,
     }
 }
 
-/// The same of four taps: each row of the picture is read once for all the outputs that it is in.
+/// The same of four taps: each row of the picture is read once, and kept in registers, for all the outputs
+/// that it is in.
 template <int vectors>
 HWY_INLINE void weighStripOfFour(PixelView picture, int column, const FixedTaps& taps, int index,
                                  const MixBlock& out, int x) {
@@ -122,10 +127,80 @@ HWY_INLINE void weighStripOfFour(PixelView picture, int column, const FixedTaps&
     }
 }
 
+/// A strip of the last rows of a picture that were asked for, as the kernels read them: row r is at r & mask.
+struct WidenedRows {
+    static constexpr int most = 32; ///< A power of two, as the half of it.
+    static constexpr int width = 64;
+
+    alignas(64) MixPixel pixels[most * width];
+    int mask;
+
+    MixPixel* row(int r) { return pixels + (r & mask) * width; }
+};
+
+/// As many vectors of one output that starts with row `start`, from the strip's pixel x on.
+template <int vectors>
+HWY_INLINE void weighWidened(WidenedRows& rows, int start, const std::int16_t* weights, int taps, int x,
+                             MixPixel* to) {
+    const std::size_t step = hn::Lanes(lanes) / 4;
+    Vector sums[vectors];
+    for (Vector& sum : sums)
+        sum = hn::Zero(lanes);
+    for (int tap = 0; tap < taps; ++tap) {
+        const MixPixel* from = rows.row(start + tap) + x;
+        const Vector weight = hn::Set(lanes, weights[tap]);
+        for (int i = 0; i < vectors; ++i)
+            sums[i] = hn::Add(sums[i], hn::MulFixedPoint15(loadPixels(from + std::size_t(i) * step), weight));
+    }
+    for (int i = 0; i < vectors; ++i)
+        storePixels(sums[i], to + x + std::size_t(i) * step);
+}
+
+/// The same of more than four taps: each row is widened once for all the outputs that it is in.
+void weighManyRows(PixelView picture, int column, const FixedTaps& taps, int index, const MixBlock& out) {
+    constexpr int wide = 8;
+    constexpr int line = 64 / int(sizeof(std::uint32_t));
+    const int step = int(hn::Lanes(lanes) / 4);
+    const int tapCount = taps.taps();
+    WidenedRows rows;
+    rows.mask = (tapCount <= WidenedRows::most / 2 ? WidenedRows::most / 2 : WidenedRows::most) - 1;
+    for (int x = 0; x < out.width; x += WidenedRows::width) {
+        // The last strip has a vector at least.
+        const int left = std::min(x, out.width - step);
+        const int width = std::min(WidenedRows::width, out.width - left);
+        const auto widen = [&](int row) HWY_ATTR {
+            const std::uint32_t* from = picture.row(std::min(row, picture.height - 1)) + column + left;
+            // The block to the right is next; the nearest cache has no room for it yet.
+            for (int i = 0; i < width; i += line)
+                __builtin_prefetch(from + out.width + i, 0, 2);
+            widenAll(from, std::size_t(width), rows.row(row));
+        };
+        int next = taps.start(index);
+        for (int y = 0; y < out.height; ++y) {
+            const int start = taps.start(index + y);
+            for (next = std::max(next, start); next < start + tapCount; ++next)
+                widen(next);
+            const std::int16_t* weights = taps.weights(index + y);
+            MixPixel* to = out.row(y) + left;
+            int i = 0;
+            for (; i + wide * step <= width; i += wide * step)
+                weighWidened<wide>(rows, start, weights, tapCount, i, to);
+            for (; i + step <= width; i += step)
+                weighWidened<1>(rows, start, weights, tapCount, i, to);
+            if (i < width)
+                weighWidened<1>(rows, start, weights, tapCount, width - step, to);
+        }
+    }
+}
+
 void weighAllRows(PixelView picture, int column, const FixedTaps& taps, int index, const MixBlock& out) {
     const int step = int(hn::Lanes(lanes) / 4);
     if (out.width < step) {
         plain::weighRows(picture, column, taps, index, out);
+        return;
+    }
+    if (taps.taps() > 4 && taps.taps() <= WidenedRows::most && out.height > 1) {
+        weighManyRows(picture, column, taps, index, out);
         return;
     }
     const bool isOfFour = taps.taps() == 4;
