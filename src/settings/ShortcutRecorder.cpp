@@ -1,6 +1,7 @@
 #include "settings/ShortcutRecorder.h"
 
 #include "platform/Notifications.h"
+#include "settings/BindingGuide.h"
 #include "settings/KeyNames.h"
 #include "settings/SettingsServices.h"
 
@@ -31,6 +32,10 @@ ShortcutRecorder::~ShortcutRecorder() {
 QStringList ShortcutRecorder::caps() const {
     return keyCaps(m_isSettingHotKey ? HotkeyConfiguration{0, m_currentModifiers} : m_configuration,
                    m_keyboardLayout);
+}
+
+QString ShortcutRecorder::words() const {
+    return m_isSettingHotKey ? QString() : shortcutInWords(m_configuration, m_keyboardLayout);
 }
 
 bool ShortcutRecorder::showsModifierOnly() const {

@@ -19,6 +19,8 @@ class ShortcutRecorder final : public QObject {
     Q_OBJECT
     /// What the row shows: the shortcut, or while recording the modifiers that are held.
     Q_PROPERTY(QStringList caps READ caps NOTIFY changed FINAL)
+    /// The shortcut as the desktop's other programs write it, "Alt+Shift+4"; empty while recording.
+    Q_PROPERTY(QString words READ words NOTIFY changed FINAL)
     Q_PROPERTY(bool recording READ isSettingHotKey NOTIFY changed FINAL)
     Q_PROPERTY(bool modifierOnly READ showsModifierOnly NOTIFY changed FINAL)
 
@@ -34,6 +36,7 @@ public:
     bool hasKeyMonitor() const { return m_keyMonitor.has_value(); }
 
     QStringList caps() const;
+    QString words() const;
     /// Whether the caption about a shortcut without a key is due.
     bool showsModifierOnly() const;
 

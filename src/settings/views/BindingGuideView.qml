@@ -12,7 +12,7 @@ RoundedBox {
     visible: binding.explanation !== ""
     implicitHeight: column.implicitHeight + 24
     radius: Theme.radius
-    color: Theme.dark ? "#2e3035" : "#f3f4f7"
+    color: Theme.surface
 
     Column {
         id: column

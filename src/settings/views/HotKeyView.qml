@@ -31,7 +31,10 @@ Pressable {
     focusPolicy: Qt.StrongFocus
     Accessible.name: text
     Accessible.description: isActive && caps.length === 0 ? "Enter a key combination"
-                                                          : caps.join(" ")
+                                                          : recorder.words || caps.join(" ")
+    // The caps bear the signs of another keyboard.
+    help: recorder.words
+    helpAbove: true
     onClicked: recorder.start()
 
     background: Item {

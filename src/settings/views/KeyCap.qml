@@ -23,7 +23,8 @@ RoundedBox {
     Text {
         id: label
         anchors.centerIn: parent
-        anchors.verticalCenterOffset: -1
+        // The font hangs this sign from the top of its line.
+        anchors.verticalCenterOffset: text === "⌃" ? 3 : -1
         text: cap.text
         color: Theme.text
         font.family: Theme.fontFamily

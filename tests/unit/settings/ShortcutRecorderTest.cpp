@@ -43,6 +43,15 @@ TEST_F(ShortcutRecorderTest, aKeyWithModifiersIsStoredAndAnnouncedOnce) {
     EXPECT_TRUE(platform.keys.recordings.empty());
 }
 
+TEST_F(ShortcutRecorderTest, itsWordsAreThoseOfTheDesktopsPrograms) {
+    platform.layout.texts = {{3, QStringLiteral("f")}, {key4, QStringLiteral("4")}};
+    EXPECT_EQ(recorder.words(), QStringLiteral("Super+F"));
+    recorder.start();
+    EXPECT_EQ(recorder.words(), QString()) << "no shortcut yet";
+    platform.keys.pressHere({key4, shift | option});
+    EXPECT_EQ(recorder.words(), QStringLiteral("Alt+Shift+4"));
+}
+
 TEST_F(ShortcutRecorderTest, onlyItsOwnFieldOfTheStoredSettingsIsReplaced) {
     Settings settings;
     settings.hotkey = {5, control};
