@@ -1,7 +1,6 @@
 #include "app/framora_App.h"
 
 #include "app/AppDelegate.h"
-#include "app/ApplicationIcon.h"
 #include "app/FirstStart.h"
 #include "editor/render/PictureFile.h"
 #include "editor/window/EditorModule.h"
@@ -33,6 +32,7 @@
 #include "settings/window/SettingsModule.h"
 
 #include <QGuiApplication>
+#include <QIcon>
 
 namespace framora {
 
@@ -109,10 +109,11 @@ struct framora_App::Desktop {
         errorToast->showError();
     }
 
-    /// Before the first window: a program that only sits in the tray draws no icon for windows.
+    /// Before the first window: a program that only sits in the tray draws no icon for windows. It is the
+    /// drawing that the desktop entry shows.
     static void provideWindowIcon() {
         if (QGuiApplication::windowIcon().isNull())
-            QGuiApplication::setWindowIcon(applicationIcon());
+            QGuiApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/org.framora.Framora.svg")));
     }
 
     /// What makes windows, loaded with the first of them. Null where it is missing from the installation.

@@ -2,6 +2,7 @@
 #include "desktop/support/DisplayWithoutExtension.h"
 
 #include <QElapsedTimer>
+#include <QIcon>
 
 #include <algorithm>
 #include <csignal>
@@ -93,6 +94,27 @@ TEST_F(StartTest, openingWindowsAgainComplainsOfNothing) {
     }
     driver.captureAndEdit(QRect(200, 200, 300, 200));
     EXPECT_EQ(driver.framora().output(), QByteArray());
+}
+
+TEST_F(StartTest, itsWindowsCarryTheIconOfTheDesktopEntry) {
+    VirtualDesktop desktop;
+    FramoraDriver driver(desktop);
+    driver.launch();
+    ASSERT_TRUE(desktop.start(framoraProgram(), {QStringLiteral("--settings")}).waitForExit());
+    std::vector<std::uint32_t> icon;
+    driver.require(QStringLiteral("the preferences with an icon"), [&] {
+        if (const auto preferences = driver.display().windowTitled(QStringLiteral("Preferences")))
+            icon = driver.display().cardinals(preferences->id, "_NET_WM_ICON");
+        return icon.size() > 2;
+    });
+    // The first of its sizes.
+    const QSize size{int(icon[0]), int(icon[1])};
+    ASSERT_GE(icon.size(), 2 + std::size_t(size.width()) * std::size_t(size.height()));
+    const QImage shown(reinterpret_cast<const uchar*>(&icon[2]), size.width(), size.height(),
+                       QImage::Format_ARGB32);
+    const QImage drawing = QIcon(QStringLiteral(FRAMORA_ICON)).pixmap(size).toImage();
+    ASSERT_FALSE(drawing.isNull());
+    EXPECT_EQ(shown, drawing.convertToFormat(QImage::Format_ARGB32));
 }
 
 TEST_F(StartTest, aDisplayNamedWithItsScreenIsTheSame) {
