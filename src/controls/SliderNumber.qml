@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 import Framora.Controls
 
 /// A slider's value as text, right-aligned in its box; a click opens it for typing. Return and Tab take what was typed,
-/// Escape and garbage leave the value as it is.
+/// Escape and garbage leave the value as it is; the up and down keys move it.
 Item {
     id: number
 
@@ -13,6 +13,8 @@ Item {
     property string label: ""
     /// The user has typed this.
     signal typed(string text)
+    /// The up or down key asks for so many steps.
+    signal stepped(int steps)
     /// Typing ended by a key that goes nowhere else: the keys belong to the slider again.
     signal done
 
@@ -113,6 +115,17 @@ Item {
             Keys.onEscapePressed: {
                 number.close(false);
                 number.done();
+            }
+            Keys.onUpPressed: event => step(event.modifiers & Qt.ShiftModifier ? 10 : 1)
+            Keys.onDownPressed: event => step(event.modifiers & Qt.ShiftModifier ? -10 : -1)
+
+            /// From what was typed, where something was.
+            function step(steps: int): void {
+                if (text !== number.untouched)
+                    number.typed(text);
+                number.stepped(steps);
+                number.untouched = text = number.text;
+                selectAll();
             }
         }
     }

@@ -41,6 +41,9 @@ Item {
         if (wanted !== value)
             moved(wanted);
     }
+    function stepBy(steps: real): void {
+        moveTo(SliderValueText.stepped(value, steps, from, to, step, decimals, unit));
+    }
     /// Opens the number for typing; what is given stands there instead of the value.
     function startTyping(text: string): void {
         if (showValue)
@@ -103,25 +106,23 @@ Item {
                 focusReason = Qt.TabFocusReason;
         }
         function keyPressed(event: var): bool {
-            const step = steps => control.moveTo(SliderValueText.stepped(control.value, steps, from, to, control.step,
-                                                                        control.decimals, control.unit));
             const many = event.modifiers & Qt.ShiftModifier ? 10 : 1;
             if (event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier))
                 return false;
             switch (event.key) {
             case Qt.Key_Left:
             case Qt.Key_Down:
-                step(-many);
+                control.stepBy(-many);
                 return true;
             case Qt.Key_Right:
             case Qt.Key_Up:
-                step(many);
+                control.stepBy(many);
                 return true;
             case Qt.Key_PageDown:
-                step(-10);
+                control.stepBy(-10);
                 return true;
             case Qt.Key_PageUp:
-                step(10);
+                control.stepBy(10);
                 return true;
             case Qt.Key_Home:
                 control.moveTo(from);
@@ -220,6 +221,7 @@ Item {
             if (!isNaN(typed))
                 control.moveTo(SliderValueText.fit(typed, control.from, control.to, control.step));
         }
+        onStepped: steps => control.stepBy(steps)
         onDone: slider.forceActiveFocus(Qt.TabFocusReason)
     }
     IconButton {

@@ -107,6 +107,23 @@ TEST_F(EditorSidebarInput, ReturnOpensANumberAndTakesItOnce) {
     EXPECT_FALSE(window().activeFocusItem()->inherits("QQuickTextInput"));
 }
 
+TEST_F(EditorSidebarInput, TheUpAndDownKeysStepANumberThatIsBeingTyped) {
+    openAppearance();
+    item("borderRadius.slider")->forceActiveFocus(Qt::TabFocusReason);
+    key(Qt::Key_Return);
+    key(Qt::Key_Up);
+    EXPECT_EQ(radius(), 21);
+    key(Qt::Key_Down, Qt::ShiftModifier);
+    EXPECT_EQ(radius(), 11);
+    key(Qt::Key_5);
+    key(Qt::Key_Up);
+    EXPECT_EQ(radius(), 6) << "from what was typed";
+    EXPECT_EQ(item("borderRadius.field")->property("text").toString(), QStringLiteral("6"));
+    key(Qt::Key_Return);
+    EXPECT_EQ(radius(), 6);
+    EXPECT_EQ(window().activeFocusItem(), item("borderRadius.slider"));
+}
+
 TEST_F(EditorSidebarInput, AHeldEscapeEndsOneThing) {
     openAppearance();
     model().set(QStringLiteral("mockupStyle"), QStringLiteral("border"));
