@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <map>
+#include <mutex>
 #include <random>
 
 namespace framora::raster {
@@ -150,6 +152,35 @@ TEST(Compositor, LeavesOutWhatIsHiddenAtTheSidesOfTilesAndNothingElse) {
             }
 }
 
+/// Wants a part of every row, and of it some whose tiles are offered.
+class Taker : public TileTaker {
+public:
+    Taker(int width, int height) : pieces(std::size_t(width) * std::size_t(height)), m_width(width) {}
+    void findWanted(int, int, std::vector<Columns>& wanted) const override {
+        wanted.push_back({10, 26});
+        wanted.push_back({96, 208});
+    }
+    bool takeSole(const TileRect& tile, std::size_t layer) override {
+        if (tile.x != 10)
+            return false;
+        const std::lock_guard guard(m_mutex);
+        sole.emplace(tile.y, layer);
+        return true;
+    }
+    void take(const TileRect& tile, const MixPixel* pixels) override {
+        for (int y = 0; y < tile.height; ++y)
+            packPixels(pixels + std::ptrdiff_t(y) * tile.width, std::size_t(tile.width),
+                       pieces.data() + std::ptrdiff_t(tile.y + y) * m_width + tile.x);
+    }
+
+    std::vector<std::uint32_t> pieces;
+    std::map<int, std::size_t> sole; ///< The layer, by the tile's first row.
+
+private:
+    int m_width;
+    std::mutex m_mutex;
+};
+
 TEST(Compositor, HandsOverWantedTilesAsTheyAreMixed) {
     std::vector<Layer> layers;
     for (int i = 0; i < 5; ++i)
@@ -159,22 +190,40 @@ TEST(Compositor, HandsOverWantedTilesAsTheyAreMixed) {
     const int width = 301;
     const int height = 131;
     const auto whole = composed(width, height, layers);
-    std::vector<std::uint32_t> pieces(whole.size());
-    composeTiles(
-        width, height, layers, [](const TileRect& piece) { return piece.x >= 96 && piece.x < 208; },
-        [&](const TileRect& tile, const MixPixel* pixels) {
-            for (int y = 0; y < tile.height; ++y)
-                packPixels(pixels + std::ptrdiff_t(y) * tile.width, std::size_t(tile.width),
-                           pieces.data() + std::ptrdiff_t(tile.y + y) * width + tile.x);
-        });
+    Taker taker(width, height);
+    composeTiles(width, height, layers, taker);
+    EXPECT_TRUE(taker.sole.empty()) << "something lies there, but it hides nothing";
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
             const std::size_t i = std::size_t(y) * width + std::size_t(x);
-            const std::uint32_t expected = x >= 96 && x < 208 ? whole[i] : 0u;
+            const bool isWanted = (x >= 10 && x < 26) || (x >= 96 && x < 208);
+            const std::uint32_t expected = isWanted ? whole[i] : 0u;
             // A row's coverage is summed up from where its tile starts: the last bit may round elsewhere.
             for (int shift = 0; shift < 32; shift += 8)
-                ASSERT_NEAR(int(pieces[i] >> shift & 255), int(expected >> shift & 255), 1) << x << "," << y;
+                ASSERT_NEAR(int(taker.pieces[i] >> shift & 255), int(expected >> shift & 255), 1)
+                    << x << "," << y;
         }
+}
+
+TEST(Compositor, OffersTilesOfWhichOneLayerIsSeen) {
+    constexpr int width = 301;
+    constexpr int height = 64;
+    const Homography toMiddle = Homography::translation(150.5, 32);
+    const Layer ground = solid({400, 100, 0}, toMiddle, premultiplied(0.2, 0.5, 1, 1));
+    const Layer below = solid({20, 20, 0}, Homography::translation(18, 40), premultiplied(1, 0, 0, 1));
+    Layer above = solid({301, 16, 0}, Homography::translation(150.5, 24), premultiplied(1, 1, 1, 0.5));
+    Layer dyed = ground;
+    dyed.adjustment = Layer::Adjustment{1.2f, 0.1f};
+
+    Taker taker(width, height);
+    composeTiles(width, height, {below, ground, above}, taker);
+    EXPECT_EQ(taker.sole, (std::map<int, std::size_t>{{0, 1}, {32, 1}, {48, 1}}));
+    EXPECT_EQ(taker.pieces[10], 0u) << "what was taken is not mixed";
+    EXPECT_NE(taker.pieces[16 * width + 10], 0u);
+    EXPECT_NE(taker.pieces[100], 0u) << "nor is what was refused left out";
+    Taker another(width, height);
+    composeTiles(width, height, {dyed}, another);
+    EXPECT_TRUE(another.sole.empty()) << "its paint alone does not make it";
 }
 
 TEST(Compositor, DrawsALargePictureAsItsPiecesWhereverItLiesInMemory) {

@@ -44,8 +44,8 @@ struct RandomScene {
         }
         // Some all alike, some not.
         while (m_stripes.size() < width + std::size_t(height)) {
-            const int stripe = below(random, coverageOne);
-            m_stripes.insert(m_stripes.end(), std::size_t(below(random, 30)), std::int16_t(stripe));
+            const int stripe = -below(random, -SceneRow::covered);
+            m_stripes.insert(m_stripes.end(), std::size_t(below(random, 60)), std::int16_t(stripe));
         }
         m_stripes.resize(m_stripes.size() + SceneRow::stripesSlack);
         for (std::size_t i = 0; i < m_stripes.size(); ++i)
@@ -65,7 +65,7 @@ struct RandomScene {
 private:
     std::uint8_t alike(std::size_t i, int before) const {
         const std::int16_t here = m_stripes[i];
-        if (i + SceneRow::strip > m_stripes.size() || (here != 0 && here != coverageOne))
+        if (i + SceneRow::strip > m_stripes.size() || (here != 0 && here != SceneRow::covered))
             return 0;
         for (std::size_t k = 1; k < SceneRow::strip; ++k)
             if (m_stripes[i + k] != here)
@@ -134,11 +134,10 @@ TEST(SceneKernels, DrawWhatTheyOverlay) {
                         rows.width = int(width);
                         return rows;
                     };
-                    drawScene(scene.rows(), RandomScene::opacity, under.data(), std::ptrdiff_t(stride),
-                              rowsOf(fast), storing);
+                    const MixRows rows{under.data(), std::ptrdiff_t(stride), isOpaque};
+                    drawScene(scene.rows(), RandomScene::opacity, rows, rowsOf(fast), storing);
                     flushPixels();
-                    plain::drawScene(scene.rows(), RandomScene::opacity, under.data(), std::ptrdiff_t(stride),
-                                     rowsOf(slow));
+                    plain::drawScene(scene.rows(), RandomScene::opacity, rows, rowsOf(slow));
                     for (int y = 0; y < height; ++y) {
                         std::vector<std::uint32_t> expected(width + 1, 0x12345678u);
                         packPixels(mixed.data() + stride * std::size_t(y), width, expected.data());

@@ -76,18 +76,17 @@ BlurTaps BlurAxis::reducing(const ResampleKernel* samplesOf, int largestShift) c
 }
 
 BlurTaps BlurAxis::blurring(double deviation) const {
-    const double cell = m_length / m_cells;
     // The variance of a spline of order n is n / 12 cells.
     constexpr double splines = (3 + 4) / 12.0;
-    const double variance = (deviation / cell) * (deviation / cell) - splines;
+    const double variance = (deviation / cell()) * (deviation / cell()) - splines;
     return gaussianTaps(std::sqrt(std::max(variance, 0.01)), cells());
 }
 
-BlurTaps BlurAxis::restoring(double start, int count) const {
+BlurTaps BlurAxis::restoring(double start, int count, int step) const {
     std::vector<int> firsts;
     std::vector<std::vector<double>> rows;
     for (int pixel = 0; pixel < count; ++pixel) {
-        const double inside = std::clamp(pixel + 0.5 - start, 0.0, m_length);
+        const double inside = std::clamp((pixel + 0.5) * step - start, 0.0, m_length);
         const double place = inside / m_length * m_cells - 0.5 + padding;
         const int whole = std::clamp(int(std::floor(place)), 1, cells() - 3);
         firsts.push_back(whole - 1);

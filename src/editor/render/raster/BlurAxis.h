@@ -27,15 +27,17 @@ public:
     double length() const { return m_length; }
     /// The canvas is known at so many places, about its pixels, evenly spaced over its length.
     int samples() const { return m_samples; }
+    /// The length of a cell, in pixels.
+    double cell() const { return m_length / m_cells; }
     /// The cells, padding included.
     int cells() const { return m_cells + 2 * padding; }
     /// From samples to cells. `samplesOf`, if any, says what the samples are made of: then it is from those.
     BlurTaps reducing(const ResampleKernel* samplesOf, int largestShift) const;
     /// From cells to cells. The two splines make up what is missing to `deviation` pixels.
     BlurTaps blurring(double deviation) const;
-    /// From cells to the `count` pixels from 0 on, where the canvas starts at `start`. Pixels beyond the
-    /// canvas get what its edge gets.
-    BlurTaps restoring(double start, int count) const;
+    /// From cells to the centres of `count` steps from 0 on, each `step` pixels long, where the canvas starts
+    /// at the pixel `start`. What lies beyond the canvas gets what its edge gets.
+    BlurTaps restoring(double start, int count, int step = 1) const;
 
 private:
     double m_length;

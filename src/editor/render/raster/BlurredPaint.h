@@ -17,12 +17,27 @@ public:
     void shade(int x, int y, int count, Float4* out) const override;
     /// Dithered: a blurred picture has steps of less than one of 255.
     void mix(const TileRect& tile, MixPixel* out) const override;
+    std::shared_ptr<const Paint> coarser(int cell) const override;
     bool isOpaque() const override { return m_isOpaque; }
 
 private:
+    /// One side of the output.
+    struct Side {
+        BlurAxis axis;
+        double start; ///< Of the canvas, in pixels.
+        int length;
+        int step;
+        BlurTaps taps;
+
+        Side(const BlurAxis& axis, double start, int length, int step);
+        /// The same in steps so many times as long.
+        Side coarser(int cell) const { return {axis, start, length, step * cell}; }
+    };
+    BlurredPaint(std::shared_ptr<const BlurGrid> blurred, Side columns, Side rows, bool isOpaque);
+
     std::shared_ptr<const BlurGrid> m_grid;
-    BlurTaps m_columns;
-    BlurTaps m_rows;
+    Side m_columns;
+    Side m_rows;
     bool m_isOpaque;
 };
 

@@ -19,7 +19,7 @@ namespace {
 constexpr TileRect longTile{0, 0, 128, 16};
 constexpr TileRect squareTile{0, 0, 64, 32};
 static_assert(longTile.width * longTile.height == squareTile.width * squareTile.height);
-static_assert(longTile.height % tileGrain == 0 && squareTile.width % tileGrain == 0);
+static_assert(longTile.height % TileTaker::grain == 0 && squareTile.width % TileTaker::grain == 0);
 // A larger picture is out of the caches before anybody reads it.
 constexpr std::size_t cachedBytes = std::size_t(16) << 20;
 constexpr std::size_t tileArea = std::size_t(longTile.width) * longTile.height;
@@ -233,11 +233,12 @@ std::uint64_t contentOf(const DrawnTiles& drawn, const std::vector<Layer>& layer
     return std::max<std::uint64_t>(content, 1);
 }
 
-/// The one layer that is seen of a tile which it covers whole and hides, if there is one.
+/// The one layer that is seen of a tile, which it covers whole with nothing but its paint, if there is one.
 const Layer* soleLayer(const std::vector<Layer>& layers, std::size_t first, const TileRect& tile,
                        const std::vector<Share>& shares) {
     if (first == layers.size() || shares[first].kind != Share::whole ||
-        shares[first].touched.width != tile.width || !hidesWhatLiesUnder(layers[first]))
+        shares[first].touched.width != tile.width || !hidesWhatLiesUnder(layers[first]) ||
+        layers[first].adjustment || layers[first].noise)
         return nullptr;
     const auto isSeen = [](const Share& share) { return share.kind != Share::none; };
     return std::any_of(shares.begin() + std::ptrdiff_t(first) + 1, shares.end(), isSeen) ? nullptr
@@ -279,6 +280,23 @@ std::size_t overlayOnTop(const std::vector<Layer>& layers, std::size_t first, co
     const Layer& layer = layers[top];
     const bool isWhole = shares[top].kind == Share::whole && shares[top].touched.width == tile.width;
     return top > first && isWhole && isPlainOverlay(layer) ? top : layers.size();
+}
+
+/// Whether nothing shows through what the layers [first, end) make of a tile.
+bool isSurelyOpaque(const std::vector<Layer>& layers, std::size_t first, std::size_t end,
+                    const TileRect& tile, const std::vector<Share>& shares) {
+    const auto isHiding = [&](std::size_t i) {
+        return shares[i].kind == Share::whole && shares[i].touched.width == tile.width &&
+               layers[i].opacity == 1 && layers[i].paint->isOpaque();
+    };
+    const auto takesAway = [&](std::size_t i) {
+        return shares[i].kind != Share::none && layers[i].blend == Layer::Blend::replace &&
+               !layers[i].paint->isOpaque();
+    };
+    bool isOpaque = isHiding(first);
+    for (std::size_t i = first; i < end; ++i)
+        isOpaque = isOpaque && !takesAway(i);
+    return isOpaque;
 }
 
 /// The layers' shapes, ready to be asked for their rows.
@@ -356,12 +374,14 @@ void drawBand(MutablePixelView out, const TileRect& band, const TileAxis& column
             continue;
         }
         if (const Layer* sole = soleLayer(layers, first, tile, scratch.shares);
-            sole && !sole->adjustment && !sole->noise && sole->paint->draw(tile, target, storing))
+            sole && sole->paint->draw(tile, target, storing))
             continue;
         const std::size_t top = overlayOnTop(layers, first, tile, scratch.shares);
         mixLayers(layers, tile, first, top, scratch);
         if (top < layers.size()) {
-            if (layers[top].paint->drawOverlaid(tile, scratch.mixed.data(), tile.width, target, storing))
+            const MixRows under{scratch.mixed.data(), tile.width,
+                                isSurelyOpaque(layers, first, top, tile, scratch.shares)};
+            if (layers[top].paint->drawOverlaid(tile, under, target, storing))
                 continue;
             blendLayer(layers[top], top, scratch.shares[top], tile, scratch);
         }
@@ -451,27 +471,22 @@ bool Compositor::isSurelyOpaque() const {
     return false;
 }
 
-void composeTiles(int width, int height, const std::vector<Layer>& layers,
-                  const std::function<bool(const TileRect&)>& isWanted,
-                  const std::function<void(const TileRect&, const MixPixel*)>& take) {
+void composeTiles(int width, int height, const std::vector<Layer>& layers, TileTaker& taker) {
     const TileGrid grid = plainGrid(layers, width, height);
     forEachBand(grid, layers, [&](const TileRect& band, Scratch& scratch) {
-        const auto wanted = [&](int x) {
-            return isWanted({x, band.y, std::min(tileGrain, width - x), band.height});
-        };
-        for (int x = 0; x < width;) {
-            if (!wanted(x)) {
-                x += tileGrain;
-                continue;
+        thread_local std::vector<TileTaker::Columns> wanted;
+        wanted.clear();
+        taker.findWanted(band.y, band.y + band.height, wanted);
+        for (const TileTaker::Columns& piece : wanted)
+            for (int x = piece.first; x < piece.end; x += grid.columns.size) {
+                const TileRect tile{x, band.y, std::min(grid.columns.size, piece.end - x), band.height};
+                const std::size_t first = firstSeen(layers, tile, scratch);
+                const Layer* sole = soleLayer(layers, first, tile, scratch.shares);
+                if (sole && taker.takeSole(tile, first))
+                    continue;
+                if (mixTile(layers, tile, first, scratch))
+                    taker.take(tile, scratch.mixed.data());
             }
-            int end = x + tileGrain;
-            while (end < width && end - x < grid.columns.size && wanted(end))
-                end += tileGrain;
-            const TileRect tile{x, band.y, std::min(end, width) - x, band.height};
-            if (mixTile(layers, tile, firstSeen(layers, tile, scratch), scratch))
-                take(tile, scratch.mixed.data());
-            x = end;
-        }
     });
 }
 

@@ -7,7 +7,6 @@
 #include "editor/render/raster/RoundedRect.h"
 #include "editor/render/raster/TileGrid.h"
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -92,14 +91,29 @@ private:
     const std::unique_ptr<const Shapes> m_shapes;
 };
 
-/// Where tiles start is a multiple of this.
-inline constexpr int tileGrain = 16;
-/// Mixes the layers as compose() does, without rounding them to a picture, where isWanted() says so of a
-/// piece tileGrain pixels wide: take(tile, pixels) gets tiles of such pieces, unless no layer touches them.
-/// The tiles of a row come one after the other, those of different rows from different threads.
-void composeTiles(int width, int height, const std::vector<Layer>& layers,
-                  const std::function<bool(const TileRect&)>& isWanted,
-                  const std::function<void(const TileRect&, const MixPixel*)>& take);
+/// Who gets the tiles that composeTiles() makes: those of a band of rows one after the other, those of
+/// different bands from different threads.
+class TileTaker {
+public:
+    /// Where bands begin, and how long tiles are, is a multiple of this.
+    static constexpr int grain = 16;
+    /// The columns [first, end).
+    struct Columns {
+        int first;
+        int end;
+    };
+    virtual ~TileTaker() = default;
+    /// Appends what is wanted of the rows [top, bottom), from left to right. Tiles begin where a piece does,
+    /// and behind one another.
+    virtual void findWanted(int top, int bottom, std::vector<Columns>& wanted) const = 0;
+    /// Offers a tile of which nothing is seen but one layer, as its paint has it. When this gives false the
+    /// tile is mixed.
+    virtual bool takeSole(const TileRect& tile, std::size_t layer) = 0;
+    virtual void take(const TileRect& tile, const MixPixel* pixels) = 0;
+};
+/// Mixes the layers as compose() does, without rounding them to a picture, where `taker` wants them and a
+/// layer touches them.
+void composeTiles(int width, int height, const std::vector<Layer>& layers, TileTaker& taker);
 
 namespace plain {
 /// compose() in floats, row by row, from what Paint::shade() gives: what compose() is held to, within one

@@ -19,7 +19,7 @@ constexpr double leastCells = 1.5; // of a deviation
 
 int cellSize(double deviation) {
     int cell = 1;
-    while (cell < tileGrain && deviation >= 2 * cell * leastCells)
+    while (cell < TileTaker::grain && deviation >= 2 * cell * leastCells)
         cell *= 2;
     return cell;
 }
@@ -57,9 +57,10 @@ std::shared_ptr<GlassBackdrop> GlassBackdrop::create(const GlassWindow& window, 
 }
 
 void GlassBackdrop::fill(const std::vector<Layer>& layers) {
-    composeTiles(
-        m_outputWidth, m_outputHeight, layers, [this](const TileRect& tile) { return hasBlock(tile); },
-        [this](const TileRect& tile, const MixPixel* pixels) { reduce(tile, pixels); });
+    for (const Layer& layer : layers)
+        m_coarse.push_back(m_cell > 1 ? layer.paint->coarser(m_cell) : nullptr);
+    composeTiles(m_outputWidth, m_outputHeight, layers, *this);
+    m_coarse.clear();
     blur();
     m_cells.reset();
 }
@@ -91,15 +92,47 @@ GlassBackdrop::Blocks GlassBackdrop::findBlocks(const GlassWindow& window, int o
     return blocks;
 }
 
-bool GlassBackdrop::hasBlock(const TileRect& pixels) const {
-    const int first = pixels.x / m_cell;
-    const int end = (pixels.x + pixels.width - 1) / m_cell + 1;
+void GlassBackdrop::findWanted(int top, int bottom, std::vector<Columns>& wanted) const {
     const int size = side * m_cell;
-    for (int y = pixels.y / size; y <= (pixels.y + pixels.height - 1) / size; ++y)
-        for (const Run& run : m_known.rows[std::size_t(y)])
-            if (first < run.end && end > run.first)
-                return true;
-    return false;
+    Columns left{m_outputWidth, 0};
+    Columns right{m_outputWidth, 0};
+    for (int row = top / size; row <= (bottom - 1) / size; ++row) {
+        const auto add = [&](const Run& run, Columns& all) {
+            if (run.first < run.end)
+                all = {std::min(all.first, run.first * m_cell),
+                       std::max(all.end, std::min(run.end * m_cell, m_outputWidth))};
+        };
+        add(m_known.rows[std::size_t(row)][0], left);
+        add(m_known.rows[std::size_t(row)][1], right);
+    }
+    if (right.first <= left.end) {
+        left = {std::min(left.first, right.first), std::max(left.end, right.end)};
+        right = {};
+    }
+    for (const Columns& piece : {left, right})
+        if (piece.first < piece.end)
+            wanted.push_back(piece);
+}
+
+bool GlassBackdrop::takeSole(const TileRect& tile, std::size_t layer) {
+    const Paint* paint = m_coarse[layer].get();
+    if (!paint)
+        return false;
+    const auto cells = [this](int pixels) { return (pixels + m_cell - 1) / m_cell; };
+    const TileRect reduced{tile.x / m_cell, tile.y / m_cell, cells(tile.width), cells(tile.height)};
+    thread_local std::vector<MixPixel> mixed;
+    mixed.resize(reduced.area());
+    paint->mix(reduced, mixed.data());
+    const MixPixel* row = mixed.data();
+    for (int y = reduced.y; y < reduced.y + reduced.height; ++y, row += reduced.width)
+        for (const Run& run : m_known.rows[std::size_t(y / side)]) {
+            const int first = std::max(run.first, reduced.x);
+            const int end = std::min(run.end, reduced.x + reduced.width);
+            if (first < end)
+                std::copy(row + (first - reduced.x), row + (end - reduced.x),
+                          m_cells.get() + run.place(first, y % side));
+        }
+    return true;
 }
 
 template <int cellSize>
@@ -132,13 +165,13 @@ void GlassBackdrop::reduceRow(const TileRect& tile, const MixPixel* pixels, int 
     }
 }
 
-void GlassBackdrop::reduce(const TileRect& tile, const MixPixel* pixels) {
+void GlassBackdrop::take(const TileRect& tile, const MixPixel* pixels) {
     const auto reduceAll = [&]<int cellSize>(std::integral_constant<int, cellSize>) {
         for (int y = 0; y < tile.height; y += cellSize)
             reduceRow<cellSize>(tile, pixels + std::ptrdiff_t(y) * tile.width, (tile.y + y) / cellSize,
                                 std::min(cellSize, tile.height - y));
     };
-    static_assert(tileGrain == 16);
+    static_assert(TileTaker::grain == 16);
     switch (m_cell) {
     case 1:
         return reduceAll(std::integral_constant<int, 1>());
@@ -149,7 +182,7 @@ void GlassBackdrop::reduce(const TileRect& tile, const MixPixel* pixels) {
     case 8:
         return reduceAll(std::integral_constant<int, 8>());
     default:
-        return reduceAll(std::integral_constant<int, tileGrain>());
+        return reduceAll(std::integral_constant<int, TileTaker::grain>());
     }
 }
 

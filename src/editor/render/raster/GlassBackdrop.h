@@ -15,7 +15,7 @@ namespace framora::raster {
 
 /// What lies behind a card of glass, blurred: cells of some pixels a side, in blocks that exist only where
 /// the glass may show them.
-class GlassBackdrop {
+class GlassBackdrop : private TileTaker {
     /// Neighbouring blocks, whose cells lie in common rows.
     struct Run {
         int first = 0; ///< Of the columns of cells [first, end).
@@ -104,9 +104,10 @@ private:
     /// The blocks so near to the window, outwards and inwards in pixels. Right of and below each run `more`
     /// cells belong to it as well.
     Blocks findBlocks(const GlassWindow& window, int outwards, int inwards, int more) const;
-    bool hasBlock(const TileRect& pixels) const;
+    void findWanted(int top, int bottom, std::vector<Columns>& wanted) const override;
+    bool takeSole(const TileRect& tile, std::size_t layer) override;
     /// The means of the layers' pixels in the cells of a tile.
-    void reduce(const TileRect& tile, const MixPixel* pixels);
+    void take(const TileRect& tile, const MixPixel* pixels) override;
     /// The same of one row of cells, of which the tile has so many `rows` of pixels.
     template <int cellSize> void reduceRow(const TileRect& tile, const MixPixel* pixels, int row, int rows);
     void blur();
@@ -122,9 +123,11 @@ private:
     int m_height;
     double m_scale;
     double m_remaining = 0; ///< The deviation in cells that they are to be blurred by.
-    Blocks m_known;         ///< What lies behind is known there.
-    Cells m_cells;          ///< Their cells, while it is filled.
-    Blocks m_seen;          ///< And there also blurred, one cell more to the right and below included.
+    /// The layers' paints, each once for all the pixels of a cell where it can do that.
+    std::vector<std::shared_ptr<const Paint>> m_coarse;
+    Blocks m_known; ///< What lies behind is known there.
+    Cells m_cells;  ///< Their cells, while it is filled.
+    Blocks m_seen;  ///< And there also blurred, one cell more to the right and below included.
     Cells m_blurred;
 };
 

@@ -95,6 +95,15 @@ void GradientPaint::shade(int x, int y, int count, Float4* out) const {
         out[i] = color(position(m_toLocal.map({x + i + 0.5, y + 0.5})));
 }
 
+std::shared_ptr<const Paint> GradientPaint::coarser(int cell) const {
+    // Where its turn ends an angular one has an edge.
+    if (m_kind == Kind::angular)
+        return nullptr;
+    auto made = std::make_shared<GradientPaint>(*this);
+    made->m_toLocal = m_toLocal * Homography::scaling(cell, cell);
+    return made;
+}
+
 void GradientPaint::mixLine(double position, double step, int skipped, int x, int y, int count,
                             MixPixel* out) const {
     const int between = int(m_lines.size()) - 2;

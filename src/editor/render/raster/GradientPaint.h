@@ -23,6 +23,7 @@ public:
 
     void shade(int x, int y, int count, Float4* out) const override;
     void mix(const TileRect& tile, MixPixel* out) const override;
+    std::shared_ptr<const Paint> coarser(int cell) const override;
     bool isOpaque() const override { return m_isOpaque; }
 
     /// Where a point lies between the first colour (0) and the last (1), before it is clamped.

@@ -28,6 +28,13 @@ struct TileRect {
     std::size_t area() const { return std::size_t(width) * std::size_t(height); }
 };
 
+/// Rows of a block of them.
+struct MixRows {
+    const MixPixel* first;
+    std::ptrdiff_t stride; ///< From one to the next, in pixels.
+    bool isOpaque;         ///< All of them are, for sure.
+};
+
 /// To the nearest MixPixel. The channels are 0...1.
 inline MixPixel toMix(Float4 pixel) {
     const Float4 scaled = min(max(pixel, splat(0)), splat(1)) * splat(float(mixOne)) + splat(0.5f);

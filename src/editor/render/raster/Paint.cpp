@@ -17,11 +17,15 @@ void Paint::mix(const TileRect& tile, MixPixel* out) const {
         }
 }
 
+std::shared_ptr<const Paint> Paint::coarser(int) const {
+    return nullptr;
+}
+
 bool Paint::overlay(const TileRect&, MixPixel*, std::ptrdiff_t) const {
     return false;
 }
 
-bool Paint::drawOverlaid(const TileRect&, const MixPixel*, std::ptrdiff_t, MutablePixelView, Storing) const {
+bool Paint::drawOverlaid(const TileRect&, const MixRows&, MutablePixelView, Storing) const {
     return false;
 }
 

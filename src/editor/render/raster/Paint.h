@@ -4,6 +4,7 @@
 #include "editor/render/raster/MixTile.h"
 #include "editor/render/raster/PixelView.h"
 
+#include <memory>
 #include <optional>
 
 namespace framora::raster {
@@ -27,12 +28,15 @@ public:
     virtual bool overlay(const TileRect& tile, MixPixel* under, std::ptrdiff_t stride) const;
     /// What overlay() makes of such a block, rounded as draw() does it; the block stays as it is. False, and
     /// nothing is done, as for both. Called from many threads.
-    virtual bool drawOverlaid(const TileRect& tile, const MixPixel* under, std::ptrdiff_t stride,
-                              MutablePixelView out, Storing storing) const;
+    virtual bool drawOverlaid(const TileRect& tile, const MixRows& under, MutablePixelView out,
+                              Storing storing) const;
     /// What mix() gives, rounded to the pixels of a picture that are the block; as packPixels() and
     /// streamPixels() do it. False, and nothing is done, where a paint cannot do both at once, and so always.
     /// Called from many threads.
     virtual bool draw(const TileRect& tile, MutablePixelView out, Storing storing) const;
+    /// The same for an output of pixels `cell` times as large, which start at the same corner. Nothing unless
+    /// the colours at their centres are as good as the means of all the pixels that each stands for.
+    virtual std::shared_ptr<const Paint> coarser(int cell) const;
     /// Whether every colour has an alpha of exactly 1.
     virtual bool isOpaque() const = 0;
     /// Whether mix() does best on blocks that are about as high as wide.

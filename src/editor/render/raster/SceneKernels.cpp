@@ -24,9 +24,9 @@ void overlaySceneRows(const SceneRow* rows, int height, std::int16_t opacity, st
                       MixPixel* under, std::ptrdiff_t stride) {
     plain::overlayScene(rows, height, opacity, width, under, stride);
 }
-void drawSceneRows(const SceneRow* rows, std::int16_t opacity, const MixPixel* under, std::ptrdiff_t stride,
-                   MutablePixelView out, Storing) {
-    plain::drawScene(rows, opacity, under, stride, out);
+void drawSceneRows(const SceneRow* rows, std::int16_t opacity, const MixRows& under, MutablePixelView out,
+                   Storing) {
+    plain::drawScene(rows, opacity, under, out);
 }
 
 #else
@@ -64,11 +64,12 @@ HWY_INLINE Vector loadEach(const std::int16_t* from) {
     return hn::BitCast(lanes, hn::TableLookupBytes(all, hn::Load(bytes, twoOf)));
 }
 
-/// The scene in the form of SceneRow::tint, where the stripes cover so much.
-HWY_INLINE Vector lift(Vector tint, Vector dither, Vector stripes, Vector opacity) {
-    const Vector white = hn::MulFixedPoint15(stripes, opacity);
-    const Vector through = hn::Sub(hn::Set(lanes, coverageOne), stripes);
-    return hn::SaturatedAdd(white, hn::MulFixedPoint15(hn::SaturatedAdd(tint, dither), through));
+/// The scene in the form of SceneRow::tint, where the stripes cover so much; `white` is that of a stripe,
+/// negated.
+HWY_INLINE Vector lift(Vector tint, Vector dither, Vector stripes, Vector white) {
+    const Vector dithered = hn::SaturatedAdd(tint, dither);
+    const Vector beside = hn::Add(dithered, hn::MulFixedPoint15(dithered, stripes));
+    return hn::SaturatedAdd(hn::MulFixedPoint15(stripes, white), beside);
 }
 
 /// The colours that make up the lift.
@@ -104,132 +105,152 @@ HWY_INLINE bool areOpaque(Vector pixels) {
 
 constexpr std::size_t vectorPixels = HWY_MAX_BYTES / sizeof(MixPixel);
 constexpr std::size_t strip = SceneRow::strip;
-static_assert(strip % vectorPixels == 0 && strip == Dither::period);
+constexpr std::size_t period = Dither::period;
+static_assert(strip % (2 * vectorPixels) == 0 && period % vectorPixels == 0);
 
 void paintSceneRow(const SceneRow& told, std::int16_t opacity, std::size_t count, MixPixel* out) {
     const SceneRow row = told; // by value: nothing that is written could be a part of it
     std::size_t i = 0;
     for (; i + vectorPixels <= count; i += vectorPixels)
-        store(painted(lift(load(row.tint + i), load(row.dither + i % strip), loadEach(row.stripes + i),
-                           hn::Set(lanes, opacity))),
+        store(painted(lift(load(row.tint + i), load(row.dither + i % period), loadEach(row.stripes + i),
+                           hn::Neg(hn::Set(lanes, opacity)))),
               out + i);
-    const SceneRow rest{row.tint + i, row.stripes + i, row.dither + i % strip};
+    const SceneRow rest{row.tint + i, row.stripes + i, row.dither + i % period};
     plain::paintScene(rest, opacity, count - i, out + i);
 }
 
-HWY_INLINE Vector overlaidAny(Vector pixels, Vector lifted) {
-    return HWY_LIKELY(areOpaque(pixels)) ? overlaidOpaque(pixels, lifted) : overlaid(pixels, lifted);
+/// Where the mixed pixels of a strip go, row by row.
+struct MixedRows {
+    MixPixel* row;
+    std::ptrdiff_t stride;
+
+    HWY_INLINE void put(std::size_t i, Vector pixels) const { store(pixels, row + i); }
+    HWY_INLINE void next() { row += stride; }
+};
+
+HWY_INLINE auto packed(Vector pixels) {
+    const hn::Rebind<std::uint8_t, Lanes> bytes;
+    // Adds half a step and divides by a step.
+    static_assert(mixStep == 128);
+    return hn::DemoteTo(bytes, hn::MulFixedPoint15(pixels, hn::Set(lanes, 32768 / mixStep)));
+}
+
+/// The same, packed. What is streamed is whole lines of the cache.
+template <Storing storing> struct PackedRows {
+    std::uint32_t* row;
+    std::ptrdiff_t stride; ///< In bytes.
+    static_assert(strip * sizeof(std::uint32_t) % 64 == 0);
+
+    HWY_INLINE void put(std::size_t i, Vector pixels) const {
+        const hn::Rebind<std::uint8_t, Lanes> bytes;
+        auto* to = reinterpret_cast<std::uint8_t*>(row + i);
+        // Shorter vectors are too short, packed, for a store past the caches.
+        if constexpr (storing == Storing::streamed && HWY_MAX_BYTES >= 32)
+            hn::Stream(packed(pixels), bytes, to);
+        else
+            hn::StoreU(packed(pixels), bytes, to);
+    }
+    HWY_INLINE void next() {
+        row = reinterpret_cast<std::uint32_t*>(reinterpret_cast<std::byte*>(row) + stride);
+    }
+};
+
+/// Mixes a row of a strip, where the scene's vector at pixel i is lifted(i).
+template <bool isOpaque, typename Rows, typename Lifted>
+HWY_INLINE void overlayRow(const MixPixel* under, const Lifted& lifted, const Rows& out) {
+    for (std::size_t i = 0; i < strip; i += vectorPixels) {
+        const Vector pixels = load(under + i);
+        if (isOpaque || HWY_LIKELY(areOpaque(pixels)))
+            out.put(i, overlaidOpaque(pixels, lifted(i)));
+        else
+            out.put(i, overlaid(pixels, lifted(i)));
+    }
 }
 
 /// Mixes a strip from column x on, from top to bottom. Mostly there is either nothing of the stripes or
 /// nothing else for many rows, and then less is to be done for the same bytes.
+template <bool isOpaque, typename Rows>
 HWY_INLINE void overlayStrip(const SceneRow* rows, int height, std::int16_t opacity, std::size_t x,
-                             MixPixel* under, std::ptrdiff_t stride) {
-    const auto overlay = [](MixPixel* to, Vector lifted)
-                             HWY_ATTR { store(overlaidAny(load(to), lifted), to); };
-    const Vector share = hn::Set(lanes, opacity);
-    const Vector whole = hn::Set(lanes, coverageOne);
-    const Vector white = hn::MulFixedPoint15(whole, share);
-    for (int y = 0; y < height;) {
-        const SceneRow& first = rows[y];
-        const int end = std::min(height, y + int(first.alike[x]));
-        if (end == y) {
-            for (std::size_t i = 0; i < strip; i += vectorPixels)
-                overlay(under + i, lift(load(first.tint + x + i), load(first.dither + i),
-                                        loadEach(first.stripes + x + i), share));
-            ++y;
+                             const MixPixel* under, std::ptrdiff_t stride, Rows out) {
+    const Vector white = hn::Set(lanes, opacity);
+    const Vector negated = hn::Neg(white);
+    const SceneRow* const bottom = rows + height;
+    while (rows < bottom) {
+        const SceneRow* const end = std::min(rows + rows->alike[x], bottom);
+        if (end == rows) {
+            const SceneRow row = *rows; // by value: nothing that is written could be a part of it
+            const auto lifted = [&](std::size_t i) HWY_ATTR {
+                return lift(load(row.tint + x + i), load(row.dither + i % period),
+                            loadEach(row.stripes + x + i), negated);
+            };
+            overlayRow<isOpaque>(under, lifted, out);
+            ++rows;
             under += stride;
-        } else if (first.stripes[x] != 0) {
-            for (; y < end; ++y, under += stride)
-                for (std::size_t i = 0; i < strip; i += vectorPixels)
-                    overlay(under + i, white);
+            out.next();
+        } else if (rows->stripes[x] != 0) {
+            for (; rows < end; ++rows, under += stride, out.next())
+                overlayRow<isOpaque>(
+                    under, [&](std::size_t) HWY_ATTR { return white; }, out);
         } else {
-            for (; y < end; ++y, under += stride)
-                for (std::size_t i = 0; i < strip; i += vectorPixels) {
-                    const Vector tint =
-                        hn::SaturatedAdd(load(rows[y].tint + x + i), load(rows[y].dither + i));
-                    overlay(under + i, hn::MulFixedPoint15(tint, whole));
-                }
+            for (; rows < end; ++rows, under += stride, out.next()) {
+                const MixPixel* const tint = rows->tint + x;
+                const MixPixel* const dither = rows->dither;
+                const auto lifted = [&](std::size_t i) HWY_ATTR {
+                    return hn::SaturatedAdd(load(tint + i), load(dither + i % period));
+                };
+                overlayRow<isOpaque>(under, lifted, out);
+            }
         }
     }
+}
+
+/// Mixes the first `count` pixels of a strip in one row from column x on, as Rows writes them.
+template <typename Rows, typename Pixel>
+HWY_INLINE void overlayRest(const SceneRow& row, std::int16_t opacity, std::size_t x, std::size_t count,
+                            const MixPixel* under, Pixel* out) {
+    constexpr std::uint8_t unknown[1] = {};
+    MixPixel tint[strip] = {};
+    MixPixel pixels[strip] = {};
+    Pixel mixed[strip];
+    std::memcpy(tint, row.tint + x, count * sizeof *tint);
+    std::memcpy(pixels, under, count * sizeof *pixels);
+    const SceneRow rest{tint, row.stripes + x, row.dither, unknown};
+    overlayStrip<false>(&rest, 1, opacity, 0, pixels, 0, Rows{mixed, 0});
+    std::memcpy(out, mixed, count * sizeof *mixed);
 }
 
 void overlaySceneRows(const SceneRow* rows, int height, std::int16_t opacity, std::size_t width,
                       MixPixel* under, std::ptrdiff_t stride) {
     std::size_t x = 0;
     for (; x + strip <= width; x += strip)
-        overlayStrip(rows, height, opacity, x, under + x, stride);
-    const std::size_t rest = width - x;
-    constexpr std::uint8_t unknown[1] = {};
-    for (int y = 0; rest > 0 && y < height; ++y) {
-        MixPixel tint[strip] = {};
-        MixPixel pixels[strip] = {};
-        MixPixel* to = under + y * stride + x;
-        std::memcpy(tint, rows[y].tint + x, rest * sizeof *tint);
-        std::memcpy(pixels, to, rest * sizeof *pixels);
-        const SceneRow row{tint, rows[y].stripes + x, rows[y].dither, unknown};
-        overlayStrip(&row, 1, opacity, 0, pixels, 0);
-        std::memcpy(to, pixels, rest * sizeof *pixels);
+        overlayStrip<false>(rows, height, opacity, x, under + x, stride, MixedRows{under + x, stride});
+    for (int y = 0; x < width && y < height; ++y) {
+        MixPixel* const rest = under + y * stride + std::ptrdiff_t(x);
+        overlayRest<MixedRows>(rows[y], opacity, x, width - x, rest, rest);
     }
 }
 
-/// Calls put(i, pixels) for each vector of a row of whole strips, mixed.
-template <typename Put>
-HWY_INLINE void forEachOverlaid(const SceneRow& told, std::int16_t opacity, const MixPixel* under,
-                                std::size_t width, const Put& put) {
-    const SceneRow row = told; // by value: nothing that is written could be a part of it
-    const Vector share = hn::Set(lanes, opacity);
-    const Vector whole = hn::Set(lanes, coverageOne);
-    const Vector white = hn::MulFixedPoint15(whole, share);
-    for (std::size_t x = 0; x < width; x += strip) {
-        if (row.alike[x] == 0)
-            for (std::size_t i = 0; i < strip; i += vectorPixels)
-                put(x + i, overlaidAny(load(under + x + i), lift(load(row.tint + x + i), load(row.dither + i),
-                                                                 loadEach(row.stripes + x + i), share)));
-        else if (row.stripes[x] != 0)
-            for (std::size_t i = 0; i < strip; i += vectorPixels)
-                put(x + i, overlaidAny(load(under + x + i), white));
-        else
-            for (std::size_t i = 0; i < strip; i += vectorPixels) {
-                const Vector tint = hn::SaturatedAdd(load(row.tint + x + i), load(row.dither + i));
-                put(x + i, overlaidAny(load(under + x + i), hn::MulFixedPoint15(tint, whole)));
-            }
-    }
+template <bool isOpaque, Storing storing>
+void drawWhole(const SceneRow* rows, std::int16_t opacity, const MixRows& under, MutablePixelView out) {
+    for (std::size_t x = 0; x + strip <= std::size_t(out.width); x += strip)
+        overlayStrip<isOpaque>(rows, out.height, opacity, x, under.first + x, under.stride,
+                               PackedRows<storing>{out.row(0) + x, out.stride});
 }
 
-HWY_INLINE auto packed(Vector pixels) {
-    const hn::Rebind<std::uint8_t, Lanes> bytes;
-    return hn::DemoteTo(bytes, hn::ShiftRight<7>(hn::SaturatedAdd(pixels, hn::Set(lanes, mixStep / 2))));
-}
-
-void drawSceneRows(const SceneRow* rows, std::int16_t opacity, const MixPixel* under, std::ptrdiff_t stride,
-                   MutablePixelView out, Storing storing) {
-    const hn::Rebind<std::uint8_t, Lanes> bytes;
-    const auto whole = std::size_t(out.width) / strip * strip;
-    const auto rest = std::size_t(out.width) - whole;
-    for (int y = 0; y < out.height; ++y, under += stride) {
-        auto* const to = reinterpret_cast<std::uint8_t*>(out.row(y));
-        const auto put = [&](std::size_t i, Vector pixels)
-                             HWY_ATTR { hn::StoreU(packed(pixels), bytes, to + i * sizeof(std::uint32_t)); };
-#if HWY_MAX_BYTES < 32
-        (void)storing; // a packed vector would be too short for a store past the caches
-        forEachOverlaid(rows[y], opacity, under, whole, put);
-#else
-        const auto stream = [&](std::size_t i, Vector pixels) HWY_ATTR {
-            hn::Stream(packed(pixels), bytes, to + i * sizeof(std::uint32_t));
-        };
-        if (storing == Storing::streamed)
-            forEachOverlaid(rows[y], opacity, under, whole, stream);
-        else
-            forEachOverlaid(rows[y], opacity, under, whole, put);
-#endif
-        if (rest == 0)
-            continue;
-        const SceneRow last{rows[y].tint + whole, rows[y].stripes + whole, rows[y].dither};
-        const std::ptrdiff_t end = std::ptrdiff_t(whole);
-        plain::drawScene(&last, opacity, under + end, 0,
-                         {out.data + y * out.stride + end * 4, int(rest), 1, out.stride});
-    }
+void drawSceneRows(const SceneRow* rows, std::int16_t opacity, const MixRows& under, MutablePixelView out,
+                   Storing storing) {
+    if (storing == Storing::cached)
+        drawWhole<false, Storing::cached>(rows, opacity, under, out);
+    else if (under.isOpaque)
+        drawWhole<true, Storing::streamed>(rows, opacity, under, out);
+    else
+        drawWhole<false, Storing::streamed>(rows, opacity, under, out);
+    const auto width = std::size_t(out.width);
+    const std::size_t x = width - width % strip;
+    for (int y = 0; x < width && y < out.height; ++y)
+        overlayRest<PackedRows<Storing::cached>>(rows[y], opacity, x, width - x,
+                                                 under.first + y * under.stride + std::ptrdiff_t(x),
+                                                 out.row(y) + x);
 }
 
 #endif
@@ -254,9 +275,9 @@ void overlayScene(const SceneRow* rows, int height, std::int16_t opacity, std::s
     (rows, height, opacity, width, under, stride);
 }
 
-void drawScene(const SceneRow* rows, std::int16_t opacity, const MixPixel* under, std::ptrdiff_t stride,
-               MutablePixelView out, Storing storing) {
-    HWY_DYNAMIC_DISPATCH(drawSceneRows)(rows, opacity, under, stride, out, storing);
+void drawScene(const SceneRow* rows, std::int16_t opacity, const MixRows& under, MutablePixelView out,
+               Storing storing) {
+    HWY_DYNAMIC_DISPATCH(drawSceneRows)(rows, opacity, under, out, storing);
 }
 
 } // namespace framora::raster

@@ -9,12 +9,12 @@ namespace {
 /// The scene in the form of SceneRow::tint.
 MixPixel lift(const SceneRow& row, std::int16_t opacity, std::size_t i) {
     const MixPixel& offset = row.dither[i % Dither::period];
-    const std::int16_t white = mulFixed(row.stripes[i], opacity);
-    const auto through = std::int16_t(coverageOne - row.stripes[i]);
+    const std::int16_t white = mulFixed(row.stripes[i], std::int16_t(-opacity));
     MixPixel lifted;
     for (int c = 0; c < 4; ++c) {
         const std::int16_t dithered = addSaturated(row.tint[i].channel[c], offset.channel[c]);
-        lifted.channel[c] = addSaturated(white, mulFixed(dithered, through));
+        const auto beside = std::int16_t(dithered + mulFixed(dithered, row.stripes[i]));
+        lifted.channel[c] = addSaturated(white, beside);
     }
     return lifted;
 }
@@ -62,11 +62,10 @@ void overlayScene(const SceneRow* rows, int height, std::int16_t opacity, std::s
         overlayRow(rows[y], opacity, width, under);
 }
 
-void drawScene(const SceneRow* rows, std::int16_t opacity, const MixPixel* under, std::ptrdiff_t stride,
-               MutablePixelView out) {
-    for (int y = 0; y < out.height; ++y, under += stride)
+void drawScene(const SceneRow* rows, std::int16_t opacity, const MixRows& under, MutablePixelView out) {
+    for (int y = 0; y < out.height; ++y)
         for (int x = 0; x < out.width; ++x) {
-            MixPixel pixel = under[x];
+            MixPixel pixel = under.first[y * under.stride + x];
             const SceneRow here{rows[y].tint + x, rows[y].stripes + x, rows[y].dither + x % Dither::period};
             overlayRow(here, opacity, 1, &pixel);
             plain::packPixels(&pixel, 1, out.row(y) + x);

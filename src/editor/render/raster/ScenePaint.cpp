@@ -38,7 +38,7 @@ ScenePaint::ScenePaint(Look look, double width, double height, const Homography&
       m_firstDiagonal(1 - outputHeight), m_shift(height / width) {
     m_stripes.reserve(std::size_t(outputWidth) + std::size_t(outputHeight) + SceneRow::stripesSlack);
     for (int diagonal = m_firstDiagonal; diagonal < outputWidth; ++diagonal)
-        m_stripes.push_back(toShare(coverage(diagonal)));
+        m_stripes.push_back(std::int16_t(std::lround(coverage(diagonal) * SceneRow::covered)));
     m_stripes.resize(m_stripes.size() + SceneRow::stripesSlack);
     makeAlike();
     makeDither(look.tint);
@@ -73,7 +73,7 @@ void ScenePaint::makeAlike() {
         const std::int16_t here = m_stripes[std::size_t(i)];
         for (end = std::max(end, i); end < count && m_stripes[std::size_t(end)] == here;)
             ++end;
-        const bool isAlike = end - i >= strip && (here == 0 || here == coverageOne);
+        const bool isAlike = end - i >= strip && (here == 0 || here == SceneRow::covered);
         const bool goesOn = run > 0 && m_stripes[std::size_t(i - 1)] == here;
         run = isAlike ? (goesOn ? run + 1 : 1) : 0;
         m_alike[std::size_t(i)] = std::uint8_t(std::min<std::ptrdiff_t>(run, 255));
@@ -170,14 +170,14 @@ bool ScenePaint::overlay(const TileRect& tile, MixPixel* under, std::ptrdiff_t s
     return true;
 }
 
-bool ScenePaint::drawOverlaid(const TileRect& tile, const MixPixel* under, std::ptrdiff_t stride,
-                              MutablePixelView out, Storing storing) const {
+bool ScenePaint::drawOverlaid(const TileRect& tile, const MixRows& under, MutablePixelView out,
+                              Storing storing) const {
     // What goes past the caches goes out in whole lines of them.
     constexpr std::size_t line = 64;
     if (storing == Storing::streamed &&
         (reinterpret_cast<std::uintptr_t>(out.data) % line != 0 || std::size_t(out.stride) % line != 0))
         return false;
-    drawScene(rowsOf(tile).data(), m_white, under, stride, out, storing);
+    drawScene(rowsOf(tile).data(), m_white, under, out, storing);
     return true;
 }
 

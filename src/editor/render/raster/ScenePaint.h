@@ -29,8 +29,8 @@ public:
     void shade(int x, int y, int count, Float4* out) const override;
     void mix(const TileRect& tile, MixPixel* out) const override;
     bool overlay(const TileRect& tile, MixPixel* under, std::ptrdiff_t stride) const override;
-    bool drawOverlaid(const TileRect& tile, const MixPixel* under, std::ptrdiff_t stride,
-                      MutablePixelView out, Storing storing) const override;
+    bool drawOverlaid(const TileRect& tile, const MixRows& under, MutablePixelView out,
+                      Storing storing) const override;
     bool isOpaque() const override { return false; }
 
 private:

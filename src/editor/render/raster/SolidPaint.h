@@ -14,6 +14,7 @@ public:
     void mix(const TileRect& tile, MixPixel* out) const override {
         std::fill_n(out, tile.area(), toMix(m_color));
     }
+    std::shared_ptr<const Paint> coarser(int) const override { return std::make_shared<SolidPaint>(*this); }
     bool isOpaque() const override { return m_color[3] == 1; }
 
 private:
