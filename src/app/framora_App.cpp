@@ -8,6 +8,7 @@
 #include "feedback/SoundManager.h"
 #include "platform/Application.h"
 #include "platform/Localized.h"
+#include "platform/Notifications.h"
 #include "platform/Pasteboard.h"
 #include "platform/ScreenColorPicker.h"
 #include "platform/ToastPanel.h"
@@ -33,8 +34,17 @@
 
 #include <QGuiApplication>
 #include <QIcon>
+#include <QProcess>
 
 namespace framora {
+
+namespace {
+
+/// Tells a process that it was started in place of another.
+constexpr char startedAgainVariable[] = "FRAMORA_STARTED_AGAIN";
+constexpr int oldEnoughMilliseconds = 60000;
+
+} // namespace
 
 /// The real parts, in the order in which they need one another.
 struct framora_App::Desktop {
@@ -176,6 +186,15 @@ framora_App::~framora_App() {
 }
 
 void framora_App::launch() {
+    m_age.start();
+    m_connectionEnded = m_desktop->notifications.observe(
+        notifications::connectionEnded,
+        [this, wasStartedAgain = qEnvironmentVariableIsSet(startedAgainVariable)] {
+            // One that is refused as soon as it runs would start for ever.
+            if (!wasStartedAgain || m_age.hasExpired(oldEnoughMilliseconds))
+                m_desktop->mainQueue.async([this] { quitToStartAgain(); });
+        });
+    qunsetenv(startedAgainVariable);
     m_desktop->appearance.colorApplication();
     m_desktop->loginItem.followProgram();
     _appDelegate->applicationDidFinishLaunching();
@@ -217,6 +236,21 @@ void framora_App::perform(ProgramCommand command, const QString& activationToken
             break;
         }
     });
+}
+
+void framora_App::quitToStartAgain() {
+    const bool editorIsOpen = m_desktop->editor && m_desktop->editor->isOpen();
+    if (editorIsOpen || _appDelegate->settingsWindow()) {
+        m_desktop->mainQueue.asyncAfter(1.0, [this] { quitToStartAgain(); });
+        return;
+    }
+    m_isToStartAgain = true;
+    _appDelegate->quitApp();
+}
+
+void framora_App::startAgain() {
+    qputenv(startedAgainVariable, "1");
+    QProcess::startDetached(QCoreApplication::applicationFilePath(), {});
 }
 
 void framora_App::raiseWindows() {

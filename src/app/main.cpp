@@ -84,7 +84,10 @@ int run(int argc, char** argv) {
     app.launch();
     if (line.command != framora::ProgramCommand::activate)
         perform(line.command, message.activationToken);
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    if (app.isToStartAgain())
+        framora::framora_App::startAgain();
+    return status;
 }
 
 } // namespace

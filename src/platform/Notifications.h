@@ -16,6 +16,9 @@ inline constexpr char shortcutBindingsChanged[] = "ShortcutBindingsChanged";
 inline constexpr char keyboardLayoutChanged[] = "KeyboardLayoutChanged";
 /// Posted by the desktop when it turns dark or light, or takes another accent colour.
 inline constexpr char appearanceChanged[] = "AppearanceChanged";
+/// Posted when the window system ended the program's connection, which cannot be made again: only a program
+/// that starts again has one.
+inline constexpr char connectionEnded[] = "ConnectionEnded";
 
 inline constexpr char editorToolbarCopy[] = "ScreenshotEditorToolbarCopy";
 inline constexpr char editorToolbarSave[] = "ScreenshotEditorToolbarSave";

@@ -8,6 +8,15 @@
 
 namespace framora {
 
+namespace {
+
+/// Whether the library has an error for it that the compositor told; else it has gone.
+bool isRefusal(int error) {
+    return error == EPROTO || error == EINVAL || error == ENOMEM;
+}
+
+} // namespace
+
 const wl_registry_listener WaylandConnection::registryListener{
     [](void* data, wl_registry*, std::uint32_t name, const char* interface, std::uint32_t version) {
         auto& self = *static_cast<WaylandConnection*>(data);
@@ -69,13 +78,17 @@ void WaylandConnection::listen() {
 }
 
 void WaylandConnection::stopListening() {
+    const bool isNews = m_readable && m_readable->isEnabled();
     // A dead socket stays readable for ever. The notifier may be the one that is calling.
-    if (m_readable && m_readable->isEnabled() && m_display && wl_display_get_error(m_display) == EPROTO)
-        qWarning("The compositor refused a request and ended the connection for toasts and the clipboard");
     if (m_readable)
         m_readable->setEnabled(false);
     if (m_writable)
         m_writable->setEnabled(false);
+    if (!isNews || !m_display || !isRefusal(wl_display_get_error(m_display)))
+        return;
+    qWarning("The compositor refused a request and ended the connection for toasts and the clipboard");
+    if (m_refusedHandler)
+        m_refusedHandler();
 }
 
 void WaylandConnection::read() {

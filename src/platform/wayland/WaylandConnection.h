@@ -57,6 +57,10 @@ public:
     void onGlobalAdded(GlobalHandler handler) { m_addedHandlers.push_back(std::move(handler)); }
     void onGlobalRemoved(GlobalHandler handler) { m_removedHandlers.push_back(std::move(handler)); }
 
+    /// Runs once when the compositor refuses a request, which ends the connection: within whatever noticed
+    /// it, so it may only note that.
+    void onRefused(std::function<void()> handler) { m_refusedHandler = std::move(handler); }
+
     /// From now on events are delivered by the event loop as they arrive.
     void listen();
     /// Delivers what has arrived.
@@ -81,6 +85,7 @@ private:
     std::vector<Global> m_globals;
     std::vector<GlobalHandler> m_addedHandlers;
     std::vector<GlobalHandler> m_removedHandlers;
+    std::function<void()> m_refusedHandler;
     std::unique_ptr<QSocketNotifier> m_readable;
     std::unique_ptr<QSocketNotifier> m_writable; ///< Enabled while something waits to be sent.
 };

@@ -1,5 +1,6 @@
 #include "platform/wayland/WaylandWindowSystem.h"
 
+#include "platform/Notifications.h"
 #include "platform/desktop/AdoptingPasteboard.h"
 #include "platform/desktop/CurrentDesktop.h"
 #include "platform/desktop/NotificationToastPanels.h"
@@ -31,6 +32,8 @@ WaylandWindowSystem::WaylandWindowSystem(std::unique_ptr<WaylandConnection> conn
       m_keyMonitors(services.gate, m_globalShortcuts), m_outputs(*m_connection),
       m_screens(*m_connection, m_outputs), m_pasteboard(makePasteboard(services)),
       m_toastPanels(makeToastPanels(services)), m_colorPicker(exportedName), m_sharing(exportedName) {
+    m_connection->onRefused(
+        [&notifications = services.notifications] { notifications.post(notifications::connectionEnded); });
     m_connection->listen();
 }
 
