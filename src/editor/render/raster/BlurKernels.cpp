@@ -127,16 +127,35 @@ void sumAllRuns(const MixPixel* sources, const BlurTaps& taps, int index, int co
     const hn::FixedTag<std::int32_t, 4> one;
     const hn::FixedTag<std::int16_t, 4> packed;
     const auto half = hn::Set(one, 1 << (taps.shift() - 1));
-    for (int i = 0; i < count; ++i) {
+    // Two sources, channel by channel.
+    const auto sorted = [&](const MixPixel* from) HWY_ATTR {
+        const auto pixels = hn::LoadU(two, from->channel);
+        return hn::InterleaveLower(two, pixels, hn::ShiftRightBytes<8>(two, pixels));
+    };
+    const auto store = [&](hn::Vec<decltype(one)> sum, MixPixel& pixel) HWY_ATTR {
+        hn::StoreU(hn::DemoteTo(packed, hn::ShiftRightSame(sum, taps.shift())), packed, pixel.channel);
+    };
+    for (int i = 0; i < count;) {
         const BlurTaps::Taps run = taps.taps(index + i);
-        const auto* from = reinterpret_cast<const std::int16_t*>(sources + run.first);
-        auto sum = half;
-        for (int tap = 0; tap < run.count; tap += 2) {
-            const auto pixels = hn::LoadU(two, from + 4 * tap);
-            const auto sorted = hn::InterleaveLower(two, pixels, hn::ShiftRightBytes<8>(two, pixels));
-            sum = addProducts(one, sorted, pair(one, run.weights + tap), sum);
+        const MixPixel* const from = sources + run.first;
+        if (run.count != 4) {
+            auto sum = half;
+            for (int tap = 0; tap < run.count; tap += 2)
+                sum = addProducts(one, sorted(from + tap), pair(one, run.weights + tap), sum);
+            store(sum, out[i++]);
+            continue;
         }
-        hn::StoreU(hn::DemoteTo(packed, hn::ShiftRightSame(sum, taps.shift())), packed, out[i].channel);
+        // Neighbours often have the same four sources.
+        const auto first = sorted(from);
+        const auto second = sorted(from + 2);
+        for (BlurTaps::Taps here = run; here.first == run.first && here.count == 4;
+             here = taps.taps(index + i)) {
+            auto sum = addProducts(one, first, pair(one, here.weights), half);
+            sum = addProducts(one, second, pair(one, here.weights + 2), sum);
+            store(sum, out[i++]);
+            if (i == count)
+                break;
+        }
     }
 }
 
