@@ -327,6 +327,32 @@ void measureGestures(Editor& editor, const std::string& only) {
     model.set(QStringLiteral("mockupStyle"), QStringLiteral("glassEffect"));
     run("drag, frame of glass", [&](int count) { return editor.drag(count); });
     restore();
+    const auto dragWith = [&](const char* what, const std::function<void(ScreenshotStyleConfig&)>& change) {
+        ScreenshotStyleConfig config = model.config();
+        change(config);
+        model.setConfig(config);
+        run(std::string("drag, ") + what, [&](int count) { return editor.drag(count); });
+        restore();
+    };
+    using Config = ScreenshotStyleConfig;
+    dragWith("transparent", [](Config& config) { config.backgroundType = BackgroundType::transparent; });
+    ShadowScene scene;
+    scene.colors = {Color::white(), Color{0.2, 0.3, 0.6, 1}};
+    dragWith("shadow scene under it", [&](Config& config) { config.selectedShadowScene = scene; });
+    dragWith("shadow scene over it", [&](Config& config) {
+        config.selectedShadowScene = scene;
+        config.shadowSceneMode = ShadowSceneMode::overlay;
+    });
+    dragWith("texts, a blurred one too", [](Config& config) {
+        for (const bool isBlurred : {false, true}) {
+            TextOverlay text;
+            text.text = QStringLiteral("A caption of a few words");
+            text.fontSize = 120;
+            text.position = {1900, isBlurred ? 1500.0 : 500.0};
+            text.isBlurred = isBlurred;
+            config.textOverlays.append(text);
+        }
+    });
     run("window's size", [&](int count) { return editor.resize(count); });
     model.fitToWindow();
     settle(300);
