@@ -91,6 +91,36 @@ TEST(Coverage, KeepsToWholePixelsWhereTheEdgesDo) {
                       x >= 10 && x < 20 && y >= 5 && y < 15 ? 1.0f : 0.0f);
 }
 
+TEST(Coverage, HasTheSameExtentInAllRowsUpToItsEnd) {
+    const auto at = [](const RoundedRect& rect, double degrees) {
+        Coverage coverage(
+            rect.outline({Homography::translation(29.3, 24.6) * Homography::rotation(degrees)}));
+        coverage.index(height);
+        return coverage;
+    };
+    const std::vector<Vec2> steps{{5, 4.5}, {40, 4.5}, {40, 20}, {50, 20}, {50, 44},
+                                  {30, 44}, {30, 30},  {20, 30}, {20, 40}, {5, 40}};
+    std::vector<Coverage> shapes{at({40, 30, 0}, 0), at({40, 30, 9}, 0), at({40, 30, 9}, 7),
+                                 at({80, 70, 5}, 0)};
+    shapes.emplace_back(steps);
+    shapes.back().index(height);
+    for (const Coverage& shape : shapes)
+        for (int y = 0; y < height; ++y) {
+            const Coverage::Run here = shape.extent(y, width);
+            ASSERT_GT(shape.extentEnd(y), y);
+            for (int row = y + 1; row < std::min(shape.extentEnd(y), height); ++row) {
+                const Coverage::Run there = shape.extent(row, width);
+                ASSERT_EQ(here.first, there.first) << y << ", " << row;
+                ASSERT_EQ(here.end, there.end) << y << ", " << row;
+                ASSERT_EQ(here.fullFirst, there.fullFirst) << y << ", " << row;
+                ASSERT_EQ(here.fullEnd, there.fullEnd) << y << ", " << row;
+            }
+        }
+    EXPECT_EQ(shapes[0].extentEnd(20), 39) << "down to the row that its lower side cuts";
+    EXPECT_EQ(shapes[4].extentEnd(5), 20) << "where it becomes wider";
+    EXPECT_EQ(shapes[2].extentEnd(20), 21) << "turned";
+}
+
 TEST(Coverage, DoesNotMindTheDirection) {
     const std::vector<Vec2> polygon = {{10.5, 5.2}, {40.1, 9}, {31, 44.4}};
     EXPECT_EQ(covered(Coverage(polygon)), covered(Coverage({polygon.rbegin(), polygon.rend()})));

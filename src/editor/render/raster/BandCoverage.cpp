@@ -31,8 +31,11 @@ void BandCoverage::begin(const TileRect& band, const std::vector<LayerShape>& sh
             runs.rows.resize(std::size_t(band.height));
             runs.first = runs.fullEnd = band.width;
             runs.end = runs.fullFirst = 0;
-            for (int y = 0; y < band.height; ++y) {
-                const Coverage::Run run = runs.rows[std::size_t(y)] = coverage.extent(band.y + y, band.width);
+            for (int y = 0; y < band.height;) {
+                const Coverage::Run run = coverage.extent(band.y + y, band.width);
+                const int end = std::min(coverage.extentEnd(band.y + y) - band.y, band.height);
+                std::fill(runs.rows.begin() + y, runs.rows.begin() + end, run);
+                y = end;
                 if (!run.isEmpty()) {
                     runs.first = std::min(runs.first, run.first);
                     runs.end = std::max(runs.end, run.end);

@@ -137,7 +137,7 @@ void ScenePaint::shade(int x, int y, int count, Float4* out) const {
 const std::vector<SceneRow>& ScenePaint::rowsOf(const TileRect& tile) const {
     thread_local std::vector<SceneRow> rows;
     thread_local std::vector<MixPixel> told;
-    rows.clear();
+    rows.resize(std::size_t(tile.height));
     if (m_tint.empty())
         told.assign(m_gradient ? tile.area() : std::size_t(tile.width), MixPixel{});
     for (int y = tile.y; y < tile.y + tile.height; ++y) {
@@ -153,7 +153,8 @@ const std::vector<SceneRow>& ScenePaint::rowsOf(const TileRect& tile) const {
         const int diagonal = tile.x - y - m_firstDiagonal;
         const MixPixel* dither =
             m_dither.data() + y % Dither::period * 2 * Dither::period + tile.x % Dither::period;
-        rows.push_back({tint, m_stripes.data() + diagonal, dither, m_alike.data() + diagonal});
+        rows[std::size_t(y - tile.y)] = {tint, m_stripes.data() + diagonal, dither,
+                                         m_alike.data() + diagonal};
     }
     return rows;
 }
