@@ -114,6 +114,7 @@ T.ComboBox {
             radius: Theme.cardRadius - 2
             color: Theme.card
             outline: Theme.outline
+            SoftShadow { radius: parent.radius }
         }
         enter: Transition {
             NumberAnimation { property: "opacity"; from: 0; to: 1; duration: Theme.shortMotion }
