@@ -1,6 +1,5 @@
 #include "editor/render/GlassEffectModifier.h"
 
-#include "editor/render/raster/GlassPaint.h"
 #include "editor/render/raster/GradientPaint.h"
 #include "editor/render/raster/ShadowPaint.h"
 #include "editor/render/raster/SolidPaint.h"
@@ -110,8 +109,16 @@ GlassPaint::Look polished(double frame, double veil) {
 } // namespace
 
 void GlassEffectModifier::Prepared::appendTo(std::vector<Layer>& under) && {
-    if (backdrop)
-        backdrop->fill(under);
+    if (pane) {
+        Layer& layer = layers[pane->layer];
+        if (auto backdrop = GlassBackdrop::create(*pane->window, pane->deviation, pane->reach, under)) {
+            layer.paint = std::make_shared<GlassPaint>(std::move(backdrop), pane->window, pane->shape,
+                                                       layer.placement, pane->look);
+            layer.blend = Layer::Blend::replace;
+        } else {
+            layer.paint = std::make_shared<raster::SolidPaint>(pane->look.veil);
+        }
+    }
     std::ranges::move(layers, std::back_inserter(under));
 }
 
@@ -143,7 +150,6 @@ GlassEffectModifier::Prepared GlassEffectModifier::prepare(const Card& card, QSi
     const Scale scale = pixelsPerPoint(shape, card.placement.toOutput);
     const double deviation = std::clamp(made.blurRadius * scale.middle, leastDeviation, largestDeviation);
     const double reach = (card.hidden ? reachBelow(look, frame) : look.bend) * scale.most;
-    prepared.backdrop = GlassBackdrop::create(*window, deviation, int(std::min(std::ceil(reach), farthest)));
 
     const Placement dropped = moved(card.placement, 0, shadowOffset);
     const double margin = 2 * raster::ShadowPaint::reach * shadowRadius;
@@ -155,14 +161,9 @@ GlassEffectModifier::Prepared GlassEffectModifier::prepare(const Card& card, QSi
                  {}};
     prepared.layers.push_back(std::move(shadow));
 
-    Layer pane{shape, {}, card.placement, nullptr, {}, {}, seen};
-    if (prepared.backdrop) {
-        pane.paint = std::make_shared<GlassPaint>(prepared.backdrop, window, shape, card.placement, look);
-        pane.blend = Layer::Blend::replace;
-    } else {
-        pane.paint = std::make_shared<raster::SolidPaint>(look.veil);
-    }
-    prepared.layers.push_back(std::move(pane));
+    prepared.pane.emplace(prepared.layers.size(), window, shape, look, deviation,
+                          int(std::min(std::ceil(reach), farthest)));
+    prepared.layers.push_back({shape, {}, card.placement, nullptr, {}, {}, seen});
 
     const RoundedRect inner{shape.width - hairlineWidth, shape.height - hairlineWidth,
                             std::max(0.0, shape.radius - hairlineWidth / 2)};

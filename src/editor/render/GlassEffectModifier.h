@@ -1,7 +1,7 @@
 #pragma once
 
 #include "editor/render/raster/Compositor.h"
-#include "editor/render/raster/GlassBackdrop.h"
+#include "editor/render/raster/GlassPaint.h"
 
 #include <QSize>
 #include <QSizeF>
@@ -38,10 +38,18 @@ struct GlassEffectModifier {
         raster::Placement placement;
         std::optional<raster::RoundedRect> hidden;
     };
-    /// Layers that are ready but for what glass among them shows of the layers under them.
+    /// Layers that are ready but for the glass among them, which shows the layers under them.
     struct Prepared {
+        struct Pane {
+            std::size_t layer; ///< Whose paint it is to be.
+            std::shared_ptr<const raster::GlassWindow> window;
+            raster::RoundedRect shape;
+            raster::GlassPaint::Look look;
+            double deviation; ///< Of the blur, in pixels.
+            int reach;        ///< How far below what hides it the glass sees, in pixels.
+        };
         std::vector<raster::Layer> layers;
-        std::shared_ptr<raster::GlassBackdrop> backdrop; ///< To be filled with those. Null for no glass.
+        std::optional<Pane> pane;
         /// Lays them over `under`.
         void appendTo(std::vector<raster::Layer>& under) &&;
     };

@@ -1,6 +1,7 @@
 #include "editor/render/raster/GlassPaint.h"
 
 #include "editor/render/raster/BlurTaps.h"
+#include "editor/render/raster/BlurredPaint.h"
 #include "editor/render/raster/ParallelFor.h"
 #include "editor/render/raster/SolidPaint.h"
 #include "unit/raster/EachTarget.h"
@@ -46,9 +47,7 @@ std::shared_ptr<const GlassWindow> window(const RoundedRect& shape, const Placem
 
 std::shared_ptr<const GlassBackdrop> blurred(const std::vector<Layer>& layers, const GlassWindow& seen,
                                              double deviation, int reach) {
-    const auto backdrop = GlassBackdrop::create(seen, deviation, reach);
-    backdrop->fill(layers);
-    return backdrop;
+    return GlassBackdrop::create(seen, deviation, reach, layers);
 }
 
 GlassPaint glassOver(const std::vector<Layer>& layers, double deviation, const GlassPaint::Look& look,
@@ -95,6 +94,46 @@ TEST(GlassBackdrop, IsTheGaussianOfWhatLiesBehind) {
         }
         EXPECT_LT(worst * 255, deviation < 1 ? 16 : 4) << deviation;
     }
+}
+
+/// Another paint's colours, of which nothing is known.
+class UnknownPaint : public Paint {
+public:
+    explicit UnknownPaint(std::shared_ptr<const Paint> paint) : m_paint(std::move(paint)) {}
+    void shade(int x, int y, int count, Float4* out) const override { m_paint->shade(x, y, count, out); }
+    bool isOpaque() const override { return m_paint->isOpaque(); }
+
+private:
+    std::shared_ptr<const Paint> m_paint;
+};
+
+TEST(GlassBackdrop, OfWhatIsSoftAlreadyIsTheSameInLargerCells) {
+    constexpr double softness = 24;
+    const BlurAxis columns(width, softness);
+    const BlurAxis rows(height, softness);
+    BlurGrid grid = BlurGrid::reduced(StepPaint(90), columns, rows);
+    grid.blur(columns, rows, softness);
+    const auto soft = std::make_shared<BlurredPaint>(std::make_shared<const BlurGrid>(std::move(grid)),
+                                                     columns, rows, 0, 0, width, height, true);
+    ASSERT_GE(soft->blurDeviation(), softness / 2);
+    const auto seen = window(card, inTheMiddle());
+    const auto fine = blurred(behind(std::make_shared<UnknownPaint>(soft)), *seen, 3, 0);
+    const auto coarse = blurred(behind(soft), *seen, 3, 0);
+    // A sharp layer at its rim, and a plain one.
+    std::vector<Layer> sharp = behind(soft);
+    sharp.push_back(
+        {{20, 20, 0}, {}, {Homography::translation(50, 75), {}}, std::make_shared<StepPaint>(50), {}, {}});
+    const auto withSharp = blurred(sharp, *seen, 3, 0);
+    sharp.front().paint = std::make_shared<UnknownPaint>(soft);
+    const auto fineWithSharp = blurred(sharp, *seen, 3, 0);
+    double furthest = 0;
+    for (int y = 30; y < 120; ++y)
+        for (int x = 40; x < 160; ++x) {
+            furthest = std::max(furthest, std::abs(double(fine->at(x, y)[0] - coarse->at(x, y)[0])));
+            ASSERT_NEAR(fineWithSharp->at(x, y)[0], withSharp->at(x, y)[0], 1.0 / 255) << x << ", " << y;
+        }
+    EXPECT_LT(furthest, 1.0 / 255);
+    EXPECT_GT(furthest, 0) << "they are no larger";
 }
 
 TEST(GlassBackdrop, KeepsAPlainSurface) {

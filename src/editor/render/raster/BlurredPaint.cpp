@@ -23,12 +23,15 @@ BlurredPaint::BlurredPaint(std::shared_ptr<const BlurGrid> blurred, Side columns
       m_isOpaque(isOpaque) {}
 
 std::shared_ptr<const Paint> BlurredPaint::coarser(int cell) const {
-    // The cells of the grid are at most half the blur's deviation.
-    const int step = m_columns.step * cell;
-    if (2 * step > std::min(m_columns.axis.cell(), m_rows.axis.cell()))
+    if (2 * cell > std::min(m_columns.cell(), m_rows.cell()))
         return nullptr;
     return std::shared_ptr<const Paint>(
         new BlurredPaint(m_grid, m_columns.coarser(cell), m_rows.coarser(cell), m_isOpaque));
+}
+
+double BlurredPaint::blurDeviation() const {
+    // The cells of the grid are at most half as long.
+    return 2 * std::min(m_columns.cell(), m_rows.cell());
 }
 
 void BlurredPaint::shade(int x, int y, int count, Float4* out) const {

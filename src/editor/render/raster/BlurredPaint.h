@@ -18,6 +18,7 @@ public:
     /// Dithered: a blurred picture has steps of less than one of 255.
     void mix(const TileRect& tile, MixPixel* out) const override;
     std::shared_ptr<const Paint> coarser(int cell) const override;
+    double blurDeviation() const override;
     bool isOpaque() const override { return m_isOpaque; }
 
 private:
@@ -29,6 +30,7 @@ private:
         int step;
         BlurTaps taps;
 
+        double cell() const { return axis.cell() / step; }
         Side(const BlurAxis& axis, double start, int length, int step);
         /// The same in steps so many times as long.
         Side coarser(int cell) const { return {axis, start, length, step * cell}; }

@@ -14,14 +14,43 @@
 namespace framora::raster {
 namespace {
 
-// A cell is so small that reading between cells adds little to the blur; the rest of it is made up for.
-constexpr double leastCells = 1.5; // of a deviation
-
-int cellSize(double deviation) {
+/// The largest cell of which at least so many make up a deviation.
+int cellSize(double deviation, double leastCells) {
     int cell = 1;
     while (cell < TileTaker::grain && deviation >= 2 * cell * leastCells)
         cell *= 2;
     return cell;
+}
+
+/// The blur that all has already that is seen within `margin` pixels of the window; 0 if any of it is sharp.
+double blurBehind(const GlassWindow& window, int margin, const std::vector<Layer>& layers) {
+    GlassWindow::Columns columns{window.width(), 0};
+    GlassWindow::Columns rows{window.height(), 0};
+    for (int y = 0; y < window.height(); ++y) {
+        const GlassWindow::Span& span = window.row(y);
+        if (span.first >= span.end)
+            continue;
+        columns = {std::min(columns.first, span.first), std::max(columns.end, span.end)};
+        rows = {std::min(rows.first, y), y + 1};
+    }
+    columns = {std::max(columns.first - margin, 0), std::min(columns.end + margin, window.width())};
+    rows = {std::max(rows.first - margin, 0), std::min(rows.end + margin, window.height())};
+    for (std::size_t i = layers.size(); i-- > 0;) {
+        Coverage shape(layers[i].shape.outline(layers[i].placement));
+        shape.index(window.height());
+        bool isTouching = false;
+        bool isWhole = !layers[i].hole;
+        for (int y = rows.first; y < rows.end; y = shape.extentEnd(y)) {
+            const Coverage::Run run = shape.extent(y, window.width());
+            isTouching = isTouching || (run.first < columns.end && run.end > columns.first);
+            isWhole = isWhole && run.fullFirst <= columns.first && run.fullEnd >= columns.end;
+        }
+        if (isTouching)
+            return isWhole && hidesWhatLiesUnder(layers[i]) && !layers[i].noise
+                       ? layers[i].paint->blurDeviation()
+                       : 0;
+    }
+    return 0;
 }
 
 /// The deviation in cells that is left when a mean over a cell and a straight line between cells have done
@@ -44,8 +73,14 @@ GlassBackdrop::Cells GlassBackdrop::allocated(std::size_t count) {
     return Cells(static_cast<MixPixel*>(std::calloc(std::max<std::size_t>(count, 1), sizeof(MixPixel))));
 }
 
-std::shared_ptr<GlassBackdrop> GlassBackdrop::create(const GlassWindow& window, double deviation, int reach) {
-    const int cell = cellSize(deviation);
+std::shared_ptr<const GlassBackdrop> GlassBackdrop::create(const GlassWindow& window, double deviation,
+                                                           int reach, const std::vector<Layer>& layers) {
+    // Cells are so small that reading between them adds little to the blur; the rest of it is made up for.
+    // What is soft already has no use for small ones.
+    constexpr double leastCells = 1.5;
+    constexpr double leastSoftCells = 4;
+    const double behind = blurBehind(window, gaussianRadius(deviation) + 2 * TileTaker::grain, layers);
+    const int cell = std::max(cellSize(deviation, leastCells), cellSize(behind, leastSoftCells));
     const std::shared_ptr<GlassBackdrop> made(new GlassBackdrop(window.width(), window.height(), cell));
     made->m_remaining = remainingDeviation(deviation, cell);
     const int around = (gaussianRadius(made->m_remaining) + 2) * cell;
@@ -53,7 +88,10 @@ std::shared_ptr<GlassBackdrop> GlassBackdrop::create(const GlassWindow& window, 
     made->m_seen = made->findBlocks(window, cell, cell + reach, 1);
     made->m_cells = allocated(made->m_known.cells);
     made->m_blurred = allocated(made->m_seen.cells);
-    return made->m_cells && made->m_blurred ? made : nullptr;
+    if (!made->m_cells || !made->m_blurred)
+        return nullptr;
+    made->fill(layers);
+    return made;
 }
 
 void GlassBackdrop::fill(const std::vector<Layer>& layers) {

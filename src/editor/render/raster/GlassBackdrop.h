@@ -34,12 +34,10 @@ class GlassBackdrop : private TileTaker {
     static const Run& runAt(const Runs& runs, int column) { return runs[column < runs[0].end ? 0 : 1]; }
 
 public:
-    /// For a Gaussian blur of `deviation` pixels, where it may be seen through `window` when the glass reads
-    /// up to `reach` pixels below what hides it. Nothing lies behind before fill(). Null when memory is
-    /// short.
-    static std::shared_ptr<GlassBackdrop> create(const GlassWindow& window, double deviation, int reach);
-    /// Once: makes it the blurred `layers`.
-    void fill(const std::vector<Layer>& layers);
+    /// The layers under a Gaussian blur of `deviation` pixels, where they may be seen through `window` when
+    /// the glass reads up to `reach` pixels below what hides it. Null when memory is short.
+    static std::shared_ptr<const GlassBackdrop> create(const GlassWindow& window, double deviation, int reach,
+                                                       const std::vector<Layer>& layers);
 
     /// A place along one side of the output, in cells from the middle of the first one.
     struct Place {
@@ -96,6 +94,7 @@ private:
         return __builtin_convertvector(upper >> 16, Float4);
     }
     static Cells allocated(std::size_t count);
+    void fill(const std::vector<Layer>& layers);
     /// The runs of each row of blocks, and how many cells they have.
     struct Blocks {
         std::vector<Runs> rows;

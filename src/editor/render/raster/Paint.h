@@ -37,6 +37,8 @@ public:
     /// The same for an output of pixels `cell` times as large, which start at the same corner. Nothing unless
     /// the colours at their centres are as good as the means of all the pixels that each stands for.
     virtual std::shared_ptr<const Paint> coarser(int cell) const;
+    /// The deviation of a Gaussian that the colours are blurred by at least, in pixels; 0 when none is known.
+    virtual double blurDeviation() const { return 0; }
     /// Whether every colour has an alpha of exactly 1.
     virtual bool isOpaque() const = 0;
     /// Whether mix() does best on blocks that are about as high as wide.
