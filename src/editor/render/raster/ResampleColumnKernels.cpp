@@ -51,7 +51,7 @@ HWY_INLINE Vector weighedColumns(const MixPixel* from, const std::int64_t* start
 constexpr int sortable = 22; // out of three vectors
 
 /// The same of outputs further apart: `vectors`, 2 or 3, hold the sources of `together` taps, a divisor of
-/// FixedTaps::together.
+/// FixedTaps::together. By hand, since Debian 12's Highway has no lookup in two vectors.
 template <int vectors, int together>
 HWY_INLINE Vector weighedNearColumns(const MixPixel* from, const std::int64_t* starts,
                                      const MixPixel* weights, std::size_t tapStride, int taps) {
