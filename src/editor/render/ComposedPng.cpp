@@ -30,7 +30,8 @@ raster::PixelView drawnRows(const raster::Compositor& picture, int first, int en
 /// Whether the picture has a pixel that is not opaque among its first rows.
 bool isSeenThrough(const raster::Compositor& picture) {
     PixelBuffer room;
-    const raster::PixelView rows = drawnRows(picture, 0, std::min(picture.height(), raster::TileTaker::grain), room);
+    const raster::PixelView rows =
+        drawnRows(picture, 0, std::min(picture.height(), raster::TileTaker::grain), room);
     return !rows.isEmpty() && !raster::areRowsOpaque(rows);
 }
 
