@@ -107,8 +107,8 @@ TEST(Coverage, HasTheSameExtentInAllRowsUpToItsEnd) {
     for (const Coverage& shape : shapes)
         for (int y = 0; y < height; ++y) {
             const Coverage::Run here = shape.extent(y, width);
-            ASSERT_GT(shape.extentEnd(y), y);
-            for (int row = y + 1; row < std::min(shape.extentEnd(y), height); ++row) {
+            ASSERT_GT(shape.extentEnd(y, height), y);
+            for (int row = y + 1; row < std::min(shape.extentEnd(y, height), height); ++row) {
                 const Coverage::Run there = shape.extent(row, width);
                 ASSERT_EQ(here.first, there.first) << y << ", " << row;
                 ASSERT_EQ(here.end, there.end) << y << ", " << row;
@@ -116,9 +116,10 @@ TEST(Coverage, HasTheSameExtentInAllRowsUpToItsEnd) {
                 ASSERT_EQ(here.fullEnd, there.fullEnd) << y << ", " << row;
             }
         }
-    EXPECT_EQ(shapes[0].extentEnd(20), 39) << "down to the row that its lower side cuts";
-    EXPECT_EQ(shapes[4].extentEnd(5), 20) << "where it becomes wider";
-    EXPECT_EQ(shapes[2].extentEnd(20), 21) << "turned";
+    EXPECT_EQ(shapes[0].extentEnd(20, height), 39) << "down to the row that its lower side cuts";
+    EXPECT_EQ(shapes[4].extentEnd(5, height), 20) << "where it becomes wider";
+    EXPECT_EQ(shapes[2].extentEnd(20, height), 21) << "turned";
+    EXPECT_EQ(shapes[0].extentEnd(20, 30), 30);
 }
 
 TEST(Coverage, DoesNotMindTheDirection) {

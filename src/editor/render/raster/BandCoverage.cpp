@@ -33,7 +33,7 @@ void BandCoverage::begin(const TileRect& band, const std::vector<LayerShape>& sh
             runs.end = runs.fullFirst = 0;
             for (int y = 0; y < band.height;) {
                 const Coverage::Run run = coverage.extent(band.y + y, band.width);
-                const int end = std::min(coverage.extentEnd(band.y + y) - band.y, band.height);
+                const int end = coverage.extentEnd(band.y + y, band.y + band.height) - band.y;
                 std::fill(runs.rows.begin() + y, runs.rows.begin() + end, run);
                 y = end;
                 if (!run.isEmpty()) {

@@ -160,24 +160,24 @@ Coverage::Run Coverage::extent(int y, int width) const {
     return run;
 }
 
-int Coverage::extentEnd(int y) const {
+int Coverage::extentEnd(int y, int end) const {
     if (y < 0 || std::size_t(y) + 2 >= m_rowStarts.size())
         return y + 1;
     const auto count = [this](int row) {
         return m_rowStarts[std::size_t(row) + 1] - m_rowStarts[std::size_t(row)];
     };
     // As long as the same upright edges go through.
-    double bottom = double(m_rowStarts.size()) - 2;
+    double bottom = std::min(end, int(m_rowStarts.size()) - 2);
     for (int i = m_rowStarts[std::size_t(y)]; i < m_rowStarts[std::size_t(y) + 1]; ++i) {
         const Edge& edge = m_edges[std::size_t(m_rowEdges[std::size_t(i)])];
         if (edge.top.x != edge.bottom.x || edge.top.y > y)
             return y + 1;
         bottom = std::min(bottom, edge.bottom.y);
     }
-    int end = y + 1;
-    while (end + 1 <= bottom && count(end) == count(y))
-        ++end;
-    return end;
+    int next = y + 1;
+    while (next + 1 <= bottom && count(next) == count(y))
+        ++next;
+    return next;
 }
 
 Coverage::Run Coverage::row(int y, int from, int to, float* out, std::vector<double>& scratch) const {

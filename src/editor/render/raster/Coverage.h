@@ -28,8 +28,8 @@ public:
     /// a little longer, and what is covered whole a little shorter.
     Run extent(int y, int width) const;
 
-    /// Behind row y, the first row whose extent may be another one; after index().
-    int extentEnd(int y) const;
+    /// Behind row y, the first row up to `end` whose extent may be another one, or `end`; after index().
+    int extentEnd(int y, int end) const;
 
     /// Prepares the rows [0, height), so that each finds its edges at once.
     void index(int height);

@@ -40,7 +40,7 @@ double blurBehind(const GlassWindow& window, int margin, const std::vector<Layer
         shape.index(window.height());
         bool isTouching = false;
         bool isWhole = !layers[i].hole;
-        for (int y = rows.first; y < rows.end; y = shape.extentEnd(y)) {
+        for (int y = rows.first; y < rows.end; y = shape.extentEnd(y, rows.end)) {
             const Coverage::Run run = shape.extent(y, window.width());
             isTouching = isTouching || (run.first < columns.end && run.end > columns.first);
             isWhole = isWhole && run.fullFirst <= columns.first && run.fullEnd >= columns.end;
