@@ -5,6 +5,7 @@
 #include <QColorSpace>
 #include <QFile>
 #include <QPainter>
+#include <functional>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <utility>
@@ -132,6 +133,20 @@ protected:
     void click(const QString& name) { display().click(place(name).center()); }
     /// The name of the control that has the keys.
     QString focus() { return ask(QStringLiteral("focus"), QStringLiteral("focused")); }
+    /// Names a file in the file dialog, which is there when `dialog` gives it, and waits until that has gone.
+    void answerFileDialog(const std::function<std::optional<DesktopWindow>()>& dialog, const QString& path) {
+        ASSERT_TRUE(
+            VirtualDesktop::waitFor([&] { return dialog() && display().focusedWindow() == dialog()->id; }));
+        // The list of completions opens when a folder has been read. Return may go to it, and an older one
+        // than the text leads into another folder.
+        const auto answer = [&] {
+            display().key({"Control_L", "a"});
+            display().type(path);
+            display().key({"Return"});
+            return VirtualDesktop::waitFor([&] { return !dialog(); }, 2000);
+        };
+        ASSERT_TRUE(answer() || answer() || answer());
+    }
     /// Presses Tab, and waits until it was heard: keys and questions reach the editor on different ways.
     void tab() {
         const QString before = focus();

@@ -1,18 +1,25 @@
 #include "desktop/path/FramoraDriver.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 
 namespace framora {
 
 ChildProcess& FramoraDriver::launch() {
     m_framora = &m_desktop.start(program(QStringLiteral("framora")));
+    // Other starts are heard from here on; it is nearly ready.
+    const QDir runtime(m_desktop.runtimePath());
+    require(QStringLiteral("Framora starting"),
+            [&] { return !runtime.entryList({QStringLiteral("framora-*.socket")}, QDir::System).isEmpty(); });
     // The shortcuts work once the server reports raw keys to the program; a first capture shows that they do.
     QElapsedTimer sincePress;
+    int presses = 0;
     require(QStringLiteral("Framora answering its shortcut"), [&] {
         if (overlay())
             return true;
-        if (!sincePress.isValid() || sincePress.elapsed() > 500) {
+        if (!sincePress.isValid() || sincePress.elapsed() > 200) {
             pressAreaShortcut();
+            ++presses;
             sincePress.start();
         }
         return false;
@@ -20,7 +27,7 @@ ChildProcess& FramoraDriver::launch() {
     display().key({"Escape"});
     waitForNoOverlay();
     // A second press may still be under way.
-    if (VirtualDesktop::waitFor([&] { return overlay().has_value(); }, 200)) {
+    if (presses > 1 && VirtualDesktop::waitFor([&] { return overlay().has_value(); }, 200)) {
         display().key({"Escape"});
         waitForNoOverlay();
     }

@@ -235,9 +235,13 @@ void DesktopDisplay::sync() {
     own(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
 }
 
-void DesktopDisplay::fake(std::uint8_t type, std::uint8_t detail, const QPoint& position) {
+void DesktopDisplay::queue(std::uint8_t type, std::uint8_t detail, const QPoint& position) {
     xcb_test_fake_input(m_connection, type, detail, XCB_CURRENT_TIME, m_root, std::int16_t(position.x()),
                         std::int16_t(position.y()), 0);
+}
+
+void DesktopDisplay::fake(std::uint8_t type, std::uint8_t detail, const QPoint& position) {
+    queue(type, detail, position);
     sync();
 }
 
@@ -311,10 +315,19 @@ void DesktopDisplay::keyUp(const char* key) {
 }
 
 void DesktopDisplay::key(std::initializer_list<const char*> keys) {
+    std::vector<std::uint8_t> codes;
     for (const char* key : keys)
-        keyDown(key);
-    for (auto key = std::rbegin(keys); key != std::rend(keys); ++key)
-        keyUp(*key);
+        codes.push_back(placeOf(xkb_keysym_from_name(key, XKB_KEYSYM_NO_FLAGS)).code);
+    stroke(codes);
+}
+
+void DesktopDisplay::stroke(const std::vector<std::uint8_t>& codes) {
+    // At once: the server repeats a key that is let go late, and a busy machine lets anybody wait.
+    for (const std::uint8_t code : codes)
+        queue(XCB_KEY_PRESS, code);
+    for (auto code = codes.rbegin(); code != codes.rend(); ++code)
+        queue(XCB_KEY_RELEASE, *code);
+    sync();
 }
 
 void DesktopDisplay::type(const QString& text) {
@@ -323,11 +336,9 @@ void DesktopDisplay::type(const QString& text) {
         const KeyPlace place = placeOf(character == QLatin1Char('\n') ? std::uint32_t(XKB_KEY_Return)
                                                                       : std::uint32_t(character.unicode()));
         if (place.shifted)
-            keyDown("Shift_L");
-        fake(XCB_KEY_PRESS, place.code);
-        fake(XCB_KEY_RELEASE, place.code);
-        if (place.shifted)
-            keyUp("Shift_L");
+            stroke({placeOf(XKB_KEY_Shift_L).code, place.code});
+        else
+            stroke({place.code});
     }
 }
 

@@ -97,6 +97,10 @@ private:
     };
     void readKeyboard();
     KeyPlace placeOf(std::uint32_t keysym) const;
+    /// Presses keys in order and lets them go in reverse.
+    void stroke(const std::vector<std::uint8_t>& codes);
+    void queue(std::uint8_t type, std::uint8_t detail, const QPoint& position = {});
+    /// queue(), and the server has handled it.
     void fake(std::uint8_t type, std::uint8_t detail, const QPoint& position = {});
     void sync();
     QString text(std::uint32_t window, const char* property);
