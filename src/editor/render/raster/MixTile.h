@@ -25,7 +25,7 @@ struct TileRect {
     int y = 0;
     int width = 0;
     int height = 0;
-    std::size_t area() const { return std::size_t(width) * std::size_t(height); }
+    constexpr std::size_t area() const { return std::size_t(width) * std::size_t(height); }
 };
 
 /// Rows of a block of them.
