@@ -63,6 +63,13 @@ protected:
         driver.waitForOverlay();
         desktop.display().key({"Escape"});
         driver.waitForNoOverlay();
+        // Commands are obeyed again once the tool has ended.
+        EXPECT_TRUE(VirtualDesktop::waitFor([this] {
+            const auto running = desktop.processes();
+            return std::none_of(running.begin(), running.end(), [](qint64 pid) {
+                return ChildProcess::nameOf(pid).startsWith(QStringLiteral("framora-screen"));
+            });
+        }));
     }
 
     VirtualDesktop desktop;
