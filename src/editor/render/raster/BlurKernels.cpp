@@ -1,6 +1,5 @@
 #include "editor/render/raster/BlurKernels.h"
 
-#include "editor/render/raster/AlphaBytes.h"
 #include "editor/render/raster/Dither.h"
 
 #include <cstring>
@@ -9,6 +8,9 @@
 #define HWY_TARGET_INCLUDE "editor/render/raster/BlurKernels.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+
+// Behind the targets: it is compiled for each of them.
+#include "editor/render/raster/MixVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
@@ -32,17 +34,7 @@ void ditherAll(MixPixel* pixels, int x, int y, std::size_t count) {
 
 #else
 
-namespace hn = hwy::HWY_NAMESPACE;
-
-// A MixPixel is four lanes; a vector holds a whole number of them.
-using Lanes = hn::CappedTag<std::int16_t, 32>;
-using Vector = hn::Vec<Lanes>;
 using Wide = hn::Repartition<std::int32_t, Lanes>;
-constexpr Lanes lanes;
-
-HWY_INLINE Vector load(const MixPixel* from) {
-    return hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(from));
-}
 
 HWY_INLINE Vector load(const std::uint32_t* from) {
     const hn::Rebind<std::uint8_t, Lanes> bytes;
@@ -125,7 +117,7 @@ void sumPictureRows(const std::uint32_t* const* rows, const std::int16_t* weight
 void sumAllRuns(const MixPixel* sources, const BlurTaps& taps, int index, int count, MixPixel* out) {
     const hn::FixedTag<std::int16_t, 8> two; // pixels
     const hn::FixedTag<std::int32_t, 4> one;
-    const hn::FixedTag<std::int16_t, 4> packed;
+    const hn::FixedTag<std::int16_t, 4> narrow;
     const auto half = hn::Set(one, 1 << (taps.shift() - 1));
     // Two sources, channel by channel.
     const auto sorted = [&](const MixPixel* from) HWY_ATTR {
@@ -133,7 +125,7 @@ void sumAllRuns(const MixPixel* sources, const BlurTaps& taps, int index, int co
         return hn::InterleaveLower(two, pixels, hn::ShiftRightBytes<8>(two, pixels));
     };
     const auto store = [&](hn::Vec<decltype(one)> sum, MixPixel& pixel) HWY_ATTR {
-        hn::StoreU(hn::DemoteTo(packed, hn::ShiftRightSame(sum, taps.shift())), packed, pixel.channel);
+        hn::StoreU(hn::DemoteTo(narrow, hn::ShiftRightSame(sum, taps.shift())), narrow, pixel.channel);
     };
     for (int i = 0; i < count;) {
         const BlurTaps::Taps run = taps.taps(index + i);
@@ -160,11 +152,8 @@ void sumAllRuns(const MixPixel* sources, const BlurTaps& taps, int index, int co
 }
 
 HWY_INLINE Vector dithered(Vector pixels, Vector pattern) {
-    const hn::Repartition<std::uint8_t, Lanes> bytes;
     const Vector weak = hn::Sub(pattern, hn::ShiftRight<2>(pattern));
-    const Vector alpha = hn::BitCast(
-        lanes, hn::TableLookupBytes(hn::BitCast(bytes, pixels), hn::LoadDup128(bytes, alphaBytes)));
-    const Vector limit = hn::Min(hn::Max(alpha, hn::Zero(lanes)), hn::Set(lanes, mixOne));
+    const Vector limit = hn::Min(hn::Max(alphas(pixels), hn::Zero(lanes)), hn::Set(lanes, mixOne));
     return hn::Min(hn::Max(hn::SaturatedAdd(pixels, weak), hn::Zero(lanes)), limit);
 }
 
@@ -173,8 +162,7 @@ void ditherAll(MixPixel* pixels, int x, int y, std::size_t count) {
     static_assert(HWY_MAX_BYTES / sizeof(MixPixel) <= Dither::period);
     std::size_t i = 0;
     for (; i + step <= count; i += step)
-        hn::StoreU(dithered(load(pixels + i), load(Dither::row(x + int(i), y))), lanes,
-                   reinterpret_cast<std::int16_t*>(pixels + i));
+        store(dithered(load(pixels + i), load(Dither::row(x + int(i), y))), pixels + i);
     plain::ditherPixels(pixels + i, x + int(i), y, count - i);
 }
 

@@ -1,11 +1,12 @@
 #include "editor/render/raster/EffectKernels.h"
 
-#include "editor/render/raster/AlphaBytes.h"
-
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "editor/render/raster/EffectKernels.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+
+// Behind the targets: it is compiled for each of them.
+#include "editor/render/raster/MixVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
@@ -20,12 +21,6 @@ void grainAll(MixPixel* pixels, std::size_t count, int x, int y, float intensity
 }
 
 #else
-
-namespace hn = hwy::HWY_NAMESPACE;
-
-using Lanes = hn::CappedTag<std::int16_t, 32>;
-using Vector = hn::Vec<Lanes>;
-constexpr Lanes lanes;
 
 /// The channels of each pixel in another order, given as the bytes of two pixels.
 HWY_INLINE Vector shuffled(Vector pixels, const std::uint8_t* order) {
@@ -51,9 +46,8 @@ void adjustAll(MixPixel* pixels, std::size_t count, float saturation, float brig
     const std::size_t step = hn::Lanes(lanes) / 4;
     std::size_t i = 0;
     for (; i + step <= count; i += step) {
-        auto* data = reinterpret_cast<std::int16_t*>(pixels + i);
-        const Vector pixel = hn::LoadU(lanes, data);
-        const Vector alpha = shuffled(pixel, alphaBytes);
+        const Vector pixel = load(pixels + i);
+        const Vector alpha = alphas(pixel);
         const Vector parts = hn::MulFixedPoint15(pixel, weights);
         const Vector pairs = hn::Add(parts, shuffled(parts, byOne));
         const Vector grey = hn::Add(pairs, shuffled(pairs, byTwo));
@@ -63,7 +57,7 @@ void adjustAll(MixPixel* pixels, std::size_t count, float saturation, float brig
             hn::Add(hn::ShiftRight<2>(grey), hn::ShiftRight<2>(hn::MulFixedPoint15(alpha, lighten)));
         const Vector sum = hn::Min(hn::Max(hn::SaturatedAdd(quarter, base), hn::Zero(lanes)), most);
         const Vector valid = hn::Min(hn::ShiftLeft<2>(sum), alpha);
-        hn::StoreU(hn::Or(hn::AndNot(alphaLane, valid), hn::And(alphaLane, pixel)), lanes, data);
+        store(hn::Or(hn::AndNot(alphaLane, valid), hn::And(alphaLane, pixel)), pixels + i);
     }
     plain::adjustPixels(pixels + i, count - i, saturation, brightness);
 }
@@ -77,9 +71,8 @@ void grainAll(MixPixel* pixels, std::size_t count, int x, int y, float intensity
     const std::size_t step = hn::Lanes(lanes) / 4;
     std::size_t i = 0;
     for (; i + step <= count; i += step) {
-        auto* data = reinterpret_cast<std::int16_t*>(pixels + i);
-        const Vector pixel = hn::LoadU(lanes, data);
-        const Vector alpha = shuffled(pixel, alphaBytes);
+        const Vector pixel = load(pixels + i);
+        const Vector alpha = alphas(pixel);
         auto bits = hn::Xor(
             hn::Mul(hn::Iota(words, std::uint32_t(x) + std::uint32_t(i)), hn::Set(words, 0x9e3779b1u)),
             mixedRow);
@@ -93,7 +86,7 @@ void grainAll(MixPixel* pixels, std::size_t count, int x, int y, float intensity
         const Vector centred = hn::Xor(hn::BitCast(lanes, wide), hn::Set(lanes, std::int16_t(-32768)));
         const Vector grain = hn::MulFixedPoint15(hn::MulFixedPoint15(centred, half), alpha);
         const Vector sum = hn::Min(hn::Max(hn::SaturatedAdd(pixel, grain), hn::Zero(lanes)), alpha);
-        hn::StoreU(hn::Or(hn::AndNot(alphaLane, sum), hn::And(alphaLane, pixel)), lanes, data);
+        store(hn::Or(hn::AndNot(alphaLane, sum), hn::And(alphaLane, pixel)), pixels + i);
     }
     plain::grainPixels(pixels + i, count - i, x + int(i), y, intensity);
 }

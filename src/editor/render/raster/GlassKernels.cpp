@@ -5,6 +5,9 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+// Behind the targets: it is compiled for each of them.
+#include "editor/render/raster/MixVectors-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR
@@ -23,21 +26,6 @@ void interpolateEach(const MixPixel* from, const MixPixel* to, const MixPixel* p
 }
 
 #else
-
-namespace hn = hwy::HWY_NAMESPACE;
-
-// A MixPixel is four lanes; a vector holds a whole number of them.
-using Lanes = hn::CappedTag<std::int16_t, 32>;
-using Vector = hn::Vec<Lanes>;
-constexpr Lanes lanes;
-
-HWY_INLINE Vector load(const MixPixel* from) {
-    return hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(from));
-}
-
-HWY_INLINE void store(Vector pixels, MixPixel* to) {
-    hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(to));
-}
 
 /// Two rows of pixels to half as many means.
 void halveRows(const MixPixel* upper, const MixPixel* lower, std::size_t count, MixPixel* out) {

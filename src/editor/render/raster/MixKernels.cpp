@@ -1,6 +1,5 @@
 #include "editor/render/raster/MixKernels.h"
 
-#include "editor/render/raster/AlphaBytes.h"
 #include "editor/render/raster/Dither.h"
 
 #include <algorithm>
@@ -12,6 +11,9 @@
 #define HWY_TARGET_INCLUDE "editor/render/raster/MixKernels.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+
+// Behind the targets: it is compiled for each of them.
+#include "editor/render/raster/MixVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
@@ -49,20 +51,6 @@ void streamAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {
 }
 
 #else
-
-namespace hn = hwy::HWY_NAMESPACE;
-
-// A MixPixel is four lanes; a vector holds a whole number of them.
-using Lanes = hn::CappedTag<std::int16_t, 32>;
-using Vector = hn::Vec<Lanes>;
-constexpr Lanes lanes;
-constexpr std::size_t pixelLanes = 4;
-
-HWY_INLINE Vector alphas(Vector pixels) {
-    const hn::Repartition<std::uint8_t, Lanes> bytes;
-    return hn::BitCast(lanes,
-                       hn::TableLookupBytes(hn::BitCast(bytes, pixels), hn::LoadDup128(bytes, alphaBytes)));
-}
 
 HWY_INLINE Vector factor(Vector mix) {
     return hn::Add(mix, hn::ShiftRight<8>(mix));
@@ -169,11 +157,6 @@ void ditherAllAlphas(const MixPixel* blacks, const MixPixel* offsets, std::size_
         const Vector valid = hn::Min(hn::Max(moved, zero), hn::Set(lanes, mixOne));
         store(hn::IfThenElseZero(hn::Gt(alpha, zero), valid), out + i, n);
     });
-}
-
-HWY_INLINE auto packed(Vector pixels) {
-    const hn::Rebind<std::uint8_t, Lanes> bytes;
-    return hn::DemoteTo(bytes, hn::ShiftRight<7>(hn::SaturatedAdd(pixels, hn::Set(lanes, mixStep / 2))));
 }
 
 void packAll(const MixPixel* pixels, std::size_t count, std::uint32_t* out) {

@@ -1,6 +1,5 @@
 #include "editor/render/raster/SceneKernels.h"
 
-#include "editor/render/raster/AlphaBytes.h"
 #include "editor/render/raster/Dither.h"
 #include "editor/render/raster/MixKernels.h"
 
@@ -11,6 +10,9 @@
 #define HWY_TARGET_INCLUDE "editor/render/raster/SceneKernels.cpp"
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
+
+// Behind the targets: it is compiled for each of them.
+#include "editor/render/raster/MixVectors-inl.h"
 
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
@@ -30,27 +32,6 @@ void drawSceneRows(const SceneRow* rows, std::int16_t opacity, const MixRows& un
 }
 
 #else
-
-namespace hn = hwy::HWY_NAMESPACE;
-
-// A MixPixel is four lanes; a vector holds a whole number of them.
-using Lanes = hn::CappedTag<std::int16_t, 32>;
-using Vector = hn::Vec<Lanes>;
-constexpr Lanes lanes;
-
-HWY_INLINE Vector load(const MixPixel* from) {
-    return hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(from));
-}
-
-HWY_INLINE void store(Vector pixels, MixPixel* to) {
-    hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(to));
-}
-
-HWY_INLINE Vector alphas(Vector pixels) {
-    const hn::Repartition<std::uint8_t, Lanes> bytes;
-    return hn::BitCast(lanes,
-                       hn::TableLookupBytes(hn::BitCast(bytes, pixels), hn::LoadDup128(bytes, alphaBytes)));
-}
 
 /// One number a pixel, for each of its channels.
 HWY_INLINE Vector loadEach(const std::int16_t* from) {
@@ -127,13 +108,6 @@ struct MixedRows {
     HWY_INLINE void put(std::size_t i, Vector pixels) const { store(pixels, row + i); }
     HWY_INLINE void next() { row += stride; }
 };
-
-HWY_INLINE auto packed(Vector pixels) {
-    const hn::Rebind<std::uint8_t, Lanes> bytes;
-    // Adds half a step and divides by a step.
-    static_assert(mixStep == 128);
-    return hn::DemoteTo(bytes, hn::MulFixedPoint15(pixels, hn::Set(lanes, 32768 / mixStep)));
-}
 
 /// The same, packed. What is streamed is whole lines of the cache.
 template <Storing storing> struct PackedRows {
