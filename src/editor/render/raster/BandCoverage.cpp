@@ -111,7 +111,8 @@ void BandCoverage::coverRow(const Coverage& shape, int y, const TileRect& block,
         shape.row(y, run.fullEnd, run.end, out + (run.fullEnd - block.x), m_sums);
 }
 
-void BandCoverage::cover(std::size_t layer, float opacity, const TileRect& block, MixPixel* out) {
+void BandCoverage::cover(std::size_t layer, float opacity, const TileRect& block, Extent wanted,
+                         MixPixel* out) {
     const LayerShape& shape = (*m_shapes)[layer];
     m_covered.resize(std::size_t(block.width));
     m_hole.resize(std::size_t(block.width));
@@ -119,15 +120,20 @@ void BandCoverage::cover(std::size_t layer, float opacity, const TileRect& block
     for (int y = block.y; y < block.y + block.height; ++y, out += block.width) {
         const auto [run, hole] = runs(layer, block, y);
         float* covered = m_covered.data();
+        const bool isEdgeless = run.first == run.fullFirst && run.fullEnd == run.end && hole.isEmpty();
+        if (wanted == Extent::edges && isEdgeless)
+            continue;
         coverRow(shape.shape, y, block, run, covered);
-        std::fill_n(out, block.width, MixPixel{});
+        if (wanted == Extent::all)
+            std::fill_n(out, block.width, MixPixel{});
         const auto fill = [&](int from, int to) {
             for (int x = from; x < to; ++x)
                 out[x - block.x] = replicated(covered[x - block.x] * opacity);
         };
         if (hole.isEmpty()) {
             fill(run.first, run.fullFirst);
-            std::fill(out + (run.fullFirst - block.x), out + (run.fullEnd - block.x), whole);
+            if (wanted == Extent::all)
+                std::fill(out + (run.fullFirst - block.x), out + (run.fullEnd - block.x), whole);
             fill(run.fullEnd, run.end);
             continue;
         }

@@ -42,8 +42,10 @@ public:
     Columns wholeColumns(std::size_t layer) const;
     /// In row y of a block.
     Runs runs(std::size_t layer, const TileRect& block, int y) const;
-    /// The coverage of a block's pixels, times the layer's opacity.
-    void cover(std::size_t layer, float opacity, const TileRect& block, MixPixel* out);
+    /// The coverage of a block's pixels, times the layer's opacity: of all of them, or of those alone that
+    /// runs() gives as neither whole nor untouched; then nothing is written for the others.
+    enum class Extent { all, edges };
+    void cover(std::size_t layer, float opacity, const TileRect& block, Extent wanted, MixPixel* out);
 
 private:
     /// The runs of a shape in the band's rows, and what they have in common.

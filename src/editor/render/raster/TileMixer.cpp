@@ -197,7 +197,9 @@ void TileMixer::blendLayer(std::size_t index) {
         return;
     mixLayer(layer, block, m_shaded.data());
     if (isPartly)
-        m_coverage.cover(index, layer.opacity, block, m_covered.data());
+        m_coverage.cover(index, layer.opacity, block,
+                         layer.sharesEdge ? BandCoverage::Extent::all : BandCoverage::Extent::edges,
+                         m_covered.data());
     else if (layer.blend == Layer::Blend::replace && layer.opacity < 1)
         std::fill_n(m_covered.data(), block.area(), replicated(layer.opacity));
     if (isPartly && layer.sharesEdge)
