@@ -62,11 +62,12 @@ TEST(CoarserPaint, OfOneColourIsThatColour) {
 TEST(CoarserPaint, OfAGradientIsItsMean) {
     for (const auto kind : {GradientPaint::Kind::linear, GradientPaint::Kind::radial}) {
         const GradientPaint paint = gradient(kind);
-        for (const int cell : {2, 4, 8}) {
+        for (const int cell : {2, 4, 8, 16}) {
             const auto coarser = paint.coarser(cell);
             ASSERT_TRUE(coarser);
             EXPECT_TRUE(coarser->isOpaque());
-            EXPECT_LT(furthest(paint, *coarser, cell), cell) << "it bends at a stop";
+            const double bend = kind == GradientPaint::Kind::linear ? 0.5 : 0.85; // at a stop, in a middle
+            EXPECT_LT(furthest(paint, *coarser, cell), bend * cell);
         }
     }
 }
@@ -104,7 +105,7 @@ TEST(CoarserPaint, IsMixedAsItIsShaded) {
         for (int x = 0; x < tile.width; ++x)
             for (int c = 0; c < 4; ++c)
                 ASSERT_NEAR(mixed[std::size_t(y * tile.width + x)].channel[c],
-                            mixOne * row[std::size_t(x)][c], mixStep);
+                            mixOne * row[std::size_t(x)][c], 2);
     }
 }
 

@@ -79,7 +79,8 @@ void BlurredPaint::mix(const TileRect& tile, MixPixel* out) const {
         for (std::size_t tap = 0; tap < rows.size(); ++tap)
             rows[tap] = widened.data() + std::size_t(taps.first + int(tap) - first) * width;
         sumRows(rows.data(), taps.weights, taps.count, m_rows.taps.shift(), width, out);
-        ditherPixels(out, tile.x, y, width);
+        if (m_rows.step == 1)
+            ditherPixels(out, tile.x, y, width);
     }
 }
 

@@ -15,7 +15,8 @@ public:
                  double left, double top, int outputWidth, int outputHeight, bool isOpaque);
 
     void shade(int x, int y, int count, Float4* out) const override;
-    /// Dithered: a blurred picture has steps of less than one of 255.
+    /// Dithered: a blurred picture has steps of less than one of 255. Not so a coarser one, which is to be
+    /// mixed and not to be shown.
     void mix(const TileRect& tile, MixPixel* out) const override;
     std::shared_ptr<const Paint> coarser(int cell) const override;
     double blurDeviation() const override;
@@ -26,8 +27,8 @@ private:
     struct Side {
         BlurAxis axis;
         double start; ///< Of the canvas, in pixels.
-        int length;
-        int step;
+        int length;   ///< Of the output, in pixels.
+        int step;     ///< Pixels.
         BlurTaps taps;
 
         double cell() const { return axis.cell() / step; }

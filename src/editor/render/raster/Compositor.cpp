@@ -14,7 +14,8 @@ constexpr TileRect longTile{0, 0, 128, 16};
 constexpr TileRect squareTile{0, 0, 64, 32};
 static_assert(longTile.width <= TileMixer::mostColumns && longTile.area() <= TileMixer::mostPixels);
 static_assert(squareTile.width <= TileMixer::mostColumns && squareTile.area() <= TileMixer::mostPixels);
-static_assert(longTile.height % TileTaker::grain == 0 && squareTile.width % TileTaker::grain == 0);
+static_assert(longTile.width % TileTaker::grain == 0 && longTile.height % TileTaker::grain == 0);
+static_assert(squareTile.width % TileTaker::grain == 0 && squareTile.height % TileTaker::grain == 0);
 // A larger picture is out of the caches before anybody reads it.
 constexpr std::size_t cachedBytes = std::size_t(16) << 20;
 

@@ -47,7 +47,7 @@ private:
 /// different bands from different threads.
 class TileTaker {
 public:
-    /// Where bands begin, and how long tiles are, is a multiple of this.
+    /// Where bands begin is a multiple of this, and how long tiles are, but for the last one of a piece.
     static constexpr int grain = 16;
     /// The columns [first, end).
     struct Columns {

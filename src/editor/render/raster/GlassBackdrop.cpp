@@ -7,7 +7,6 @@
 #include "editor/render/raster/ParallelFor.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
 #include <type_traits>
 

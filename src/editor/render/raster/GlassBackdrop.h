@@ -35,7 +35,7 @@ class GlassBackdrop : private TileTaker {
 
 public:
     /// The layers under a Gaussian blur of `deviation` pixels, where they may be seen through `window` when
-    /// the glass reads up to `reach` pixels below what hides it. Null when memory is short.
+    /// the glass reads up to `reach` pixels below what hides it. Null when memory is short for its cells.
     static std::shared_ptr<const GlassBackdrop> create(const GlassWindow& window, double deviation, int reach,
                                                        const std::vector<Layer>& layers);
 

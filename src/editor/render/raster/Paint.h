@@ -35,7 +35,8 @@ public:
     /// Called from many threads.
     virtual bool draw(const TileRect& tile, MutablePixelView out, Storing storing) const;
     /// The same for an output of pixels `cell` times as large, which start at the same corner. Nothing unless
-    /// the colours at their centres are as good as the means of all the pixels that each stands for.
+    /// the colours at their centres are as good as the means of all the pixels that each stands for, if they
+    /// are blurred by some of them afterwards.
     virtual std::shared_ptr<const Paint> coarser(int cell) const;
     /// The deviation of a Gaussian that the colours are blurred by at least, in pixels; 0 when none is known.
     virtual double blurDeviation() const { return 0; }

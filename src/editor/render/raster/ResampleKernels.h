@@ -13,7 +13,7 @@ namespace framora::raster {
 /// cubic swings beyond: 0...filterOne at the end.
 inline constexpr int sourceShift = 7;
 inline constexpr int filterOne = 255 << (sourceShift - 2);
-/// Readable pixels that the second half wants behind the last one it uses.
+/// Readable pixels that the second half wants behind the last one it uses, beside FixedTaps::paddedTaps().
 inline constexpr std::size_t filterSlack = 16;
 
 /// The channels of a picture's pixels as the kernels read them, 0...255 << sourceShift.

@@ -150,7 +150,7 @@ HWY_INLINE void overlayStrip(const SceneRow* rows, int height, std::int16_t opac
     const Vector negated = hn::Neg(white);
     const SceneRow* const bottom = rows + height;
     while (rows < bottom) {
-        const SceneRow* const end = std::min(rows + rows->alike[x], bottom);
+        const SceneRow* const end = rows + std::min<std::ptrdiff_t>(rows->alike[x], bottom - rows);
         if (end == rows) {
             const SceneRow row = *rows; // by value: nothing that is written could be a part of it
             const auto lifted = [&](std::size_t i) HWY_ATTR {

@@ -198,7 +198,9 @@ void TileMixer::blendLayer(std::size_t index) {
     mixLayer(layer, block, m_shaded.data());
     if (isPartly)
         m_coverage.cover(index, layer.opacity, block,
-                         layer.sharesEdge ? BandCoverage::Extent::all : BandCoverage::Extent::edges,
+                         layer.sharesEdge || (layer.blend == Layer::Blend::replace && layer.opacity < 1)
+                             ? BandCoverage::Extent::all
+                             : BandCoverage::Extent::edges,
                          m_covered.data());
     else if (layer.blend == Layer::Blend::replace && layer.opacity < 1)
         std::fill_n(m_covered.data(), block.area(), replicated(layer.opacity));
@@ -220,7 +222,7 @@ void TileMixer::blendLayer(std::size_t index) {
 /// Mixes what is seen of the layers before `end`.
 void TileMixer::mixLayers(std::size_t end) {
     std::size_t i = m_first;
-    if (coversTile(i) && (*m_layers)[i].opacity == 1) {
+    if (coversTile(i) && (*m_layers)[i].opacity == 1 && (*m_layers)[i].blend != Layer::Blend::overlay) {
         mixLayer((*m_layers)[i], m_tile, m_mixed.data());
         ++i;
     } else {
@@ -245,14 +247,17 @@ std::size_t TileMixer::overlayOnTop() const {
     return top > m_first && coversTile(top) && isPlainOverlay((*m_layers)[top]) ? top : m_layers->size();
 }
 
-/// Whether nothing shows through what the layers before `end` make of the tile.
+/// Whether what the layers before `end` make of the tile is exactly opaque: mixing opaque pixels may round
+/// the last bit of their alpha away.
 bool TileMixer::isSurelyOpaque(std::size_t end) const {
-    bool isOpaque = coversTile(m_first) && hidesWhatLiesUnder((*m_layers)[m_first]);
-    for (std::size_t i = m_first; i < end; ++i) {
+    const auto isCopied = [this](std::size_t i) {
         const Layer& layer = (*m_layers)[i];
-        const bool takesAway = layer.blend == Layer::Blend::replace && !layer.paint->isOpaque();
-        isOpaque = isOpaque && (m_shares[i].kind == Share::none || !takesAway);
-    }
+        return m_shares[i].kind == Share::whole && hidesWhatLiesUnder(layer) && layer.paint->isOpaque();
+    };
+    bool isOpaque = coversTile(m_first) && isCopied(m_first);
+    for (std::size_t i = m_first + 1; i < end; ++i)
+        isOpaque = isOpaque && (m_shares[i].kind == Share::none || isCopied(i) ||
+                                (*m_layers)[i].blend == Layer::Blend::overlay);
     return isOpaque;
 }
 
