@@ -33,7 +33,7 @@ int leaveTheParent(int report) {
     closefrom(kReport + 1);
     obeyEndSignals();
     signal(SIGPIPE, SIG_IGN);
-    signal(SIGHUP, SIG_IGN);
+    signal(SIGHUP, SIG_IGN); // The terminal may go.
     return kReport;
 }
 

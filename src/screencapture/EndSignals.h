@@ -7,7 +7,7 @@ namespace framora {
 /// From now on they are not obeyed: the user has chosen, and the picture is a moment away from the clipboard.
 /// Whoever cannot wait that long kills.
 void ignoreEndSignals();
-/// They end the process again, as it was at its start.
+/// They end the process again.
 void obeyEndSignals();
 
 } // namespace framora

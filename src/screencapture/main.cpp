@@ -10,6 +10,7 @@
 #include "screencapture/wayland/WaylandConnection.h"
 #include "screencapture/wayland/WaylandRoutes.h"
 
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -120,6 +121,8 @@ int checkRoute() {
 } // namespace framora
 
 int main(int argc, char** argv) {
+    // The picture reaches the clipboard also where nobody hears any more what the tool has to say.
+    std::signal(SIGPIPE, SIG_IGN);
     const auto count = static_cast<std::size_t>(argc > 0 ? argc - 1 : 0);
     const auto arguments = framora::Arguments::parse({argv + (count ? 1 : 0), count});
     if (!arguments) {

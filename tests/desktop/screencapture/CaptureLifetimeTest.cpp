@@ -2,6 +2,8 @@
 
 #include <QRandomGenerator>
 #include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
 #include <xcb/xcb.h>
 
 namespace framora {
@@ -108,16 +110,22 @@ TEST_F(CaptureLifetimeTest, aToolThatIsToldToEndKeepsWhatTheUserHasChosen) {
     CaptureDesktop capture(ofSize(kLarge));
     const QImage noise = showNoise(capture);
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-        const QByteArray before = capture.fillClipboard();
-        ChildProcess* tool = capture.open(kArea);
-        ASSERT_TRUE(tool);
-        capture.display().drag({0, 0}, {3839, 2159});
-        // The overlay goes first, then the picture is encoded.
-        ASSERT_TRUE(VirtualDesktop::waitFor([&] { return !capture.overlayIsUp(); }));
-        ASSERT_TRUE(tool->isRunning());
-        ::kill(static_cast<pid_t>(tool->pid()), signal);
-        EXPECT_EQ(CaptureDesktop::exitCodeOf(*tool), 0) << signal;
-        EXPECT_NE(capture.desktop().clipboard(), before);
+        // On a busy machine a tool may be done before it is told.
+        bool isTold = false;
+        for (int attempt = 0; attempt < 5 && !isTold; ++attempt) {
+            const QByteArray before = capture.fillClipboard();
+            ChildProcess* tool = capture.open(kArea);
+            ASSERT_TRUE(tool);
+            capture.display().drag({0, 0}, {3839, 2159});
+            // The overlay goes first, then the picture is encoded.
+            ASSERT_TRUE(VirtualDesktop::waitFor([&] { return !capture.overlayIsUp(); }));
+            isTold = tool->isRunning();
+            if (isTold)
+                ::kill(static_cast<pid_t>(tool->pid()), signal);
+            EXPECT_EQ(CaptureDesktop::exitCodeOf(*tool), 0) << signal;
+            EXPECT_NE(capture.desktop().clipboard(), before);
+        }
+        EXPECT_TRUE(isTold) << signal;
     }
     EXPECT_TRUE(samePixels(capture.desktop().clipboardImage(), noise));
     // The process that is left behind is a user's like any other again.
@@ -128,6 +136,19 @@ TEST_F(CaptureLifetimeTest, aToolThatIsToldToEndKeepsWhatTheUserHasChosen) {
         if (serves(pid))
             ::kill(static_cast<pid_t>(pid), SIGTERM);
     EXPECT_TRUE(VirtualDesktop::waitFor([&] { return capture.toolProcesses() == 0; }));
+}
+
+TEST_F(CaptureLifetimeTest, aProgramThatEndsBeforeTheOverlayIsUpTakesNothingAlong) {
+    CaptureDesktop capture;
+    const QImage wallpaper = capture.paperTheWall();
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+    close(ends[0]);
+    fcntl(ends[1], F_SETFD, 0);
+    capture.desktop().setEnvironmentVariable(QStringLiteral("FRAMORA_READY_FD"), QString::number(ends[1]));
+    dragOne(capture);
+    close(ends[1]);
+    EXPECT_TRUE(samePixels(capture.desktop().clipboardImage(), wallpaper.copy(100, 100, 200, 150)));
 }
 
 TEST_F(CaptureLifetimeTest, aRefusedGrabEndsCleanly) {
