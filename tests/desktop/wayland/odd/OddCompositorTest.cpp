@@ -72,15 +72,21 @@ TEST(OddCompositorTest, toldToEndOnceTheUserHasChosenTheToolKeepsThePicture) {
     CompositorScript script;
     script.outputs[0].mode = {3840, 2160};
     OddCapture odd(script);
-    ChildProcess* const tool = odd.open();
-    ASSERT_TRUE(tool);
-    odd.drag({0, 0}, {3840, 2160});
-    // The overlay goes first, then the picture is encoded.
-    ASSERT_TRUE(DesktopSession::waitFor([&] { return !odd.overlayOn(QStringLiteral("ONE")); }));
-    ASSERT_TRUE(tool->isRunning());
-    ::kill(static_cast<pid_t>(tool->pid()), SIGTERM);
-    EXPECT_TRUE(odd.endsWith(0));
-    EXPECT_TRUE(samePixels(odd.clipboard(), odd.compositor.picture()));
+    // On a busy machine a tool may be done before it is told.
+    bool isTold = false;
+    for (int attempt = 0; attempt < 5 && !isTold; ++attempt) {
+        ChildProcess* const tool = odd.open();
+        ASSERT_TRUE(tool);
+        odd.drag({0, 0}, {3840, 2160});
+        // The overlay goes first, then the picture is encoded.
+        ASSERT_TRUE(DesktopSession::waitFor([&] { return !odd.overlayOn(QStringLiteral("ONE")); }));
+        isTold = tool->isRunning();
+        if (isTold)
+            ::kill(static_cast<pid_t>(tool->pid()), SIGTERM);
+        EXPECT_TRUE(odd.endsWith(0));
+        EXPECT_TRUE(samePixels(odd.clipboard(), odd.compositor.picture()));
+    }
+    EXPECT_TRUE(isTold);
 }
 
 TEST(OddCompositorTest, aSocketThatNobodyListensAtIsNoSession) {
