@@ -116,14 +116,17 @@ Item {
                 number.close(false);
                 number.done();
             }
-            Keys.onUpPressed: event => step(event.modifiers & Qt.ShiftModifier ? 10 : 1)
-            Keys.onDownPressed: event => step(event.modifiers & Qt.ShiftModifier ? -10 : -1)
+            Keys.onUpPressed: event => step(event, 1)
+            Keys.onDownPressed: event => step(event, -1)
 
             /// From what was typed, where something was.
-            function step(steps: int): void {
+            function step(event: var, steps: int): void {
+                event.accepted = !(event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier));
+                if (!event.accepted)
+                    return;
                 if (text !== number.untouched)
                     number.typed(text);
-                number.stepped(steps);
+                number.stepped(event.modifiers & Qt.ShiftModifier ? 10 * steps : steps);
                 number.untouched = text = number.text;
                 selectAll();
             }

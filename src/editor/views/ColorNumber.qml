@@ -51,13 +51,16 @@ Item {
             restore();
             selectAll();
         }
-        Keys.onUpPressed: event => step(event.modifiers & Qt.ShiftModifier ? 10 : 1)
-        Keys.onDownPressed: event => step(event.modifiers & Qt.ShiftModifier ? -10 : -1)
+        Keys.onUpPressed: event => step(event, 1)
+        Keys.onDownPressed: event => step(event, -1)
 
         /// From what was typed, where something was.
-        function step(steps: int): void {
+        function step(event: var, steps: int): void {
+            event.accepted = !(event.modifiers & (Qt.ControlModifier | Qt.AltModifier | Qt.MetaModifier));
+            if (!event.accepted)
+                return;
             take();
-            number.stepped(steps);
+            number.stepped(event.modifiers & Qt.ShiftModifier ? 10 * steps : steps);
         }
         // Typing has broken the binding.
         function restore(): void {
