@@ -3,7 +3,7 @@ import QtQuick
 import Framora.Controls
 
 /// Shows a help text below its parent, or above: to a pointer that has moved there, or while the keys are there. A parent
-/// that slides below a pointer at rest, or has just been pressed, keeps quiet.
+/// that slides or opens below a pointer at rest, or has just been pressed, keeps quiet.
 Loader {
     id: area
 
@@ -34,7 +34,7 @@ Loader {
             rested = position;
             moved = false;
         }
-        onHoveredChanged: if (hovered) restAt(Pointer.position)
+        onHoveredChanged: if (hovered) restAt(Pointer.inside ? Pointer.position : point.scenePosition)
         // A hand that presses slips a little.
         onPointChanged: {
             if (Math.abs(point.scenePosition.x - rested.x) + Math.abs(point.scenePosition.y - rested.y) > 4)

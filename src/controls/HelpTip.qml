@@ -2,7 +2,7 @@ import QtQuick
 import QtQuick.Templates as T
 import Framora.Controls
 
-/// A small help text under the control that it is declared in.
+/// A small help text; `HelpArea` says where.
 T.ToolTip {
     id: tip
 

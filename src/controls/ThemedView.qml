@@ -13,5 +13,8 @@ Item {
     Binding { target: Theme; property: "accent"; value: root.accent }
     Binding { target: Theme; property: "reducedMotion"; value: root.reducedMotion }
 
-    HoverHandler { onPointChanged: Pointer.position = point.scenePosition }
+    HoverHandler {
+        onPointChanged: Pointer.position = point.scenePosition
+        onHoveredChanged: Pointer.inside = hovered
+    }
 }

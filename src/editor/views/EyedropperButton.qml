@@ -19,11 +19,9 @@ Item {
         symbol: "eyedropper"
         tint: control.bridge.isPickingFromScreen ? Theme.accentInk : Theme.text
         text: Strings.localized("eyedropper")
-        help: control.bridge.isPickingFromScreen ? "" : text
+        help: !enabled ? control.hint : control.bridge.isPickingFromScreen ? "" : text
         enabled: control.bridge.canPickFromScreen
         Accessible.description: enabled ? "" : control.hint
         onClicked: control.bridge.pickFromScreen()
     }
-    // A disabled button knows nothing of the pointer.
-    HelpArea { help: control.bridge.canPickFromScreen ? "" : control.hint }
 }

@@ -46,7 +46,7 @@ Item {
         objectName: "share"
         symbol: "square.and.arrow.up"
         text: "Share"
-        help: menu.visible ? "" : text
+        help: !control.available ? control.hint : menu.visible ? "" : text
         enabled: control.available
         Accessible.description: control.available ? "" : control.hint
         onClicked: {
@@ -55,8 +55,6 @@ Item {
             menu.currentIndex = menu.byKeys ? 0 : -1;
         }
     }
-    // A disabled button knows nothing of the pointer.
-    HelpArea { help: control.available ? "" : control.hint }
     T.Menu {
         id: menu
 

@@ -87,11 +87,10 @@ TEST_F(EditorSharing, EscapeClosesItsMenuAndNotTheEditor) {
 TEST_F(EditorSharing, EscapeClosesTheEditorAlsoWhileAHelpTextShows) {
     startPortal();
     open();
-    display().moveTo(place(QStringLiteral("zoom.in")).center() - QPoint(3, 0));
+    display().moveTo(place(QStringLiteral("zoom.in")).center() - QPoint(6, 0));
     display().moveTo(place(QStringLiteral("zoom.in")).center());
-    // Longer than a help text takes to come.
-    for (int i = 0; i < 4; ++i)
-        letPass();
+    ASSERT_TRUE(VirtualDesktop::waitFor(
+        [&] { return ask(QStringLiteral("where help"), QStringLiteral("at ")) != u"nowhere"; }));
     display().key({"Escape"});
     display().key({"Escape"});
     EXPECT_TRUE(waitForNoWindow());
@@ -100,7 +99,7 @@ TEST_F(EditorSharing, EscapeClosesTheEditorAlsoWhileAHelpTextShows) {
 TEST_F(EditorSharing, WhereThePortalCannotTheItemSaysWhyAndDoesNothing) {
     startPortal({false, false});
     open();
-    display().moveTo(place(QStringLiteral("share")).center() - QPoint(2, 2));
+    display().moveTo(place(QStringLiteral("share")).center() - QPoint(6, 6));
     display().moveTo(place(QStringLiteral("share")).center());
     EXPECT_TRUE(VirtualDesktop::waitFor(
         [&] { return ask(QStringLiteral("where help"), QStringLiteral("at ")) != u"nowhere"; }));

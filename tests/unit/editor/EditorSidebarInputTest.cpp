@@ -1,10 +1,12 @@
 #include "unit/editor/EditorWindowFixture.h"
 
 #include "editor/model/ScreenshotEditorViewModel.h"
+#include "platform/Localized.h"
 #include "unit/controls/ShownItems.h"
 
 #include <QQmlComponent>
 #include <QTest>
+#include <memory>
 
 namespace framora {
 namespace {
@@ -37,7 +39,18 @@ public:
         EXPECT_NE(found, nullptr) << name;
         return found->mapToScene({found->width() / 2, found->height() / 2}).toPoint();
     }
+    QPoint middleOfCanvas() { return centreOf("canvas"); }
     void click(const char* name) { QTest::mouseClick(&window(), Qt::LeftButton, {}, centreOf(name)); }
+    /// Another window has the keys for a while.
+    void leaveAndComeBack() {
+        QWindow other;
+        other.show();
+        other.requestActivate();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&other));
+        window().requestActivate();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
+    }
+    bool helps() { return item("help") && item("help")->isVisible(); }
     /// As a desktop tells of a key that stays down: pairs of a release and a press.
     void holdKey(Qt::Key key, const QString& text, int repeats = 4) {
         pressAndHold(key, text, repeats);
@@ -115,6 +128,9 @@ TEST_F(EditorSidebarInput, TheUpAndDownKeysStepANumberThatIsBeingTyped) {
     EXPECT_EQ(radius(), 21);
     key(Qt::Key_Down, Qt::ShiftModifier);
     EXPECT_EQ(radius(), 11);
+    for (const auto modifier : {Qt::ControlModifier, Qt::AltModifier, Qt::MetaModifier})
+        key(Qt::Key_Up, modifier);
+    EXPECT_EQ(radius(), 11);
     key(Qt::Key_5);
     key(Qt::Key_Up);
     EXPECT_EQ(radius(), 6) << "from what was typed";
@@ -134,36 +150,40 @@ TEST_F(EditorSidebarInput, AHeldEscapeEndsOneThing) {
     EXPECT_FALSE(session().colorPanel()->isOpen());
 }
 
-TEST_F(EditorSidebarInput, ARepeatTakenForAPressEndsNothingMore) {
+TEST_F(EditorSidebarInput, ARepeatTakenForAPressDoesNothingMore) {
     openAppearance();
     QQmlComponent settling(window().engine());
     settling.setData("import QtQuick\nimport Framora.Controls\n"
-                     "QtObject { Component.onCompleted: Theme.keySettling = 150 }",
+                     "QtObject { Component.onCompleted: Theme.keySettling = 60000 }",
                      {});
     const std::unique_ptr<QObject> set(settling.create()); // As where releases come amid the repeats.
     ASSERT_NE(set, nullptr) << settling.errorString().toStdString();
     model().set(QStringLiteral("mockupStyle"), QStringLiteral("border"));
     session().colorPanel()->open(QStringLiteral("borderColor"));
-    QTest::keyPress(&window(), Qt::Key_Escape);
-    for (int i = 0; i < 4; ++i) {
-        QTest::keyRelease(&window(), Qt::Key_Escape);
-        QTest::keyPress(&window(), Qt::Key_Escape);
-    }
-    QTest::keyRelease(&window(), Qt::Key_Escape);
+    for (int i = 0; i < 4; ++i)
+        key(Qt::Key_Escape);
     EXPECT_FALSE(session().colorPanel()->isOpen());
-    QTest::qWait(300);
     EXPECT_TRUE(frontToast().isEmpty()) << "the key did one thing";
-    ASSERT_NE(editor.editorWindow(), nullptr);
+    leaveAndComeBack();
+    for (int i = 0; i < 3; ++i) {
+        key(Qt::Key_S, Qt::ControlModifier);
+        queue.runPending();
+    }
+    EXPECT_EQ(panels.saveCount, 1);
+    leaveAndComeBack();
+    key(Qt::Key_S, Qt::ControlModifier);
+    queue.runPending();
+    EXPECT_EQ(panels.saveCount, 2) << "it was let go since";
     key(Qt::Key_Escape);
-    EXPECT_FALSE(frontToast().isEmpty()) << "it was let go since";
+    EXPECT_FALSE(frontToast().isEmpty()) << "another key";
 }
 
 TEST_F(EditorSidebarInput, OnlyAPointerThatMovesAsksForHelp) {
     openAppearance();
-    const auto helps = [this] { return item("help") && item("help")->isVisible(); };
+    const auto helps = [this] { return this->helps(); };
     // The button slides away, and another one comes below the pointer.
     const QPoint place = centreOf("sidebar.toggle");
-    QTest::mouseMove(&window(), place - QPoint(0, 200));
+    QTest::mouseMove(&window(), place + QPoint(0, 200));
     QTest::mouseMove(&window(), place);
     EXPECT_TRUE(QTest::qWaitFor(helps)) << "it came by itself";
     QTest::mouseClick(&window(), Qt::LeftButton, {}, place);
@@ -176,6 +196,46 @@ TEST_F(EditorSidebarInput, OnlyAPointerThatMovesAsksForHelp) {
     EXPECT_FALSE(QTest::qWaitFor(helps, 900));
     QTest::mouseMove(&window(), place + QPoint(3, 3));
     EXPECT_TRUE(QTest::qWaitFor(helps));
+}
+
+TEST_F(EditorSidebarInput, AButtonBelowAPointerAtRestGivesNoHelpAsTheWindowOpens) {
+    openAppearance();
+    const QPoint place = centreOf("zoom.in");
+    QTest::mouseMove(&window(), place);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return item("zoom.in")->property("hovered").toBool(); }));
+    EXPECT_FALSE(QTest::qWaitFor([this] { return helps(); }, 900));
+    QTest::mouseMove(&window(), place + QPoint(3, 3));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return helps(); }));
+}
+
+TEST_F(EditorSidebarInput, WhatMayBeUnavailableFeelsThePointerAndHelpsWhereItIsAvailable) {
+    openAppearance();
+    model().set(QStringLiteral("mockupStyle"), QStringLiteral("border"));
+    session().colorPanel()->open(QStringLiteral("borderColor"));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return item("colorPanel.eyedropper.button"); }));
+    queue.runPending();
+    for (const char* name : {"share", "colorPanel.eyedropper.button"}) {
+        SCOPED_TRACE(name);
+        QTest::mouseMove(&window(), middleOfCanvas());
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !helps(); }));
+        ASSERT_TRUE(item(name)->isEnabled());
+        QTest::mouseMove(&window(), centreOf(name));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return item(name)->property("hovered").toBool(); }));
+        EXPECT_TRUE(QTest::qWaitFor([this] { return helps(); }));
+    }
+}
+
+TEST_F(EditorSidebarInput, WhatIsUnavailableSaysWhyToThePointer) {
+    colorPicker.available = false;
+    openAppearance();
+    model().set(QStringLiteral("mockupStyle"), QStringLiteral("border"));
+    session().colorPanel()->open(QStringLiteral("borderColor"));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return item("colorPanel.eyedropper.button"); }));
+    ASSERT_FALSE(item("colorPanel.eyedropper.button")->isEnabled());
+    QTest::mouseMove(&window(), middleOfCanvas());
+    QTest::mouseMove(&window(), centreOf("colorPanel.eyedropper.button"));
+    ASSERT_TRUE(QTest::qWaitFor([this] { return helps(); }));
+    EXPECT_EQ(shownTexts(*item("help")).join(u' '), localized(QStringLiteral("eyedropper.unavailable")));
 }
 
 TEST_F(EditorSidebarInput, EscapeLosesNoEditsAtOnce) {
