@@ -4,7 +4,7 @@ import QtQuick.Templates as T
 import Framora.Controls
 
 /// One choice of many, from a list that opens below it. Each option is { value, label }. `text` is the accessible
-/// name. The arrow keys choose without opening it.
+/// name. The arrow keys choose without opening it, Return and Space open it and choose in it.
 T.ComboBox {
     id: control
 
@@ -24,9 +24,19 @@ T.ComboBox {
     currentIndex: options.findIndex(option => option.value === value)
     leftPadding: 12
     rightPadding: 32
-    // A held key comes as presses and releases, and each release would open or close the list.
-    Keys.onPressed: event => event.accepted = event.key === Qt.Key_Space && event.isAutoRepeat
-    Keys.onReleased: event => event.accepted = event.key === Qt.Key_Space && event.isAutoRepeat
+    Keys.forwardTo: ReleaseKeys {
+        id: keys
+        button: control
+        onStruck: {
+            if (!control.popup.visible) {
+                control.popup.open();
+                return;
+            }
+            control.activated(control.highlightedIndex);
+            control.popup.close();
+        }
+    }
+    down: keys.heldKey ? true : undefined
     Accessible.role: Accessible.ComboBox
     Accessible.name: text
     onActivated: index => {
@@ -53,7 +63,7 @@ T.ComboBox {
     }
     background: RoundedBox {
         radius: Theme.radius
-        color: Theme.stateFill(control.hovered, control.pressed || control.popup.visible)
+        color: Theme.stateFill(control.hovered, control.down)
         Behavior on color { ColorAnimation { duration: Theme.shortMotion } }
         FocusRing { shown: control.visualFocus }
     }

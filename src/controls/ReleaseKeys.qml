@@ -1,13 +1,12 @@
 // qmllint disable unqualified
 import QtQuick
-import QtQuick.Templates as T
 
 /// What the keys do to a button, for its `Keys.forwardTo`: Return, Enter and Space strike it once, when they are let go. One
 /// that opens or ends something would hand the repeats of a key still down to whatever comes next.
 Item {
     id: keys
 
-    required property T.AbstractButton button
+    required property Item button
     /// The key that was pressed here and is still down; 0 without one.
     property int heldKey: 0
     signal struck

@@ -15,7 +15,7 @@ QtObject {
     readonly property color outline: dark ? "#3d4046" : "#d2d4da"
     readonly property color text: dark ? "#f2f3f5" : "#1a1b1e"
     /// In ms. X tells of each repeat of a held key by a release and a press, and the toolkit takes some of these
-    /// releases for real ones: the press that follows in this time tells them apart.
+    /// releases for real ones: the press that follows in this time tells them apart. (Tests set another.)
     property int keySettling: Qt.platform.pluginName === "xcb" ? 20 : 0
     // Small texts: both stand out at 4.5 : 1 at least from what they stand on, the third not from what is
     // pointed at or pressed.

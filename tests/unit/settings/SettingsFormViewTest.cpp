@@ -4,10 +4,14 @@
 #include "support/SettingsPlatform.h"
 #include "unit/controls/ShownItems.h"
 
+#include <QQmlComponent>
+#include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickView>
+#include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace framora {
 namespace {
@@ -193,6 +197,50 @@ TEST_F(SettingsFormView, aKeyThatIsHeldOpensAListOnce) {
     EXPECT_FALSE(isOpen());
     QTest::keyRelease(&window.view(), Qt::Key_Space);
     EXPECT_TRUE(isOpen());
+    hold(Qt::Key_Space, QStringLiteral(" "));
+    EXPECT_TRUE(isOpen());
+}
+
+TEST_F(SettingsFormView, aRepeatTakenForAPressOpensAListOnce) {
+    QQmlComponent settling(window.view().engine());
+    settling.setData("import QtQuick\nimport Framora.Controls\n"
+                     "QtObject { Component.onCompleted: Theme.keySettling = 300 }",
+                     {});
+    const std::unique_ptr<QObject> set(settling.create()); // As where releases come amid the repeats.
+    ASSERT_NE(set, nullptr) << settling.errorString().toStdString();
+    QObject& list = *item("captureSound").property("popup").value<QObject*>();
+    const QSignalSpy turned(&list, SIGNAL(visibleChanged()));
+    item("captureSound").forceActiveFocus(Qt::TabFocusReason);
+    for (int i = 0; i < 4; ++i)
+        press(Qt::Key_Space);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return list.property("visible").toBool(); }));
+    EXPECT_EQ(turned.size(), 1);
+}
+
+TEST_F(SettingsFormView, theKeysOpenAListAndChooseInIt) {
+    QQuickItem& list = item("captureSound");
+    const auto isOpen = [&] {
+        return list.property("popup").value<QObject*>()->property("visible").toBool();
+    };
+    list.forceActiveFocus(Qt::TabFocusReason);
+    for (const auto& [key, sound] :
+         {std::pair(Qt::Key_Space, CaptureSound::funk), {Qt::Key_Return, CaptureSound::sosumi}}) {
+        press(key);
+        EXPECT_TRUE(isOpen());
+        const CaptureSound before = stored().captureSound;
+        press(Qt::Key_Down);
+        EXPECT_EQ(stored().captureSound, before);
+        press(key);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !isOpen(); }));
+        EXPECT_EQ(stored().captureSound, sound);
+    }
+    EXPECT_EQ(list.property("displayText").toString(), QStringLiteral("Sosumi"));
+    press(Qt::Key_Return);
+    press(Qt::Key_Down);
+    press(Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !isOpen(); }));
+    EXPECT_TRUE(window.view().isVisible());
+    EXPECT_EQ(stored().captureSound, CaptureSound::sosumi);
 }
 
 TEST_F(SettingsFormView, aHeldEscapeEndsTheRecordingAlone) {
