@@ -43,8 +43,10 @@ Flickable {
     Connections {
         target: pane.Window.window
         function onActiveFocusItemChanged(): void {
-            if (pane.Window.activeFocusItem)
-                pane.reveal(pane.Window.activeFocusItem);
+            const item = pane.Window.activeFocusItem;
+            // A text that only the pointer reaches is being selected, and must not move.
+            if (item && (item.activeFocusOnTab || !(item instanceof TextEdit)))
+                pane.reveal(item);
         }
     }
     // What ends with the window would look complete.

@@ -203,6 +203,30 @@ TEST_F(SettingsWindowTest, theTabKeyGoesThroughEveryControlAndKeepsItInView) {
         EXPECT_TRUE(reached.contains(QLatin1String(name))) << name;
 }
 
+TEST_F(SettingsWindowTest, aPressIntoALineOfTextLeavesItWhereItIs) {
+    platform.permissions.forget = QStringLiteral("busctl --user call");
+    open();
+    platform.queue.advance(1.1);
+    window->view().resize(window->view().width(), 420);
+    QTest::qWait(50);
+    const QQuickItem& row = *find("screenRecording.forget");
+    ASSERT_TRUE(row.isVisible());
+    QQuickItem* text = nullptr;
+    for (QQuickItem* child : row.childItems())
+        if (child->inherits("QQuickTextEdit"))
+            text = child;
+    ASSERT_TRUE(text);
+    QQuickItem& pane = *find("pane");
+    // Its upper edge lies at the pane's.
+    pane.setProperty("contentY", text->mapToItem(&pane, QPointF(0, -2)).y());
+    const double before = pane.property("contentY").toDouble();
+    ASSERT_GT(before, 0);
+    QTest::mousePress(&window->view(), Qt::LeftButton, {}, text->mapToScene({4, 4}).toPoint());
+    EXPECT_TRUE(text->hasActiveFocus());
+    EXPECT_EQ(pane.property("contentY").toDouble(), before);
+    QTest::mouseRelease(&window->view(), Qt::LeftButton, {}, text->mapToScene({4, 4}).toPoint());
+}
+
 TEST_F(SettingsWindowTest, escapeClosesItInATurnOfItsOwn) {
     open();
     press(Qt::Key_Escape);
