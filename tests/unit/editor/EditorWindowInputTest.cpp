@@ -6,6 +6,8 @@
 #include <QDropEvent>
 #include <QMimeData>
 #include <QTest>
+#include <memory>
+#include <tuple>
 
 namespace framora {
 namespace {
