@@ -5,6 +5,7 @@
 #include "editor/render/PictureFile.h"
 #include "editor/window/EditorModule.h"
 #include "editor/window/EditorServices.h"
+#include "editor/window/SharedPictures.h"
 #include "feedback/SoundManager.h"
 #include "platform/Application.h"
 #include "platform/Localized.h"
@@ -35,6 +36,7 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QProcess>
+#include <algorithm>
 
 namespace framora {
 
@@ -42,7 +44,7 @@ namespace {
 
 /// Tells a process that it was started in place of another.
 constexpr char startedAgainVariable[] = "FRAMORA_STARTED_AGAIN";
-constexpr int oldEnoughMilliseconds = 60000;
+constexpr qint64 shortestLifeMilliseconds = 60000;
 
 } // namespace
 
@@ -190,9 +192,10 @@ void framora_App::launch() {
     m_connectionEnded = m_desktop->notifications.observe(
         notifications::connectionEnded,
         [this, wasStartedAgain = qEnvironmentVariableIsSet(startedAgainVariable)] {
-            // One that is refused as soon as it runs would start for ever.
-            if (!wasStartedAgain || m_age.hasExpired(oldEnoughMilliseconds))
-                m_desktop->mainQueue.async([this] { quitToStartAgain(); });
+            // One that is refused as soon as it runs would start again and again.
+            const qint64 rest =
+                wasStartedAgain ? std::max<qint64>(0, shortestLifeMilliseconds - m_age.elapsed()) : 0;
+            m_desktop->mainQueue.asyncAfter(double(rest) / 1000.0, [this] { quitToStartAgain(); });
         });
     qunsetenv(startedAgainVariable);
     m_desktop->appearance.colorApplication();
@@ -245,12 +248,15 @@ void framora_App::quitToStartAgain() {
         return;
     }
     m_isToStartAgain = true;
+    // Nobody asked for it, and a mail program may not have read its picture yet.
+    qApp->setProperty(SharedPictures::outliveProgram, true);
     _appDelegate->quitApp();
 }
 
 void framora_App::startAgain() {
     qputenv(startedAgainVariable, "1");
-    QProcess::startDetached(QCoreApplication::applicationFilePath(), {});
+    if (!QProcess::startDetached(QCoreApplication::applicationFilePath(), {}))
+        qWarning("framora: it cannot be started again");
 }
 
 void framora_App::raiseWindows() {

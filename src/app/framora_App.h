@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/NotificationCenter.h"
 #include "platform/ProgramCommand.h"
 #include "platform/WindowSystem.h"
 

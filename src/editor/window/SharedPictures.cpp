@@ -2,6 +2,7 @@
 
 #include "platform/MainQueue.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -12,7 +13,12 @@ namespace framora {
 SharedPictures::SharedPictures(MainQueue& mainQueue, QString folder)
     : m_mainQueue(mainQueue), m_folder(std::move(folder)) {}
 
-SharedPictures::~SharedPictures() = default;
+SharedPictures::~SharedPictures() {
+    if (!qApp->property(outliveProgram).toBool())
+        return;
+    for (const Entry& entry : m_entries)
+        entry.folder->setAutoRemove(false);
+}
 
 std::optional<QString> SharedPictures::add(const QByteArray& png) {
     if (png.isEmpty())

@@ -14,11 +14,14 @@ class MainQueue;
 class WorkItem;
 
 /// The files of pictures that other programs were given. Each lies in a folder that only its user may enter
-/// and goes after an hour, when too many have followed it, or with the program.
+/// and goes after an hour, when too many have followed it, or with the program. Where the program only makes
+/// room for another process of it, they stay, and go with the user's runtime folder.
 class SharedPictures {
 public:
     static constexpr double keptSeconds = 3600.0;
     static constexpr std::size_t keptPictures = 8;
+    /// The application's property that is true when they stay.
+    static constexpr char outliveProgram[] = "sharedPicturesOutliveProgram";
 
     /// `folder` is where the folders are made; the user's runtime folder when empty.
     explicit SharedPictures(MainQueue& mainQueue, QString folder = {});
