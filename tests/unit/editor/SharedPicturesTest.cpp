@@ -1,6 +1,7 @@
 #include "editor/window/SharedPictures.h"
 #include "support/ManualMainQueue.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -20,6 +21,19 @@ public:
     ManualMainQueue queue;
     QTemporaryDir runtime;
 };
+
+TEST_F(Shared, StayWhereTheProgramMakesRoomForAnotherProcess) {
+    qApp->setProperty(SharedPictures::outliveProgram, true);
+    {
+        SharedPictures pictures(queue, runtime.path());
+        pictures.add("1");
+        const auto unwanted = pictures.add("2");
+        pictures.remove(unwanted.value_or(QString()));
+    }
+    qApp->setProperty(SharedPictures::outliveProgram, {});
+    EXPECT_EQ(folders(), 1);
+    EXPECT_EQ(queue.waitingCount(), 0U);
+}
 
 TEST_F(Shared, LieUnderTheirTitleInAFolderOfTheirUsersOwn) {
     SharedPictures pictures(queue, runtime.path());
