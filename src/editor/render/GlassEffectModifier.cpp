@@ -112,7 +112,7 @@ void GlassEffectModifier::Prepared::appendTo(std::vector<Layer>& under) && {
     if (pane) {
         Layer& layer = layers[pane->layer];
         if (auto backdrop = GlassBackdrop::create(*pane->window, pane->deviation, pane->reach, under)) {
-            layer.paint = std::make_shared<GlassPaint>(std::move(backdrop), pane->window, pane->shape,
+            layer.paint = std::make_shared<GlassPaint>(std::move(backdrop), pane->window, layer.shape,
                                                        layer.placement, pane->look);
             layer.blend = Layer::Blend::replace;
         } else {
@@ -161,8 +161,8 @@ GlassEffectModifier::Prepared GlassEffectModifier::prepare(const Card& card, QSi
                  {}};
     prepared.layers.push_back(std::move(shadow));
 
-    prepared.pane.emplace(prepared.layers.size(), window, shape, look, deviation,
-                          int(std::min(std::ceil(reach), farthest)));
+    prepared.pane = Prepared::Pane{prepared.layers.size(), window, look, deviation,
+                                   int(std::min(std::ceil(reach), farthest))};
     prepared.layers.push_back({shape, {}, card.placement, nullptr, {}, {}, seen});
 
     const RoundedRect inner{shape.width - hairlineWidth, shape.height - hairlineWidth,

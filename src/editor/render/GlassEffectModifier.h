@@ -43,7 +43,6 @@ struct GlassEffectModifier {
         struct Pane {
             std::size_t layer; ///< Whose paint it is to be.
             std::shared_ptr<const raster::GlassWindow> window;
-            raster::RoundedRect shape;
             raster::GlassPaint::Look look;
             double deviation; ///< Of the blur, in pixels.
             int reach;        ///< How far below what hides it the glass sees, in pixels.
