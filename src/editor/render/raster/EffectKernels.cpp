@@ -10,9 +10,9 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
-#if HWY_TARGET == HWY_SCALAR
+#if HWY_TARGET == HWY_SCALAR || HWY_HAVE_SCALABLE
 
-// No vectors: the plain kernel.
+// No vectors, or none of a known size: the plain kernel.
 void adjustAll(MixPixel* pixels, std::size_t count, float saturation, float brightness) {
     plain::adjustPixels(pixels, count, saturation, brightness);
 }

@@ -12,9 +12,9 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
-#if HWY_TARGET == HWY_SCALAR
+#if HWY_TARGET == HWY_SCALAR || HWY_HAVE_SCALABLE
 
-// No vectors: the plain kernels.
+// No vectors, or none of a known size: the plain kernels.
 void runRow(const ColorRun& run, int x, int y, std::size_t count, MixPixel* out) {
     plain::paintRun(run, x, y, count, out);
 }

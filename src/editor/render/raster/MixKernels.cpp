@@ -17,9 +17,9 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
-#if HWY_TARGET == HWY_SCALAR
+#if HWY_TARGET == HWY_SCALAR || HWY_HAVE_SCALABLE
 
-// No vectors: the plain kernels.
+// No vectors, or none of a known size: the plain kernels.
 void blendOverAll(MixPixel* under, const MixPixel* above, std::size_t count) {
     plain::blendOver(under, above, count);
 }

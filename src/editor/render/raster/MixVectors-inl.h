@@ -14,7 +14,7 @@
 
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
-#if HWY_TARGET != HWY_SCALAR
+#if HWY_TARGET != HWY_SCALAR && !HWY_HAVE_SCALABLE
 
 namespace hn = hwy::HWY_NAMESPACE;
 

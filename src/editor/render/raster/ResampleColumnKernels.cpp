@@ -41,8 +41,8 @@ HWY_INLINE Vector weighedColumns(const MixPixel* from, const std::int64_t* start
     Vector sum = hn::Zero(lanes);
     const int count = fixedTaps > 0 ? fixedTaps : taps;
     for (int tap = 0; tap < count; ++tap, weights += tapStride) {
-        const auto sources = hn::TableLookupLanes(hn::BitCast(words, loadPixels(from + tap)), order);
-        sum = hn::Add(sum, hn::MulFixedPoint15(hn::BitCast(lanes, sources), loadPixels(weights)));
+        const auto sources = hn::TableLookupLanes(hn::BitCast(words, load(from + tap)), order);
+        sum = hn::Add(sum, hn::MulFixedPoint15(hn::BitCast(lanes, sources), load(weights)));
     }
     return sum;
 }
@@ -59,16 +59,16 @@ HWY_INLINE Vector weighedNearColumns(const MixPixel* from, const std::int64_t* s
     const __m512i places = _mm512_sub_epi64(_mm512_loadu_si512(starts), _mm512_set1_epi64(starts[0]));
     Vector sum = hn::Zero(lanes);
     for (int tap = 0; tap < taps; tap += together, from += together) {
-        const __m512i first = loadPixels(from).raw;
-        const __m512i second = loadPixels(from + step).raw;
+        const __m512i first = load(from).raw;
+        const __m512i second = load(from + step).raw;
         for (int i = 0; i < together; ++i, weights += tapStride) {
             const __m512i order = _mm512_add_epi64(places, _mm512_set1_epi64(i));
             __m512i sources = _mm512_permutex2var_epi64(first, order, second);
             if constexpr (vectors == 3)
                 sources = _mm512_mask_permutexvar_epi64(
                     sources, _mm512_cmpgt_epi64_mask(order, _mm512_set1_epi64(2 * step - 1)), order,
-                    loadPixels(from + 2 * step).raw);
-            sum = hn::Add(sum, hn::MulFixedPoint15(Vector{sources}, loadPixels(weights)));
+                    load(from + 2 * step).raw);
+            sum = hn::Add(sum, hn::MulFixedPoint15(Vector{sources}, load(weights)));
         }
     }
     return sum;
@@ -146,14 +146,14 @@ HWY_INLINE void weighDoubledColumns(const Columns& columns, int begin, int count
         const MixPixel* source = columns.source.row(y) + columns.start(begin);
         auto* const to = writer.out.row(y) + begin;
         for (int i = 0; i < count; i += 2 * step, source += step) {
-            const Vector a = loadPixels(source);
-            Vector b = loadPixels(source + 1);
-            Vector c = loadPixels(source + 2);
-            Vector d = loadPixels(source + 3);
+            const Vector a = load(source);
+            Vector b = load(source + 1);
+            Vector c = load(source + 2);
+            Vector d = load(source + 3);
             keep(b);
             keep(c);
             keep(d);
-            const Vector e = shift == 0 ? d : loadPixels(source + 4);
+            const Vector e = shift == 0 ? d : load(source + 4);
             const auto sum = [](Vector v0, Vector v1, Vector v2, Vector v3)
                                  HWY_ATTR { return hn::Add(hn::Add(v0, v1), hn::Add(v2, v3)); };
             const auto part = [](Vector v, Vector by) HWY_ATTR { return hn::MulFixedPoint15(v, by); };
@@ -193,9 +193,9 @@ template <typename Writer> void weighFourColumns(const Columns& columns, const W
 /// The weighed sources of one output, added up to a vector.
 HWY_INLINE Vector weighedAcross(const MixPixel* from, const MixPixel* weights, int taps) {
     const int step = int(hn::Lanes(lanes) / 4);
-    Vector sum = hn::MulFixedPoint15(loadPixels(from), loadPixels(weights));
+    Vector sum = hn::MulFixedPoint15(load(from), load(weights));
     for (int tap = step; tap < taps; tap += step)
-        sum = hn::Add(sum, hn::MulFixedPoint15(loadPixels(from + tap), loadPixels(weights + tap)));
+        sum = hn::Add(sum, hn::MulFixedPoint15(load(from + tap), load(weights + tap)));
     return sum;
 }
 
@@ -263,8 +263,8 @@ void weighHalvedColumns(const Columns& columns, int begin, int count, const Writ
         for (int i = 0; i < count; i += step, source += 2 * step) {
             Vector sum = hn::Zero(lanes);
             for (int tap = 0; tap < taps; tap += 2) {
-                const auto low = hn::BitCast(words, loadPixels(source + tap));
-                const auto high = hn::BitCast(words, loadPixels(source + tap + step));
+                const auto low = hn::BitCast(words, load(source + tap));
+                const auto high = hn::BitCast(words, load(source + tap + step));
                 const Vector even = hn::BitCast(lanes, hn::ConcatEven(words, high, low));
                 sum = hn::Add(sum, hn::MulFixedPoint15(even, hn::Set(lanes, weights[tap])));
                 if (tap + 1 == taps)

@@ -8,6 +8,9 @@
 #include <hwy/foreach_target.h>
 #include <hwy/highway.h>
 
+// Behind the targets: it is compiled for each of them.
+#include "editor/render/raster/MixVectors-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
 #if HWY_TARGET == HWY_SCALAR || HWY_HAVE_SCALABLE
@@ -22,20 +25,6 @@ void weighAllRows(PixelView picture, int column, const FixedTaps& taps, int inde
 
 #else
 
-namespace hn = hwy::HWY_NAMESPACE;
-
-using Lanes = hn::CappedTag<std::int16_t, 32>;
-using Vector = hn::Vec<Lanes>;
-constexpr Lanes lanes;
-
-HWY_INLINE Vector loadPixels(const MixPixel* from) {
-    return hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(from));
-}
-
-HWY_INLINE void storePixels(Vector pixels, MixPixel* to) {
-    hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(to));
-}
-
 HWY_INLINE Vector widened(const std::uint32_t* pixels) {
     const hn::Rebind<std::uint8_t, Lanes> bytes;
     return hn::ShiftLeft<sourceShift>(
@@ -46,12 +35,12 @@ void widenAll(const std::uint32_t* pixels, std::size_t count, MixPixel* out) {
     const std::size_t step = hn::Lanes(lanes) / 4;
     std::size_t i = 0;
     for (; i + step <= count; i += step)
-        storePixels(widened(pixels + i), out + i);
+        store(widened(pixels + i), out + i);
     // The last vector again, from where it ends with the row.
     if (i == count)
         return;
     if (count >= step)
-        storePixels(widened(pixels + count - step), out + (count - step));
+        store(widened(pixels + count - step), out + (count - step));
     else
         plain::widenRow(pixels, count, out);
 }
@@ -75,7 +64,7 @@ HWY_INLINE void weighStrip(PixelView picture, int column, const FixedTaps& taps,
                     hn::Add(sums[i], hn::MulFixedPoint15(widened(from + std::size_t(i) * step), weight));
         }
         for (int i = 0; i < vectors; ++i)
-            storePixels(sums[i], out.row(y) + x + std::size_t(i) * step);
+            store(sums[i], out.row(y) + x + std::size_t(i) * step);
     }
 }
 
@@ -122,7 +111,7 @@ HWY_INLINE void weighStripOfFour(PixelView picture, int column, const FixedTaps&
                 hn::Add(hn::MulFixedPoint15(a.part[i], first), hn::MulFixedPoint15(b.part[i], second));
             const Vector lower =
                 hn::Add(hn::MulFixedPoint15(c.part[i], third), hn::MulFixedPoint15(d.part[i], fourth));
-            storePixels(hn::Add(upper, lower), to + std::size_t(i) * step);
+            store(hn::Add(upper, lower), to + std::size_t(i) * step);
         }
     }
 }
@@ -150,10 +139,10 @@ HWY_INLINE void weighWidened(WidenedRows& rows, int start, const std::int16_t* w
         const MixPixel* from = rows.row(start + tap) + x;
         const Vector weight = hn::Set(lanes, weights[tap]);
         for (int i = 0; i < vectors; ++i)
-            sums[i] = hn::Add(sums[i], hn::MulFixedPoint15(loadPixels(from + std::size_t(i) * step), weight));
+            sums[i] = hn::Add(sums[i], hn::MulFixedPoint15(load(from + std::size_t(i) * step), weight));
     }
     for (int i = 0; i < vectors; ++i)
-        storePixels(sums[i], to + x + std::size_t(i) * step);
+        store(sums[i], to + x + std::size_t(i) * step);
 }
 
 /// The same of more than four taps: each row is widened once for all the outputs that it is in.

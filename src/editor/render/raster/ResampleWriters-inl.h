@@ -1,6 +1,5 @@
 // What the column kernels of scaling write. Compiled once for every vector unit.
 
-#include "editor/render/raster/AlphaBytes.h"
 #include "editor/render/raster/ResampleKernels.h"
 
 #include <cstring>
@@ -13,23 +12,11 @@
 #define FRAMORA_RESAMPLE_WRITERS
 #endif
 
+#include "editor/render/raster/MixVectors-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace framora::raster::HWY_NAMESPACE {
 #if HWY_TARGET != HWY_SCALAR && !HWY_HAVE_SCALABLE
-
-namespace hn = hwy::HWY_NAMESPACE;
-
-using Lanes = hn::CappedTag<std::int16_t, 32>;
-using Vector = hn::Vec<Lanes>;
-constexpr Lanes lanes;
-
-HWY_INLINE Vector loadPixels(const MixPixel* from) {
-    return hn::LoadU(lanes, reinterpret_cast<const std::int16_t*>(from));
-}
-
-HWY_INLINE void storePixels(Vector pixels, MixPixel* to) {
-    hn::StoreU(pixels, lanes, reinterpret_cast<std::int16_t*>(to));
-}
 
 /// The least that a valid sum of opaque pixels is: alpha is one.
 HWY_INLINE Vector leastOpaque() {
@@ -47,15 +34,12 @@ template <Alpha alpha> struct MixWriter {
         if constexpr (alpha == Alpha::opaque) {
             return hn::ShiftLeft<2>(hn::Min(hn::Max(sums, leastOpaque()), one));
         } else {
-            const hn::Repartition<std::uint8_t, Lanes> bytes;
             const auto positive = hn::Max(sums, hn::Zero(lanes));
-            const auto limit = hn::BitCast(
-                lanes, hn::TableLookupBytes(hn::BitCast(bytes, positive), hn::LoadDup128(bytes, alphaBytes)));
-            return hn::ShiftLeft<2>(hn::Min(positive, hn::Min(limit, one)));
+            return hn::ShiftLeft<2>(hn::Min(positive, hn::Min(alphas(positive), one)));
         }
     }
     /// A vector, or the first `count` pixels of it.
-    static HWY_INLINE void write(Vector sums, MixPixel* to) { storePixels(clamped(sums), to); }
+    static HWY_INLINE void write(Vector sums, MixPixel* to) { store(clamped(sums), to); }
     static HWY_INLINE void writeFirst(Vector sums, MixPixel* to, int count) {
         alignas(64) std::int16_t part[32];
         hn::Store(clamped(sums), lanes, part);
