@@ -260,6 +260,7 @@ void GlassBackdrop::blurRun(int blockRow, const Run& run, const BlurTaps& gaussi
         sources.push_back(knownCells(blockRow * side + y - radius, run.first - radius, width,
                                      copies.data() + std::ptrdiff_t(y) * width));
     std::vector<const MixPixel*> shifted;
+    shifted.reserve(std::size_t(taps.count));
     for (int tap = 0; tap < taps.count; ++tap)
         shifted.push_back(lowered.data() + tap);
     for (int y = 0; y <= side; ++y) {

@@ -33,9 +33,9 @@ void halveRows(const MixPixel* upper, const MixPixel* lower, std::size_t count, 
     constexpr Words words;
     const hn::Rebind<std::int16_t, Words> half;
     // The lower half of each word, and the upper one.
-    const auto even = [](Vector v)
+    const auto even = [&](Vector v)
                           HWY_ATTR { return hn::ShiftRight<16>(hn::ShiftLeft<16>(hn::BitCast(words, v))); };
-    const auto odd = [](Vector v) HWY_ATTR { return hn::ShiftRight<16>(hn::BitCast(words, v)); };
+    const auto odd = [&](Vector v) HWY_ATTR { return hn::ShiftRight<16>(hn::BitCast(words, v)); };
     const std::size_t step = hn::Lanes(lanes) / 4 / 2; // means
     std::size_t i = 0;
     for (; i + step <= count; i += step) {
