@@ -23,6 +23,9 @@ int cellSize(double deviation, double leastCells) {
 
 /// The blur that all has already that is seen within `margin` pixels of the window; 0 if any of it is sharp.
 double blurBehind(const GlassWindow& window, int margin, const std::vector<Layer>& layers) {
+    const auto isSharp = [](const Layer& layer) { return layer.paint->blurDeviation() == 0; };
+    if (std::ranges::all_of(layers, isSharp))
+        return 0;
     GlassWindow::Columns columns{window.width(), 0};
     GlassWindow::Columns rows{window.height(), 0};
     for (int y = 0; y < window.height(); ++y) {

@@ -60,8 +60,7 @@ void blendCovered(const Layer& layer, MixPixel* under, const MixPixel* shaded, c
 void blendWhole(const Layer& layer, MixPixel* under, const MixPixel* shaded, const MixPixel* coverage,
                 std::size_t count) {
     const std::int16_t even = replicated(layer.opacity).channel[0];
-    if (layer.opacity == 1 && (layer.blend == Layer::Blend::replace ||
-                               (layer.blend == Layer::Blend::normal && layer.paint->isOpaque())))
+    if (hidesWhatLiesUnder(layer))
         std::copy_n(shaded, count, under);
     else if (layer.blend == Layer::Blend::replace)
         blendInstead(under, shaded, coverage, count);
